@@ -1,0 +1,23 @@
+# Installs the Debian 12 packages the project needs, when missing.
+# Sourced by scripts/run and scripts/test.
+QUELMO_PACKAGES="cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite \
+libsqlite3-dev libcurl4-openssl-dev libcpp-httplib-dev libgl-dev sqlite3 xvfb xauth"
+
+quelmo_install_deps() {
+    local missing=""
+    for p in $QUELMO_PACKAGES; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+    done
+    [ -z "$missing" ] && return 0
+    echo "Instalando:$missing"
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    $sudo apt-get update
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends $missing
+}
+
+quelmo_build() {
+    local root="$1" build="$2"
+    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build "$build" -j"$(nproc)"
+}

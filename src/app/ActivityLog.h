@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QStringList>
+#include <functional>
+
+// The in-memory activity log: one line per event, "{date time} - {text}",
+// in order of arrival, without limit, written to no file. A list model, so
+// the log panel shows thousands of lines without a widget per line.
+class ActivityLog : public QAbstractListModel {
+    Q_OBJECT
+public:
+    explicit ActivityLog(QObject* parent = nullptr);
+
+    void append(const QString& line);
+    void clear();
+    const QStringList& lines() const { return m_lines; }
+    QString last() const { return m_lines.isEmpty() ? QString() : m_lines.last(); }
+
+    // Headless mode prints each line as it comes.
+    void setEcho(std::function<void(const QString&)> echo) { m_echo = std::move(echo); }
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+
+Q_SIGNALS:
+    // After a line was added; the panel selects it, which scrolls to the end.
+    void lineAdded(int row);
+
+private:
+    QStringList m_lines;
+    std::function<void(const QString&)> m_echo;
+};

@@ -1,0 +1,35 @@
+#include "app/AppState.h"
+
+#include "app/HeadlessInterface.h"
+
+using namespace Qt::StringLiterals;
+
+int16_t versionCodigo() {
+    return int16_t(QString::number(kVersionMajor)
+                       .append(QString::number(kVersionMinor))
+                       .append(QString::number(kVersionRevision))
+                       .toInt());
+}
+
+QString tituloAplicacion() {
+    return u"Quelmo Mensajes SMS (v.%1.%2.%3)"_s.arg(kVersionMajor)
+        .arg(kVersionMinor)
+        .arg(kVersionRevision);
+}
+
+QString identificacionAplicacion() {
+    return u"Quelmo Mensajes SMS - "_s + QString::number(versionCodigo());
+}
+
+AppState& appState() {
+    static AppState s;
+    return s;
+}
+
+UserInterface& ui() {
+    static HeadlessInterface porDefecto;
+    AppState& s = appState();
+    return s.ui ? *s.ui : porDefecto;
+}
+
+void setUserInterface(UserInterface* ui) { appState().ui = ui; }

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/ActivityLog.h"
+#include "app/UserInterface.h"
+#include "db/Database.h"
+
+#include <QString>
+#include <cstdint>
+
+// The version of this release: Major, Minor, Revision.
+inline constexpr int kVersionMajor = 3;
+inline constexpr int kVersionMinor = 2;
+inline constexpr int kVersionRevision = 5;
+// The three numbers written one behind the other: 325.
+int16_t versionCodigo();
+// "Quelmo Mensajes SMS (v.3.2.5)": the main window's caption and the title
+// of every message box without one of its own.
+QString tituloAplicacion();
+// How this program introduces itself to the platform: "{name} - 325".
+QString identificacionAplicacion();
+
+// The password sentinel meaning "no access password".
+inline constexpr char16_t kSinClave[] = u"sinclavedeentrada";
+
+// The shared state record: one per process, public to the whole program.
+struct AppState {
+    QString gsCadenaConexion;
+    Database Conexion;  // the one connection; every routine's SQL goes through it
+    int16_t giMaxLote = 0;
+    QString gsClaveAcceso;
+    QString gsClaveIntroducida;
+    bool gbEnviando = false;
+    bool gbImportado = false;
+    QString MovilCuenta;
+    QString gsVersionPlataforma;
+    QString gsSaldoCuenta;
+    QString gsDestinos;
+
+    ActivityLog log;
+    UserInterface* ui = nullptr;
+};
+
+AppState& appState();
+// The interface in use (headless defaults until a GUI or a test sets one).
+UserInterface& ui();
+void setUserInterface(UserInterface* ui);

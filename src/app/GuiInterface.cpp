@@ -1,0 +1,89 @@
+#include "app/GuiInterface.h"
+
+#include "app/AppState.h"
+#include "app/Settings.h"
+#include "app/mdoMain.h"
+#include "db/mdoDB.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
+    QMessageBox box(m_owner);
+    box.setWindowTitle(title.isEmpty() ? tituloAplicacion() : title);
+    box.setText(text);
+    const int icono = style & 0x70;
+    box.setIcon(icono == Msg::Critical      ? QMessageBox::Critical
+                : icono == Msg::Exclamation ? QMessageBox::Warning
+                : icono == Msg::Information ? QMessageBox::Information
+                                            : QMessageBox::NoIcon);
+    QList<QPair<QAbstractButton*, int>> botones;
+    auto anadir = [&](QMessageBox::StandardButton b, int answer) {
+        botones.append({box.addButton(b), answer});
+    };
+    switch (style & 7) {
+        case Msg::YesNoCancel:
+            anadir(QMessageBox::Yes, Msg::Yes);
+            anadir(QMessageBox::No, Msg::No);
+            anadir(QMessageBox::Cancel, Msg::Cancel);
+            break;
+        case Msg::YesNo:
+            anadir(QMessageBox::Yes, Msg::Yes);
+            anadir(QMessageBox::No, Msg::No);
+            break;
+        case 1:
+            anadir(QMessageBox::Ok, Msg::Ok);
+            anadir(QMessageBox::Cancel, Msg::Cancel);
+            break;
+        default: anadir(QMessageBox::Ok, Msg::Ok);
+    }
+    const int porDefecto = Msg::defaultAnswer(style);
+    for (const auto& [boton, answer] : botones)
+        if (answer == porDefecto) box.setDefaultButton(qobject_cast<QPushButton*>(boton));
+    box.exec();
+    for (const auto& [boton, answer] : botones)
+        if (box.clickedButton() == boton) return answer;
+    return (style & 7) == Msg::OkOnly ? Msg::Ok : Msg::Cancel;
+}
+
+QString GuiInterface::askPassword() {
+    bool ok = false;
+    const QString t = QInputDialog::getText(m_owner, tituloAplicacion(),
+                                            u"Contraseña de acceso:"_s, QLineEdit::Password,
+                                            QString(), &ok);
+    return ok ? t : QString();
+}
+
+void GuiInterface::showSelectDatabase() {
+    const QString actual = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
+    const QString elegido = QFileDialog::getOpenFileName(
+        m_owner, u"Seleccione su Base de Datos"_s, QFileInfo(actual).absolutePath(),
+        u"Bases de Datos (*.db);;Todos (*)"_s);
+    if (elegido.isEmpty()) return;
+    if (!msValidarBD(elegido)) msActualizarBD(elegido);
+    if (!msValidarBD(elegido)) {
+        msgBox(u"Base de datos no valida"_s, Msg::Exclamation, QString());
+        return;
+    }
+    if (!msAbrirBD(elegido)) {
+        msgBox(u"Imposible conectar con la base de datos"_s, Msg::Exclamation, QString());
+        return;
+    }
+    Settings::saveSetting(u"BD"_s, u"Path"_s, elegido);
+}
+
+void GuiInterface::openUrl(const QString& target) {
+    const QUrl url = QFileInfo::exists(target) ? QUrl::fromLocalFile(target)
+                                               : QUrl::fromUserInput(target);
+    QDesktopServices::openUrl(url);
+}
+
+void GuiInterface::terminateWithoutDatabase() { std::_Exit(0); }

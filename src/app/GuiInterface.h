@@ -1,0 +1,22 @@
+#pragma once
+
+#include "app/UserInterface.h"
+
+class QWidget;
+
+// The user interface of the desktop: message boxes, the password prompt,
+// the database selection and the desktop's browser.
+class GuiInterface : public UserInterface {
+public:
+    explicit GuiInterface(QWidget* owner = nullptr) : m_owner(owner) {}
+    void setOwner(QWidget* owner) { m_owner = owner; }
+
+    int msgBox(const QString& text, int style, const QString& title) override;
+    QString askPassword() override;
+    void showSelectDatabase() override;
+    void openUrl(const QString& target) override;
+    [[noreturn]] void terminateWithoutDatabase() override;
+
+private:
+    QWidget* m_owner;
+};

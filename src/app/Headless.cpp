@@ -1,0 +1,84 @@
+#include "app/Headless.h"
+
+#include "app/AppState.h"
+#include "app/HeadlessInterface.h"
+#include "app/Startup.h"
+#include "app/Transmitter.h"
+#include "app/mdoMain.h"
+#include "scheduling/clsTareasPendientes.h"
+
+#include <QCoreApplication>
+#include <QLockFile>
+#include <QSocketNotifier>
+#include <QTextStream>
+#include <csignal>
+#include <cstdio>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+int g_senal[2] = {-1, -1};
+
+void alRecibirSenal(int) {
+    const char c = 1;
+    [[maybe_unused]] const auto n = ::write(g_senal[1], &c, 1);
+}
+}  // namespace
+
+int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
+    QCoreApplication app(argc, argv);
+    nombrarAplicacion();
+
+    QLockFile bloqueo(rutaBloqueoInstancia());
+    if (!adquirirInstanciaUnica(bloqueo)) return 0;
+
+    HeadlessInterface interfaz;
+    setUserInterface(&interfaz);
+    AppState& g = appState();
+    g.log.setEcho([](const QString& linea) {
+        static QTextStream out(stdout);
+        out << linea << Qt::endl;
+    });
+
+    if (!prepararBaseInicial()) {
+        QTextStream(stderr) << u"No se pudo preparar la base de datos inicial en "_s
+                            << rutaBaseDefecto() << Qt::endl;
+    }
+
+    // What the main window's load and first activation do, without screens
+    // and without the balance exchange of the first-run logic.
+    Transmitter transmisor;
+    transmisor.armarTemporizador();
+    cargarClaveAcceso();
+    msAbrirBaseInicial();
+    clsTareasPendientes().PendientesEnviar();
+
+    if (unaVez) {
+        transmisor.msForzarEnvio();
+        transmisor.detener();
+        g.Conexion.close();
+        return 0;
+    }
+
+    // SIGINT and SIGTERM stop between runs: the tick runs to its end first.
+    ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_senal);
+    QSocketNotifier notificador(g_senal[0], QSocketNotifier::Read);
+    QObject::connect(&notificador, &QSocketNotifier::activated, &app, [&] {
+        char c;
+        [[maybe_unused]] const auto n = ::read(g_senal[0], &c, 1);
+        transmisor.detener();
+        QCoreApplication::quit();
+    });
+    struct sigaction sa {};
+    sa.sa_handler = alRecibirSenal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &sa, nullptr);
+    sigaction(SIGTERM, &sa, nullptr);
+
+    const int codigo = app.exec();
+    g.Conexion.close();
+    return codigo;
+}

@@ -1,0 +1,35 @@
+#include "app/Startup.h"
+
+#include "app/AppState.h"
+#include "app/Error.h"
+#include "app/Settings.h"
+#include "app/mdoMain.h"
+
+#include <QCoreApplication>
+#include <QLockFile>
+
+using namespace Qt::StringLiterals;
+
+void nombrarAplicacion() {
+    QCoreApplication::setOrganizationName(u"Quelmo"_s);
+    QCoreApplication::setApplicationName(u"Quelmo Mensajes SMS"_s);
+    QCoreApplication::setApplicationVersion(
+        u"%1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
+}
+
+QString rutaBloqueoInstancia() { return directorioAplicacion() + u"/quelmo-sms.lock"_s; }
+
+bool adquirirInstanciaUnica(QLockFile& lock) {
+    lock.setStaleLockTime(0);
+    return lock.tryLock(0);
+}
+
+void cargarClaveAcceso() {
+    AppState& g = appState();
+    g.gsClaveAcceso = QString::fromUtf16(kSinClave);
+    try {
+        const QString guardada = Settings::getSetting(u"Tr"_s, u"pwc"_s);
+        if (!guardada.isEmpty()) g.gsClaveAcceso = msCifrarClave(guardada, false);
+    } catch (const QuelmoError&) {
+    }
+}

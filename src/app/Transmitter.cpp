@@ -1,0 +1,70 @@
+#include "app/Transmitter.h"
+
+#include "app/Clock.h"
+#include "app/Conversions.h"
+#include "app/Error.h"
+#include "app/Settings.h"
+#include "delivery/mdoSendRavion.h"
+#include "scheduling/clsTareasPendientes.h"
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QTime>
+
+using namespace Qt::StringLiterals;
+
+Transmitter::Transmitter(QObject* parent) : QObject(parent) {
+    m_timer.setObjectName(u"Timer1"_s);
+    m_timer.setInterval(30000);
+    connect(&m_timer, &QTimer::timeout, this, &Transmitter::Timer1_Timer);
+}
+
+void Transmitter::armarTemporizador() {
+    const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s, u"60"_s);
+    int segundos = 60;
+    if (esNumerico(leido)) {
+        try {
+            segundos = aEntero16(leido);
+            if (segundos < 15) segundos = 60;
+        } catch (const QuelmoError&) {
+            // Too large for the setting's type: the timer keeps its value.
+            m_timer.stop();
+            m_timer.start();
+            return;
+        }
+    }
+    Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
+    establecerIntervalo(segundos);
+}
+
+void Transmitter::establecerIntervalo(int segundos) {
+    m_timer.setInterval(segundos * 1000);
+    m_timer.stop();
+    if (!m_detenido) m_timer.start();
+}
+
+void Transmitter::Timer1_Timer() {
+    if (m_detenido) return;
+    // 1. No tick can come while this one runs.
+    m_timer.stop();
+    // 2. Scheduled messages go into the outbox whatever the switch says.
+    clsTareasPendientes().ReLoad();
+    // 3.
+    SendMessage();
+    // 4. A full interval from now.
+    if (!m_detenido) m_timer.start();
+    Q_EMIT tickTerminado();
+}
+
+void Transmitter::detener() {
+    m_detenido = true;
+    m_timer.stop();
+}
+
+void Pausa(int seconds) {
+    const int inicio = QTime::currentTime().msecsSinceStartOfDay() / 1000;
+    while (QTime::currentTime().msecsSinceStartOfDay() / 1000 < inicio + seconds) {
+        if (QCoreApplication::instance()) QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+
+// Styles and answers of the message boxes, with the numbers the rules use.
+namespace Msg {
+inline constexpr int OkOnly = 0;
+inline constexpr int YesNoCancel = 3;
+inline constexpr int YesNo = 4;
+inline constexpr int Critical = 16;
+inline constexpr int Exclamation = 48;
+inline constexpr int Information = 64;
+inline constexpr int DefaultButton2 = 256;
+inline constexpr int DefaultButton3 = 512;
+
+inline constexpr int Ok = 1;
+inline constexpr int Cancel = 2;
+inline constexpr int Yes = 6;
+inline constexpr int No = 7;
+
+// The answer that pressing Enter on a box of this style gives.
+int defaultAnswer(int style);
+}  // namespace Msg
+
+// Where the core must ask or tell the user, or show a screen, it goes
+// through this interface: the GUI implements it with dialogs, tests with
+// scripted answers, headless mode with default answers.
+class UserInterface {
+public:
+    virtual ~UserInterface() = default;
+
+    // A message box; an empty title means the application's title.
+    virtual int msgBox(const QString& text, int style = Msg::OkOnly,
+                       const QString& title = QString()) = 0;
+    // The password prompt, shown modally; returns what the user typed.
+    virtual QString askPassword() = 0;
+    // The database selection screen in database mode, shown modally.
+    virtual void showSelectDatabase() = 0;
+    // The first-run account set-up, shown modally.
+    virtual void showFirstRunSetup() {}
+    // Hands an address or a document to the desktop.
+    virtual void openUrl(const QString& target) = 0;
+    // True when the compose screen is the active child screen.
+    virtual bool composeScreenActive() { return false; }
+    // Reloads the compose screen's accounts and balance.
+    virtual void refreshComposeAccounts() {}
+    // The process can't go on without a usable database.
+    [[noreturn]] virtual void terminateWithoutDatabase() = 0;
+    // One turn of the event loop.
+    virtual void processEvents();
+};

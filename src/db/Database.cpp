@@ -1,0 +1,269 @@
+#include "db/Database.h"
+
+#include "app/Clock.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Names and aliases compare without regard to case, accented letters too
+// ("Á" equals "á"), as users expect of an address book.
+int compararSinMayusculas(void*, int n1, const void* s1, int n2, const void* s2) {
+    const QString a = QString::fromUtf8(static_cast<const char*>(s1), n1);
+    const QString b = QString::fromUtf8(static_cast<const char*>(s2), n2);
+    return QString::compare(a, b, Qt::CaseInsensitive);
+}
+
+void funcionMayusculas(sqlite3_context* ctx, int, sqlite3_value** argv) {
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const auto* t = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const QByteArray u = QString::fromUtf8(t, sqlite3_value_bytes(argv[0])).toUpper().toUtf8();
+    sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
+}
+
+void funcionMinusculas(sqlite3_context* ctx, int, sqlite3_value** argv) {
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const auto* t = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const QByteArray u = QString::fromUtf8(t, sqlite3_value_bytes(argv[0])).toLower().toUtf8();
+    sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
+}
+
+QVariant leerColumna(sqlite3_stmt* stmt, int i) {
+    switch (sqlite3_column_type(stmt, i)) {
+        case SQLITE_NULL: return QVariant();
+        case SQLITE_INTEGER: return QVariant(qlonglong(sqlite3_column_int64(stmt, i)));
+        case SQLITE_FLOAT: return QVariant(sqlite3_column_double(stmt, i));
+        default: {
+            const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt, i));
+            return QVariant(QString::fromUtf8(t, sqlite3_column_bytes(stmt, i)));
+        }
+    }
+}
+
+}  // namespace
+
+int QueryResult::columnIndex(const QString& name) const {
+    for (int i = 0; i < m_columns.size(); ++i)
+        if (m_columns.at(i).compare(name, Qt::CaseInsensitive) == 0) return i;
+    return -1;
+}
+
+const QVariant& QueryResult::value(int row, const QString& column) const {
+    const int i = columnIndex(column);
+    if (i < 0)
+        throw DbError(u"No se encontró el elemento en la colección: "_s + column,
+                      ErrNum::ItemNotFound);
+    return m_rows.at(row).at(i);
+}
+
+Database::~Database() { close(); }
+
+bool Database::open(const QString& path, QString* error) {
+    if (!QFileInfo(path).isFile()) {
+        close();
+        if (error) *error = u"No existe el fichero: "_s + path;
+        return false;
+    }
+    return abrir(path, SQLITE_OPEN_READWRITE, error);
+}
+
+bool Database::create(const QString& path, QString* error) {
+    return abrir(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
+}
+
+bool Database::abrir(const QString& path, int flags, QString* error) {
+    close();
+    sqlite3* db = nullptr;
+    const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        if (error) *error = QString::fromUtf8(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+        sqlite3_close(db);
+        return false;
+    }
+    m_db = db;
+    m_path = path;
+    sqlite3_busy_timeout(m_db, 5000);
+    sqlite3_extended_result_codes(m_db, 1);
+    sqlite3_create_collation(m_db, "NOCASE", SQLITE_UTF8, nullptr, compararSinMayusculas);
+    sqlite3_create_function(m_db, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                            funcionMayusculas, nullptr, nullptr);
+    sqlite3_create_function(m_db, "lower", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                            funcionMinusculas, nullptr, nullptr);
+    try {
+        // A file that is not a database opens lazily; reading the schema tells.
+        query(u"SELECT count(*) FROM sqlite_master"_s);
+        // A committed row survives a crash or a power cut.
+        query(u"PRAGMA journal_mode=WAL"_s);
+        exec(u"PRAGMA synchronous=FULL"_s);
+    } catch (const DbError& e) {
+        if (error) *error = e.description();
+        close();
+        return false;
+    }
+    return true;
+}
+
+void Database::close() {
+    for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
+    m_cache.clear();
+    if (m_db) sqlite3_close_v2(m_db);
+    m_db = nullptr;
+    m_path.clear();
+}
+
+void Database::fallo(const QString& sql) {
+    const QString msg = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : u"Base de datos cerrada"_s;
+    const int num = msg.contains(u"no such column"_s) ? ErrNum::ItemNotFound : ErrNum::Database;
+    throw DbError(msg + u" [" + sql.left(200) + u']', num);
+}
+
+sqlite3_stmt* Database::preparar(const QString& sql) {
+    if (!m_db) throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+    if (sqlite3_stmt* s = m_cache.value(sql)) {
+        sqlite3_reset(s);
+        sqlite3_clear_bindings(s);
+        return s;
+    }
+    sqlite3_stmt* s = nullptr;
+    const QByteArray u = sql.toUtf8();
+    const char* tail = nullptr;
+    if (sqlite3_prepare_v2(m_db, u.constData(), int(u.size()), &s, &tail) != SQLITE_OK || !s) {
+        if (s) sqlite3_finalize(s);
+        fallo(sql);
+    }
+    if (m_cache.size() > 200) {
+        for (sqlite3_stmt* old : std::as_const(m_cache)) sqlite3_finalize(old);
+        m_cache.clear();
+    }
+    m_cache.insert(sql, s);
+    return s;
+}
+
+void Database::vincular(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql) {
+    if (params.size() != sqlite3_bind_parameter_count(stmt))
+        throw DbError(u"Número de parámetros incorrecto [" + sql.left(200) + u']',
+                      ErrNum::Database);
+    for (int i = 0; i < params.size(); ++i) {
+        const QVariant& v = params.at(i);
+        int rc = SQLITE_OK;
+        if (v.isNull()) {
+            rc = sqlite3_bind_null(stmt, i + 1);
+        } else {
+            switch (v.typeId()) {
+                case QMetaType::Bool:
+                case QMetaType::Int:
+                case QMetaType::UInt:
+                case QMetaType::LongLong:
+                case QMetaType::ULongLong:
+                case QMetaType::Short:
+                case QMetaType::UShort:
+                case QMetaType::Char:
+                case QMetaType::UChar:
+                    rc = sqlite3_bind_int64(stmt, i + 1, v.toLongLong());
+                    break;
+                case QMetaType::Double:
+                case QMetaType::Float:
+                    rc = sqlite3_bind_double(stmt, i + 1, v.toDouble());
+                    break;
+                case QMetaType::QDateTime: {
+                    const QByteArray t = aTextoBD(v.toDateTime()).toUtf8();
+                    rc = sqlite3_bind_text(stmt, i + 1, t.constData(), int(t.size()),
+                                           SQLITE_TRANSIENT);
+                    break;
+                }
+                case QMetaType::QDate: {
+                    const QByteArray t = aTextoBD(QDateTime(v.toDate(), QTime(0, 0))).toUtf8();
+                    rc = sqlite3_bind_text(stmt, i + 1, t.constData(), int(t.size()),
+                                           SQLITE_TRANSIENT);
+                    break;
+                }
+                default: {
+                    const QByteArray t = v.toString().toUtf8();
+                    rc = sqlite3_bind_text(stmt, i + 1, t.constData(), int(t.size()),
+                                           SQLITE_TRANSIENT);
+                }
+            }
+        }
+        if (rc != SQLITE_OK) fallo(sql);
+    }
+}
+
+QueryResult Database::query(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = preparar(sql);
+    vincular(s, params, sql);
+    QueryResult r;
+    const int n = sqlite3_column_count(s);
+    r.m_columns.reserve(n);
+    for (int i = 0; i < n; ++i) r.m_columns.append(QString::fromUtf8(sqlite3_column_name(s, i)));
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
+        QVector<QVariant> fila;
+        fila.reserve(n);
+        for (int i = 0; i < n; ++i) fila.append(leerColumna(s, i));
+        r.m_rows.append(std::move(fila));
+    }
+    if (rc != SQLITE_DONE) {
+        sqlite3_reset(s);
+        fallo(sql);
+    }
+    sqlite3_reset(s);
+    return r;
+}
+
+int Database::exec(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = preparar(sql);
+    vincular(s, params, sql);
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
+    }
+    if (rc != SQLITE_DONE) {
+        sqlite3_reset(s);
+        fallo(sql);
+    }
+    sqlite3_reset(s);
+    return sqlite3_changes(m_db);
+}
+
+void Database::execScript(const QString& sql) {
+    if (!m_db) throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+    char* err = nullptr;
+    if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {
+        const QString msg = QString::fromUtf8(err ? err : "error");
+        sqlite3_free(err);
+        throw DbError(msg, ErrNum::Database);
+    }
+}
+
+long long Database::lastInsertId() const { return m_db ? sqlite3_last_insert_rowid(m_db) : 0; }
+
+bool Database::hasTable(const QString& table) {
+    return !query(u"SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"_s,
+                  {table})
+                .isEmpty();
+}
+
+bool Database::hasColumn(const QString& table, const QString& column) {
+    const QueryResult r = query(u"SELECT name FROM pragma_table_info(?)"_s, {table});
+    for (int i = 0; i < r.recordCount(); ++i)
+        if (r.value(i, 0).toString().compare(column, Qt::CaseInsensitive) == 0) return true;
+    return false;
+}
+
+void Database::begin() { exec(u"BEGIN IMMEDIATE"_s); }
+void Database::commit() { exec(u"COMMIT"_s); }
+void Database::rollback() {
+    if (m_db && !sqlite3_get_autocommit(m_db)) exec(u"ROLLBACK"_s);
+}
+void Database::savepoint(const QString& name) { exec(u"SAVEPOINT "_s + name); }
+void Database::release(const QString& name) { exec(u"RELEASE "_s + name); }
+void Database::rollbackTo(const QString& name) { exec(u"ROLLBACK TO "_s + name); }

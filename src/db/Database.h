@@ -1,0 +1,90 @@
+#pragma once
+
+#include "app/Error.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+// A failed statement or open. Its number is ErrNum::Database (or
+// ErrNum::ItemNotFound for a missing column), its description the engine's.
+class DbError : public QuelmoError {
+public:
+    using QuelmoError::QuelmoError;
+};
+
+// The rows of a query, fetched at once, so their count is known at once and
+// no read lock outlives the call.
+class QueryResult {
+public:
+    int recordCount() const { return int(m_rows.size()); }
+    bool isEmpty() const { return m_rows.isEmpty(); }
+    int columnCount() const { return int(m_columns.size()); }
+    const QStringList& columns() const { return m_columns; }
+    // Column position by name, ignoring case; -1 when absent.
+    int columnIndex(const QString& name) const;
+
+    const QVariant& value(int row, int column) const { return m_rows.at(row).at(column); }
+    // Throws DbError (ErrNum::ItemNotFound) for a column the result lacks.
+    const QVariant& value(int row, const QString& column) const;
+    const QVector<QVariant>& row(int row) const { return m_rows.at(row); }
+
+private:
+    friend class Database;
+    QStringList m_columns;
+    QVector<QVector<QVariant>> m_rows;
+};
+
+// One SQLite connection. Every value is a bound parameter: "?" in the text,
+// in the order of `params`. Dates go in as QDateTime and are stored as
+// "yyyy-MM-dd HH:mm:ss"; they come back as that text.
+class Database {
+public:
+    Database() = default;
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    // Opens an existing database file (never creates one). False when the
+    // file is missing or is not a database; `error` then says why.
+    bool open(const QString& path, QString* error = nullptr);
+    // Creates a new, empty database file (for the build and for tests).
+    bool create(const QString& path, QString* error = nullptr);
+    void close();
+    bool isOpen() const { return m_db != nullptr; }
+    const QString& path() const { return m_path; }
+
+    QueryResult query(const QString& sql, const QVariantList& params = {});
+    // Runs one statement; returns the number of rows it changed.
+    int exec(const QString& sql, const QVariantList& params = {});
+    // Runs several statements without parameters (schema scripts).
+    void execScript(const QString& sql);
+    long long lastInsertId() const;
+    bool hasColumn(const QString& table, const QString& column);
+    bool hasTable(const QString& table);
+
+    // Transactions and savepoints, for the few places that group writes.
+    void begin();
+    void commit();
+    void rollback();
+    void savepoint(const QString& name);
+    void release(const QString& name);
+    void rollbackTo(const QString& name);
+
+    sqlite3* handle() const { return m_db; }
+
+private:
+    bool abrir(const QString& path, int flags, QString* error);
+    sqlite3_stmt* preparar(const QString& sql);
+    void vincular(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
+    [[noreturn]] void fallo(const QString& sql);
+
+    sqlite3* m_db = nullptr;
+    QString m_path;
+    QHash<QString, sqlite3_stmt*> m_cache;
+};

@@ -1,0 +1,160 @@
+#include "db/Schema.h"
+
+#include "db/Database.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Tables whose layout did not change between the generations.
+const auto kComun = uR"SQL(
+CREATE TABLE Grupos (
+    Grupo INTEGER NOT NULL PRIMARY KEY,
+    Nombre TEXT(50) COLLATE NOCASE
+);
+CREATE TABLE AboGrup (
+    Abonado TEXT(50) NOT NULL,
+    Grupo INTEGER NOT NULL
+);
+CREATE INDEX AboGrup_Grupo ON AboGrup (Grupo);
+CREATE INDEX AboGrup_Abonado ON AboGrup (Abonado);
+CREATE TABLE MenPro (
+    Mensaje INTEGER NOT NULL PRIMARY KEY,
+    Texto TEXT(160)
+);
+CREATE TABLE envios (
+    Id INTEGER PRIMARY KEY AUTOINCREMENT,
+    Registro DATETIME,
+    Canal INTEGER,
+    Abonado TEXT(50),
+    Mensaje TEXT,
+    intento INTEGER
+);
+CREATE INDEX envios_Canal ON envios (Canal);
+)SQL"_s;
+
+const auto kActual = uR"SQL(
+CREATE TABLE Canales (
+    Canal INTEGER NOT NULL PRIMARY KEY,
+    Nombre TEXT(50) COLLATE NOCASE,
+    maxmen INTEGER,
+    Puerto INTEGER,
+    Host TEXT(255),
+    usuario TEXT(50),
+    clave TEXT(50),
+    Saldo NUMERIC,
+    Principal INTEGER,
+    Remitente TEXT(16),
+    remopc INTEGER DEFAULT 0,
+    tini TEXT(50),
+    tfin TEXT(50),
+    imptextos INTEGER DEFAULT 0,
+    movil TEXT(16)
+);
+CREATE TABLE Abonados (
+    Codigo TEXT(50) NOT NULL PRIMARY KEY,
+    Alias TEXT(100) COLLATE NOCASE,
+    Comentario TEXT(100),
+    Canal INTEGER
+);
+CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
+CREATE TABLE HEnvios (
+    Abonado TEXT(50),
+    Registro DATETIME,
+    Mensaje TEXT,
+    Resultado TEXT,
+    Canal INTEGER,
+    crem TEXT(50)
+);
+CREATE INDEX HEnvios_Registro ON HEnvios (Registro);
+CREATE TABLE opciones (
+    id INTEGER NOT NULL PRIMARY KEY DEFAULT 1,
+    maxlote INTEGER DEFAULT 50,
+    solocontactos INTEGER DEFAULT 0,
+    imgfondo TEXT(255) DEFAULT ''
+);
+INSERT INTO opciones (id, maxlote, solocontactos, imgfondo) VALUES (1, 50, 0, '');
+CREATE TABLE Automaticos (
+    Codigo INTEGER NOT NULL PRIMARY KEY,
+    Nombre TEXT(50) COLLATE NOCASE,
+    TareaProgramada BOOLEAN,
+    Hora DATETIME,
+    Periodicidad SMALLINT,
+    FechaIni DATETIME,
+    FechaFin DATETIME,
+    Cada SMALLINT,
+    DiasSemana INTEGER,
+    MensualEsDia BOOLEAN,
+    MensualDiaMes INTEGER,
+    MensualNumSemana INTEGER,
+    MensualDiaSemana INTEGER,
+    AnualDia INTEGER,
+    AnualMes INTEGER,
+    UltimaTarea DATETIME
+);
+CREATE TABLE AboAuto (
+    id_AboAuto INTEGER PRIMARY KEY AUTOINCREMENT,
+    Automatico INTEGER,
+    Abonado TEXT(50),
+    Mensaje TEXT
+);
+CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
+)SQL"_s;
+
+// An older release: no sender or texts per account, no options, no
+// schedule, one row per contact and multi-send, narrower aliases.
+const auto kBase = uR"SQL(
+CREATE TABLE Canales (
+    Canal INTEGER NOT NULL PRIMARY KEY,
+    Nombre TEXT(50) COLLATE NOCASE,
+    maxmen INTEGER,
+    Puerto INTEGER,
+    Host TEXT(255),
+    usuario TEXT(50),
+    clave TEXT(50),
+    Saldo NUMERIC,
+    Principal INTEGER
+);
+CREATE TABLE Abonados (
+    Codigo TEXT(50) NOT NULL PRIMARY KEY,
+    Alias TEXT(30) COLLATE NOCASE,
+    Comentario TEXT(50),
+    Canal INTEGER
+);
+CREATE TABLE HEnvios (
+    Abonado TEXT(50),
+    Registro DATETIME,
+    Mensaje TEXT,
+    Resultado TEXT,
+    Canal INTEGER
+);
+CREATE TABLE Automaticos (
+    Codigo INTEGER NOT NULL PRIMARY KEY,
+    Nombre TEXT(50) COLLATE NOCASE
+);
+CREATE TABLE AboAuto (
+    Automatico INTEGER NOT NULL,
+    Abonado TEXT(50) NOT NULL,
+    Mensaje TEXT,
+    PRIMARY KEY (Automatico, Abonado)
+);
+)SQL"_s;
+
+void crear(Database& db, const QString& propio) {
+    db.begin();
+    try {
+        db.execScript(kComun);
+        db.execScript(propio);
+        db.commit();
+    } catch (...) {
+        db.rollback();
+        throw;
+    }
+}
+
+}  // namespace
+
+namespace Schema {
+void crearActual(Database& db) { crear(db, kActual); }
+void crearBase(Database& db) { crear(db, kBase); }
+}  // namespace Schema

@@ -1,0 +1,30 @@
+// The entry point of the GUI module: `Main` of the desktop application.
+#include "app/AppState.h"
+#include "app/GuiInterface.h"
+#include "app/Startup.h"
+#include "app/mdiMain.h"
+#include "app/mdoMain.h"
+
+#include <QApplication>
+#include <QLockFile>
+
+extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    nombrarAplicacion();
+    // 2. A second instance for this user ends at once, silently.
+    QLockFile bloqueo(rutaBloqueoInstancia());
+    if (!adquirirInstanciaUnica(bloqueo)) return 0;
+    prepararBaseInicial();
+
+    GuiInterface interfaz;
+    setUserInterface(&interfaz);
+    // 3-4. The title, then the main window with its load and first activation.
+    mdiMain ventana;
+    interfaz.setOwner(&ventana);
+    ventana.show();
+    // 5. After the access gate, the compose screen (it comes with its own screen).
+    QObject::connect(&ventana, &mdiMain::primeraActivacionTerminada, &ventana, [] {
+        msComprobarAcceso();
+    });
+    return app.exec();
+}

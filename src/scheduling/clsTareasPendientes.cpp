@@ -1,0 +1,5 @@
+#include "scheduling/clsTareasPendientes.h"
+
+int16_t clsTareasPendientes::ReLoad() { return 0; }
+
+int16_t clsTareasPendientes::PendientesEnviar() { return 0; }

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "app/UserInterface.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <functional>
+#include <optional>
+
+// A temporary home for one test executable: XDG_CONFIG_HOME, XDG_DATA_HOME
+// and HOME point into it, so no test touches the real home.
+class TestWorld {
+public:
+    TestWorld();
+    QString root() const { return m_dir.path(); }
+    QString configHome() const { return m_dir.path() + QStringLiteral("/config"); }
+    QString dataHome() const { return m_dir.path() + QStringLiteral("/data"); }
+    // The application directory inside the data home.
+    QString appDir() const;
+    // A fresh settings store and an empty application directory, and the
+    // shared connection closed (call in each test's init).
+    void reset();
+
+private:
+    QTemporaryDir m_dir;
+};
+
+// The clock pinned to an instant that the test moves.
+class FixedClock {
+public:
+    explicit FixedClock(const QDateTime& at);
+    ~FixedClock();
+    void set(const QDateTime& at) { m_now = at; }
+    void advance(int seconds) { m_now = m_now.addSecs(seconds); }
+    QDateTime now() const { return m_now; }
+
+private:
+    QDateTime m_now;
+};
+
+// A message box that the scripted interface saw.
+struct ShownBox {
+    QString text;
+    int style;
+    QString title;
+};
+
+// Answers questions from a script; without one, a box takes its default
+// answer. It records every box, prompt and address it was given.
+class ScriptedInterface : public UserInterface {
+public:
+    ScriptedInterface();
+    ~ScriptedInterface() override;
+
+    QList<int> answers;          // next answers to message boxes, in order
+    QStringList passwords;       // next texts typed at the password prompt
+    std::function<void()> onSelectDatabase;  // what the selection screen does
+    std::function<void()> onProcessEvents;   // called at each turn of the loop
+
+    QList<ShownBox> boxes;
+    int passwordPrompts = 0;
+    int selectDatabaseShown = 0;
+    int firstRunShown = 0;
+    QStringList openedUrls;
+    bool composeActive = false;
+    int composeRefreshes = 0;
+
+    int msgBox(const QString& text, int style, const QString& title) override;
+    QString askPassword() override;
+    void showSelectDatabase() override;
+    void showFirstRunSetup() override;
+    void openUrl(const QString& target) override;
+    bool composeScreenActive() override { return composeActive; }
+    void refreshComposeAccounts() override { ++composeRefreshes; }
+    [[noreturn]] void terminateWithoutDatabase() override;
+    void processEvents() override;
+};
+
+// What terminateWithoutDatabase throws in tests instead of ending the process.
+struct TerminatedWithoutDatabase {};
+
+namespace TestDb {
+// New database files of either generation; the path of the file.
+QString createCurrent(const QString& path);
+QString createBaseline(const QString& path);
+// Opens `path` as the shared connection (fails the test if it can't).
+void openShared(const QString& path);
+}  // namespace TestDb
+
+// Runs `quelmo-sms` with arguments in the test world; collects its output.
+struct ProcessResult {
+    int exitCode = -1;
+    bool finished = false;
+    QString out;
+    QString err;
+};
+ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs = 30000);
+QString programPath();
+
+// A QTest main that builds the temporary world before anything reads the
+// settings store or the data directory.
+#define QUELMO_TEST_MAIN(TestClass)                    \
+    int main(int argc, char** argv) {                  \
+        TestWorld world;                               \
+        QCoreApplication app(argc, argv);              \
+        prepareTestApplication();                      \
+        TestClass tc(world);                           \
+        QTEST_SET_MAIN_SOURCE_PATH                     \
+        return QTest::qExec(&tc, argc, argv);          \
+    }
+
+void prepareTestApplication();

@@ -1,0 +1,40 @@
+// Writes an empty database of the current schema (or, with --baseline, of
+// an older release) to a new file.
+#include "db/Database.h"
+#include "db/Schema.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <cstdio>
+#include <cstring>
+
+int main(int argc, char** argv) {
+    if (argc != 3 || (std::strcmp(argv[1], "--current") != 0 &&
+                      std::strcmp(argv[1], "--baseline") != 0)) {
+        std::fprintf(stderr, "Uso: quelmo-makedb --current|--baseline FICHERO\n");
+        return 2;
+    }
+    const QString ruta = QString::fromLocal8Bit(argv[2]);
+    QFile::remove(ruta);
+    QFile::remove(ruta + QStringLiteral("-wal"));
+    QFile::remove(ruta + QStringLiteral("-shm"));
+    Database db;
+    QString error;
+    if (!db.create(ruta, &error)) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+        return 1;
+    }
+    try {
+        if (std::strcmp(argv[1], "--current") == 0)
+            Schema::crearActual(db);
+        else
+            Schema::crearBase(db);
+        // A self-contained file: no journal beside it.
+        db.exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+        db.query(QStringLiteral("PRAGMA journal_mode=DELETE"));
+    } catch (const DbError& e) {
+        std::fprintf(stderr, "%s\n", qPrintable(e.description()));
+        return 1;
+    }
+    return 0;
+}
