@@ -52,3 +52,13 @@ void SendMessage() {
 void msEnviarLote(int16_t /*canal*/, bool /*importado*/) {}
 
 void msAvisoVersionLog() {}
+
+int16_t msMaxLote() { return 25; }
+
+QString msConsultarSaldo(const QString& /*usuario*/, const QString& /*clave*/, QString& /*host*/) {
+    return u"-2"_s;
+}
+
+QString SendAutCuenta(int16_t /*canal*/) { return u"0"_s; }
+
+void msAvisoVersion() {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <cstdint>
 
 // The transmitter's cycle and the delivery of the outbox.
@@ -9,5 +10,16 @@
 void SendMessage();
 // Sends one batch of the account's outbox rows to the platform.
 void msEnviarLote(int16_t canal, bool importado);
-// Logs a line when the platform announces a newer release.
+// The batch size from the options: 1 to 500, else 25.
+int16_t msMaxLote();
+
+// Balance of an account given by user, password (in clear) and host: the
+// balance as text, "-1" refused, "-2" failed. An empty host becomes the
+// platform's default web address.
+QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host);
+// The same for a stored account, storing what the platform reports.
+QString SendAutCuenta(int16_t canal);
+
+// Asks (at the screen) or logs (in a run) when a newer release is offered.
+void msAvisoVersion();
 void msAvisoVersionLog();
