@@ -1,6 +1,7 @@
 #include "app/mdiMain.h"
 
 #include "app/AppState.h"
+#include "app/ChildScreens.h"
 #include "app/Startup.h"
 #include "app/mdoMain.h"
 #include "scheduling/clsTareasPendientes.h"
@@ -21,6 +22,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     setMinimumSize(707, 538);
     m_area = new QMdiArea(this);
     m_area->setObjectName(u"MDIClient"_s);
+    ChildScreens::setArea(m_area);
     setCentralWidget(m_area);
 
     auto* dock = new QDockWidget(u"Actividad"_s, this);

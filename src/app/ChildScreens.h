@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <QWidget>
+
+// Child screens exist as single lazily created instances: a reference to
+// one creates it. The frame registers its MDI area once; screens opened
+// before that (tests) stand as top-level windows.
+namespace ChildScreens {
+
+void setArea(QMdiArea* area);
+QMdiArea* area();
+
+// The sub-window that holds `screen`, or null when it stands alone.
+QMdiSubWindow* subWindowOf(QWidget* screen);
+// The active child screen of the frame (the widget inside the active
+// sub-window), or null.
+QWidget* activeScreen();
+
+// Shows a screen as a child of the frame (or alone) and activates it.
+void show(QWidget* screen);
+
+template <class T>
+QPointer<T>& slot() {
+    static QPointer<T> p;
+    return p;
+}
+
+// The one instance of T, created on first use. T needs a constructor that
+// takes a parent QWidget* (default null). Closing the screen deletes it.
+template <class T>
+T* instance() {
+    QPointer<T>& p = slot<T>();
+    if (!p) {
+        p = new T();
+        p->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    return p.data();
+}
+
+// Whether the one instance of T exists now (without creating it).
+template <class T>
+bool isLoaded() {
+    return !slot<T>().isNull();
+}
+
+}  // namespace ChildScreens
