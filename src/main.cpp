@@ -3,13 +3,13 @@
 // headless mode never loads QtWidgets.
 #include "app/Headless.h"
 
+#include <unistd.h>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLibrary>
 #include <QStringList>
 #include <cstdio>
 #include <cstring>
-#include <unistd.h>
 
 namespace {
 
@@ -41,8 +41,9 @@ int main(int argc, char** argv) {
 
     const QString dir = rutaEjecutable();
     QLibrary gui;
-    const QStringList candidatas = {dir + QStringLiteral("/libquelmo-sms-gui.so"),
-                                    dir + QStringLiteral("/../lib/quelmo-sms/libquelmo-sms-gui.so")};
+    const QStringList candidatas = {
+        dir + QStringLiteral("/libquelmo-sms-gui.so"),
+        dir + QStringLiteral("/../lib/quelmo-sms/libquelmo-sms-gui.so")};
     for (const QString& c : candidatas) {
         if (QFileInfo::exists(c)) {
             gui.setFileName(c);

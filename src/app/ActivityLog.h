@@ -9,7 +9,7 @@
 // the log panel shows thousands of lines without a widget per line.
 class ActivityLog : public QAbstractListModel {
     Q_OBJECT
-public:
+  public:
     explicit ActivityLog(QObject* parent = nullptr);
 
     void append(const QString& line);
@@ -23,11 +23,11 @@ public:
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
 
-Q_SIGNALS:
+  Q_SIGNALS:
     // After a line was added; the panel selects it, which scrolls to the end.
     void lineAdded(int row);
 
-private:
+  private:
     QStringList m_lines;
     std::function<void(const QString&)> m_echo;
 };

@@ -32,4 +32,6 @@ UserInterface& ui() {
     return s.ui ? *s.ui : porDefecto;
 }
 
-void setUserInterface(UserInterface* ui) { appState().ui = ui; }
+void setUserInterface(UserInterface* ui) {
+    appState().ui = ui;
+}

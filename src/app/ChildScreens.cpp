@@ -9,8 +9,12 @@ QPointer<QMdiArea>& areaActual() {
 }
 }  // namespace
 
-void setArea(QMdiArea* area) { areaActual() = area; }
-QMdiArea* area() { return areaActual().data(); }
+void setArea(QMdiArea* area) {
+    areaActual() = area;
+}
+QMdiArea* area() {
+    return areaActual().data();
+}
 
 QMdiSubWindow* subWindowOf(QWidget* screen) {
     if (!screen) return nullptr;

@@ -18,9 +18,13 @@ QDateTime now() {
     return t;
 }
 
-QDate today() { return now().date(); }
+QDate today() {
+    return now().date();
+}
 
-void setSource(std::function<QDateTime()> source) { fuente() = std::move(source); }
+void setSource(std::function<QDateTime()> source) {
+    fuente() = std::move(source);
+}
 
 }  // namespace Clock
 

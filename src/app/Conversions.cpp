@@ -49,16 +49,22 @@ T redondear(const QString& text) {
 
 }  // namespace
 
-bool esNumerico(const QString& text) { return leerNumero(text, nullptr); }
+bool esNumerico(const QString& text) {
+    return leerNumero(text, nullptr);
+}
 
-int16_t aEntero16(const QString& text) { return redondear<int16_t>(text); }
+int16_t aEntero16(const QString& text) {
+    return redondear<int16_t>(text);
+}
 
 int16_t aEntero16(const QVariant& value) {
     if (value.isNull()) throw QuelmoError(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
     return aEntero16(value.toString());
 }
 
-int32_t aEntero32(const QString& text) { return redondear<int32_t>(text); }
+int32_t aEntero32(const QString& text) {
+    return redondear<int32_t>(text);
+}
 
 bool aBooleano(const QString& text) {
     const QString t = text.trimmed();
@@ -73,7 +79,9 @@ bool aBooleano(const QString& text) {
     return v != 0;
 }
 
-QString textoDe(const QVariant& value) { return value.isNull() ? QString() : value.toString(); }
+QString textoDe(const QVariant& value) {
+    return value.isNull() ? QString() : value.toString();
+}
 
 long long numeroDe(const QVariant& value) {
     if (value.isNull()) return 0;

@@ -6,7 +6,7 @@
 // A run-time failure of a routine. Routines that the program describes as
 // "jumping to their handler" catch this and log its number and description.
 class QuelmoError : public std::exception {
-public:
+  public:
     explicit QuelmoError(QString description, int number = 5)
         : m_description(std::move(description)), m_number(number), m_what(m_description.toUtf8()) {}
 
@@ -14,7 +14,7 @@ public:
     int number() const { return m_number; }
     const char* what() const noexcept override { return m_what.constData(); }
 
-private:
+  private:
     QString m_description;
     int m_number;
     QByteArray m_what;

@@ -7,14 +7,14 @@
 #include "app/mdoMain.h"
 #include "scheduling/clsTareasPendientes.h"
 
+#include <sys/socket.h>
+#include <unistd.h>
 #include <QCoreApplication>
 #include <QLockFile>
 #include <QSocketNotifier>
 #include <QTextStream>
 #include <csignal>
 #include <cstdio>
-#include <sys/socket.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 

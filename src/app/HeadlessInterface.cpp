@@ -22,8 +22,8 @@ QString enUnaLinea(QString text) {
 
 int HeadlessInterface::msgBox(const QString& text, int style, const QString& title) {
     const int answer = Msg::defaultAnswer(style);
-    const QString respuesta = answer == Msg::Yes    ? u"Sí"_s
-                              : answer == Msg::No   ? u"No"_s
+    const QString respuesta = answer == Msg::Yes      ? u"Sí"_s
+                              : answer == Msg::No     ? u"No"_s
                               : answer == Msg::Cancel ? u"Cancelar"_s
                                                       : u"Aceptar"_s;
     aviso(u"[mensaje] "_s + (title.isEmpty() ? tituloAplicacion() : title) + u": " +
@@ -43,8 +43,9 @@ void HeadlessInterface::showSelectDatabase() {
 }
 
 void HeadlessInterface::showFirstRunSetup() {
-    aviso(u"[pantalla] No hay una cuenta principal utilizable; sin ventana no se puede "
-          u"configurar una cuenta."_s);
+    aviso(
+        u"[pantalla] No hay una cuenta principal utilizable; sin ventana no se puede "
+        u"configurar una cuenta."_s);
 }
 
 void HeadlessInterface::openUrl(const QString& target) {

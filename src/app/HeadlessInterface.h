@@ -5,7 +5,7 @@
 // Without a window: every question takes its default answer, and where a
 // screen would be shown a clear line goes to standard error instead.
 class HeadlessInterface : public UserInterface {
-public:
+  public:
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;
     void showSelectDatabase() override;

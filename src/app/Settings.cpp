@@ -10,7 +10,9 @@ QSettings& almacen() {
                        u"Quelmo Mensajes SMS"_s);
     return s;
 }
-QString clave(const QString& section, const QString& key) { return section + u'/' + key; }
+QString clave(const QString& section, const QString& key) {
+    return section + u'/' + key;
+}
 }  // namespace
 
 namespace Settings {
@@ -39,8 +41,12 @@ void clear() {
     almacen().sync();
 }
 
-void sync() { almacen().sync(); }
+void sync() {
+    almacen().sync();
+}
 
-QString fileName() { return almacen().fileName(); }
+QString fileName() {
+    return almacen().fileName();
+}
 
 }  // namespace Settings

@@ -17,7 +17,9 @@ void nombrarAplicacion() {
         u"%1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
 }
 
-QString rutaBloqueoInstancia() { return directorioAplicacion() + u"/quelmo-sms.lock"_s; }
+QString rutaBloqueoInstancia() {
+    return directorioAplicacion() + u"/quelmo-sms.lock"_s;
+}
 
 bool adquirirInstanciaUnica(QLockFile& lock) {
     lock.setStaleLockTime(0);

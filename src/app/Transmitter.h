@@ -7,7 +7,7 @@
 // one; headless mode owns one without a window.
 class Transmitter : public QObject {
     Q_OBJECT
-public:
+  public:
     explicit Transmitter(QObject* parent = nullptr);
 
     // Reads `Tr`/`Interval` (at least 15 s, else 60, saved back), sets the
@@ -26,10 +26,10 @@ public:
     void detener();
     bool detenido() const { return m_detenido; }
 
-Q_SIGNALS:
+  Q_SIGNALS:
     void tickTerminado();
 
-private:
+  private:
     QTimer m_timer;
     bool m_detenido = false;
 };

@@ -26,7 +26,7 @@ int defaultAnswer(int style);
 // through this interface: the GUI implements it with dialogs, tests with
 // scripted answers, headless mode with default answers.
 class UserInterface {
-public:
+  public:
     virtual ~UserInterface() = default;
 
     // A message box; an empty title means the application's title.

@@ -21,7 +21,9 @@ QString directorioAplicacion() {
     return dir;
 }
 
-QString rutaBaseDefecto() { return directorioAplicacion() + u"/mensajes.db"_s; }
+QString rutaBaseDefecto() {
+    return directorioAplicacion() + u"/mensajes.db"_s;
+}
 
 QString rutaBaseVacia() {
     const QString junto = QCoreApplication::applicationDirPath();
@@ -72,8 +74,9 @@ bool msValidarBD(const QString& path) {
     if (!privada.open(path)) return false;
     // The columns that arrived last tell the current schema.
     try {
-        privada.query(u"Select Remitente,remopc,tini,tfin,imptextos,movil from Canales where "
-                      u"Principal=1"_s);
+        privada.query(
+            u"Select Remitente,remopc,tini,tfin,imptextos,movil from Canales where "
+            u"Principal=1"_s);
         privada.query(u"SELECT * FROM Automaticos WHERE tareaProgramada=true"_s);
         privada.query(u"SELECT crem FROM HEnvios"_s);
     } catch (const DbError&) {
@@ -89,8 +92,7 @@ void seleccionarOTerminar() {
     const QString elegido = Settings::getSetting(u"BD"_s, u"Path"_s);
     if (!msValidarBD(elegido)) ui().terminateWithoutDatabase();
     // The screen leaves the connection on its file; make sure it is open.
-    if (!appState().Conexion.isOpen() || appState().Conexion.path() != elegido)
-        msAbrirBD(elegido);
+    if (!appState().Conexion.isOpen() || appState().Conexion.path() != elegido) msAbrirBD(elegido);
 }
 }  // namespace
 
@@ -170,7 +172,9 @@ int16_t msCanalPrincipal() {
     }
 }
 
-QString marcaTiempoLog() { return Clock::now().toString(u"dd/MM/yyyy HH:mm:ss"_s); }
+QString marcaTiempoLog() {
+    return Clock::now().toString(u"dd/MM/yyyy HH:mm:ss"_s);
+}
 
 QString msEscaparBuffer(const QString& text) {
     QString out;

@@ -2,9 +2,9 @@
 
 #include "app/Clock.h"
 
+#include <sqlite3.h>
 #include <QDateTime>
 #include <QFileInfo>
-#include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
@@ -40,9 +40,12 @@ void funcionMinusculas(sqlite3_context* ctx, int, sqlite3_value** argv) {
 
 QVariant leerColumna(sqlite3_stmt* stmt, int i) {
     switch (sqlite3_column_type(stmt, i)) {
-        case SQLITE_NULL: return QVariant();
-        case SQLITE_INTEGER: return QVariant(qlonglong(sqlite3_column_int64(stmt, i)));
-        case SQLITE_FLOAT: return QVariant(sqlite3_column_double(stmt, i));
+        case SQLITE_NULL:
+            return QVariant();
+        case SQLITE_INTEGER:
+            return QVariant(qlonglong(sqlite3_column_int64(stmt, i)));
+        case SQLITE_FLOAT:
+            return QVariant(sqlite3_column_double(stmt, i));
         default: {
             const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt, i));
             return QVariant(QString::fromUtf8(t, sqlite3_column_bytes(stmt, i)));
@@ -66,7 +69,9 @@ const QVariant& QueryResult::value(int row, const QString& column) const {
     return m_rows.at(row).at(i);
 }
 
-Database::~Database() { close(); }
+Database::~Database() {
+    close();
+}
 
 bool Database::open(const QString& path, QString* error) {
     if (!QFileInfo(path).isFile()) {
@@ -128,7 +133,8 @@ void Database::fallo(const QString& sql) {
 }
 
 sqlite3_stmt* Database::preparar(const QString& sql) {
-    if (!m_db) throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+    if (!m_db)
+        throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
     if (sqlite3_stmt* s = m_cache.value(sql)) {
         sqlite3_reset(s);
         sqlite3_clear_bindings(s);
@@ -235,7 +241,8 @@ int Database::exec(const QString& sql, const QVariantList& params) {
 }
 
 void Database::execScript(const QString& sql) {
-    if (!m_db) throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+    if (!m_db)
+        throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
     char* err = nullptr;
     if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {
         const QString msg = QString::fromUtf8(err ? err : "error");
@@ -244,7 +251,9 @@ void Database::execScript(const QString& sql) {
     }
 }
 
-long long Database::lastInsertId() const { return m_db ? sqlite3_last_insert_rowid(m_db) : 0; }
+long long Database::lastInsertId() const {
+    return m_db ? sqlite3_last_insert_rowid(m_db) : 0;
+}
 
 bool Database::hasTable(const QString& table) {
     return !query(u"SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"_s,
@@ -259,11 +268,21 @@ bool Database::hasColumn(const QString& table, const QString& column) {
     return false;
 }
 
-void Database::begin() { exec(u"BEGIN IMMEDIATE"_s); }
-void Database::commit() { exec(u"COMMIT"_s); }
+void Database::begin() {
+    exec(u"BEGIN IMMEDIATE"_s);
+}
+void Database::commit() {
+    exec(u"COMMIT"_s);
+}
 void Database::rollback() {
     if (m_db && !sqlite3_get_autocommit(m_db)) exec(u"ROLLBACK"_s);
 }
-void Database::savepoint(const QString& name) { exec(u"SAVEPOINT "_s + name); }
-void Database::release(const QString& name) { exec(u"RELEASE "_s + name); }
-void Database::rollbackTo(const QString& name) { exec(u"ROLLBACK TO "_s + name); }
+void Database::savepoint(const QString& name) {
+    exec(u"SAVEPOINT "_s + name);
+}
+void Database::release(const QString& name) {
+    exec(u"RELEASE "_s + name);
+}
+void Database::rollbackTo(const QString& name) {
+    exec(u"ROLLBACK TO "_s + name);
+}

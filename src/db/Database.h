@@ -14,14 +14,14 @@ struct sqlite3_stmt;
 // A failed statement or open. Its number is ErrNum::Database (or
 // ErrNum::ItemNotFound for a missing column), its description the engine's.
 class DbError : public QuelmoError {
-public:
+  public:
     using QuelmoError::QuelmoError;
 };
 
 // The rows of a query, fetched at once, so their count is known at once and
 // no read lock outlives the call.
 class QueryResult {
-public:
+  public:
     int recordCount() const { return int(m_rows.size()); }
     bool isEmpty() const { return m_rows.isEmpty(); }
     int columnCount() const { return int(m_columns.size()); }
@@ -34,7 +34,7 @@ public:
     const QVariant& value(int row, const QString& column) const;
     const QVector<QVariant>& row(int row) const { return m_rows.at(row); }
 
-private:
+  private:
     friend class Database;
     QStringList m_columns;
     QVector<QVector<QVariant>> m_rows;
@@ -44,7 +44,7 @@ private:
 // in the order of `params`. Dates go in as QDateTime and are stored as
 // "yyyy-MM-dd HH:mm:ss"; they come back as that text.
 class Database {
-public:
+  public:
     Database() = default;
     ~Database();
     Database(const Database&) = delete;
@@ -78,7 +78,7 @@ public:
 
     sqlite3* handle() const { return m_db; }
 
-private:
+  private:
     bool abrir(const QString& path, int flags, QString* error);
     sqlite3_stmt* preparar(const QString& sql);
     void vincular(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);

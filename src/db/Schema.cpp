@@ -7,7 +7,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Tables whose layout did not change between the generations.
-const auto kComun = uR"SQL(
+const auto kComun =
+    uR"SQL(
 CREATE TABLE Grupos (
     Grupo INTEGER NOT NULL PRIMARY KEY,
     Nombre TEXT(50) COLLATE NOCASE
@@ -33,7 +34,8 @@ CREATE TABLE envios (
 CREATE INDEX envios_Canal ON envios (Canal);
 )SQL"_s;
 
-const auto kActual = uR"SQL(
+const auto kActual =
+    uR"SQL(
 CREATE TABLE Canales (
     Canal INTEGER NOT NULL PRIMARY KEY,
     Nombre TEXT(50) COLLATE NOCASE,
@@ -103,7 +105,8 @@ CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
 
 // An older release: no sender or texts per account, no options, no
 // schedule, one row per contact and multi-send, narrower aliases.
-const auto kBase = uR"SQL(
+const auto kBase =
+    uR"SQL(
 CREATE TABLE Canales (
     Canal INTEGER NOT NULL PRIMARY KEY,
     Nombre TEXT(50) COLLATE NOCASE,
@@ -155,6 +158,10 @@ void crear(Database& db, const QString& propio) {
 }  // namespace
 
 namespace Schema {
-void crearActual(Database& db) { crear(db, kActual); }
-void crearBase(Database& db) { crear(db, kBase); }
+void crearActual(Database& db) {
+    crear(db, kActual);
+}
+void crearBase(Database& db) {
+    crear(db, kBase);
+}
 }  // namespace Schema

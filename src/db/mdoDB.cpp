@@ -28,6 +28,14 @@ int msCreateTable(Database& con, const QString& table, const QString& firstColum
 }
 
 int msCreatePrimaryKey(Database& con, const QString& table, const QString& column) {
+    // A key that is already there makes the step fail harmlessly.
+    try {
+        const QueryResult r =
+            con.query(u"SELECT pk FROM pragma_table_info(?) WHERE name=?"_s, {table, column});
+        if (r.isEmpty() || r.value(0, 0).toInt() != 0) return -1;
+    } catch (const DbError&) {
+        return -1;
+    }
     return ejecutar(con, u"CREATE UNIQUE INDEX primaryKey_"_s + table + u" ON " + table + u" (" +
                              column + u')');
 }
@@ -37,7 +45,8 @@ int msRebuildAboAuto(Database& con) {
         if (!con.hasTable(u"AboAuto"_s) || con.hasColumn(u"AboAuto"_s, u"id_AboAuto"_s)) return -1;
         con.begin();
         try {
-            con.execScript(uR"SQL(
+            con.execScript(
+                uR"SQL(
 CREATE TABLE AboAuto_nueva (
     id_AboAuto INTEGER PRIMARY KEY AUTOINCREMENT,
     Automatico INTEGER,

@@ -47,10 +47,16 @@ FixedClock::FixedClock(const QDateTime& at) : m_now(at) {
     Clock::setSource([this] { return m_now; });
 }
 
-FixedClock::~FixedClock() { Clock::setSource({}); }
+FixedClock::~FixedClock() {
+    Clock::setSource({});
+}
 
-ScriptedInterface::ScriptedInterface() { setUserInterface(this); }
-ScriptedInterface::~ScriptedInterface() { setUserInterface(nullptr); }
+ScriptedInterface::ScriptedInterface() {
+    setUserInterface(this);
+}
+ScriptedInterface::~ScriptedInterface() {
+    setUserInterface(nullptr);
+}
 
 int ScriptedInterface::msgBox(const QString& text, int style, const QString& title) {
     boxes.append({text, style, title});
@@ -68,11 +74,17 @@ void ScriptedInterface::showSelectDatabase() {
     if (onSelectDatabase) onSelectDatabase();
 }
 
-void ScriptedInterface::showFirstRunSetup() { ++firstRunShown; }
+void ScriptedInterface::showFirstRunSetup() {
+    ++firstRunShown;
+}
 
-void ScriptedInterface::openUrl(const QString& target) { openedUrls.append(target); }
+void ScriptedInterface::openUrl(const QString& target) {
+    openedUrls.append(target);
+}
 
-void ScriptedInterface::terminateWithoutDatabase() { throw TerminatedWithoutDatabase{}; }
+void ScriptedInterface::terminateWithoutDatabase() {
+    throw TerminatedWithoutDatabase{};
+}
 
 void ScriptedInterface::processEvents() {
     if (onProcessEvents) onProcessEvents();
@@ -85,14 +97,19 @@ QString crear(const QString& path, void (*esquema)(Database&)) {
     QFile::remove(path);
     Database db;
     QString error;
-    if (!db.create(path, &error)) qFatal("no se pudo crear %s: %s", qPrintable(path), qPrintable(error));
+    if (!db.create(path, &error))
+        qFatal("no se pudo crear %s: %s", qPrintable(path), qPrintable(error));
     esquema(db);
     return path;
 }
 }  // namespace
 
-QString createCurrent(const QString& path) { return crear(path, Schema::crearActual); }
-QString createBaseline(const QString& path) { return crear(path, Schema::crearBase); }
+QString createCurrent(const QString& path) {
+    return crear(path, Schema::crearActual);
+}
+QString createBaseline(const QString& path) {
+    return crear(path, Schema::crearBase);
+}
 
 void openShared(const QString& path) {
     if (!appState().Conexion.open(path)) qFatal("no se pudo abrir %s", qPrintable(path));
@@ -100,7 +117,9 @@ void openShared(const QString& path) {
 
 }  // namespace TestDb
 
-QString programPath() { return QStringLiteral(QUELMO_BIN_DIR "/quelmo-sms"); }
+QString programPath() {
+    return QStringLiteral(QUELMO_BIN_DIR "/quelmo-sms");
+}
 
 ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs) {
     QProcess p;
@@ -122,4 +141,6 @@ ProcessResult runProgram(const TestWorld& world, const QStringList& args, int ti
     return r;
 }
 
-void prepareTestApplication() { nombrarAplicacion(); }
+void prepareTestApplication() {
+    nombrarAplicacion();
+}

@@ -13,7 +13,7 @@
 // A temporary home for one test executable: XDG_CONFIG_HOME, XDG_DATA_HOME
 // and HOME point into it, so no test touches the real home.
 class TestWorld {
-public:
+  public:
     TestWorld();
     QString root() const { return m_dir.path(); }
     QString configHome() const { return m_dir.path() + QStringLiteral("/config"); }
@@ -24,20 +24,20 @@ public:
     // shared connection closed (call in each test's init).
     void reset();
 
-private:
+  private:
     QTemporaryDir m_dir;
 };
 
 // The clock pinned to an instant that the test moves.
 class FixedClock {
-public:
+  public:
     explicit FixedClock(const QDateTime& at);
     ~FixedClock();
     void set(const QDateTime& at) { m_now = at; }
     void advance(int seconds) { m_now = m_now.addSecs(seconds); }
     QDateTime now() const { return m_now; }
 
-private:
+  private:
     QDateTime m_now;
 };
 
@@ -51,12 +51,12 @@ struct ShownBox {
 // Answers questions from a script; without one, a box takes its default
 // answer. It records every box, prompt and address it was given.
 class ScriptedInterface : public UserInterface {
-public:
+  public:
     ScriptedInterface();
     ~ScriptedInterface() override;
 
-    QList<int> answers;          // next answers to message boxes, in order
-    QStringList passwords;       // next texts typed at the password prompt
+    QList<int> answers;                      // next answers to message boxes, in order
+    QStringList passwords;                   // next texts typed at the password prompt
     std::function<void()> onSelectDatabase;  // what the selection screen does
     std::function<void()> onProcessEvents;   // called at each turn of the loop
 
@@ -102,14 +102,14 @@ QString programPath();
 
 // A QTest main that builds the temporary world before anything reads the
 // settings store or the data directory.
-#define QUELMO_TEST_MAIN(TestClass)                    \
-    int main(int argc, char** argv) {                  \
-        TestWorld world;                               \
-        QCoreApplication app(argc, argv);              \
-        prepareTestApplication();                      \
-        TestClass tc(world);                           \
-        QTEST_SET_MAIN_SOURCE_PATH                     \
-        return QTest::qExec(&tc, argc, argv);          \
+#define QUELMO_TEST_MAIN(TestClass)           \
+    int main(int argc, char** argv) {         \
+        TestWorld world;                      \
+        QCoreApplication app(argc, argv);     \
+        prepareTestApplication();             \
+        TestClass tc(world);                  \
+        QTEST_SET_MAIN_SOURCE_PATH            \
+        return QTest::qExec(&tc, argc, argv); \
     }
 
 void prepareTestApplication();

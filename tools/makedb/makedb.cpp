@@ -9,8 +9,8 @@
 #include <cstring>
 
 int main(int argc, char** argv) {
-    if (argc != 3 || (std::strcmp(argv[1], "--current") != 0 &&
-                      std::strcmp(argv[1], "--baseline") != 0)) {
+    if (argc != 3 ||
+        (std::strcmp(argv[1], "--current") != 0 && std::strcmp(argv[1], "--baseline") != 0)) {
         std::fprintf(stderr, "Uso: quelmo-makedb --current|--baseline FICHERO\n");
         return 2;
     }

@@ -1,0 +1,212 @@
+// Start-up: which database the program ends up on, the settings it reads,
+// and the small shared helpers every screen relies on.
+#include "TestSupport.h"
+#include "app/AppState.h"
+#include "app/Error.h"
+#include "app/Settings.h"
+#include "app/Startup.h"
+#include "app/Transmitter.h"
+#include "app/mdoMain.h"
+#include "db/Database.h"
+
+using namespace Qt::StringLiterals;
+
+class TestStartup : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestStartup(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+    QString guardado() { return Settings::getSetting(u"BD"_s, u"Path"_s); }
+
+  private Q_SLOTS:
+    void init() { world.reset(); }
+
+    void firstStartCopiesTheEmptyDatabase() {
+        QVERIFY(!QFile::exists(rutaBaseDefecto()));
+        QVERIFY(prepararBaseInicial());
+        QVERIFY(msValidarBD(rutaBaseDefecto()));
+        // A database that is there already is never overwritten.
+        {
+            Database db;
+            QVERIFY(db.open(rutaBaseDefecto()));
+            db.exec(u"INSERT INTO MenPro VALUES (0,'mío')"_s);
+        }
+        QVERIFY(prepararBaseInicial());
+        Database db;
+        QVERIFY(db.open(rutaBaseDefecto()));
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
+    }
+
+    void goodDefaultFileIsTakenSilently() {
+        ScriptedInterface ui;
+        TestDb::createCurrent(rutaBaseDefecto());
+        msAbrirBaseInicial();
+        QCOMPARE(guardado(), rutaBaseDefecto());
+        QVERIFY(appState().Conexion.isOpen());
+        QCOMPARE(appState().Conexion.path(), rutaBaseDefecto());
+        QCOMPARE(ui.selectDatabaseShown, 0);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void oldDefaultFileLeadsToSelection() {
+        ScriptedInterface ui;
+        TestDb::createBaseline(rutaBaseDefecto());
+        const QString otra = TestDb::createCurrent(world.root() + u"/elegida.db"_s);
+        ui.onSelectDatabase = [&] { Settings::saveSetting(u"BD"_s, u"Path"_s, otra); };
+        msAbrirBaseInicial();
+        QCOMPARE(ui.selectDatabaseShown, 1);
+        QCOMPARE(appState().Conexion.path(), otra);
+        // The old file beside the program was not upgraded on the way.
+        QVERIFY(!msValidarBD(rutaBaseDefecto()));
+    }
+
+    void noUsableFileEndsTheProgram() {
+        ScriptedInterface ui;
+        TestDb::createBaseline(rutaBaseDefecto());
+        bool terminado = false;
+        try {
+            msAbrirBaseInicial();
+        } catch (const TerminatedWithoutDatabase&) {
+            terminado = true;
+        }
+        QVERIFY(terminado);
+        QCOMPARE(ui.selectDatabaseShown, 1);
+    }
+
+    void vanishedSavedFileFallsBackWithoutAWord() {
+        ScriptedInterface ui;
+        TestDb::createCurrent(rutaBaseDefecto());
+        Settings::saveSetting(u"BD"_s, u"Path"_s, world.root() + u"/borrada.db"_s);
+        msAbrirBaseInicial();
+        QCOMPARE(guardado(), rutaBaseDefecto());
+        QCOMPARE(appState().Conexion.path(), rutaBaseDefecto());
+        QVERIFY(ui.boxes.isEmpty());
+        QCOMPARE(ui.selectDatabaseShown, 0);
+        QVERIFY(appState().log.lines().isEmpty());
+    }
+
+    void oldSavedFileIsUpgradedAndLogged() {
+        ScriptedInterface ui;
+        const QString vieja = TestDb::createBaseline(world.root() + u"/vieja.db"_s);
+        Settings::saveSetting(u"BD"_s, u"Path"_s, vieja);
+        msAbrirBaseInicial();
+        QVERIFY(msValidarBD(vieja));
+        QCOMPARE(appState().Conexion.path(), vieja);
+        QCOMPARE(guardado(), vieja);
+        QCOMPARE(appState().log.lines().size(), 1);
+        QVERIFY(appState().log.last().endsWith(
+            u" - Proceso de actualización de Base de Datos completado."_s));
+        QCOMPARE(ui.selectDatabaseShown, 0);
+    }
+
+    void intervalRule_data() {
+        QTest::addColumn<QString>("guardado");
+        QTest::addColumn<int>("segundos");
+        QTest::addColumn<QString>("reescrito");
+        QTest::newRow("below 15") << u"14"_s << 60 << u"60"_s;
+        QTest::newRow("15 stays") << u"15"_s << 15 << u"15"_s;
+        QTest::newRow("not a number") << u"abc"_s << 60 << u"60"_s;
+        QTest::newRow("unset") << QString() << 60 << u"60"_s;
+        QTest::newRow("rounded") << u"20.5"_s << 20 << u"20"_s;
+        QTest::newRow("an hour") << u"3600"_s << 3600 << u"3600"_s;
+        QTest::newRow("too large keeps the timer") << u"40000"_s << 30 << u"40000"_s;
+    }
+    void intervalRule() {
+        QFETCH(QString, guardado);
+        QFETCH(int, segundos);
+        QFETCH(QString, reescrito);
+        if (!guardado.isNull()) Settings::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
+        Transmitter t;
+        t.armarTemporizador();
+        QCOMPARE(t.Timer1().interval(), segundos * 1000);
+        QVERIFY(t.Timer1().isActive());
+        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), reescrito);
+    }
+
+    void passwordShift_data() {
+        QTest::addColumn<QString>("claro");
+        QTest::addColumn<QString>("guardado");
+        QTest::newRow("abc") << u"abc"_s << QString(QChar(107)) + QChar(108) + QChar(109);
+        QTest::newRow("digits") << u"1234"_s << u";<=>"_s;
+        QTest::newRow("accent") << u"é"_s << QString(QChar(0xE9 + 10));
+    }
+    void passwordShift() {
+        QFETCH(QString, claro);
+        QFETCH(QString, guardado);
+        QCOMPARE(msCifrarClave(claro, true), guardado);
+        QCOMPARE(msCifrarClave(guardado, false), claro);
+    }
+
+    void passwordShiftOutOfRangeFails_data() {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<bool>("encode");
+        QTest::newRow("ÿ up") << QString(QChar(0xFF)) << true;
+        QTest::newRow("tab down") << u"\t"_s << false;
+        QTest::newRow("beyond one byte") << u"€"_s << true;
+    }
+    void passwordShiftOutOfRangeFails() {
+        QFETCH(QString, texto);
+        QFETCH(bool, encode);
+        QVERIFY_THROWS_EXCEPTION(QuelmoError, msCifrarClave(texto, encode));
+    }
+
+    void accessGate() {
+        ScriptedInterface ui;
+        // No password: never a prompt.
+        Settings::deleteSetting(u"Tr"_s, u"pwc"_s);
+        cargarClaveAcceso();
+        QVERIFY(msComprobarAcceso());
+        QCOMPARE(ui.passwordPrompts, 0);
+        // The encoded sentinel means no password as well.
+        Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"sinclavedeentrada"_s, true));
+        cargarClaveAcceso();
+        QVERIFY(msComprobarAcceso());
+        QCOMPARE(ui.passwordPrompts, 0);
+        // A password: exact, case-sensitive.
+        Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"Clave"_s, true));
+        cargarClaveAcceso();
+        QCOMPARE(appState().gsClaveAcceso, u"Clave"_s);
+        ui.passwords = {u"clave"_s, u"Clave"_s};
+        QVERIFY(!msComprobarAcceso());
+        QVERIFY(msComprobarAcceso());
+        QCOMPARE(ui.passwordPrompts, 2);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void logLines_data() {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<QString>("linea");
+        QTest::newRow("line feed in buffer") << u"Buffer: \n"_s << u"Buffer: <10>"_s;
+        QTest::newRow("carriage return") << u"Buffer: a\r\nb"_s << u"Buffer: a<13><10>b"_s;
+        QTest::newRow("accent in buffer") << u"Buffer: camión"_s << u"Buffer: cami<243>n"_s;
+        QTest::newRow("accent elsewhere") << u"Envío a camión"_s << u"Envío a camión"_s;
+        QTest::newRow("not at the start") << u"Ver Buffer: \n"_s << u"Ver Buffer: \n"_s;
+    }
+    void logLines() {
+        QFETCH(QString, texto);
+        QFETCH(QString, linea);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        msLog(texto);
+        QCOMPARE(appState().log.last(), u"15/03/2006 10:00:30 - "_s + linea);
+    }
+
+    void versionAndTitle() {
+        QCOMPARE(tituloAplicacion(), u"Quelmo Mensajes SMS (v.3.2.5)"_s);
+        QCOMPARE(int(versionCodigo()), 325);
+    }
+
+    void principalAccount() {
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/p.db"_s));
+        QCOMPARE(int(msCanalPrincipal()), 0);
+        appState().Conexion.exec(
+            u"INSERT INTO Canales (Canal, Nombre, Principal) VALUES (4,'a',0),(7,'b',1)"_s);
+        QCOMPARE(int(msCanalPrincipal()), 7);
+        appState().Conexion.close();
+        QCOMPARE(int(msCanalPrincipal()), 0);
+    }
+};
+
+QUELMO_TEST_MAIN(TestStartup)
+#include "test_startup.moc"

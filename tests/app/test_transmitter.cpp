@@ -1,0 +1,130 @@
+// The transmitter's cycle: when a run happens, what it clears, which flags
+// stand during it, and how a failure shows.
+#include "TestSupport.h"
+#include "app/AppState.h"
+#include "app/Settings.h"
+#include "app/Transmitter.h"
+#include "app/mdoMain.h"
+#include "delivery/mdoSendRavion.h"
+
+using namespace Qt::StringLiterals;
+
+class TestTransmitter : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestTransmitter(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+    void conBase() { TestDb::openShared(TestDb::createCurrent(world.root() + u"/tx.db"_s)); }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        conBase();
+    }
+
+    void switchDecidesWhetherARunHappens_data() {
+        QTest::addColumn<QString>("activo");  // null: never written
+        QTest::addColumn<bool>("corre");
+        QTest::newRow("never written means off") << QString() << false;
+        QTest::newRow("off") << u"0"_s << false;
+        QTest::newRow("on") << u"1"_s << true;
+        QTest::newRow("other number") << u"2"_s << false;
+    }
+    void switchDecidesWhetherARunHappens() {
+        QFETCH(QString, activo);
+        QFETCH(bool, corre);
+        ScriptedInterface ui;
+        if (!activo.isNull()) Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo);
+        msLog(u"línea anterior"_s);
+        appState().gsVersionPlataforma = u"400"_s;
+        SendMessage();
+        // A run empties the log even with an empty outbox; no run keeps it.
+        QCOMPARE(appState().log.lines().isEmpty(), corre);
+        QCOMPARE(appState().gsVersionPlataforma.isEmpty(), corre);
+        QVERIFY(!appState().gbEnviando);
+    }
+
+    void flagsStandDuringTheRunOnly() {
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Settings::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
+        for (int canal : {3, 1, 2})
+            appState().Conexion.exec(
+                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
+                {QDateTime::currentDateTime(), canal});
+        QList<QPair<bool, bool>> vistos;
+        ui.onProcessEvents = [&] {
+            vistos.append({appState().gbEnviando, appState().gbImportado});
+        };
+        SendMessage();
+        // One turn of the loop after each account, with both flags up; the
+        // flag of the import goes up even though the file does not exist.
+        QCOMPARE(vistos.size(), 3);
+        for (const auto& [enviando, importado] : vistos) {
+            QVERIFY(enviando);
+            QVERIFY(importado);
+        }
+        QVERIFY(!appState().gbEnviando);
+        QVERIFY(!appState().gbImportado);
+    }
+
+    void shortWatchedPathIsNoImport() {
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Settings::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
+        appState().Conexion.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        bool importado = true;
+        ui.onProcessEvents = [&] { importado = appState().gbImportado; };
+        SendMessage();
+        QVERIFY(!importado);
+    }
+
+    void failuresAreLogged_data() {
+        QTest::addColumn<QString>("activo");
+        QTest::addColumn<bool>("cerrar");
+        QTest::addColumn<bool>("sigueEnviando");
+        QTest::newRow("switch not a number") << u"sí"_s << false << false;
+        QTest::newRow("database gone") << u"1"_s << true << true;
+    }
+    void failuresAreLogged() {
+        QFETCH(QString, activo);
+        QFETCH(bool, cerrar);
+        QFETCH(bool, sigueEnviando);
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo);
+        if (cerrar) appState().Conexion.close();
+        SendMessage();
+        QCOMPARE(appState().log.lines().size(), 1);
+        QVERIFY(appState().log.last().contains(u" - Error en SendMessage: "_s));
+        // A failure inside the run keeps the closing refused until a later run.
+        QCOMPARE(appState().gbEnviando, sigueEnviando);
+        if (cerrar) {
+            conBase();
+            SendMessage();
+            QVERIFY(!appState().gbEnviando);
+        }
+    }
+
+    void tickTurnsTheTimerOffWhileItRuns() {
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        appState().Conexion.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        Transmitter t;
+        t.armarTemporizador();
+        bool activoDurante = true;
+        ui.onProcessEvents = [&] { activoDurante = t.Timer1().isActive(); };
+        t.msForzarEnvio();
+        QVERIFY(!activoDurante);
+        QVERIFY(t.Timer1().isActive());
+        QCOMPARE(t.Timer1().interval(), 60000);
+        t.detener();
+        t.msForzarEnvio();
+        QVERIFY(!t.Timer1().isActive());
+    }
+};
+
+QUELMO_TEST_MAIN(TestTransmitter)
+#include "test_transmitter.moc"

@@ -1,0 +1,118 @@
+// The connection wrapper: values travel intact, names compare as users
+// expect, and failures say what failed.
+#include "TestSupport.h"
+#include "db/Database.h"
+
+using namespace Qt::StringLiterals;
+
+class TestDatabase : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestDatabase(TestWorld& w) : world(w) {}
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        db.close();
+        QVERIFY(db.open(TestDb::createCurrent(world.root() + u"/t.db"_s)));
+    }
+
+    void textsTravelIntact_data() {
+        QTest::addColumn<QString>("texto");
+        QTest::newRow("apostrophe") << u"l'Alcúdia d'en Joan"_s;
+        QTest::newRow("markup") << u"<b>a & b</b> \"c\""_s;
+        QTest::newRow("sql") << u"'); DELETE FROM envios; --"_s;
+        QTest::newRow("accents and euro") << u"ñÑáéíóúü €"_s;
+        QTest::newRow("line breaks") << u"uno\r\ndos\tres"_s;
+    }
+    void textsTravelIntact() {
+        QFETCH(QString, texto);
+        db.exec(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,2)"_s,
+                {QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)), 1, u"600"_s, texto});
+        const QueryResult r =
+            db.query(u"SELECT Mensaje, Registro FROM envios WHERE Mensaje=?"_s, {texto});
+        QCOMPARE(r.recordCount(), 1);
+        QCOMPARE(r.value(0, 0).toString(), texto);
+        QCOMPARE(r.value(0, 1).toString(), u"2006-03-15 10:00:30"_s);
+    }
+
+    void namesIgnoreCaseAndAccentCase_data() {
+        QTest::addColumn<QString>("guardado");
+        QTest::addColumn<QString>("buscado");
+        QTest::addColumn<bool>("encontrado");
+        QTest::newRow("ascii") << u"Ana"_s << u"ANA"_s << true;
+        QTest::newRow("accent case") << u"Ángel"_s << u"ángel"_s << true;
+        QTest::newRow("eñe") << u"Muñoz"_s << u"MUÑOZ"_s << true;
+        QTest::newRow("accent is a letter") << u"Angel"_s << u"Ángel"_s << false;
+    }
+    void namesIgnoreCaseAndAccentCase() {
+        QFETCH(QString, guardado);
+        QFETCH(QString, buscado);
+        QFETCH(bool, encontrado);
+        db.exec(
+            u"INSERT INTO Abonados (Codigo, Alias, Comentario, Canal) VALUES ('0034600',?,'',0)"_s,
+            {guardado});
+        QCOMPARE(db.query(u"SELECT Codigo FROM Abonados WHERE Alias=?"_s, {buscado}).recordCount(),
+                 encontrado ? 1 : 0);
+        QCOMPARE(db.query(u"SELECT upper(?)"_s, {guardado}).value(0, 0).toString(),
+                 guardado.toUpper());
+    }
+
+    void identityIsNeverReused() {
+        db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        const long long ultimo = db.lastInsertId();
+        db.exec(u"DELETE FROM envios WHERE Id=?"_s, {ultimo});
+        db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        QVERIFY(db.lastInsertId() > ultimo);
+    }
+
+    void failuresNameTheirCause() {
+        try {
+            db.query(u"SELECT nada FROM Canales"_s);
+            QFAIL("a missing column must fail");
+        } catch (const DbError& e) {
+            QCOMPARE(e.number(), int(ErrNum::ItemNotFound));
+        }
+        QVERIFY_THROWS_EXCEPTION(DbError, db.query(u"SELECT * FROM noexiste"_s));
+        QVERIFY_THROWS_EXCEPTION(DbError, db.exec(u"INSERT INTO Canales (Canal) VALUES (?)"_s, {}));
+        // A duplicate key leaves the first row as it was.
+        db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','uno')"_s);
+        QVERIFY_THROWS_EXCEPTION(
+            DbError, db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','dos')"_s));
+        QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"uno"_s);
+    }
+
+    void savepointUndoesOnlyItsPart() {
+        db.begin();
+        db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        db.savepoint(u"item"_s);
+        db.exec(u"INSERT INTO envios (Canal) VALUES (2)"_s);
+        db.rollbackTo(u"item"_s);
+        db.release(u"item"_s);
+        db.commit();
+        QCOMPARE(db.query(u"SELECT Canal FROM envios"_s).recordCount(), 1);
+    }
+
+    void notADatabaseDoesNotOpen() {
+        const QString path = world.root() + u"/texto.db"_s;
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(4096, 'x'));
+        f.close();
+        Database otro;
+        QString error;
+        QVERIFY(!otro.open(path, &error));
+        QVERIFY(!error.isEmpty());
+        QVERIFY(!otro.isOpen());
+        QVERIFY(!otro.open(world.root() + u"/no-existe.db"_s));
+        QVERIFY(!QFile::exists(world.root() + u"/no-existe.db"_s));
+    }
+
+  private:
+    TestWorld& world;
+    Database db;
+};
+
+QUELMO_TEST_MAIN(TestDatabase)
+#include "test_database.moc"

@@ -1,0 +1,192 @@
+// The upgrade takes any generation of file to the current schema and keeps
+// every row; a second run changes nothing.
+#include "TestSupport.h"
+#include "app/mdoMain.h"
+#include "db/Database.h"
+#include "db/mdoDB.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Schema and rows of every table, as text: what "changes nothing" compares.
+QString volcado(const QString& path) {
+    Database db;
+    if (!db.open(path)) return u"<no abre>"_s;
+    QString out;
+    const QueryResult tablas = db.query(
+        u"SELECT name, sql FROM sqlite_master WHERE name NOT LIKE 'sqlite_%' ORDER BY name"_s);
+    for (int i = 0; i < tablas.recordCount(); ++i) {
+        out += tablas.value(i, 1).toString() + u'\n';
+        const QString nombre = tablas.value(i, 0).toString();
+        if (!db.hasTable(nombre)) continue;
+        const QueryResult filas = db.query(u"SELECT * FROM \""_s + nombre + u"\" ORDER BY rowid"_s);
+        for (int r = 0; r < filas.recordCount(); ++r) {
+            QStringList celdas;
+            for (const QVariant& v : filas.row(r))
+                celdas << (v.isNull() ? u"NULL"_s : v.toString());
+            out += celdas.join(u'|') + u'\n';
+        }
+    }
+    return out;
+}
+
+void sembrarBase(const QString& path) {
+    Database db;
+    QVERIFY(db.open(path));
+    db.exec(
+        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal) "
+        u"VALUES (1,'Cuenta_1',160,80,'HTTP://host','juan','kly',12,1)"_s);
+    db.exec(u"INSERT INTO Abonados VALUES ('0034629000000','Ana','',1)"_s);
+    db.exec(u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (3,'Semanal')"_s);
+    db.exec(
+        u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (3,'0034629000000','hola')"_s);
+    db.exec(
+        u"INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal) "
+        u"VALUES ('0034629000000','2006-03-15 10:00:00','hola','OK',1)"_s);
+    db.exec(
+        u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+        u"VALUES ('2006-03-15 10:00:00',1,'629000000','pendiente',2)"_s);
+}
+
+}  // namespace
+
+class TestUpgrade : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestUpgrade(TestWorld& w) : world(w) {}
+
+  private Q_SLOTS:
+    void init() { world.reset(); }
+
+    void baselineBecomesCurrentKeepingRows() {
+        const QString path = TestDb::createBaseline(world.root() + u"/viejo.db"_s);
+        sembrarBase(path);
+        QVERIFY(!msValidarBD(path));
+
+        msActualizarBD(path);
+        QVERIFY(msValidarBD(path));
+
+        Database db;
+        QVERIFY(db.open(path));
+        const QueryResult c =
+            db.query(u"SELECT Nombre, Saldo, imptextos, remopc, Remitente, tini FROM Canales"_s);
+        QCOMPARE(c.recordCount(), 1);
+        QCOMPARE(c.value(0, u"Nombre"_s).toString(), u"Cuenta_1"_s);
+        QCOMPARE(c.value(0, u"Saldo"_s).toInt(), 12);
+        QCOMPARE(c.value(0, u"imptextos"_s).toInt(), 0);
+        QCOMPARE(c.value(0, u"remopc"_s).toInt(), 0);
+        QVERIFY(c.value(0, u"Remitente"_s).isNull());
+        QVERIFY(c.value(0, u"tini"_s).isNull());
+
+        const QueryResult o =
+            db.query(u"SELECT id, maxlote, solocontactos, imgfondo FROM opciones"_s);
+        QCOMPARE(o.recordCount(), 1);
+        QCOMPARE(o.value(0, 0).toInt(), 1);
+        QCOMPARE(o.value(0, 1).toInt(), 50);
+        QCOMPARE(o.value(0, 2).toInt(), 0);
+        QCOMPARE(o.value(0, 3).toString(), QString());
+
+        QCOMPARE(db.query(u"SELECT crem FROM HEnvios"_s).value(0, 0), QVariant());
+        QCOMPARE(db.query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 1);
+        QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"Ana"_s);
+
+        // The old row keeps its values and gains an identity; the same contact
+        // can now stand twice in one multi-send.
+        const QueryResult aa =
+            db.query(u"SELECT id_AboAuto, Automatico, Abonado, Mensaje FROM AboAuto"_s);
+        QCOMPARE(aa.recordCount(), 1);
+        QVERIFY(!aa.value(0, 0).isNull());
+        QCOMPARE(aa.value(0, 3).toString(), u"hola"_s);
+        db.exec(
+            u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (3,'0034629000000','otra')"_s);
+        QCOMPARE(db.query(u"SELECT count(*) FROM AboAuto WHERE Automatico=3"_s).value(0, 0).toInt(),
+                 2);
+
+        // New schedule columns are empty on the old multi-send.
+        QVERIFY(db.query(u"SELECT TareaProgramada FROM Automaticos"_s).value(0, 0).isNull());
+    }
+
+    void secondRunChangesNothing_data() {
+        QTest::addColumn<bool>("baseline");
+        QTest::newRow("from baseline") << true;
+        QTest::newRow("current file") << false;
+    }
+    void secondRunChangesNothing() {
+        QFETCH(bool, baseline);
+        const QString path = world.root() + u"/repetido.db"_s;
+        if (baseline) {
+            TestDb::createBaseline(path);
+            sembrarBase(path);
+            msActualizarBD(path);
+        } else {
+            TestDb::createCurrent(path);
+        }
+        const QString antes = volcado(path);
+        msActualizarBD(path);
+        msActualizarBD(path);
+        QCOMPARE(volcado(path), antes);
+        QVERIFY(msValidarBD(path));
+    }
+
+    void halfUpgradedGainsWhatIsMissing() {
+        const QString path = TestDb::createBaseline(world.root() + u"/medio.db"_s);
+        sembrarBase(path);
+        {
+            Database db;
+            QVERIFY(db.open(path));
+            db.exec(u"ALTER TABLE Canales ADD COLUMN Remitente TEXT(16)"_s);
+            db.exec(u"UPDATE Canales SET Remitente='Juan'"_s);
+            db.exec(
+                u"CREATE TABLE opciones (id INTEGER NOT NULL PRIMARY KEY DEFAULT 1, maxlote INTEGER)"_s);
+            db.exec(u"INSERT INTO opciones (id, maxlote) VALUES (1, 200)"_s);
+        }
+        msActualizarBD(path);
+        QVERIFY(msValidarBD(path));
+        Database db;
+        QVERIFY(db.open(path));
+        const QueryResult c = db.query(u"SELECT Remitente, tini, tfin, movil FROM Canales"_s);
+        QCOMPARE(c.value(0, 0).toString(), u"Juan"_s);
+        const QueryResult o = db.query(u"SELECT maxlote, solocontactos FROM opciones"_s);
+        QCOMPARE(o.recordCount(), 1);
+        QCOMPARE(o.value(0, 0).toInt(), 200);
+        QCOMPARE(o.value(0, 1).toInt(), 0);
+    }
+
+    void unopenableFileIsLeftAlone() {
+        const QString path = world.root() + u"/basura.db"_s;
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("esto no es una base de datos, solo texto que ocupa sitio en el disco....");
+        f.close();
+        msActualizarBD(path);
+        QVERIFY(!msValidarBD(path));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QVERIFY(f.readAll().startsWith("esto no es"));
+        msActualizarBD(world.root() + u"/no-existe.db"_s);
+        QVERIFY(!QFile::exists(world.root() + u"/no-existe.db"_s));
+    }
+
+    // The probe reads Canales, Automaticos and HEnvios only.
+    void validationIgnoresOptions() {
+        const QString path = TestDb::createCurrent(world.root() + u"/sinopciones.db"_s);
+        {
+            Database db;
+            QVERIFY(db.open(path));
+            db.exec(u"DROP TABLE opciones"_s);
+        }
+        QVERIFY(msValidarBD(path));
+        {
+            Database db;
+            QVERIFY(db.open(path));
+            db.exec(u"ALTER TABLE HEnvios DROP COLUMN crem"_s);
+        }
+        QVERIFY(!msValidarBD(path));
+    }
+
+  private:
+    TestWorld& world;
+};
+
+QUELMO_TEST_MAIN(TestUpgrade)
+#include "test_upgrade.moc"
