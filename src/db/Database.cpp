@@ -18,23 +18,16 @@ int compararSinMayusculas(void*, int n1, const void* s1, int n2, const void* s2)
     return QString::compare(a, b, Qt::CaseInsensitive);
 }
 
-void funcionMayusculas(sqlite3_context* ctx, int, sqlite3_value** argv) {
+// upper() and lower() of the engine know only ASCII; these know every letter.
+template <bool Mayusculas>
+void funcionCaso(sqlite3_context* ctx, int, sqlite3_value** argv) {
     if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
         sqlite3_result_null(ctx);
         return;
     }
     const auto* t = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
-    const QByteArray u = QString::fromUtf8(t, sqlite3_value_bytes(argv[0])).toUpper().toUtf8();
-    sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
-}
-
-void funcionMinusculas(sqlite3_context* ctx, int, sqlite3_value** argv) {
-    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
-        sqlite3_result_null(ctx);
-        return;
-    }
-    const auto* t = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
-    const QByteArray u = QString::fromUtf8(t, sqlite3_value_bytes(argv[0])).toLower().toUtf8();
+    const QString texto = QString::fromUtf8(t, sqlite3_value_bytes(argv[0]));
+    const QByteArray u = (Mayusculas ? texto.toUpper() : texto.toLower()).toUtf8();
     sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
 }
 
@@ -101,9 +94,9 @@ bool Database::abrir(const QString& path, int flags, QString* error) {
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, "NOCASE", SQLITE_UTF8, nullptr, compararSinMayusculas);
     sqlite3_create_function(m_db, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-                            funcionMayusculas, nullptr, nullptr);
+                            funcionCaso<true>, nullptr, nullptr);
     sqlite3_create_function(m_db, "lower", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-                            funcionMinusculas, nullptr, nullptr);
+                            funcionCaso<false>, nullptr, nullptr);
     try {
         // A file that is not a database opens lazily; reading the schema tells.
         query(u"SELECT count(*) FROM sqlite_master"_s);

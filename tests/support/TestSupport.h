@@ -102,14 +102,15 @@ QString programPath();
 
 // A QTest main that builds the temporary world before anything reads the
 // settings store or the data directory.
-#define QUELMO_TEST_MAIN(TestClass)           \
-    int main(int argc, char** argv) {         \
-        TestWorld world;                      \
-        QCoreApplication app(argc, argv);     \
-        prepareTestApplication();             \
-        TestClass tc(world);                  \
-        QTEST_SET_MAIN_SOURCE_PATH            \
-        return QTest::qExec(&tc, argc, argv); \
+#define QUELMO_TEST_MAIN_WITH(TestClass, AppClass) \
+    int main(int argc, char** argv) {              \
+        TestWorld world;                           \
+        AppClass app(argc, argv);                  \
+        prepareTestApplication();                  \
+        TestClass tc(world);                       \
+        QTEST_SET_MAIN_SOURCE_PATH                 \
+        return QTest::qExec(&tc, argc, argv);      \
     }
+#define QUELMO_TEST_MAIN(TestClass) QUELMO_TEST_MAIN_WITH(TestClass, QCoreApplication)
 
 void prepareTestApplication();
