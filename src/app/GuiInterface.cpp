@@ -43,7 +43,8 @@ int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
             anadir(QMessageBox::Ok, Msg::Ok);
             anadir(QMessageBox::Cancel, Msg::Cancel);
             break;
-        default: anadir(QMessageBox::Ok, Msg::Ok);
+        default:
+            anadir(QMessageBox::Ok, Msg::Ok);
     }
     const int porDefecto = Msg::defaultAnswer(style);
     for (const auto& [boton, answer] : botones)
@@ -56,17 +57,29 @@ int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
 
 QString GuiInterface::askPassword() {
     bool ok = false;
-    const QString t = QInputDialog::getText(m_owner, tituloAplicacion(),
-                                            u"Contraseña de acceso:"_s, QLineEdit::Password,
-                                            QString(), &ok);
+    const QString t = QInputDialog::getText(m_owner, tituloAplicacion(), u"Contraseña de acceso:"_s,
+                                            QLineEdit::Password, QString(), &ok);
     return ok ? t : QString();
+}
+
+QString GuiInterface::inputBox(const QString& prompt, const QString& title,
+                               const QString& defaultText) {
+    bool ok = false;
+    const QString t = QInputDialog::getText(m_owner, title.isEmpty() ? tituloAplicacion() : title,
+                                            prompt, QLineEdit::Normal, defaultText, &ok);
+    return ok ? t : QString();
+}
+
+QString GuiInterface::openFileName(const QString& caption, const QString& dir,
+                                   const QString& filter) {
+    return QFileDialog::getOpenFileName(m_owner, caption, dir, filter);
 }
 
 void GuiInterface::showSelectDatabase() {
     const QString actual = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
-    const QString elegido = QFileDialog::getOpenFileName(
-        m_owner, u"Seleccione su Base de Datos"_s, QFileInfo(actual).absolutePath(),
-        u"Bases de Datos (*.db);;Todos (*)"_s);
+    const QString elegido =
+        openFileName(u"Seleccione su Base de Datos"_s, QFileInfo(actual).absolutePath(),
+                     u"Bases de Datos (*.db);;Todos (*)"_s);
     if (elegido.isEmpty()) return;
     if (!msValidarBD(elegido)) msActualizarBD(elegido);
     if (!msValidarBD(elegido)) {
@@ -81,9 +94,11 @@ void GuiInterface::showSelectDatabase() {
 }
 
 void GuiInterface::openUrl(const QString& target) {
-    const QUrl url = QFileInfo::exists(target) ? QUrl::fromLocalFile(target)
-                                               : QUrl::fromUserInput(target);
+    const QUrl url =
+        QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
     QDesktopServices::openUrl(url);
 }
 
-void GuiInterface::terminateWithoutDatabase() { std::_Exit(0); }
+void GuiInterface::terminateWithoutDatabase() {
+    std::_Exit(0);
+}

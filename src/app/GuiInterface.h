@@ -7,16 +7,20 @@ class QWidget;
 // The user interface of the desktop: message boxes, the password prompt,
 // the database selection and the desktop's browser.
 class GuiInterface : public UserInterface {
-public:
+  public:
     explicit GuiInterface(QWidget* owner = nullptr) : m_owner(owner) {}
     void setOwner(QWidget* owner) { m_owner = owner; }
 
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;
+    QString inputBox(const QString& prompt, const QString& title,
+                     const QString& defaultText) override;
+    QString openFileName(const QString& caption, const QString& dir,
+                         const QString& filter) override;
     void showSelectDatabase() override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
 
-private:
+  private:
     QWidget* m_owner;
 };

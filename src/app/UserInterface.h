@@ -34,6 +34,18 @@ class UserInterface {
                        const QString& title = QString()) = 0;
     // The password prompt, shown modally; returns what the user typed.
     virtual QString askPassword() = 0;
+    // An input box: what was typed, or a null string when cancelled.
+    virtual QString inputBox(const QString& prompt, const QString& title = QString(),
+                             const QString& defaultText = QString()) {
+        (void)prompt, (void)title, (void)defaultText;
+        return QString();
+    }
+    // The file dialog that picks an existing file; empty when cancelled.
+    virtual QString openFileName(const QString& caption, const QString& dir,
+                                 const QString& filter) {
+        (void)caption, (void)dir, (void)filter;
+        return QString();
+    }
     // The database selection screen in database mode, shown modally.
     virtual void showSelectDatabase() = 0;
     // The first-run account set-up, shown modally.

@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "app/ChildScreens.h"
+#include "app/Pantallas.h"
 #include "app/Startup.h"
 #include "app/mdoMain.h"
 #include "scheduling/clsTareasPendientes.h"
@@ -23,6 +24,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     m_area = new QMdiArea(this);
     m_area->setObjectName(u"MDIClient"_s);
     ChildScreens::setArea(m_area);
+    Pantallas::registrarTodas();
     setCentralWidget(m_area);
 
     auto* dock = new QDockWidget(u"Actividad"_s, this);

@@ -69,6 +69,17 @@ QString ScriptedInterface::askPassword() {
     return passwords.isEmpty() ? QString() : passwords.takeFirst();
 }
 
+QString ScriptedInterface::inputBox(const QString& prompt, const QString& title,
+                                    const QString& defaultText) {
+    inputPrompts.append({prompt, 0, title});
+    if (inputs.isEmpty()) return defaultText;
+    return inputs.takeFirst();
+}
+
+QString ScriptedInterface::openFileName(const QString&, const QString&, const QString&) {
+    return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
+}
+
 void ScriptedInterface::showSelectDatabase() {
     ++selectDatabaseShown;
     if (onSelectDatabase) onSelectDatabase();

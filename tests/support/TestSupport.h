@@ -57,10 +57,13 @@ class ScriptedInterface : public UserInterface {
 
     QList<int> answers;                      // next answers to message boxes, in order
     QStringList passwords;                   // next texts typed at the password prompt
+    QStringList inputs;                      // next answers to input boxes (a null string cancels)
+    QStringList fileNames;                   // next files chosen in file dialogs (empty cancels)
     std::function<void()> onSelectDatabase;  // what the selection screen does
     std::function<void()> onProcessEvents;   // called at each turn of the loop
 
     QList<ShownBox> boxes;
+    QList<ShownBox> inputPrompts;  // prompt, 0, title of each input box
     int passwordPrompts = 0;
     int selectDatabaseShown = 0;
     int firstRunShown = 0;
@@ -70,6 +73,10 @@ class ScriptedInterface : public UserInterface {
 
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;
+    QString inputBox(const QString& prompt, const QString& title,
+                     const QString& defaultText) override;
+    QString openFileName(const QString& caption, const QString& dir,
+                         const QString& filter) override;
     void showSelectDatabase() override;
     void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
