@@ -17,7 +17,16 @@ Transmitter::Transmitter(QObject* parent) : QObject(parent) {
     m_timer.setObjectName(u"Timer1"_s);
     m_timer.setInterval(30000);
     connect(&m_timer, &QTimer::timeout, this, &Transmitter::Timer1_Timer);
+    if (!s_activo) s_activo = this;
 }
+
+Transmitter::~Transmitter() {
+    if (s_activo == this) s_activo = nullptr;
+}
+
+Transmitter* Transmitter::s_activo = nullptr;
+
+Transmitter* Transmitter::activo() { return s_activo; }
 
 void Transmitter::armarTemporizador() {
     const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s, u"60"_s);

@@ -9,6 +9,11 @@ class Transmitter : public QObject {
     Q_OBJECT
   public:
     explicit Transmitter(QObject* parent = nullptr);
+    ~Transmitter() override;
+
+    // The process's transmitter (the first one made and still alive): the
+    // screens' "send now" buttons reach the timer through it.
+    static Transmitter* activo();
 
     // Reads `Tr`/`Interval` (at least 15 s, else 60, saved back), sets the
     // timer and restarts the interval.
@@ -32,6 +37,7 @@ class Transmitter : public QObject {
   private:
     QTimer m_timer;
     bool m_detenido = false;
+    static Transmitter* s_activo;
 };
 
 // Waits `seconds` while the event loop goes on, by the seconds since
