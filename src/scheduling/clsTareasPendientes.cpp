@@ -1,5 +1,145 @@
 #include "scheduling/clsTareasPendientes.h"
 
-int16_t clsTareasPendientes::ReLoad() { return 0; }
+#include "app/AppState.h"
+#include "app/Clock.h"
+#include "app/Conversions.h"
+#include "app/Error.h"
+#include "app/UserInterface.h"
+#include "scheduling/clsNextTarea.h"
 
-int16_t clsTareasPendientes::PendientesEnviar() { return 0; }
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kActivas = u"SELECT Codigo FROM Automaticos WHERE tareaProgramada=true"_s;
+
+// Runs `paso`; with `pasarFallos` a failure is passed over and the next
+// statement runs, otherwise it goes to the caller.
+template <typename F>
+void ejecutar(bool pasarFallos, F&& paso) {
+    if (!pasarFallos) {
+        paso();
+        return;
+    }
+    try {
+        paso();
+    } catch (const QuelmoError&) {
+    }
+}
+
+}  // namespace
+
+void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima,
+                                       bool pasarFallos) {
+    Database& db = appState().Conexion;
+    // 1. A recipient whose contact is gone falls away in the join.
+    QueryResult destinos;
+    ejecutar(pasarFallos, [&] {
+        destinos = db.query(
+            u"Select AboAuto.abonado, AboAuto.mensaje,Abonados.canal from AboAuto, Abonados "
+            u"where AboAuto.abonado=Abonados.codigo And automatico=?"_s,
+            {codigo});
+    });
+    // 2. Nothing to queue: the last run stays unwritten, so the row stays due.
+    if (destinos.recordCount() < 1) return;
+
+    QString numero;
+    QString mensaje;
+    int16_t canal = 0;
+    for (int i = 0; i < destinos.recordCount(); ++i) {
+        // 3.1 Each recipient has its own text, and goes out through its
+        // contact's account.
+        numero = textoDe(destinos.value(i, 0));
+        mensaje = textoDe(destinos.value(i, 1));
+        ejecutar(pasarFallos, [&] { canal = aEntero16(destinos.value(i, 2)); });
+        // 3.2, 3.3
+        if (numero.startsWith(u'+')) numero.replace(u"+"_s, u"00"_s);
+        if (esNumerico(numero) && !numero.startsWith(u"00"_s)) numero.prepend(u"0034"_s);
+        // 3.4, 3.5 Bound values: an apostrophe in the text arrives as it is.
+        ejecutar(pasarFallos, [&] {
+            db.exec(
+                u"insert into envios (abonado,mensaje,canal,intento,registro) values (?,?,?,2,?)"_s,
+                {numero, mensaje, canal, Clock::now()});
+        });
+        // 3.6 Once for each recipient, not once for the run.
+        ejecutar(pasarFallos, [&] {
+            db.exec(u"update automaticos set ultimatarea=? where codigo=?"_s, {ultima(), codigo});
+        });
+    }
+}
+
+int16_t clsTareasPendientes::ReLoad() {
+    // 1. From here on a failing statement is passed over: one bad row must
+    // not keep the others from going out.
+    constexpr bool pasar = true;
+    // 2.
+    m_activas = QueryResult();
+    ejecutar(pasar, [&] { m_activas = appState().Conexion.query(kActivas); });
+    if (!(m_activas.recordCount() > 0)) return 0;
+
+    // 3. One calculator for the walk: after a failed calculation the row is
+    // judged on what the calculator still holds.
+    clsNextTarea tarea;
+    int16_t cuenta = 0;
+    for (int i = 0; i < m_activas.recordCount(); ++i) {
+        int32_t codigo = 0;
+        ejecutar(pasar, [&] { codigo = aEntero32(m_activas.value(i, 0).toString()); });
+        ejecutar(pasar, [&] { tarea.setCodigo(codigo); });
+        ejecutar(pasar, [&] { tarea.CalcularProximaTarea(); });
+        const QDateTime ultima = tarea.UltimaTarea();
+        const bool hay = tarea.HayTarea();
+        const QDateTime fecha = tarea.FechaProximaTarea();
+        // Strictly after the last run, so the second tick of the minute
+        // finds it already done. The planned time stands as the last run.
+        if (hay && fecha > ultima && Clock::now() >= fecha) {
+            ++cuenta;
+            dispararFila(
+                codigo, [&] { return fecha; }, pasar);
+        }
+    }
+    return cuenta;
+}
+
+int16_t clsTareasPendientes::PendientesEnviar() {
+    // The start-up passes over a failure: the walk ends there, and the
+    // later rows wait for the next start.
+    try {
+        return recorrerPendientes();
+    } catch (const QuelmoError&) {
+        return 0;
+    }
+}
+
+int16_t clsTareasPendientes::recorrerPendientes() {
+    // 1.
+    m_activas = appState().Conexion.query(kActivas);
+    if (m_activas.recordCount() < 1) return 0;
+
+    // 2.
+    clsNextTarea tarea;
+    bool preguntado = false;
+    int16_t cuenta = 0;
+    for (int i = 0; i < m_activas.recordCount(); ++i) {
+        const int32_t codigo = aEntero32(m_activas.value(i, 0).toString());
+        tarea.setCodigo(codigo);
+        tarea.CalcularProximaTarea2();
+        if (!(Clock::now() >= tarea.FechaProximaTarea())) continue;
+        if (!tarea.HayTarea() || !(tarea.FechaProximaTarea() > tarea.UltimaTarea())) continue;
+        if (!preguntado) {
+            // Only today's runs are offered; the first of another day ends
+            // the walk.
+            if (Clock::now().date() != tarea.FechaProximaTarea().date()) return 0;
+            const int respuesta = ui().msgBox(
+                u"Tiene mensajes programados para hoy pendientes de enviar\n\n"
+                u"¿Desea enviarlos ahora?"_s,
+                Msg::YesNo + Msg::Information);
+            if (respuesta != Msg::Yes) return 0;
+            preguntado = true;
+        }
+        // The time of sending stands as the last run, read for each recipient.
+        ++cuenta;
+        dispararFila(
+            codigo, [] { return Clock::now(); }, false);
+    }
+    return cuenta;
+}
