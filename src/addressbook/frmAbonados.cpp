@@ -1,0 +1,176 @@
+#include "addressbook/frmAbonados.h"
+
+#include "addressbook/PantallasAgenda.h"
+#include "addressbook/frmNewUser.h"
+#include "addressbook/mdoAgenda.h"
+#include "app/AppState.h"
+#include "app/Conversions.h"
+#include "widgets/Listado.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"frmAbonados"_s);
+    setWindowTitle(u"Contactos"_s);
+    ListView1 =
+        new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
+    ListView1->setSeleccionMultiple(true);
+    ListView1->setColumnWidth(0, 180);
+    ListView1->setColumnWidth(1, 120);
+    ListView1->setColumnWidth(2, 180);
+    lblcont = new QLabel(this);
+    lblcont->setObjectName(u"lblcont"_s);
+    auto boton = [this](const QString& nombre, const QString& texto) {
+        auto* b = new QPushButton(texto, this);
+        b->setObjectName(nombre);
+        return b;
+    };
+    cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
+    cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);
+    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
+    cmdDeletetodos = boton(u"cmdDeletetodos"_s, u"Eliminar &Todos"_s);
+    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
+
+    auto* botones = new QHBoxLayout;
+    botones->addWidget(lblcont, 1);
+    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, cmdClose})
+        botones->addWidget(b);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(ListView1, 1);
+    v->addLayout(botones);
+    resize(760, 460);
+
+    connect(cmdAdd, &QPushButton::clicked, this, &frmAbonados::cmdAdd_Click);
+    connect(cmdEdit, &QPushButton::clicked, this, &frmAbonados::cmdEdit_Click);
+    connect(ListView1, &Listado::dobleClicFila, this, &frmAbonados::cmdEdit_Click);
+    connect(cmdDelete, &QPushButton::clicked, this, &frmAbonados::cmdDelete_Click);
+    connect(cmdDeletetodos, &QPushButton::clicked, this, &frmAbonados::cmdDeletetodos_Click);
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+
+    requery();
+}
+
+void frmAbonados::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        cerrarPantallaHija(this);
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void frmAbonados::requery() {
+    try {
+        adoPrimaryRS = abrirContactos();
+    } catch (const DbError&) {
+        // A list that can't be read shows empty.
+        adoPrimaryRS = QueryResult();
+    }
+    msPintarContactos();
+}
+
+void frmAbonados::msPintarContactos() {
+    const QueryResult& rs = adoPrimaryRS;
+    const int n = rs.recordCount();
+    QVector<QString> celdas;
+    if (n > 0) {
+        const int alias = rs.columnIndex(u"Alias"_s);
+        const int codigo = rs.columnIndex(u"Codigo"_s);
+        const int comentario = rs.columnIndex(u"Comentario"_s);
+        const int cuenta = rs.columnIndex(u"nombre"_s);
+        celdas.reserve(qsizetype(n) * 4);
+        for (int f = 0; f < n; ++f) {
+            celdas.append(textoDe(rs.value(f, alias)));
+            celdas.append(textoDe(rs.value(f, codigo)));
+            celdas.append(textoDe(rs.value(f, comentario)));
+            celdas.append(textoDe(rs.value(f, cuenta)));
+        }
+    }
+    ListView1->modelo()->asignar(std::move(celdas));
+    lblcont->setText(QString::number(n) + u" Contactos"_s);
+}
+
+bool frmAbonados::msNuevoContacto(QWidget* padre) {
+    frmNewUser editor(padre);
+    if (!editor.msLoad()) {
+        ui().msgBox(u"Atención, primero debe crear una Cuenta, desea hacerlo en este momento ?"_s,
+                    Msg::Critical);
+        return false;
+    }
+    editor.exec();
+    return true;
+}
+
+void frmAbonados::cmdAdd_Click() {
+    msNuevoContacto(this);
+    requery();
+}
+
+void frmAbonados::cmdEdit_Click() {
+    const int linea = ListView1->filaActual();
+    const QString texto = ListView1->modelo()->texto(linea, 0);
+    if (texto.isEmpty()) return;
+    // Of two contacts with the same name, the first in the order opens.
+    const int f = primeraFilaCon(adoPrimaryRS, u"Alias"_s, texto);
+    if (f < 0) return;
+    frmNewUser editor(this);
+    editor.prepararEdicion(textoDe(adoPrimaryRS.value(f, u"Codigo"_s)),
+                           int16_t(numeroDe(adoPrimaryRS.value(f, u"Canal"_s))), texto,
+                           textoDe(adoPrimaryRS.value(f, u"Comentario"_s)));
+    editor.msLoad();
+    editor.exec();
+    requery();
+}
+
+void frmAbonados::borrarFilas(const QList<int>& filas) {
+    int borrados = 0;
+    int fallidos = 0;
+    // Each contact goes in its own nested transaction; the outer one only
+    // saves a disk sync per contact when thousands go at once.
+    Database& bd = appState().Conexion;
+    const QString sp = u"borrarcontactos"_s;
+    bool exterior = true;
+    try {
+        bd.savepoint(sp);
+    } catch (const DbError&) {
+        exterior = false;
+    }
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it) {
+        if (mbBorrarContacto(ListView1->modelo()->texto(*it, 1)))
+            ++borrados;
+        else
+            ++fallidos;
+    }
+    if (exterior) {
+        try {
+            bd.release(sp);
+        } catch (const DbError&) {
+        }
+    }
+    // Each failure has had its own box; the summary tells the successes only.
+    Q_UNUSED(fallidos);
+    ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados), Msg::Information);
+    requery();
+}
+
+void frmAbonados::cmdDelete_Click() {
+    if (ui().msgBox(u"Esta a punto de eliminar los Contactos Seleccionados, ¿esta seguro?"_s,
+                    Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
+        return;
+    borrarFilas(ListView1->filasSeleccionadas());
+}
+
+void frmAbonados::cmdDeletetodos_Click() {
+    if (ui().msgBox(u"¿Quiere eliminar TODOS sus Contactos?"_s,
+                    Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
+        return;
+    QList<int> todas;
+    for (int f = 0; f < ListView1->modelo()->rowCount(); ++f) todas.append(f);
+    borrarFilas(todas);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "db/Database.h"
+
+#include <QWidget>
+
+class Listado;
+class QLabel;
+class QPushButton;
+
+// The contacts, with add, edit and delete.
+class frmAbonados : public QWidget {
+    Q_OBJECT
+  public:
+    explicit frmAbonados(QWidget* parent = nullptr);
+
+    void msPintarContactos();
+    // Opens the editor for a new contact, or says that an account must
+    // exist first; true when the editor was shown.
+    static bool msNuevoContacto(QWidget* padre);
+
+    void cmdAdd_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+    void cmdDeletetodos_Click();
+
+    Listado* ListView1;
+    QLabel* lblcont;
+    QPushButton* cmdAdd;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+    QPushButton* cmdDeletetodos;
+    QPushButton* cmdClose;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void requery();
+    void borrarFilas(const QList<int>& filas);
+
+    QueryResult adoPrimaryRS;
+};

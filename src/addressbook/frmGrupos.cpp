@@ -1,0 +1,146 @@
+#include "addressbook/frmGrupos.h"
+
+#include "addressbook/PantallasAgenda.h"
+#include "addressbook/frmUserGroup.h"
+#include "addressbook/mdoAgenda.h"
+#include "app/Conversions.h"
+#include "app/Pantallas.h"
+#include "widgets/Listado.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+frmGrupos::ListaElegida& elegida() {
+    static frmGrupos::ListaElegida l;
+    return l;
+}
+}  // namespace
+
+frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"frmGrupos"_s);
+    setWindowTitle(u"Listas Locales"_s);
+    ListView1 =
+        new Listado(u"ListView1"_s, {u"Código"_s, u"Nombre de Lista"_s, u"Nº Contactos"_s}, this);
+    ListView1->setColumnWidth(0, 70);
+    ListView1->setColumnWidth(1, 260);
+    auto boton = [this](const QString& nombre, const QString& texto) {
+        auto* b = new QPushButton(texto, this);
+        b->setObjectName(nombre);
+        return b;
+    };
+    cmdAdd = boton(u"cmdAdd"_s, u"&Nueva Lista"_s);
+    cmdEdit = boton(u"cmdEdit"_s, u"&Editar Nombre"_s);
+    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
+    cmdUsuarios = boton(u"cmdUsuarios"_s, u"C&ontactos de la Lista"_s);
+    cmdPublicar = boton(u"cmdPublicar"_s, u"Publicar Lista Web"_s);
+    cmdPublicar->setToolTip(u"Publicar como Lista Web"_s);
+    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
+
+    auto* botones = new QVBoxLayout;
+    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdUsuarios, cmdPublicar})
+        botones->addWidget(b);
+    botones->addStretch();
+    botones->addWidget(cmdClose);
+    auto* h = new QHBoxLayout(this);
+    h->addWidget(ListView1, 1);
+    h->addLayout(botones);
+    resize(620, 380);
+
+    connect(cmdAdd, &QPushButton::clicked, this, &frmGrupos::cmdAdd_Click);
+    connect(cmdEdit, &QPushButton::clicked, this, &frmGrupos::cmdEdit_Click);
+    connect(cmdDelete, &QPushButton::clicked, this, &frmGrupos::cmdDelete_Click);
+    connect(cmdUsuarios, &QPushButton::clicked, this, &frmGrupos::cmdUsuarios_Click);
+    connect(ListView1, &Listado::dobleClicFila, this, &frmGrupos::cmdUsuarios_Click);
+    connect(cmdPublicar, &QPushButton::clicked, this, &frmGrupos::cmdPublicar_Click);
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+    connect(ListView1->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (ListView1->filaActual() >= 0)
+            ListView1->setToolTip(u"Doble Clic para editar usuarios de la Lista"_s);
+    });
+
+    msAbrirListas();
+}
+
+void frmGrupos::msAbrirListas() {
+    try {
+        adoPrimaryRS = abrirListasConContactos();
+    } catch (const DbError&) {
+        adoPrimaryRS = QueryResult();
+    }
+    msPintarListas();
+}
+
+void frmGrupos::msPintarListas() {
+    const QueryResult& rs = adoPrimaryRS;
+    QVector<QString> celdas;
+    for (int f = 0; f < rs.recordCount(); ++f) {
+        celdas.append(u"%1"_s.arg(numeroDe(rs.value(f, u"Grupo"_s)), 3, 10, QChar(u'0')));
+        celdas.append(textoDe(rs.value(f, u"Nombre"_s)));
+        celdas.append(textoDe(rs.value(f, u"Contactos"_s)));
+    }
+    ListView1->modelo()->asignar(std::move(celdas));
+}
+
+int frmGrupos::filaElegida() const {
+    const int linea = ListView1->filaActual();
+    if (ListView1->modelo()->texto(linea, 0).isEmpty()) return -1;
+    // Lists are found again by name: of two equal names the first one wins.
+    return primeraFilaCon(adoPrimaryRS, u"Nombre"_s, ListView1->modelo()->texto(linea, 1));
+}
+
+void frmGrupos::abrirMiembros(const QString& nombre, int16_t grupo) {
+    frmUserGroup miembros(this);
+    miembros.sNombreGrupo = nombre;
+    miembros.nCodGrupo = grupo;
+    miembros.msCargarUsuariosParaGrupo();
+    miembros.exec();
+}
+
+void frmGrupos::cmdAdd_Click() {
+    QString nombre;
+    const int grupo = msAltaLista(&nombre);
+    // A new list gets its members at once.
+    if (grupo >= 0) abrirMiembros(nombre, int16_t(grupo));
+    msAbrirListas();
+}
+
+void frmGrupos::cmdEdit_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    msRenombrarLista(int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))),
+                     textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
+    msAbrirListas();
+}
+
+void frmGrupos::cmdDelete_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    msBorrarLista(int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))),
+                  textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
+    msAbrirListas();
+}
+
+void frmGrupos::cmdUsuarios_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    abrirMiembros(textoDe(adoPrimaryRS.value(f, u"Nombre"_s)),
+                  int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))));
+    msAbrirListas();
+}
+
+frmGrupos::ListaElegida frmGrupos::listaAPublicar() {
+    return elegida();
+}
+
+void frmGrupos::cmdPublicar_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    elegida() = {textoDe(adoPrimaryRS.value(f, u"Nombre"_s)),
+                 int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s)))};
+    Pantallas::abrir(u"frmPublicarLista"_s);
+    msAbrirListas();
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "db/Database.h"
+
+#include <QWidget>
+#include <cstdint>
+
+class Listado;
+class QPushButton;
+
+// The lists, with their member counts.
+class frmGrupos : public QWidget {
+    Q_OBJECT
+  public:
+    explicit frmGrupos(QWidget* parent = nullptr);
+
+    void cmdAdd_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+    void cmdUsuarios_Click();
+    void cmdPublicar_Click();
+
+    // The list that the publication screen is to publish (set when it opens).
+    struct ListaElegida {
+        QString nombre;
+        int16_t grupo = -1;
+    };
+    static ListaElegida listaAPublicar();
+
+    Listado* ListView1;
+    QPushButton* cmdAdd;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+    QPushButton* cmdUsuarios;
+    QPushButton* cmdPublicar;
+    QPushButton* cmdClose;
+
+  private:
+    void msAbrirListas();
+    void msPintarListas();
+    // The row of adoPrimaryRS for the selected line, -1 when none.
+    int filaElegida() const;
+    void abrirMiembros(const QString& nombre, int16_t grupo);
+
+    QueryResult adoPrimaryRS;
+};

@@ -1,0 +1,84 @@
+#include "addressbook/frmMenPro.h"
+
+#include "addressbook/PantallasAgenda.h"
+#include "addressbook/mdoAgenda.h"
+#include "app/Conversions.h"
+#include "widgets/Listado.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"frmMenPro"_s);
+    setWindowTitle(u"Mensajes Predefinidos"_s);
+    ListView1 = new Listado(u"ListView1"_s, {u"Texto del Mensaje Predefinido"_s}, this);
+    auto boton = [this](const QString& nombre, const QString& texto) {
+        auto* b = new QPushButton(texto, this);
+        b->setObjectName(nombre);
+        return b;
+    };
+    cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
+    cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);
+    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
+    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
+    auto* botones = new QHBoxLayout;
+    botones->addStretch();
+    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdClose}) botones->addWidget(b);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(ListView1, 1);
+    v->addLayout(botones);
+    resize(600, 360);
+
+    connect(cmdAdd, &QPushButton::clicked, this, &frmMenPro::cmdAdd_Click);
+    connect(cmdEdit, &QPushButton::clicked, this, &frmMenPro::cmdEdit_Click);
+    connect(ListView1, &Listado::dobleClicFila, this, &frmMenPro::cmdEdit_Click);
+    connect(cmdDelete, &QPushButton::clicked, this, &frmMenPro::cmdDelete_Click);
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+
+    requery();
+}
+
+void frmMenPro::requery() {
+    try {
+        adoPrimaryRS = abrirMensajesPredefinidos();
+    } catch (const DbError&) {
+        adoPrimaryRS = QueryResult();
+    }
+    msPintarMensajes();
+}
+
+void frmMenPro::msPintarMensajes() {
+    QVector<QString> celdas;
+    for (int f = 0; f < adoPrimaryRS.recordCount(); ++f)
+        celdas.append(textoDe(adoPrimaryRS.value(f, u"Texto"_s)));
+    ListView1->modelo()->asignar(std::move(celdas));
+}
+
+int frmMenPro::filaElegida() const {
+    const QString texto = ListView1->modelo()->texto(ListView1->filaActual(), 0);
+    if (texto.isEmpty()) return -1;
+    // Of two equal texts the first one is acted on.
+    return primeraFilaCon(adoPrimaryRS, u"Texto"_s, texto);
+}
+
+void frmMenPro::cmdAdd_Click() {
+    msAltaMensaje();
+    requery();
+}
+
+void frmMenPro::cmdEdit_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    if (msCambiarMensaje(int(numeroDe(adoPrimaryRS.value(f, u"Mensaje"_s))),
+                         textoDe(adoPrimaryRS.value(f, u"Texto"_s))))
+        requery();
+}
+
+void frmMenPro::cmdDelete_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    if (msBorrarMensaje(int(numeroDe(adoPrimaryRS.value(f, u"Mensaje"_s))))) requery();
+}

@@ -1,0 +1,148 @@
+#include "addressbook/frmNewUser.h"
+
+#include "addressbook/mdoAgenda.h"
+#include "app/Conversions.h"
+
+#include <QComboBox>
+#include <QEvent>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringListModel(this)) {
+    setObjectName(u"frmNewUser"_s);
+    setWindowTitle(u"Nuevo Contacto"_s);
+    setModal(true);
+
+    auto campo = [this](const QString& nombre, int largo) {
+        auto* e = new QLineEdit(this);
+        e->setObjectName(nombre);
+        e->setMaxLength(largo);
+        e->installEventFilter(this);
+        return e;
+    };
+    txtAbonado = campo(u"txtAbonado"_s, 15);
+    txtAlias = campo(u"txtAlias"_s, 30);
+    txtComentario = campo(u"txtComentario"_s, 50);
+    cmbCanales = new QComboBox(this);
+    cmbCanales->setObjectName(u"cmbCanales"_s);
+    lstGrupos = new QListView(this);
+    lstGrupos->setObjectName(u"lstGrupos"_s);
+    lstGrupos->setModel(m_listas);
+    lstGrupos->setUniformItemSizes(true);
+    lstGrupos->setSelectionMode(QAbstractItemView::MultiSelection);
+    lstGrupos->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    cmdAnadir = new QPushButton(u"&Añadir Contacto"_s, this);
+    cmdAnadir->setObjectName(u"cmdAñadir"_s);
+    CmdSalir = new QPushButton(u"&Cerrar"_s, this);
+    CmdSalir->setObjectName(u"CmdSalir"_s);
+
+    auto* form = new QFormLayout;
+    form->addRow(u"Número de Móvil"_s, txtAbonado);
+    form->addRow(u"Nombre de Contacto"_s, txtAlias);
+    form->addRow(u"Comentario del contacto"_s, txtComentario);
+    form->addRow(u"Cuenta"_s, cmbCanales);
+    auto* botones = new QHBoxLayout;
+    botones->addStretch();
+    botones->addWidget(cmdAnadir);
+    botones->addWidget(CmdSalir);
+    auto* v = new QVBoxLayout(this);
+    v->addLayout(form);
+    v->addWidget(new QLabel(u"Asignación a Listas"_s, this));
+    v->addWidget(lstGrupos, 1);
+    v->addLayout(botones);
+
+    connect(cmdAnadir, &QPushButton::clicked, this, [this] {
+        if (mbGuardarContacto()) accept();
+    });
+    connect(CmdSalir, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+bool frmNewUser::eventFilter(QObject* watched, QEvent* event) {
+    // The field being typed in stands out in yellow.
+    if (auto* e = qobject_cast<QLineEdit*>(watched)) {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+            QPalette p = e->palette();
+            p.setColor(QPalette::Base,
+                       event->type() == QEvent::FocusIn ? QColor(255, 255, 0) : QColor(Qt::white));
+            e->setPalette(p);
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmNewUser::prepararEdicion(const QString& codigo, int16_t canal, const QString& alias,
+                                 const QString& comentario) {
+    txtAbonado->setText(codigo);
+    txtAbonado->setEnabled(false);
+    miCanalContacto = canal;
+    txtAlias->setText(alias);
+    txtComentario->setText(comentario);
+    cmdAnadir->setText(u"&Modificar Usuario"_s);
+    setWindowTitle(u"Modificar Usuario"_s);
+}
+
+bool frmNewUser::msLoad() {
+    msCargarListas();
+    return mbCargarCuentas();
+}
+
+void frmNewUser::msCargarListas() {
+    const QueryResult rs = abrirListas();
+    if (rs.isEmpty()) {
+        lstGrupos->setEnabled(false);
+        return;
+    }
+    QStringList entradas;
+    for (int f = 0; f < rs.recordCount(); ++f)
+        entradas.append(entradaLista(int(numeroDe(rs.value(f, u"Grupo"_s))),
+                                     textoDe(rs.value(f, u"Nombre"_s))));
+    m_listas->setStringList(entradas);
+    if (txtAbonado->isEnabled()) return;
+    for (int f = 0; f < rs.recordCount(); ++f)
+        if (mbEstaEnLista(txtAbonado->text(), int16_t(numeroDe(rs.value(f, u"Grupo"_s)))))
+            lstGrupos->selectionModel()->select(m_listas->index(f), QItemSelectionModel::Select);
+}
+
+bool frmNewUser::mbCargarCuentas() {
+    const QueryResult rs = abrirCuentas();
+    if (rs.isEmpty()) {
+        cmbCanales->setEnabled(false);
+        return false;
+    }
+    cmbCanales->clear();
+    m_canales.clear();
+    for (int f = 0; f < rs.recordCount(); ++f) {
+        const auto canal = int16_t(numeroDe(rs.value(f, u"Canal"_s)));
+        cmbCanales->addItem(textoDe(rs.value(f, u"Nombre"_s)));
+        m_canales.append(canal);
+    }
+    // A new contact gets no account preselected, not even the principal one:
+    // the user has to choose.
+    cmbCanales->setCurrentIndex(txtAbonado->isEnabled() ? -1
+                                                        : int(m_canales.indexOf(miCanalContacto)));
+    return true;
+}
+
+bool frmNewUser::mbGuardarContacto() {
+    FichaContacto f;
+    f.codigo = txtAbonado->text();
+    f.alias = txtAlias->text();
+    f.comentario = txtComentario->text();
+    f.cuenta = cmbCanales->currentText();
+    const int i = cmbCanales->currentIndex();
+    f.canal = i >= 0 && i < m_canales.size() ? m_canales.at(i) : int16_t(0);
+    f.nuevo = txtAbonado->isEnabled();
+    const QStringList entradas = m_listas->stringList();
+    for (int r = 0; r < entradas.size(); ++r)
+        if (lstGrupos->selectionModel()->isSelected(m_listas->index(r)))
+            f.listas.append(entradas.at(r));
+    return ::mbGuardarContacto(f);
+}

@@ -1,0 +1,77 @@
+#include "addressbook/frmSelecMenPro.h"
+
+#include "app/AppState.h"
+#include "app/Conversions.h"
+#include "app/Pantallas.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QListView>
+#include <QPushButton>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmSelecMenPro::frmSelecMenPro(QWidget* parent)
+    : QDialog(parent), m_textos(new QStringListModel(this)) {
+    setObjectName(u"frmSelecMenPro"_s);
+    setWindowTitle(u"Selección de Mensajes Predefinidos"_s);
+    setModal(true);
+    lstMensajes = new QListView(this);
+    lstMensajes->setObjectName(u"lstMensajes"_s);
+    lstMensajes->setModel(m_textos);
+    lstMensajes->setUniformItemSizes(true);
+    lstMensajes->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    lstMensajes->installEventFilter(this);
+    cmdAdd = new QPushButton(u"&Aceptar"_s, this);
+    cmdAdd->setObjectName(u"cmdAdd"_s);
+    cmdClose = new QPushButton(u"&Cancelar"_s, this);
+    cmdClose->setObjectName(u"cmdClose"_s);
+    auto* botones = new QHBoxLayout;
+    botones->addStretch();
+    botones->addWidget(cmdAdd);
+    botones->addWidget(cmdClose);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(lstMensajes, 1);
+    v->addLayout(botones);
+    resize(520, 320);
+
+    connect(cmdAdd, &QPushButton::clicked, this, &frmSelecMenPro::cmdAdd_Click);
+    connect(lstMensajes, &QListView::doubleClicked, this, &frmSelecMenPro::cmdAdd_Click);
+    connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
+
+    // The texts in the table's own order.
+    QStringList textos;
+    try {
+        const QueryResult rs = appState().Conexion.query(u"select * from MenPro"_s);
+        for (int f = 0; f < rs.recordCount(); ++f) textos.append(textoDe(rs.value(f, 1)));
+    } catch (const DbError&) {
+    }
+    m_textos->setStringList(textos);
+}
+
+void frmSelecMenPro::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    lstMensajes->setFocus();
+}
+
+bool frmSelecMenPro::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == lstMensajes && event->type() == QEvent::KeyPress) {
+        const int tecla = static_cast<QKeyEvent*>(event)->key();
+        if (tecla == Qt::Key_Return || tecla == Qt::Key_Enter) {
+            cmdAdd_Click();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmSelecMenPro::cmdAdd_Click() {
+    const QModelIndex i = lstMensajes->currentIndex();
+    if (i.isValid() && lstMensajes->selectionModel()->isSelected(i)) {
+        const QString texto = m_textos->data(i).toString();
+        if (!texto.isEmpty()) Pantallas::tomarTextoEnvio(texto);
+    }
+    accept();
+}

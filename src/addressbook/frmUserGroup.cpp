@@ -1,0 +1,149 @@
+#include "addressbook/frmUserGroup.h"
+
+#include "addressbook/mdoAgenda.h"
+#include "app/Conversions.h"
+#include "widgets/Listado.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QVector<QString> celdasDe(const QueryResult& rs) {
+    QVector<QString> celdas;
+    celdas.reserve(qsizetype(rs.recordCount()) * 2);
+    for (int f = 0; f < rs.recordCount(); ++f) {
+        celdas.append(textoDe(rs.value(f, 0)));
+        celdas.append(textoDe(rs.value(f, 1)));
+    }
+    return celdas;
+}
+}  // namespace
+
+frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmUserGroup"_s);
+    setWindowTitle(u"Contactos de la Lista"_s);
+    setModal(true);
+    lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
+    lstLista = new Listado(u"lstLista"_s, {u"Nombre"_s, u"Número"_s}, this);
+    for (Listado* l : {lstcontactos, lstLista}) {
+        l->setSeleccionMultiple(true);
+        l->setColumnWidth(0, 170);
+    }
+    auto boton = [this](const QString& nombre, const QString& texto, const QString& ayuda) {
+        auto* b = new QPushButton(texto, this);
+        b->setObjectName(nombre);
+        b->setToolTip(ayuda);
+        return b;
+    };
+    Command1 = boton(u"Command1"_s, u"Añadir >"_s, u"Añadir Contacto Seleccionados a Lista"_s);
+    cmdTodos = boton(u"cmdTodos"_s, u"Todos >>>"_s, u"Añadir Contacto Seleccionados a Lista"_s);
+    cmdQuitar =
+        boton(u"cmdQuitar"_s, u"< Eliminar"_s, u"Quitar Contacto Seleccionado de la Lista"_s);
+    cmdquitarTodos =
+        boton(u"cmdquitarTodos"_s, u"<<< Todos"_s, u"Quitar Todos los Contactos de la Lista"_s);
+    cmdAdd = boton(u"cmdAdd"_s, u"&Guardar"_s, QString());
+    cmdClose = boton(u"cmdClose"_s, u"&Cancelar"_s, QString());
+    lblcont = new QLabel(this);
+    lblcont->setObjectName(u"lblcont"_s);
+
+    auto* mueve = new QVBoxLayout;
+    mueve->addStretch();
+    for (QPushButton* b : {Command1, cmdTodos, cmdQuitar, cmdquitarTodos}) mueve->addWidget(b);
+    mueve->addStretch();
+    auto* g = new QGridLayout;
+    g->addWidget(new QLabel(u"Contactos disponibles"_s, this), 0, 0);
+    g->addWidget(new QLabel(u"Contactos en la Lista"_s, this), 0, 2);
+    g->addWidget(lstcontactos, 1, 0);
+    g->addLayout(mueve, 1, 1);
+    g->addWidget(lstLista, 1, 2);
+    auto* pie = new QHBoxLayout;
+    pie->addWidget(lblcont, 1);
+    pie->addWidget(cmdAdd);
+    pie->addWidget(cmdClose);
+    auto* v = new QVBoxLayout(this);
+    v->addLayout(g, 1);
+    v->addLayout(pie);
+    resize(720, 440);
+
+    connect(Command1, &QPushButton::clicked, this, &frmUserGroup::Command1_Click);
+    connect(cmdTodos, &QPushButton::clicked, this, &frmUserGroup::cmdTodos_Click);
+    connect(cmdQuitar, &QPushButton::clicked, this, &frmUserGroup::cmdQuitar_Click);
+    connect(cmdquitarTodos, &QPushButton::clicked, this, &frmUserGroup::cmdquitarTodos_Click);
+    connect(cmdAdd, &QPushButton::clicked, this, &frmUserGroup::cmdAdd_Click);
+    connect(cmdClose, &QPushButton::clicked, this, &frmUserGroup::cmdClose_Click);
+    connect(lstcontactos, &Listado::dobleClicFila, this, [this](int fila) {
+        if (!lstcontactos->modelo()->texto(fila, 0).isEmpty())
+            mover(lstcontactos, lstLista, {fila});
+    });
+    connect(lstLista, &Listado::dobleClicFila, this, [this](int fila) {
+        if (!lstLista->modelo()->texto(fila, 0).isEmpty()) mover(lstLista, lstcontactos, {fila});
+    });
+}
+
+void frmUserGroup::msCargarUsuariosParaGrupo() {
+    setWindowTitle(u"Contactos de la Lista: "_s + sNombreGrupo.toUpper());
+    QueryResult miembros;
+    QueryResult resto;
+    try {
+        miembros = abrirMiembrosLista(nCodGrupo);
+        resto = abrirNoMiembrosLista(nCodGrupo);
+    } catch (const DbError&) {
+    }
+    lstLista->modelo()->asignar(celdasDe(miembros));
+    lblcont->setText(QString::number(miembros.recordCount()) + u" Contactos en la lista"_s);
+    lstcontactos->modelo()->asignar(celdasDe(resto));
+}
+
+void frmUserGroup::mover(Listado* origen, Listado* destino, const QList<int>& filas) {
+    ModeloListado* o = origen->modelo();
+    QList<QStringList> llevadas;
+    llevadas.reserve(filas.size());
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it) llevadas.append(o->fila(*it));
+    destino->modelo()->anadirFilas(llevadas);
+    o->quitarFilas(filas);
+}
+
+namespace {
+QList<int> todas(const Listado* l) {
+    QList<int> filas;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) filas.append(f);
+    return filas;
+}
+}  // namespace
+
+void frmUserGroup::Command1_Click() {
+    mover(lstcontactos, lstLista, lstcontactos->filasSeleccionadas());
+}
+
+void frmUserGroup::cmdTodos_Click() {
+    mover(lstcontactos, lstLista, todas(lstcontactos));
+}
+
+void frmUserGroup::cmdQuitar_Click() {
+    mover(lstLista, lstcontactos, lstLista->filasSeleccionadas());
+}
+
+void frmUserGroup::cmdquitarTodos_Click() {
+    mover(lstLista, lstcontactos, todas(lstLista));
+}
+
+void frmUserGroup::cmdAdd_Click() {
+    QStringList numeros;
+    for (int f = 0; f < lstLista->modelo()->rowCount(); ++f)
+        numeros.append(lstLista->modelo()->texto(f, 1));
+    msGuardarMiembrosLista(nCodGrupo, numeros);
+    sNombreGrupo.clear();
+    nCodGrupo = -1;
+    accept();
+}
+
+void frmUserGroup::cmdClose_Click() {
+    sNombreGrupo.clear();
+    nCodGrupo = -1;
+    reject();
+}

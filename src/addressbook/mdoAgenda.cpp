@@ -1,0 +1,353 @@
+#include "addressbook/mdoAgenda.h"
+
+#include "app/AppState.h"
+#include "app/Conversions.h"
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
+
+Database& bd() {
+    return appState().Conexion;
+}
+
+// Undoes a savepoint after a failure; the failure has already been told.
+void deshacer(const QString& nombre) {
+    try {
+        bd().rollbackTo(nombre);
+        bd().release(nombre);
+    } catch (const DbError&) {
+    }
+}
+
+// A duplicate key is what the engine reports for a number that exists.
+bool esClaveRepetida() {
+    sqlite3* h = bd().handle();
+    return h && sqlite3_errcode(h) == SQLITE_CONSTRAINT;
+}
+
+}  // namespace
+
+// ---- Contacts --------------------------------------------------------------
+
+QString motivoNumeroContacto(const QString& numero) {
+    if (!esNumerico(numero)) return u"El valor del número de Móvil debe ser numérico"_s;
+    // IsNumeric lets a leading "+" through; the stored form wants "00".
+    if (!numero.startsWith(u"00"_s)) return u"( Código internacional inexistente o mal formado )"_s;
+    if (numero.size() < 11) return u"( La longitud del Número de Móvil no es adecuada )"_s;
+    return {};
+}
+
+bool msComprobarNumeroContacto(const QString& numero) {
+    const QString motivo = motivoNumeroContacto(numero);
+    if (motivo.isEmpty()) return true;
+    ui().msgBox(motivo +
+                    u"\nAtención, el formato del Número de Móvil, no es correcto "
+                    u"\nRecuerde, que el formato debe incluir el código internacional del "
+                    u"Número de Móvil\nEjemplo : para España (0034)629000000, el Número "
+                    u"sería 0034629000000"_s,
+                Msg::Critical);
+    return false;
+}
+
+bool mbDatosCompletos(const FichaContacto& ficha) {
+    // Nothing is trimmed: a blank counts as data.
+    if (ficha.codigo.isEmpty()) {
+        ui().msgBox(u"El Número de Móvil debe de contener datos"_s, Msg::Critical);
+        return false;
+    }
+    if (ficha.alias.isEmpty()) {
+        ui().msgBox(u"El Nombre del Contacto debe de contener datos"_s, Msg::Critical);
+        return false;
+    }
+    if (ficha.cuenta.isEmpty()) {
+        ui().msgBox(u"Debe seleccionar una Cuenta para este Contacto"_s, Msg::Critical);
+        return false;
+    }
+    return true;
+}
+
+bool mbGuardarContacto(const FichaContacto& ficha) {
+    if (!mbDatosCompletos(ficha)) return false;
+    // Destinations are separated by ";", so an alias can't hold one.
+    if (ficha.alias.contains(u';')) {
+        ui().msgBox(
+            u"Atención, el formato del Nombre de Contacto, contiene el caracter [;] y no "
+            u"esta permitido"_s,
+            Msg::Critical);
+        return false;
+    }
+    const int16_t canal = ficha.canal;
+    if (!msComprobarNumeroContacto(ficha.codigo)) return false;
+
+    const QString sp = u"contacto"_s;
+    try {
+        bd().savepoint(sp);
+    } catch (const DbError& e) {
+        ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
+        return false;
+    }
+    try {
+        if (ficha.nuevo)
+            bd().exec(u"Insert into abonados (Codigo,Alias,Comentario,Canal) values (?,?,?,?)"_s,
+                      {ficha.codigo, ficha.alias, ficha.comentario, canal});
+        else
+            bd().exec(u"Update Abonados Set Alias = ?,Comentario = ?,Canal = ? Where Codigo = ?"_s,
+                      {ficha.alias, ficha.comentario, canal, ficha.codigo});
+    } catch (const DbError& e) {
+        const bool repetido = esClaveRepetida();
+        deshacer(sp);
+        if (repetido)
+            ui().msgBox(u"Error Añadiendo datos, el Contacto ya existe"_s, Msg::Critical);
+        else
+            ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
+        return false;
+    }
+    if (!mbGuardarListas(ficha.codigo, ficha.listas)) {
+        deshacer(sp);
+        return false;
+    }
+    try {
+        bd().release(sp);
+    } catch (const DbError& e) {
+        deshacer(sp);
+        ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
+        return false;
+    }
+    return true;
+}
+
+bool mbGuardarListas(const QString& codigo, const QStringList& entradas) {
+    try {
+        bd().exec(u"Delete from AboGrup where Abonado = ?"_s, {codigo});
+        for (const QString& entrada : entradas)
+            bd().exec(u"Insert into AboGrup (Abonado,Grupo) Values (?,?)"_s,
+                      {codigo, grupoDeEntrada(entrada)});
+    } catch (const DbError&) {
+        return false;
+    }
+    return true;
+}
+
+bool mbEstaEnLista(const QString& codigo, int16_t grupo) {
+    const QueryResult r = bd().query(
+        u"select count(*) from AboGrup where Abonado = ? and Grupo = ?"_s, {codigo, grupo});
+    return numeroDe(r.value(0, 0)) > 0;
+}
+
+QString entradaLista(int grupo, const QString& nombre) {
+    return u"%1 - %2"_s.arg(grupo, 3, 10, QChar(u'0')).arg(nombre);
+}
+
+int16_t grupoDeEntrada(const QString& entrada) {
+    // The number ends two characters before the first "-" ("000 - Nombre").
+    const qsizetype guion = entrada.indexOf(u'-');
+    const QString numero = guion < 0 ? entrada : entrada.left(qMax<qsizetype>(0, guion - 1));
+    return int16_t(numeroDe(numero));
+}
+
+bool mbBorrarContacto(const QString& codigo) {
+    const QString sp = u"borrarcontacto"_s;
+    try {
+        bd().savepoint(sp);
+        bd().exec(u"Delete from AboGrup where abonado = ?"_s, {codigo});
+        bd().exec(u"Delete from AboAuto where abonado = ?"_s, {codigo});
+        bd().exec(u"Delete from Abonados where Codigo = ?"_s, {codigo});
+        bd().release(sp);
+    } catch (const DbError& e) {
+        deshacer(sp);
+        ui().msgBox(e.description());
+        return false;
+    }
+    return true;
+}
+
+QueryResult abrirContactos() {
+    return bd().query(
+        u"select Abonados.Codigo,Abonados.Alias,Canales.nombre,Abonados.Comentario, "
+        u"Abonados.Canal from Abonados inner join canales on abonados.canal=Canales.Canal "
+        u"order by Alias"_s);
+}
+
+QueryResult abrirCuentas() {
+    return bd().query(u"Select * From Canales"_s);
+}
+
+QueryResult abrirListas() {
+    return bd().query(u"Select * From Grupos"_s);
+}
+
+int primeraFilaCon(const QueryResult& rs, const QString& columna, const QString& texto) {
+    const int c = rs.columnIndex(columna);
+    if (c < 0) return -1;
+    for (int f = 0; f < rs.recordCount(); ++f)
+        if (textoDe(rs.value(f, c)) == texto) return f;
+    return -1;
+}
+
+// ---- Lists -----------------------------------------------------------------
+
+QueryResult abrirListasConContactos() {
+    return bd().query(
+        u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) AS "
+        u"Contactos FROM Grupos order by nombre"_s);
+}
+
+int msAltaLista(QString* nombreDado) {
+    const QString nombre =
+        ui().inputBox(u"Inserte un nombre para la nueva Lista"_s, u"Alta de Listas"_s, QString());
+    if (nombreDado) *nombreDado = nombre;
+    if (nombre.isEmpty()) return -1;
+    if (nombre.size() > kMaxNombreLista) {
+        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
+        return -1;
+    }
+    int grupo = 0;
+    try {
+        const QVariant maximo = bd().query(u"Select Max(Grupo) From Grupos"_s).value(0, 0);
+        if (!maximo.isNull()) {
+            // The limit is on the number, not on the count: free numbers
+            // below the highest aren't handed out again.
+            const long long mayor = numeroDe(maximo);
+            grupo = int(mayor + 1);
+            if (mayor > kMaxGrupo) {
+                ui().msgBox(u"No es posible añadir mas Listas"_s, Msg::Critical);
+                return -1;
+            }
+            if (grupo > kMaxGrupo) {
+                ui().msgBox(u"Debe especificar un numero de Lista inferior"_s, Msg::Critical);
+                return -1;
+            }
+        }
+        bd().exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {grupo, nombre});
+    } catch (const DbError&) {
+        ui().msgBox(u"El numero de Lista ya existe"_s, Msg::Critical);
+        return -1;
+    }
+    return grupo;
+}
+
+void msRenombrarLista(int16_t grupo, const QString& actual) {
+    const QString nombre =
+        ui().inputBox(u"Inserte el nuevo nombre para la Lista"_s, u"Edicion de Lista"_s, actual);
+    if (nombre.isEmpty()) return;
+    if (nombre.size() > kMaxNombreLista) {
+        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
+        return;
+    }
+    try {
+        bd().exec(u"Update Grupos Set Nombre = ? where Grupo = ?"_s, {nombre, grupo});
+    } catch (const DbError&) {
+    }
+}
+
+bool msBorrarLista(int16_t grupo, const QString& nombre) {
+    try {
+        const long long miembros = numeroDe(
+            bd().query(u"select count(*) from AboGrup where Grupo = ?"_s, {grupo}).value(0, 0));
+        if (miembros > 0) {
+            if (ui().msgBox(u"La Lista   '"_s + nombre +
+                                u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s,
+                            kPregunta) != Msg::Yes)
+                return false;
+            bd().exec(u"delete from AboGrup where Grupo = ?"_s, {grupo});
+        } else if (ui().msgBox(u"Esta a punto de eliminar la Lista   '"_s + nombre +
+                                   u"'   , ¿esta seguro ?"_s,
+                               kPregunta) != Msg::Yes) {
+            return false;
+        }
+        bd().exec(u"delete from Grupos where Grupo = ?"_s, {grupo});
+    } catch (const DbError&) {
+        return false;
+    }
+    return true;
+}
+
+QueryResult abrirMiembrosLista(int16_t grupo) {
+    return bd().query(
+        u"select upper(abonados.alias), abonados.codigo, abogrup.grupo from abonados inner join "
+        u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by alias"_s,
+        {grupo});
+}
+
+QueryResult abrirNoMiembrosLista(int16_t grupo) {
+    return bd().query(
+        u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
+        u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
+        u"abonados.Alias"_s,
+        {grupo});
+}
+
+bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros) {
+    const QString sp = u"miembros"_s;
+    try {
+        bd().savepoint(sp);
+        bd().exec(u"delete from abogrup where grupo = ?"_s, {grupo});
+        for (const QString& numero : numeros)
+            bd().exec(u"insert into abogrup (abonado,grupo) values (?,?)"_s,
+                      {numero.trimmed(), grupo});
+        bd().release(sp);
+    } catch (const DbError&) {
+        deshacer(sp);
+        return false;
+    }
+    return true;
+}
+
+// ---- Predefined texts ------------------------------------------------------
+
+QueryResult abrirMensajesPredefinidos() {
+    return bd().query(u"select * from MenPro order by Mensaje"_s);
+}
+
+bool msAltaMensaje() {
+    const QString texto = ui().inputBox(u"Inserte el texto para el nuevo mensaje"_s,
+                                        u"Alta de Mensajes Programados"_s, QString());
+    if (texto.isEmpty()) return false;
+    if (texto.size() > kMaxTextoPredefinido) {
+        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
+        return false;
+    }
+    try {
+        const QVariant siguiente = bd().query(u"Select Max(Mensaje)+1 From MenPro"_s).value(0, 0);
+        bd().exec(u"Insert into menpro (Mensaje, Texto) values (?,?)"_s,
+                  {siguiente.isNull() ? 0LL : numeroDe(siguiente), texto});
+    } catch (const DbError&) {
+        ui().msgBox(u"El numero de Mensaje ya existe"_s, Msg::Critical);
+        return false;
+    }
+    return true;
+}
+
+bool msCambiarMensaje(int mensaje, const QString& actual) {
+    QString texto = ui().inputBox(u"Inserte el nuevo texto para el mensaje"_s,
+                                  u"Edicion de Mensajes"_s, actual);
+    if (texto.isEmpty()) return false;
+    if (texto.size() > kMaxTextoPredefinido) {
+        ui().msgBox(u"El texto introducido es demasiado grande"_s, Msg::Critical);
+        return false;
+    }
+    // Texts changed here never carry a straight apostrophe.
+    texto.replace(u'\'', u'´');
+    try {
+        bd().exec(u"Update menpro Set texto = ? where mensaje = ?"_s, {texto, mensaje});
+    } catch (const DbError&) {
+        return false;
+    }
+    return true;
+}
+
+bool msBorrarMensaje(int mensaje) {
+    if (ui().msgBox(u"Esta a punto de eliminar un Mensaje, esta seguro ?"_s, kPregunta) != Msg::Yes)
+        return false;
+    try {
+        bd().exec(u"delete from MenPro where Mensaje = ?"_s, {mensaje});
+    } catch (const DbError&) {
+        return false;
+    }
+    return true;
+}

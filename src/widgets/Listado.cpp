@@ -1,0 +1,66 @@
+#include "widgets/Listado.h"
+
+#include <QHeaderView>
+
+#include <algorithm>
+
+Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent)
+    : QTreeView(parent), m_modelo(new ModeloListado(cabeceras, this)) {
+    setObjectName(nombre);
+    setModel(m_modelo);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSortingEnabled(false);
+    QHeaderView* h = header();
+    h->setSectionsClickable(true);
+    h->setSectionsMovable(false);
+    h->setSectionResizeMode(QHeaderView::Interactive);
+    h->setStretchLastSection(true);
+    h->setSortIndicatorShown(true);
+    h->setSortIndicator(0, Qt::AscendingOrder);
+    connect(h, &QHeaderView::sectionClicked, this, &Listado::ordenarPorColumna);
+    connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
+        if (i.isValid()) Q_EMIT dobleClicFila(i.row());
+    });
+}
+
+void Listado::setSeleccionMultiple(bool multiple) {
+    setSelectionMode(multiple ? QAbstractItemView::ExtendedSelection
+                              : QAbstractItemView::SingleSelection);
+}
+
+void Listado::ordenarPorColumna(int columna) {
+    m_descendente = !m_descendente;
+    const Qt::SortOrder orden = m_descendente ? Qt::DescendingOrder : Qt::AscendingOrder;
+    m_modelo->sort(columna, orden);
+    header()->setSortIndicator(columna, orden);
+}
+
+int Listado::filaActual() const {
+    const QModelIndex i = currentIndex();
+    if (i.isValid() && selectionModel()->isRowSelected(i.row(), QModelIndex())) return i.row();
+    const QList<int> filas = filasSeleccionadas();
+    return filas.isEmpty() ? -1 : filas.first();
+}
+
+QList<int> Listado::filasSeleccionadas() const {
+    QList<int> filas;
+    const QModelIndexList sel = selectionModel()->selectedRows();
+    filas.reserve(sel.size());
+    for (const QModelIndex& i : sel) filas.append(i.row());
+    std::sort(filas.begin(), filas.end());
+    return filas;
+}
+
+void Listado::seleccionarFila(int fila, bool anadir) {
+    const QModelIndex i = m_modelo->index(fila, 0);
+    if (!i.isValid()) return;
+    auto flags = QItemSelectionModel::Rows |
+                 (anadir ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
+    selectionModel()->setCurrentIndex(i, flags);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "widgets/ModeloListado.h"
+
+#include <QTreeView>
+
+// A report list: a ModeloListado shown with fixed row heights and whole
+// lines selected, no editing. A click on a header sorts by that column on
+// the texts as shown; the direction flips at every header click, whichever
+// column it is (the first click sorts descending), and only the clicked
+// header shows the arrow. At first the arrow stands ascending on the first
+// column while the lines keep the order they were loaded in.
+//
+// Screens read the selection with `filasSeleccionadas` / `filaActual` and
+// react to `dobleClicFila`.
+class Listado : public QTreeView {
+    Q_OBJECT
+  public:
+    Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent = nullptr);
+
+    ModeloListado* modelo() const { return m_modelo; }
+    void setSeleccionMultiple(bool multiple);
+
+    // The selected line of a single-selection list (the current line when
+    // it is selected), -1 when none.
+    int filaActual() const;
+    // The selected lines, in ascending order.
+    QList<int> filasSeleccionadas() const;
+    void seleccionarFila(int fila, bool anadir = false);
+
+    // What a click on the header of `columna` does.
+    void ordenarPorColumna(int columna);
+
+  Q_SIGNALS:
+    void dobleClicFila(int fila);
+
+  private:
+    ModeloListado* m_modelo;
+    bool m_descendente = false;
+};
