@@ -20,3 +20,10 @@ QString fabricante();
 QString correo();
 
 }  // namespace Despliegue
+
+namespace Despliegue {
+// Limits of one exchange with the platform, in seconds: to connect, and in
+// all. A timeout is a failed connection.
+int segundosConexion();
+int segundosTotal();
+}  // namespace Despliegue

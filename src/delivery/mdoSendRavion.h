@@ -3,6 +3,10 @@
 #include <QString>
 #include <cstdint>
 
+namespace qmXMLSend {
+class XMLSendClass;
+}
+
 // The transmitter's cycle and the delivery of the outbox.
 
 // One run: with the switch on, the watched-file import and one batch for
@@ -23,3 +27,19 @@ QString SendAutCuenta(int16_t canal);
 // Asks (at the screen) or logs (in a run) when a newer release is offered.
 void msAvisoVersion();
 void msAvisoVersionLog();
+
+// Sets the client's url for an account's host: the servlet path behind the
+// host, and "HTTP://" in front unless the value already starts with it.
+void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host);
+
+// Where the last batch spent its time, in nanoseconds (for the benchmark).
+struct MedidaLote {
+    qint64 lectura = 0;    // reading the outbox rows and the account
+    qint64 carga = 0;      // texts, destinations and cuts into items
+    qint64 pausa = 0;      // the pacing of one exchange a second
+    qint64 documento = 0;  // the request document
+    qint64 http = 0;       // the exchange on the wire
+    qint64 respuesta = 0;  // reading the reply
+    qint64 escritura = 0;  // history rows, outbox and account updates
+};
+const MedidaLote& medidaUltimoLote();

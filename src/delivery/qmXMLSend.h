@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+#include <QVector>
+#include <memory>
+
+// The platform client: the one way this program talks to the messaging
+// platform. A fresh client serves one exchange and is released after it.
+// The wire format is described in docs/platform-protocol.md.
+namespace qmXMLSend {
+
+// One outgoing item and, after the exchange, what the platform said of it.
+struct Item {
+    QString Key;  // as given to Add, read back as text
+    QString Destino;
+    QString Mensaje;
+    bool Resultado = false;
+    QString Comentario;
+};
+
+// One contact of a published list.
+struct Contacto {
+    QString indice;
+    QString codigo;
+    QString alias;
+    QString comentario;
+};
+
+class Coleccion {
+  public:
+    // Key: a number or a text; it reads back as text.
+    void Add(const QVariant& Key, const QString& Destino, const QString& Mensaje);
+    void AddContacto(const QString& indice, const QString& codigo, const QString& alias,
+                     const QString& comentario);
+    int Count() const { return int(m_items.size()); }
+    // Counting from 1, in order of insertion.
+    qmXMLSend::Item& Item(int i);
+    const QVector<qmXMLSend::Item>& items() const { return m_items; }
+    QVector<qmXMLSend::Item>& items() { return m_items; }
+    const QVector<Contacto>& contactos() const { return m_contactos; }
+
+  private:
+    QVector<qmXMLSend::Item> m_items;
+    QVector<Contacto> m_contactos;
+};
+
+// The reply header. Every member reads as empty text until a reply came.
+struct Autentificacion {
+    QString Resultado;  // "1" accepted, empty no reply, anything else refused
+    QString Comentario;
+    QString saldo;
+    QString Movil;
+    QString Version;
+    QString AuTrace;
+    QString CADD, CUP, CERR;
+};
+
+class XMLSendClass {
+  public:
+    virtual ~XMLSendClass() = default;
+
+    QString clave;
+    QString usuario;
+    QString Remitente;
+    QString App;
+    QString url;
+    bool EnviarTodo = true;
+    QString SendParam = QStringLiteral("xml=");
+    // List publication only.
+    QString ltag, Lpass, Lborrar, nborrar, Lresp, Lpri, Lacc;
+
+    Coleccion XMLMensajes;
+    Autentificacion RXAutentificacion;
+    QString RXXML;  // raw reply, for the debug lines
+
+    // One exchange with the platform. Comes back normally with an empty
+    // RXAutentificacion.Resultado when no connection could be made or it
+    // timed out; throws QuelmoError for an HTTP error status or a reply that
+    // is not a valid document. nn gets the HTTP status, ff the transport's
+    // error text.
+    virtual void SendXML(QString& nn, QString& ff) = 0;
+    // The same exchange for a list publication.
+    virtual void SendXMLLista(QString& nn, QString& ff) = 0;
+
+    // Where the last exchange spent its time, in nanoseconds.
+    qint64 nsDocumento = 0, nsHttp = 0, nsRespuesta = 0;
+};
+
+// Creates a client; throws QuelmoError when none can be made.
+std::unique_ptr<XMLSendClass> crear();
+
+// The document of a request and the reading of a reply, apart from the
+// transport so that their cost can be measured on its own.
+QByteArray documentoPeticion(const XMLSendClass& cliente, bool lista);
+// Fills RXAutentificacion and the items' results; throws QuelmoError when
+// the reply is not a valid document.
+void leerRespuesta(XMLSendClass& cliente, const QByteArray& respuesta);
+
+}  // namespace qmXMLSend

@@ -1,0 +1,396 @@
+// sms-platform-sim: a stand-in for the messaging platform on 127.0.0.1, for
+// tests and for the demo. It speaks the protocol of
+// docs/platform-protocol.md at the platform's servlet path.
+#include <httplib.h>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+#include <QSettings>
+#include <QStringList>
+#include <QUrlQuery>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char kRuta[] = "/servlet/quelmoMessage.servlet.Servlet";
+
+const char kAyuda[] =
+    "Uso: sms-platform-sim [--port PUERTO] [--config FICHERO] [--registro FICHERO]\n"
+    "\n"
+    "Simula la plataforma de mensajería en http://127.0.0.1:PUERTO/servlet/\n"
+    "quelmoMessage.servlet.Servlet para las pruebas y la demostración.\n"
+    "\n"
+    "  --port PUERTO        puerto de escucha (0 = uno libre; por defecto 8080)\n"
+    "  --config FICHERO     configuración: cuentas, versión anunciada, números\n"
+    "                       rechazados, fallos (ver tools/platform-sim/ejemplo.ini)\n"
+    "  --registro FICHERO   añade cada mensaje aceptado como una línea JSON\n"
+    "                       (sustituye a la clave 'registro' de la configuración)\n"
+    "  --help               muestra esta ayuda\n"
+    "\n"
+    "Al arrancar escribe \"Escuchando en http://127.0.0.1:PUERTO/\" en la salida.\n";
+
+struct Cuenta {
+    QString clave;
+    QString movil;
+    long long saldo = 0;
+    bool activa = true;
+    bool remitentePropio = true;
+};
+
+// A web list: number -> alias and comment.
+using ListaWeb = QMap<QString, QPair<QString, QString>>;
+
+struct Configuracion {
+    QHash<QString, Cuenta> cuentas;  // by user name
+    QString version;
+    QStringList rechazados;
+    QString registro;
+    // Fault injection: ninguno | corte | malformado | error500, for the first
+    // `veces` requests (0 = all); `retrasoMs` before every answer.
+    QString fallo = u"ninguno"_s;
+    int veces = 0;
+    int retrasoMs = 0;
+};
+
+Configuracion leerConfiguracion(const QString& ruta) {
+    Configuracion c;
+    if (ruta.isEmpty()) return c;
+    QSettings s(ruta, QSettings::IniFormat);
+    for (const QString& grupo : s.childGroups()) {
+        s.beginGroup(grupo);
+        if (grupo == u"plataforma"_s) {
+            c.version = s.value(u"version"_s).toString().trimmed();
+            for (const QString& n : s.value(u"rechazados"_s).toStringList())
+                if (!n.trimmed().isEmpty()) c.rechazados << n.trimmed();
+            // A relative record path is taken beside the configuration.
+            const QString registro = s.value(u"registro"_s).toString();
+            if (!registro.isEmpty())
+                c.registro = QFileInfo(ruta).absoluteDir().absoluteFilePath(registro);
+            c.fallo = s.value(u"fallo"_s, u"ninguno"_s).toString().trimmed();
+            c.veces = s.value(u"veces"_s, 0).toInt();
+            c.retrasoMs = s.value(u"retraso_ms"_s, 0).toInt();
+        } else if (grupo.startsWith(u"cuenta"_s)) {
+            Cuenta k;
+            const QString usuario = s.value(u"usuario"_s).toString();
+            k.clave = s.value(u"clave"_s).toString();
+            k.movil = s.value(u"movil"_s).toString();
+            k.saldo = s.value(u"saldo"_s, 0).toLongLong();
+            k.activa = s.value(u"activa"_s, true).toBool();
+            k.remitentePropio = s.value(u"remitente"_s, true).toBool();
+            if (!usuario.isEmpty()) c.cuentas.insert(usuario, k);
+        }
+        s.endGroup();
+    }
+    return c;
+}
+
+struct Peticion {
+    QString tipo, usuario, clave, remitente, app;
+    struct Mensaje {
+        QString n, clave, destino, texto;
+    };
+    QVector<Mensaje> mensajes;
+    QString tag, nborrar, acc;
+    struct Contacto {
+        QString codigo, alias, comentario;
+    };
+    QVector<Contacto> contactos;
+};
+
+bool leerPeticion(const QByteArray& xml, Peticion& p, QString& error) {
+    QXmlStreamReader r(xml);
+    if (!r.readNextStartElement() || r.name() != u"peticion"_s) {
+        error = u"se esperaba <peticion>"_s;
+        return false;
+    }
+    p.tipo = r.attributes().value(u"tipo"_s).toString();
+    while (r.readNextStartElement()) {
+        if (r.name() == u"autentificacion"_s) {
+            while (r.readNextStartElement()) {
+                const QString nombre = r.name().toString();
+                const QString valor = r.readElementText();
+                if (nombre == u"usuario"_s)
+                    p.usuario = valor;
+                else if (nombre == u"clave"_s)
+                    p.clave = valor;
+                else if (nombre == u"remitente"_s)
+                    p.remitente = valor;
+                else if (nombre == u"app"_s)
+                    p.app = valor;
+            }
+        } else if (r.name() == u"mensajes"_s) {
+            while (r.readNextStartElement()) {
+                Peticion::Mensaje m;
+                m.n = r.attributes().value(u"n"_s).toString();
+                m.clave = r.attributes().value(u"clave"_s).toString();
+                m.destino = r.attributes().value(u"destino"_s).toString();
+                m.texto = r.readElementText();
+                p.mensajes.append(m);
+            }
+        } else if (r.name() == u"lista"_s) {
+            const auto a = r.attributes();
+            p.tag = a.value(u"tag"_s).toString();
+            p.nborrar = a.value(u"nborrar"_s).toString();
+            p.acc = a.value(u"acc"_s).toString();
+            while (r.readNextStartElement()) {
+                const auto c = r.attributes();
+                p.contactos.append({c.value(u"codigo"_s).toString(), c.value(u"alias"_s).toString(),
+                                    c.value(u"comentario"_s).toString()});
+                r.skipCurrentElement();
+            }
+        } else {
+            r.skipCurrentElement();
+        }
+    }
+    if (r.hasError()) {
+        error = r.errorString();
+        return false;
+    }
+    return true;
+}
+
+bool numeroValido(const QString& n) {
+    if (n.size() < 6 || !n.startsWith(u"00"_s)) return false;
+    for (const QChar ch : n)
+        if (ch < u'0' || ch > u'9') return false;
+    return true;
+}
+
+class Plataforma {
+  public:
+    explicit Plataforma(Configuracion c) : m_conf(std::move(c)) {}
+
+    // Returns the reply document; `fallo` gets the fault to inject, if any.
+    QByteArray atender(const QByteArray& xml, QString& fallo) {
+        std::lock_guard<std::mutex> bloqueo(m_mutex);
+        ++m_peticiones;
+        fallo = (m_conf.veces == 0 || m_peticiones <= m_conf.veces) ? m_conf.fallo : u"ninguno"_s;
+        Peticion p;
+        QString error;
+        if (!leerPeticion(xml, p, error)) return rechazo(u"Petición no válida: "_s + error);
+        const auto it = m_conf.cuentas.find(p.usuario);
+        if (it == m_conf.cuentas.end() || it->clave != p.clave)
+            return rechazo(u"Usuario o clave incorrectos"_s);
+        Cuenta& cuenta = *it;
+        if (!cuenta.activa)
+            return rechazo(u"Para enviar mensajes es necesario que su cuenta esté Activa"_s);
+
+        Respuesta r;
+        r.cuenta = &cuenta;
+        if (p.tipo == u"lista"_s) {
+            publicar(p, r);
+            r.comentario = u"Lista publicada"_s;
+        } else if (p.mensajes.size() == 1 && p.mensajes[0].texto == u"getsaldo"_s) {
+            r.comentario = u"Usuario autentificado"_s;
+        } else {
+            enviar(p, cuenta, r);
+            r.comentario = u"Envío recibido"_s;
+            if (!p.remitente.trimmed().isEmpty() && !cuenta.remitentePropio)
+                r.comentario = u"Remitente NO Aceptado, se usa el remitente por defecto"_s;
+        }
+        return respuesta(r);
+    }
+
+  private:
+    struct Resultado {
+        QString n;
+        bool aceptado;
+        QString comentario;
+    };
+    struct Respuesta {
+        Cuenta* cuenta = nullptr;
+        QString comentario;
+        QVector<Resultado> resultados;
+        bool lista = false;
+        int cadd = 0, cup = 0, cerr = 0;
+    };
+
+    void enviar(const Peticion& p, Cuenta& cuenta, Respuesta& r) {
+        QFile registro(m_conf.registro);
+        const bool registrar =
+            !m_conf.registro.isEmpty() && registro.open(QIODevice::Append | QIODevice::Text);
+        for (const Peticion::Mensaje& m : p.mensajes) {
+            Resultado res{m.n, false, QString()};
+            if (m.destino == u"ENVIO_SIMULADO"_s) {
+                res = {m.n, true, u"Envío simulado"_s};
+            } else if (!numeroValido(m.destino)) {
+                res.comentario = u"Número de destino no válido"_s;
+            } else if (m_conf.rechazados.contains(m.destino)) {
+                res.comentario = u"Número rechazado por la plataforma"_s;
+            } else if (cuenta.saldo <= 0) {
+                res.comentario = u"Saldo insuficiente"_s;
+            } else {
+                --cuenta.saldo;
+                res = {m.n, true, u"Mensaje aceptado"_s};
+            }
+            if (res.aceptado && registrar) {
+                QJsonObject o;
+                o[u"hora"_s] = QDateTime::currentDateTime().toString(Qt::ISODate);
+                o[u"usuario"_s] = p.usuario;
+                o[u"remitente"_s] = p.remitente;
+                o[u"app"_s] = p.app;
+                o[u"clave"_s] = m.clave;
+                o[u"destino"_s] = m.destino;
+                o[u"mensaje"_s] = m.texto;
+                registro.write(QJsonDocument(o).toJson(QJsonDocument::Compact) + '\n');
+            }
+            r.resultados.append(res);
+        }
+    }
+
+    void publicar(const Peticion& p, Respuesta& r) {
+        r.lista = true;
+        ListaWeb& lista = m_listas[p.usuario + u'\n' + p.tag];
+        if (p.nborrar == u"1"_s) lista.clear();
+        for (const Peticion::Contacto& c : p.contactos) {
+            if (!numeroValido(c.codigo)) {
+                ++r.cerr;
+                continue;
+            }
+            (lista.contains(c.codigo) ? r.cup : r.cadd)++;
+            lista.insert(c.codigo, {c.alias, c.comentario});
+        }
+    }
+
+    QByteArray rechazo(const QString& comentario) {
+        Respuesta r;
+        r.comentario = comentario;
+        return respuesta(r, u"0"_s);
+    }
+
+    QByteArray respuesta(const Respuesta& r, const QString& resultado = u"1"_s) {
+        QByteArray doc;
+        QXmlStreamWriter w(&doc);
+        w.writeStartDocument();
+        w.writeStartElement(u"respuesta"_s);
+        w.writeStartElement(u"autentificacion"_s);
+        w.writeAttribute(u"resultado"_s, resultado);
+        if (r.cuenta) {
+            w.writeAttribute(u"saldo"_s, QString::number(r.cuenta->saldo));
+            w.writeAttribute(u"movil"_s, r.cuenta->movil);
+        }
+        if (!m_conf.version.isEmpty()) w.writeAttribute(u"version"_s, m_conf.version);
+        w.writeTextElement(u"comentario"_s, r.comentario);
+        w.writeTextElement(u"traza"_s, u"sim peticion "_s + QString::number(m_peticiones));
+        w.writeEndElement();
+        if (!r.resultados.isEmpty()) {
+            w.writeStartElement(u"mensajes"_s);
+            for (const Resultado& res : r.resultados) {
+                w.writeStartElement(u"mensaje"_s);
+                w.writeAttribute(u"n"_s, res.n);
+                w.writeAttribute(u"resultado"_s, res.aceptado ? u"1"_s : u"0"_s);
+                w.writeCharacters(res.comentario);
+                w.writeEndElement();
+            }
+            w.writeEndElement();
+        }
+        if (r.lista) {
+            w.writeStartElement(u"lista"_s);
+            w.writeAttribute(u"cadd"_s, QString::number(r.cadd));
+            w.writeAttribute(u"cup"_s, QString::number(r.cup));
+            w.writeAttribute(u"cerr"_s, QString::number(r.cerr));
+            w.writeEndElement();
+        }
+        w.writeEndElement();
+        w.writeEndDocument();
+        return doc;
+    }
+
+    std::mutex m_mutex;
+    Configuracion m_conf;
+    QHash<QString, ListaWeb> m_listas;
+    int m_peticiones = 0;
+};
+
+// The form parameter "xml" of a url-encoded body.
+QByteArray parametroXml(const httplib::Request& req) {
+    if (req.has_param("xml")) return QByteArray::fromStdString(req.get_param_value("xml"));
+    QByteArray cuerpo = QByteArray::fromStdString(req.body);
+    cuerpo.replace('+', ' ');
+    for (const QByteArray& par : cuerpo.split('&'))
+        if (par.startsWith("xml=")) return QByteArray::fromPercentEncoding(par.mid(4));
+    return QByteArray();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    int puerto = 8080;
+    QString config, registro;
+    for (int i = 1; i < args.size(); ++i) {
+        const QString& a = args[i];
+        const bool hayValor = i + 1 < args.size();
+        if (a == u"--help"_s || a == u"-h"_s) {
+            std::fputs(kAyuda, stdout);
+            return 0;
+        } else if (a == u"--port"_s && hayValor) {
+            bool ok = false;
+            puerto = args[++i].toInt(&ok);
+            if (!ok || puerto < 0 || puerto > 65535) {
+                std::fprintf(stderr, "Puerto no válido: %s\n", qPrintable(args[i]));
+                return 2;
+            }
+        } else if (a == u"--config"_s && hayValor) {
+            config = args[++i];
+        } else if (a == u"--registro"_s && hayValor) {
+            registro = args[++i];
+        } else {
+            std::fprintf(stderr, "Argumento no reconocido: %s\n\n%s", qPrintable(a), kAyuda);
+            return 2;
+        }
+    }
+    if (!config.isEmpty() && !QFile::exists(config)) {
+        std::fprintf(stderr, "No existe el fichero de configuración: %s\n", qPrintable(config));
+        return 2;
+    }
+    Configuracion conf = leerConfiguracion(config);
+    if (!registro.isEmpty()) conf.registro = registro;
+    const int retrasoMs = conf.retrasoMs;
+    Plataforma plataforma(std::move(conf));
+
+    httplib::Server servidor;
+    servidor.Post(kRuta, [&](const httplib::Request& req, httplib::Response& res) {
+        QString fallo;
+        const QByteArray doc = plataforma.atender(parametroXml(req), fallo);
+        if (retrasoMs > 0) std::this_thread::sleep_for(std::chrono::milliseconds(retrasoMs));
+        if (fallo == u"error500"_s) {
+            res.status = 500;
+            res.set_content("Error interno del servidor", "text/plain; charset=UTF-8");
+        } else if (fallo == u"malformado"_s) {
+            res.set_content("<respuesta><autentificacion resultado=\"1\" saldo=",
+                            "text/xml; charset=UTF-8");
+        } else if (fallo == u"corte"_s) {
+            // Headers go out, then the connection closes without a body.
+            res.set_content_provider(1000, "text/xml; charset=UTF-8",
+                                     [](size_t, size_t, httplib::DataSink&) { return false; });
+        } else {
+            res.set_content(doc.toStdString(), "text/xml; charset=UTF-8");
+        }
+    });
+
+    const int real = puerto == 0 ? servidor.bind_to_any_port("127.0.0.1")
+                                 : (servidor.bind_to_port("127.0.0.1", puerto) ? puerto : -1);
+    if (real < 0) {
+        std::fprintf(stderr, "No se puede escuchar en 127.0.0.1:%d\n", puerto);
+        return 1;
+    }
+    std::printf("Escuchando en http://127.0.0.1:%d/\n", real);
+    std::fflush(stdout);
+    return servidor.listen_after_bind() ? 0 : 1;
+}
