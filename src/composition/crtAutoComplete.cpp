@@ -1,0 +1,143 @@
+#include "composition/crtAutoComplete.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+crtAutoComplete::crtAutoComplete(QWidget* parent) : QWidget(parent) {
+    m_text1 = new QLineEdit(this);
+    m_text1->setObjectName(u"Text1"_s);
+    m_text1->setToolTip(
+        u"Si desea enviar el mensajes a más de un contacto, separe los mismo por ;"_s);
+    auto* capa = new QVBoxLayout(this);
+    capa->setContentsMargins(0, 0, 0, 0);
+    capa->addWidget(m_text1);
+    setFocusProxy(m_text1);
+
+    // The list lies over whatever is under the box, so it belongs to the
+    // window rather than to the box's layout; it is placed when shown.
+    m_ofrecidos = new QStringListModel(this);
+    m_list1 = new QListView(this);
+    m_list1->setObjectName(u"List1"_s);
+    m_list1->setModel(m_ofrecidos);
+    m_list1->setUniformItemSizes(true);
+    m_list1->setFocusPolicy(Qt::NoFocus);
+    m_list1->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list1->hide();
+    m_text1->installEventFilter(this);
+}
+
+crtAutoComplete::~crtAutoComplete() {
+    // The list may have moved to the window; it goes with the box.
+    delete m_list1.data();
+}
+
+QString crtAutoComplete::Texto() const {
+    return m_text1->text();
+}
+
+void crtAutoComplete::setTexto(const QString& texto) {
+    m_text1->setText(texto);
+}
+
+QStringList crtAutoComplete::ofrecidos() const {
+    return m_ofrecidos->stringList();
+}
+
+QString crtAutoComplete::elegido() const {
+    const QModelIndex i = m_list1->currentIndex();
+    return i.isValid() ? i.data().toString() : QString();
+}
+
+bool crtAutoComplete::eventFilter(QObject* objeto, QEvent* evento) {
+    if (objeto == m_text1 && m_list1) {
+        switch (evento->type()) {
+            case QEvent::KeyPress:
+                if (teclaPulsada(static_cast<QKeyEvent*>(evento)->key())) return true;
+                break;
+            case QEvent::KeyRelease:
+                teclaSoltada(static_cast<QKeyEvent*>(evento)->key());
+                break;
+            case QEvent::FocusOut:
+                vaciarLista();
+                mostrarLista(false);
+                break;
+            default:
+                break;
+        }
+    }
+    return QWidget::eventFilter(objeto, evento);
+}
+
+bool crtAutoComplete::teclaPulsada(int tecla) {
+    if (tecla != Qt::Key_Down && tecla != Qt::Key_Up) return false;
+    const int n = m_ofrecidos->rowCount();
+    const int actual = m_list1->currentIndex().isValid() ? m_list1->currentIndex().row() : -1;
+    const int nueva = tecla == Qt::Key_Down ? actual + 1 : actual - 1;
+    if (nueva >= 0 && nueva < n) m_list1->setCurrentIndex(m_ofrecidos->index(nueva));
+    return true;
+}
+
+void crtAutoComplete::teclaSoltada(int tecla) {
+    if (tecla == Qt::Key_Up || tecla == Qt::Key_Down) return;
+    const QString texto = m_text1->text();
+    const AutoCompletado::NombreActual actual =
+        AutoCompletado::nombreActual(texto, m_text1->cursorPosition());
+    const bool enter = tecla == Qt::Key_Return || tecla == Qt::Key_Enter;
+    if (enter && m_ofrecidos->rowCount() > 0) {
+        int cursor = 0;
+        m_text1->setText(AutoCompletado::aceptar(texto, actual, elegido(), &cursor));
+        m_text1->setCursorPosition(cursor);
+        vaciarLista();
+        mostrarLista(false);
+        return;
+    }
+    if (enter) {
+        Q_EMIT enterSinSugerencias();
+        return;
+    }
+    vaciarLista();
+    const QStringList encontrados =
+        AutoCompletado::sugerencias(m_searchList, m_delimitador, actual.nombre);
+    if (!encontrados.isEmpty() && m_text1->hasSelectedText()) m_text1->del();
+    m_ofrecidos->setStringList(encontrados);
+    mostrarLista(!encontrados.isEmpty());
+    if (!encontrados.isEmpty()) m_list1->setCurrentIndex(m_ofrecidos->index(0));
+}
+
+void crtAutoComplete::vaciarLista() {
+    m_ofrecidos->setStringList({});
+}
+
+void crtAutoComplete::mostrarLista(bool visible) {
+    if (!visible) {
+        m_list1->hide();
+        return;
+    }
+    colocarLista();
+    m_list1->show();
+    m_list1->raise();
+}
+
+void crtAutoComplete::colocarLista() {
+    QWidget* ventana = window();
+    if (m_list1->parentWidget() != ventana) m_list1->setParent(ventana);
+    // Two lines' height for one or two names, one per name up to four,
+    // five lines' height beyond.
+    const int n = m_ofrecidos->rowCount();
+    const int lineas = n <= 2 ? 2 : (n <= 4 ? n : 5);
+    const int alto =
+        m_list1->sizeHintForRow(0) > 0 ? m_list1->sizeHintForRow(0) : fontMetrics().height() + 2;
+    const QPoint abajo = m_text1->mapTo(ventana, QPoint(0, m_text1->height()));
+    m_list1->setGeometry(abajo.x(), abajo.y(), m_text1->width(),
+                         lineas * alto + 2 * m_list1->frameWidth());
+}
+
+void crtAutoComplete::resizeEvent(QResizeEvent* evento) {
+    QWidget::resizeEvent(evento);
+    if (m_list1->isVisible()) colocarLista();
+}

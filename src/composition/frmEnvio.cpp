@@ -1,0 +1,587 @@
+#include "composition/frmEnvio.h"
+
+#include "app/AppState.h"
+#include "app/ChildScreens.h"
+#include "app/Conversions.h"
+#include "app/Pantallas.h"
+#include "app/Settings.h"
+#include "app/Transmitter.h"
+#include "app/mdoMain.h"
+#include "composition/Envio.h"
+#include "composition/ListaInforme.h"
+#include "composition/crtAutoComplete.h"
+#include "delivery/Despliegue.h"
+#include "delivery/mdoSendRavion.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStyle>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
+
+// An entry of the frame's menus by key; null when no frame is up.
+QAction* accionMarco(const QString& clave) {
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* a = w->findChild<QAction*>(clave)) return a;
+    return nullptr;
+}
+
+// The transmitter switch as the frame shows it; without a frame, as stored.
+bool transmisorActivo() {
+    if (QAction* a = accionMarco(u"keyTX"_s)) return a->isChecked();
+    try {
+        return aBooleano(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+QPixmap luz(const QColor& color) {
+    QPixmap p(24, 24);
+    p.fill(Qt::transparent);
+    QPainter pintor(&p);
+    pintor.setRenderHint(QPainter::Antialiasing);
+    pintor.setBrush(color);
+    pintor.setPen(QPen(Qt::darkGray, 1));
+    pintor.drawEllipse(2, 2, 20, 20);
+    return p;
+}
+
+QPushButton* boton(QWidget* padre, const QString& nombre, const QString& texto,
+                   const QString& ayuda = QString()) {
+    auto* b = new QPushButton(texto, padre);
+    b->setObjectName(nombre);
+    if (!ayuda.isEmpty()) b->setToolTip(ayuda);
+    return b;
+}
+
+QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
+    auto* l = new QLabel(texto, padre);
+    l->setObjectName(nombre);
+    return l;
+}
+
+}  // namespace
+
+frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"frmEnvio"_s);
+    setWindowTitle(u"Envío de Mensajes"_s);
+    setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    construir();
+
+    // Load, in order.
+    miCanal = -1;
+    miLargoTextos = 0;
+    msNotaTextos.clear();
+    msCargarCanales();
+    msAbrirBandeja();
+    mostrarTransmisor(transmisorActivo());
+    mlMensajes = 0;
+    msPintarBandeja();
+    msCargarContactos();
+    Pantallas::setTomarTextoEnvio([this](const QString& texto) { tomarTexto(texto); });
+}
+
+frmEnvio::~frmEnvio() {
+    Pantallas::setTomarTextoEnvio({});
+}
+
+void frmEnvio::construir() {
+    ImageCombo1 = new QComboBox(this);
+    ImageCombo1->setObjectName(u"ImageCombo1"_s);
+    ImageCombo1->setPlaceholderText(u"No hay Cuentas"_s);
+    ImageCombo1->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    ImageCombo1->setMinimumContentsLength(40);
+    ImageCombo1->installEventFilter(this);
+
+    crtAutoComplete1 = new crtAutoComplete(this);
+    crtAutoComplete1->setObjectName(u"crtAutoComplete1"_s);
+    crtAutoComplete1->setDelimeter(u";"_s);
+    // The mirror of the box that the add routine and the picker work through.
+    txtDestinos = new QLineEdit(this);
+    txtDestinos->setObjectName(u"txtDestinos"_s);
+    txtDestinos->setFocusPolicy(Qt::NoFocus);
+    txtDestinos->hide();
+
+    txtMensaje = new QPlainTextEdit(this);
+    txtMensaje->setObjectName(u"txtMensaje"_s);
+    txtMensaje->setTabChangesFocus(true);
+    txtMensaje->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtMensaje->installEventFilter(this);
+    connect(crtAutoComplete1, &crtAutoComplete::enterSinSugerencias, txtMensaje,
+            [this] { txtMensaje->setFocus(Qt::OtherFocusReason); });
+
+    lblCaracteres = etiqueta(this, u"lblCaracteres"_s, QString());
+    lblmas = etiqueta(this, u"lblmas"_s, u"Necesita más de un SMS"_s);
+    lblmas->setStyleSheet(u"color: #c00000; font-weight: bold"_s);
+    lblmas->hide();
+    lblcont = etiqueta(this, u"lblcont"_s, QString());
+
+    cmdAbonados = boton(this, u"cmdAbonados"_s, u"&Para ..."_s);
+    cmdMenPro =
+        boton(this, u"cmdMenPro"_s, u"Mensaje Predefinido"_s, u"Añadir Mensaje Predefinido"_s);
+    cmdAnadir = boton(this, u"cmdAñadir"_s, u"&Enviar Mensaje"_s,
+                      u"Agrega el Mensaje a la Bandeja de Salida"_s);
+    cmdEnvMult = boton(this, u"cmdEnvMult"_s, u"Mensaje Programado"_s,
+                       u"Añadir Mensaje Programado para envío inmediato"_s);
+    cmdSaldo = boton(this, u"cmdSaldo"_s, u"Ver Saldo"_s, u"Consultar Saldo de Cuenta"_s);
+    cmdRecarga = boton(this, u"cmdRecarga"_s, u"Recarga"_s, u"Ir a página de Recarga de Saldo"_s);
+    cmdEnviar = boton(this, u"cmdEnviar"_s, u"Enviar &Todo"_s,
+                      u"Envia de inmediato todos los Mensajes de la Bandeja de Salida"_s);
+    cmdModificar = boton(this, u"cmdModificar"_s, u"Mo&dificar  mensaje"_s);
+    cmdEliminar = boton(this, u"cmdEliminar"_s, u"Elimi&nar   mensaje"_s);
+    cmdEliminarTodos = boton(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
+    CmdSalir = boton(this, u"CmdSalir"_s, u"&Cerrar"_s);
+
+    ListView1 = new ListaInforme(
+        u"ListView1"_s,
+        {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
+    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1->setColumnWidth(0, 2);
+    ListView1->setColumnWidth(1, 110);
+    ListView1->setColumnWidth(2, 120);
+    ListView1->setColumnWidth(3, 170);
+
+    imgmt = etiqueta(this, u"imgmt"_s, QString());
+    imgmt->setToolTip(u"Doble click para activar/desactivar envío"_s);
+    imgmt->installEventFilter(this);
+    lmt = etiqueta(this, u"lmt"_s, u"Envío de SMS Activado"_s);
+
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName(u"Timer1"_s);
+    Timer1->setInterval(10000);
+    connect(Timer1, &QTimer::timeout, this, &frmEnvio::Timer1_Timer);
+    Timer1->start();
+
+    // Layout.
+    auto* rejilla = new QGridLayout();
+    rejilla->addWidget(etiqueta(this, u"Label2"_s, u"Cuenta"_s), 0, 0);
+    auto* filaCuenta = new QHBoxLayout();
+    filaCuenta->addWidget(ImageCombo1, 1);
+    filaCuenta->addWidget(cmdSaldo);
+    filaCuenta->addWidget(cmdRecarga);
+    rejilla->addLayout(filaCuenta, 0, 1);
+    rejilla->addWidget(etiqueta(this, u"Label1"_s, u"Destinatarios"_s), 1, 0);
+    auto* filaDestinos = new QHBoxLayout();
+    filaDestinos->addWidget(crtAutoComplete1, 1);
+    filaDestinos->addWidget(cmdAbonados);
+    rejilla->addLayout(filaDestinos, 1, 1);
+    rejilla->addWidget(etiqueta(this, u"Label3"_s, u"Texto del Mensaje"_s), 2, 0, Qt::AlignTop);
+    rejilla->addWidget(txtMensaje, 2, 1);
+    auto* filaContador = new QHBoxLayout();
+    filaContador->addWidget(lblCaracteres);
+    filaContador->addWidget(lblmas);
+    filaContador->addStretch(1);
+    filaContador->addWidget(cmdMenPro);
+    filaContador->addWidget(cmdEnvMult);
+    filaContador->addWidget(cmdAnadir);
+    rejilla->addLayout(filaContador, 3, 1);
+
+    auto* filaBandeja = new QHBoxLayout();
+    filaBandeja->addWidget(etiqueta(this, u"Label4"_s, u"Bandeja de Salida"_s));
+    filaBandeja->addStretch(1);
+    filaBandeja->addWidget(lblcont);
+
+    auto* filaAcciones = new QHBoxLayout();
+    filaAcciones->addWidget(imgmt);
+    filaAcciones->addWidget(lmt);
+    filaAcciones->addStretch(1);
+    for (QPushButton* b : {cmdEnviar, cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir})
+        filaAcciones->addWidget(b);
+
+    auto* capa = new QVBoxLayout(this);
+    capa->addLayout(rejilla);
+    capa->addLayout(filaBandeja);
+    capa->addWidget(ListView1, 1);
+    capa->addLayout(filaAcciones);
+    resize(820, 600);
+
+    connect(cmdAbonados, &QPushButton::clicked, this, &frmEnvio::cmdAbonados_Click);
+    connect(cmdAnadir, &QPushButton::clicked, this, &frmEnvio::cmdAnadir_Click);
+    connect(cmdEnviar, &QPushButton::clicked, this, &frmEnvio::cmdEnviar_Click);
+    connect(cmdModificar, &QPushButton::clicked, this, &frmEnvio::cmdModificar_Click);
+    connect(ListView1, &QAbstractItemView::doubleClicked, this, &frmEnvio::cmdModificar_Click);
+    connect(cmdEliminar, &QPushButton::clicked, this, &frmEnvio::cmdEliminar_Click);
+    connect(cmdEliminarTodos, &QPushButton::clicked, this, &frmEnvio::cmdEliminarTodos_Click);
+    connect(cmdSaldo, &QPushButton::clicked, this, &frmEnvio::cmdSaldo_Click);
+    connect(cmdRecarga, &QPushButton::clicked, this, &frmEnvio::msRecarga);
+    connect(cmdMenPro, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmSelecMenPro"_s); });
+    connect(cmdEnvMult, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmEmergencias"_s); });
+    connect(CmdSalir, &QPushButton::clicked, this, &QWidget::close);
+}
+
+// ---- accounts and counter -------------------------------------------------
+
+bool frmEnvio::msCargarCanales() {
+    bool resultado = false;
+    try {
+        const QueryResult r = appState().Conexion.query(u"Select * From Canales "_s);
+        if (r.isEmpty()) {
+            ui().showFirstRunSetup();
+        } else {
+            // The selection survives the rebuilding.
+            if (ImageCombo1->count() > 0 && ImageCombo1->currentIndex() >= 0)
+                miCanal = int(canalElegido());
+            ImageCombo1->clear();
+            const QIcon icono = style()->standardIcon(QStyle::SP_DriveNetIcon);
+            for (int i = 0; i < r.recordCount(); ++i) {
+                const int canal = int(numeroDe(r.value(i, u"Canal"_s)));
+                QString texto = textoDe(r.value(i, u"Nombre"_s)) + u"   ("_s +
+                                textoDe(r.value(i, u"Saldo"_s)) + u" Créditos)"_s;
+                const QString remitente = textoDe(r.value(i, u"Remitente"_s)).trimmed();
+                if (!remitente.isEmpty()) texto += u"  Remitente: "_s + remitente;
+                ImageCombo1->addItem(icono, texto, canal);
+                const int largo = int(textoDe(r.value(i, u"tini"_s)).size() +
+                                      textoDe(r.value(i, u"tfin"_s)).size());
+                if (numeroDe(r.value(i, u"Principal"_s)) == 1 && miCanal == -1) {
+                    ImageCombo1->setCurrentIndex(i);
+                    miCanal = canal;
+                    miLargoTextos = largo;
+                } else if (canal == miCanal) {
+                    ImageCombo1->setCurrentIndex(i);
+                    miLargoTextos = largo;
+                }
+            }
+            resultado = true;
+        }
+        msNotaTextos = miLargoTextos < 1 ? QString() : u" Incluye textos inicio/fin"_s;
+        contador();
+    } catch (const QuelmoError& e) {
+        if (e.number() == ErrNum::ItemNotFound) {
+            ui().msgBox(
+                u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
+                u"de Datos correcta de Quelmo Mensajes"_s,
+                Msg::Critical);
+            close();
+            ui().showSelectDatabase();
+        } else {
+            ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+        }
+    }
+    return resultado;
+}
+
+int64_t frmEnvio::canalElegido() const {
+    // No account chosen writes account 0, which no list shows.
+    const int i = ImageCombo1->currentIndex();
+    return i < 0 ? 0 : ImageCombo1->itemData(i).toLongLong();
+}
+
+void frmEnvio::contador() {
+    const int n = int(txtMensaje->toPlainText().size()) + miLargoTextos;
+    lblCaracteres->setText(textoContador(n, msNotaTextos));
+    lblmas->setVisible(n > kLargoUnSms);
+}
+
+void frmEnvio::txtMensaje_cambiar() {
+    contador();
+}
+
+void frmEnvio::tomarTexto(const QString& texto) {
+    txtMensaje->setPlainText(texto);
+    txtMensaje_cambiar();
+}
+
+// ---- destinations and the add routine -------------------------------------
+
+void frmEnvio::cmdAbonados_Click() {
+    appState().gsDestinos.clear();
+    Pantallas::abrir(u"frmSeleccion"_s);
+    txtDestinos->setText(appState().gsDestinos);
+    crtAutoComplete1->setTexto(txtDestinos->text());
+}
+
+void frmEnvio::msCargarContactos() {
+    try {
+        const QueryResult r =
+            appState().Conexion.query(u"Select Alias, Codigo from abonados order by alias"_s);
+        QStringList alias;
+        alias.reserve(r.recordCount());
+        for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
+        crtAutoComplete1->setDelimeter(u";"_s);
+        crtAutoComplete1->setSearchList(alias.join(u';'));
+    } catch (const QuelmoError&) {
+    }
+}
+
+void frmEnvio::cmdAnadir_Click() {
+    // 1.
+    cmdAnadir->setCursor(Qt::BusyCursor);
+    ui().processEvents();
+    // 2.
+    txtDestinos->setText(crtAutoComplete1->Texto());
+    lblCaracteres->clear();
+    // 3. An empty text is dropped without a word.
+    if (txtMensaje->toPlainText().trimmed().isEmpty()) return;
+    // 4.
+    if (txtDestinos->text().trimmed().isEmpty()) {
+        ui().msgBox(u"No seleccionó destinatarios para este mensaje .."_s, Msg::Exclamation);
+        cmdAnadir->unsetCursor();
+        return;
+    }
+    // 5-8.
+    const bool soloContactos = leerSoloContactos();
+    mlMensajes = ListView1->modelo()->rowCount();
+    const QString rechazados = agregarMensajes(txtDestinos->text(), txtMensaje->toPlainText(),
+                                               soloContactos, canalElegido());
+    // 9.
+    msAbrirBandeja();
+    mlMensajes = -1;
+    // 10. What was refused stays, with the text, to be mended.
+    txtDestinos->setText(rechazados);
+    if (rechazados.isEmpty()) txtMensaje->clear();
+    crtAutoComplete1->setTexto(rechazados);
+    // 11.
+    msPintarBandeja();
+    cmdAnadir->unsetCursor();
+}
+
+// ---- the outbox -----------------------------------------------------------
+
+void frmEnvio::msAbrirBandeja() {
+    mlMensajes = -1;
+    ui().processEvents();
+}
+
+void frmEnvio::msActualizaLista() {
+    msAbrirBandeja();
+    mlMensajes = -1;
+    msPintarBandeja();
+}
+
+void frmEnvio::msPintarBandeja() {
+    try {
+        // Counting first keeps the 10-second refresh cheap: the rows are
+        // read and drawn only when their number changed.
+        const int n = contarBandeja();
+        if (n == 0) {
+            ListView1->modelo()->limpiar();
+        } else if (n != mlMensajes) {
+            mlMensajes = n;
+            ListView1->modelo()->asignar(leerBandeja());
+        }
+        lblcont->setText(n < 1 ? QString()
+                               : QString::number(n) + u" mensajes listos para enviar"_s);
+    } catch (const QuelmoError&) {
+    }
+}
+
+int frmEnvio::filaElegida() const {
+    const QModelIndexList filas = ListView1->selectionModel()->selectedRows();
+    return filas.isEmpty() ? -1 : filas.first().row();
+}
+
+QString frmEnvio::preguntaFila(const QString& inicio, int fila) const {
+    const ModeloInforme* m = ListView1->modelo();
+    return inicio + u"\nMensaje: "_s + m->texto(fila, 3) + u"\nTerminal: "_s + m->texto(fila, 2) +
+           u"\nDe fecha : "_s + m->texto(fila, 1);
+}
+
+void frmEnvio::cmdModificar_Click() {
+    const int fila = filaElegida();
+    if (fila < 0) return;
+    if (ui().msgBox(preguntaFila(u"Desea modificar el "_s, fila), kPregunta) != Msg::Yes) return;
+    const QString id = ListView1->modelo()->texto(fila, 0);
+    if (id.isEmpty()) return;
+    try {
+        Database& db = appState().Conexion;
+        const QueryResult r = db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
+        if (r.isEmpty()) return;
+        // Modifying takes the row back into the compose fields.
+        txtDestinos->setText(textoDe(r.value(0, 0)));
+        crtAutoComplete1->setTexto(txtDestinos->text());
+        txtMensaje->setPlainText(textoDe(r.value(0, 1)));
+        db.exec(u"Delete from envios where id = ?"_s, {id});
+        msPintarBandeja();
+        ui().processEvents();
+    } catch (const QuelmoError&) {
+    }
+}
+
+void frmEnvio::cmdEliminar_Click() {
+    const int fila = filaElegida();
+    if (fila < 0) return;
+    if (ui().msgBox(preguntaFila(u"¿Realmente desea eliminar el "_s, fila), kPregunta) != Msg::Yes)
+        return;
+    try {
+        appState().Conexion.exec(u"Delete from envios where id = ?"_s,
+                                 {ListView1->modelo()->texto(fila, 0)});
+        msPintarBandeja();
+        ui().processEvents();
+    } catch (const QuelmoError&) {
+    }
+}
+
+void frmEnvio::cmdEliminarTodos_Click() {
+    if (ui().msgBox(u"¿Realmente desea eliminar todos los mensajes de la Bandeja de Salida?\n"_s,
+                    kPregunta) != Msg::Yes)
+        return;
+    try {
+        appState().Conexion.exec(u"Delete from envios"_s);
+        msPintarBandeja();
+        ui().processEvents();
+    } catch (const QuelmoError&) {
+    }
+}
+
+// ---- sending, balance, recharge -------------------------------------------
+
+void frmEnvio::cmdEnviar_Click() {
+    // 1. A finished compose goes along.
+    cmdAnadir_Click();
+    // 2.
+    if (!appState().gbEnviando) {
+        cmdEnviar->setCursor(Qt::BusyCursor);
+        setCursor(Qt::BusyCursor);
+        if (Transmitter* t = Transmitter::activo()) t->msForzarEnvio();
+        msAbrirBandeja();
+        mlMensajes = -1;
+        msPintarBandeja();
+        msCargarCanales();
+    }
+    // 3.
+    cmdEnviar->setEnabled(transmisorActivo());
+    unsetCursor();
+    cmdEnviar->unsetCursor();
+}
+
+void frmEnvio::cmdSaldo_Click() {
+    const QString saldo = SendAutCuenta(int16_t(canalElegido()));
+    if (saldo.isEmpty() || saldo == u"-1"_s) {
+        ui().msgBox(
+            u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté "
+            u"ACTIVA."_s,
+            Msg::Critical);
+    } else if (saldo == u"-2"_s) {
+        ui().msgBox(
+            u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
+            u"conexión a Internet."_s,
+            Msg::Critical);
+    } else {
+        msCargarCanales();
+    }
+}
+
+void frmEnvio::msRecarga() {
+    try {
+        const QueryResult r =
+            appState().Conexion.query(u"select * from canales where Principal=1"_s);
+        if (r.isEmpty()) {
+            ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
+            return;
+        }
+        QString web = Despliegue::webSegura();
+        while (web.endsWith(u'/')) web.chop(1);
+        const QString usuario = textoDe(r.value(0, u"usuario"_s));
+        msAbrirUrl(web + u"/informacion/recarga_sms.php?u="_s +
+                   QString::fromLatin1(QUrl::toPercentEncoding(usuario)));
+    } catch (const QuelmoError& e) {
+        if (e.number() != ErrNum::ItemNotFound) return;
+        ui().msgBox(
+            u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de "
+            u"Datos correcta de Quelmo Mensajes"_s,
+            Msg::Critical);
+        ui().showSelectDatabase();
+    }
+}
+
+// ---- the transmitter switch and the refresh -------------------------------
+
+void frmEnvio::mostrarTransmisor(bool activo) {
+    cmdEnviar->setEnabled(activo);
+    lmt->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS Desactivado"_s);
+    QPalette p = lmt->palette();
+    p.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
+    lmt->setPalette(p);
+    imgmt->setPixmap(luz(activo ? QColor(0, 170, 0) : QColor(220, 0, 0)));
+}
+
+void frmEnvio::imgmt_DblClick() {
+    const bool activo = !transmisorActivo();
+    if (QAction* a = accionMarco(u"keyTX"_s)) {
+        a->setChecked(activo);
+        a->setText(activo ? u"&Envío de SMS (Activado)"_s : u"&Envío de SMS (Desactivado)"_s);
+    }
+    if (QAction* t = accionMarco(u"mnutx"_s)) {
+        t->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS desactivado"_s);
+        t->setChecked(activo);
+    }
+    Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
+    mostrarTransmisor(activo);
+}
+
+void frmEnvio::Timer1_Timer() {
+    msPintarBandeja();
+    mostrarTransmisor(transmisorActivo());
+}
+
+// ---- events ---------------------------------------------------------------
+
+bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
+    if (objeto == txtMensaje) {
+        if (evento->type() == QEvent::KeyPress || evento->type() == QEvent::FocusOut) {
+            contador();
+        } else if (evento->type() == QEvent::KeyRelease) {
+            contador();
+            const int tecla = static_cast<QKeyEvent*>(evento)->key();
+            if (tecla == Qt::Key_Escape) {
+                txtMensaje->clear();
+            } else if (tecla == Qt::Key_F2) {
+                Pantallas::abrir(u"frmSelecMenPro"_s);
+            }
+        }
+    } else if (objeto == ImageCombo1 && evento->type() == QEvent::FocusOut) {
+        // Leaving the combo takes its new account over.
+        if (static_cast<QFocusEvent*>(evento)->reason() != Qt::PopupFocusReason) msCargarCanales();
+    } else if (objeto == imgmt && evento->type() == QEvent::MouseButtonDblClick) {
+        imgmt_DblClick();
+        return true;
+    } else if (evento->type() == QEvent::Resize && objeto == ChildScreens::subWindowOf(this)) {
+        colocarEnMarco(false);
+    }
+    return QWidget::eventFilter(objeto, evento);
+}
+
+void frmEnvio::showEvent(QShowEvent* evento) {
+    QWidget::showEvent(evento);
+    QMdiSubWindow* sub = ChildScreens::subWindowOf(this);
+    if (!sub || m_colocada) return;
+    m_colocada = true;
+    sub->installEventFilter(this);
+    if (QMdiArea* area = sub->mdiArea())
+        connect(area, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* activa) {
+            if (activa && activa == ChildScreens::subWindowOf(this)) colocarEnMarco(true);
+        });
+    colocarEnMarco(true);
+}
+
+void frmEnvio::colocarEnMarco(bool activacion) {
+    QMdiSubWindow* sub = ChildScreens::subWindowOf(this);
+    QMdiArea* area = sub ? sub->mdiArea() : nullptr;
+    if (!area) return;
+    if (activacion) {
+        sub->move(100, 100);
+    } else {
+        sub->move(qMax(0, (area->width() - sub->width()) / 2),
+                  qMax(0, (area->height() - sub->height()) / 4));
+    }
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QWidget>
+#include <cstdint>
+
+class ListaInforme;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QTimer;
+class crtAutoComplete;
+
+// "Envío de Mensajes": one text, its destinations and the account that
+// pays for it become outbox rows; below, the outbox itself, which the user
+// can change, empty or push out at once.
+class frmEnvio : public QWidget {
+    Q_OBJECT
+  public:
+    explicit frmEnvio(QWidget* parent = nullptr);
+    ~frmEnvio() override;
+
+    // Rebuilds the account combo with the stored balances and renews the
+    // counter; false when there was no account to show. Screens that
+    // change accounts, and the batch sender, call it.
+    bool msCargarCanales();
+    // Reads the outbox anew and redraws the list.
+    void msActualizaLista();
+    // Renews the counter after the text was set from outside.
+    void txtMensaje_cambiar();
+
+  protected:
+    bool eventFilter(QObject* objeto, QEvent* evento) override;
+    void showEvent(QShowEvent* evento) override;
+
+  private:
+    void construir();
+    void cmdAbonados_Click();
+    void cmdAnadir_Click();
+    void cmdEnviar_Click();
+    void cmdModificar_Click();
+    void cmdEliminar_Click();
+    void cmdEliminarTodos_Click();
+    void cmdSaldo_Click();
+    void msRecarga();
+    void imgmt_DblClick();
+    void Timer1_Timer();
+    void msAbrirBandeja();
+    void msPintarBandeja();
+    void msCargarContactos();
+    void contador();
+    void mostrarTransmisor(bool activo);
+    void colocarEnMarco(bool activacion);
+    int64_t canalElegido() const;
+    int filaElegida() const;
+    QString preguntaFila(const QString& inicio, int fila) const;
+    void tomarTexto(const QString& texto);
+
+    QComboBox* ImageCombo1 = nullptr;
+    crtAutoComplete* crtAutoComplete1 = nullptr;
+    QLineEdit* txtDestinos = nullptr;
+    QPlainTextEdit* txtMensaje = nullptr;
+    QLabel* lblCaracteres = nullptr;
+    QLabel* lblmas = nullptr;
+    QLabel* lblcont = nullptr;
+    QLabel* imgmt = nullptr;
+    QLabel* lmt = nullptr;
+    QPushButton* cmdAbonados = nullptr;
+    QPushButton* cmdMenPro = nullptr;
+    QPushButton* cmdAnadir = nullptr;
+    QPushButton* cmdEnvMult = nullptr;
+    QPushButton* cmdSaldo = nullptr;
+    QPushButton* cmdRecarga = nullptr;
+    QPushButton* cmdEnviar = nullptr;
+    QPushButton* cmdModificar = nullptr;
+    QPushButton* cmdEliminar = nullptr;
+    QPushButton* cmdEliminarTodos = nullptr;
+    QPushButton* CmdSalir = nullptr;
+    ListaInforme* ListView1 = nullptr;
+    QTimer* Timer1 = nullptr;
+
+    int32_t mlMensajes = 0;
+    int miCanal = -1;
+    int miLargoTextos = 0;
+    QString msNotaTextos;
+    bool m_colocada = false;
+};

@@ -1,0 +1,135 @@
+// The recipient box: which name stands under the caret, what is offered
+// for it, and what Up, Down, Enter and losing the focus do.
+#include "TestSupportGui.h"
+#include "composition/AutoCompletado.h"
+#include "composition/crtAutoComplete.h"
+
+#include <QLineEdit>
+#include <QListView>
+
+using namespace Qt::StringLiterals;
+using namespace AutoCompletado;
+
+class TestAutoCompletar : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestAutoCompletar(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void currentName_data() {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<int>("cursor");
+        QTest::addColumn<QString>("nombre");
+        QTest::addColumn<int>("inicio");
+        QTest::addColumn<int>("fin");
+        QTest::newRow("first name, trimmed") << u" an ;x"_s << 2 << u"an"_s << 0 << 0;
+        QTest::newRow("second name at the end") << u"Ana;an"_s << 6 << u"an"_s << 5 << 7;
+        QTest::newRow("just behind the first ;") << u"Ana;"_s << 4 << QString() << 4 << 4;
+        QTest::newRow("just behind a later ;") << u"Ana;Bea;"_s << 8 << u"Bea"_s << 5 << 8;
+        QTest::newRow("caret inside a middle name") << u"Ana;Be a;X"_s << 6 << u"Be a"_s << 5 << 9;
+        QTest::newRow("left blanks only") << u"Ana;  bo "_s << 9 << u"bo "_s << 5 << 10;
+    }
+    void currentName() {
+        QFETCH(QString, texto);
+        QFETCH(int, cursor);
+        QFETCH(QString, nombre);
+        QFETCH(int, inicio);
+        QFETCH(int, fin);
+        const NombreActual a = nombreActual(texto, cursor);
+        QCOMPARE(a.nombre, nombre);
+        QCOMPARE(a.inicio, inicio);
+        QCOMPARE(a.fin, fin);
+    }
+
+    void offers_data() {
+        QTest::addColumn<QString>("nombre");
+        QTest::addColumn<QStringList>("ofrecidos");
+        QTest::newRow("same first letter")
+            << u"an"_s << QStringList{u"Ana"_s, u"Andres"_s, u"Ana Maria"_s};
+        QTest::newRow("contained, not a prefix") << u"ar"_s << QStringList{u"Ana Maria"_s};
+        QTest::newRow("case ignored") << u"BE"_s << QStringList{u"bea"_s};
+        QTest::newRow("empty name") << QString() << QStringList{};
+        QTest::newRow("nowhere") << u"zz"_s << QStringList{};
+    }
+    void offers() {
+        QFETCH(QString, nombre);
+        QFETCH(QStringList, ofrecidos);
+        QCOMPARE(sugerencias(u"Ana; Andres ;Ana Maria;bea;Marta"_s, u";"_s, nombre), ofrecidos);
+    }
+
+    // Typing in the real box, as the user does.
+    void keys_data() {
+        QTest::addColumn<QString>("antes");
+        QTest::addColumn<int>("cursor");
+        QTest::addColumn<QString>("teclas");
+        QTest::addColumn<int>("bajadas");
+        QTest::addColumn<QString>("despues");
+        QTest::newRow("Down and Enter take the second")
+            << QString() << 0 << u"an"_s << 1 << u"Andres"_s;
+        QTest::newRow("a later name") << u"Ana;"_s << 4 << u"an"_s << 1 << u"Ana;Andres"_s;
+        QTest::newRow("Up past the top stays") << QString() << 0 << u"an"_s << -3 << u"Ana"_s;
+        QTest::newRow("Down past the end stays") << QString() << 0 << u"an"_s << 5 << u"Andres"_s;
+        QTest::newRow("accepting in the first name drops the rest")
+            << u"An;Bea"_s << 1 << QString() << 1 << u"Andres"_s;
+        QTest::newRow("middle name keeps both sides")
+            << u"Ana;B;Ana"_s << 5 << u"e"_s << 0 << u"Ana;Bea;Ana"_s;
+    }
+    void keys() {
+        QFETCH(QString, antes);
+        QFETCH(int, cursor);
+        QFETCH(QString, teclas);
+        QFETCH(int, bajadas);
+        QFETCH(QString, despues);
+        QWidget ventana;
+        auto* box = new crtAutoComplete(&ventana);
+        box->setSearchList(u"Ana;Andres;Bea"_s);
+        ventana.show();
+        QLineEdit* t = box->Text1();
+        t->setFocus();
+        t->setText(antes);
+        t->setCursorPosition(cursor);
+        if (teclas.isEmpty())
+            QTest::keyClick(t, Qt::Key_Right);  // any key searches
+        else
+            QTest::keyClicks(t, teclas);
+        QVERIFY(box->List1()->isVisible());
+        for (int i = 0; i < qAbs(bajadas); ++i)
+            QTest::keyClick(t, bajadas > 0 ? Qt::Key_Down : Qt::Key_Up);
+        QTest::keyClick(t, Qt::Key_Return);
+        QCOMPARE(t->text(), despues);
+        QVERIFY(!box->List1()->isVisible());
+    }
+
+    void enterWithNothingOfferedAndFocusLoss() {
+        QWidget ventana;
+        auto* box = new crtAutoComplete(&ventana);
+        auto* otro = new QLineEdit(&ventana);
+        box->setSearchList(u"Ana;Andres"_s);
+        ventana.show();
+        ventana.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&ventana));
+        QSignalSpy enter(box, &crtAutoComplete::enterSinSugerencias);
+        box->Text1()->setFocus();
+        QTest::keyClicks(box->Text1(), u"zz"_s);
+        QVERIFY(!box->List1()->isVisible());
+        QTest::keyClick(box->Text1(), Qt::Key_Return);
+        QCOMPARE(enter.size(), 1);
+        QTest::keyClick(box->Text1(), Qt::Key_Escape);
+        QCOMPARE(box->Texto(), u"zz"_s);
+
+        box->setTexto(QString());
+        QTest::keyClicks(box->Text1(), u"a"_s);
+        QCOMPARE(box->ofrecidos(), (QStringList{u"Ana"_s, u"Andres"_s}));
+        QCOMPARE(box->elegido(), u"Ana"_s);
+        otro->setFocus();
+        QVERIFY(!box->List1()->isVisible());
+        QVERIFY(box->ofrecidos().isEmpty());
+        QCOMPARE(enter.size(), 1);
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestAutoCompletar)
+#include "test_autocompletar.moc"

@@ -1,0 +1,309 @@
+// The compose screen on real widgets: what the add routine writes and
+// leaves in the box, the counter, the outbox list and its commands, the
+// accounts combo and the transmitter switch.
+#include "TestSupportGui.h"
+#include "app/AppState.h"
+#include "app/Pantallas.h"
+#include "app/Settings.h"
+#include "composition/ModeloInforme.h"
+#include "composition/frmEnvio.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTreeView>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QStringList lineasLog() {
+    QStringList r;
+    for (const QString& l : appState().log.lines()) r.append(l.section(u" - "_s, 1));
+    return r;
+}
+QStringList abonadosEnBandeja() {
+    const QueryResult r = appState().Conexion.query(u"select abonado from envios order by Id"_s);
+    QStringList a;
+    for (int i = 0; i < r.recordCount(); ++i) a.append(r.value(i, 0).toString());
+    return a;
+}
+void sql(const QString& s, const QVariantList& p = {}) {
+    appState().Conexion.exec(s, p);
+}
+}  // namespace
+
+class TestEnvio : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestEnvio(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+    template <class T>
+    static T* w(frmEnvio& f, const QString& nombre) {
+        T* x = f.findChild<T*>(nombre);
+        if (!x) qFatal("falta %s", qPrintable(nombre));
+        return x;
+    }
+    static void escribir(frmEnvio& f, const QString& destinos, const QString& texto) {
+        w<QLineEdit>(f, u"Text1"_s)->setText(destinos);
+        w<QPlainTextEdit>(f, u"txtMensaje"_s)->setPlainText(texto);
+    }
+    // What the 10-second timer does.
+    static void refrescar(frmEnvio& f) {
+        QVERIFY(QMetaObject::invokeMethod(f.findChild<QTimer*>(u"Timer1"_s), "timeout"));
+    }
+    static QString lista(frmEnvio& f, int fila, int col) {
+        auto* m = static_cast<ModeloInforme*>(w<QTreeView>(f, u"ListView1"_s)->model());
+        return m->texto(fila, col);
+    }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
+        sql(u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente,tini,tfin) VALUES "
+            u"(1,'Cuenta_1',12,1,'Juan ',NULL,NULL),(2,'Otra',3,0,'',NULL,NULL)"_s);
+        sql(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1),"
+            u"('0034600000002','pepe',1),('ABC','raro',1),('0034600000003','o''brien',1)"_s);
+    }
+
+    void addRoutine_data() {
+        QTest::addColumn<QString>("destinos");
+        QTest::addColumn<bool>("solo");
+        QTest::addColumn<QStringList>("filas");
+        QTest::addColumn<QString>("queda");
+        QTest::addColumn<QStringList>("log");
+        const QString ana = u"0034600000001"_s;
+        const QString noEncontrado = u"Contacto no encontrado --> "_s;
+        QTest::newRow("a contact named twice goes twice")
+            << u"ana;ana"_s << false << QStringList{ana, ana} << QString() << QStringList{};
+        QTest::newRow("trailing separator")
+            << u"ana;"_s << false << QStringList{ana} << QString() << QStringList{noEncontrado};
+        QTest::newRow("blank before an alias")
+            << u"ana; pepe"_s << false << QStringList{ana} << u" pepe"_s
+            << QStringList{noEncontrado + u" pepe"_s};
+        QTest::newRow("alias ignores case")
+            << u"ANA"_s << false << QStringList{ana} << QString() << QStringList{};
+        QTest::newRow("apostrophe in alias")
+            << u"o'brien"_s << false << QStringList{u"0034600000003"_s} << QString()
+            << QStringList{};
+        QTest::newRow("national number")
+            << u"600123456"_s << false << QStringList{u"0034600123456"_s} << QString()
+            << QStringList{};
+        QTest::newRow("plus form") << u"+34600123456"_s << false << QStringList{u"0034600123456"_s}
+                                   << QString() << QStringList{};
+        QTest::newRow("country code without 00")
+            << u"34600123456"_s << false << QStringList{} << u"003434600123456"_s
+            << QStringList{u"Número no válido --> 003434600123456"_s};
+        QTest::newRow("foreign number as it stands")
+            << u"0044123"_s << false << QStringList{u"0044123"_s} << QString() << QStringList{};
+        QTest::newRow("blank before a number")
+            << u" 600123456"_s << false << QStringList{} << u"0034 600123456"_s
+            << QStringList{u"Número no válido --> 0034 600123456"_s};
+        QTest::newRow("decimal is numeric") << u"12.5"_s << false << QStringList{} << u"003412.5"_s
+                                            << QStringList{u"Número no válido --> 003412.5"_s};
+        QTest::newRow("code that is not a number")
+            << u"raro;ana"_s << false << QStringList{ana} << u"ABC"_s
+            << QStringList{noEncontrado + u"ABC"_s};
+        const QString soloLinea =
+            u"Número no válido. Solo se permite enviar a Contactos dados de alta --> "_s;
+        QTest::newRow("only contacts refuses a number")
+            << u"ana;600123456;0034600000002"_s << true << QStringList{ana}
+            << u"600123456;0034600000002"_s
+            << QStringList{soloLinea + u"600123456"_s, soloLinea + u"0034600000002"_s};
+    }
+    void addRoutine() {
+        QFETCH(QString, destinos);
+        QFETCH(bool, solo);
+        QFETCH(QStringList, filas);
+        QFETCH(QString, queda);
+        QFETCH(QStringList, log);
+        ScriptedInterface ui;
+        sql(u"UPDATE opciones SET solocontactos=?"_s, {solo ? 1 : 0});
+        frmEnvio f;
+        escribir(f, destinos, u"Hola\nqué tal"_s);
+        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+
+        QCOMPARE(abonadosEnBandeja(), filas);
+        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), queda);
+        QCOMPARE(lineasLog(), log);
+        QVERIFY(ui.boxes.isEmpty());
+        // The text goes only when every destination went.
+        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText().isEmpty(), queda.isEmpty());
+        const QueryResult r =
+            appState().Conexion.query(u"select mensaje,intento,canal from envios"_s);
+        for (int i = 0; i < r.recordCount(); ++i) {
+            QCOMPARE(r.value(i, 0).toString(), u"Hola\nqué tal"_s);
+            QCOMPARE(r.value(i, 1).toInt(), 2);
+            QCOMPARE(r.value(i, 2).toInt(), 1);
+        }
+        QCOMPARE(w<QTreeView>(f, u"ListView1"_s)->model()->rowCount(), filas.size());
+    }
+
+    void emptyTextOrNoDestinations() {
+        ScriptedInterface ui;
+        frmEnvio f;
+        escribir(f, u"ana"_s, u"   "_s);
+        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QVERIFY(ui.boxes.isEmpty());
+        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana"_s);
+        escribir(f, u"  "_s, u"hola"_s);
+        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes[0].text, u"No seleccionó destinatarios para este mensaje .."_s);
+        QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
+        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"hola"_s);
+        QVERIFY(abonadosEnBandeja().isEmpty());
+    }
+
+    void counter_data() {
+        QTest::addColumn<QString>("tini");
+        QTest::addColumn<int>("largo");
+        QTest::addColumn<QString>("etiqueta");
+        QTest::addColumn<bool>("mas");
+        QTest::newRow("160") << QString() << 160 << u"(160)"_s << false;
+        QTest::newRow("161") << QString() << 161 << u"(161)"_s << true;
+        QTest::newRow("150 with account texts")
+            << u"12345"_s << 150 << u"(160) Incluye textos inicio/fin"_s << false;
+        QTest::newRow("151 with account texts")
+            << u"12345"_s << 151 << u"(161) Incluye textos inicio/fin"_s << true;
+    }
+    void counter() {
+        QFETCH(QString, tini);
+        QFETCH(int, largo);
+        QFETCH(QString, etiqueta);
+        QFETCH(bool, mas);
+        ScriptedInterface ui;
+        sql(u"UPDATE Canales SET tini=?, tfin=? WHERE Canal=1"_s, {tini, tini});
+        frmEnvio f;
+        f.show();
+        QVERIFY(Pantallas::tomarTextoEnvio(QString(largo, u'x')));
+        QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
+        QCOMPARE(w<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
+    }
+
+    void accountsCombo() {
+        ScriptedInterface ui;
+        frmEnvio f;
+        auto* combo = w<QComboBox>(f, u"ImageCombo1"_s);
+        QCOMPARE(combo->count(), 2);
+        QCOMPARE(combo->currentText(), u"Cuenta_1   (12 Créditos)  Remitente: Juan"_s);
+        QCOMPARE(combo->itemText(1), u"Otra   (3 Créditos)"_s);
+        // The user's choice survives a reload that brings new balances.
+        combo->setCurrentIndex(1);
+        sql(u"UPDATE Canales SET Saldo=40 WHERE Canal=2"_s);
+        QVERIFY(f.msCargarCanales());
+        QCOMPARE(combo->currentText(), u"Otra   (40 Créditos)"_s);
+        sql(u"DELETE FROM Canales"_s);
+        QVERIFY(!f.msCargarCanales());
+        QCOMPARE(ui.firstRunShown, 1);
+    }
+
+    void outboxListRedrawsOnCountChange() {
+        ScriptedInterface ui;
+        sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-03-04 05:06:07',1,'0034600000009','uno',2),"
+            u"('2026-03-04 05:06:08',9,'0034600000008','cuenta borrada',2)"_s);
+        frmEnvio f;
+        QCOMPARE(lista(f, 0, 1), u"04/03 05:06:07"_s);
+        QCOMPARE(lista(f, 0, 2), u"0034600000009"_s);
+        QCOMPARE(lista(f, 0, 3), u"Cuenta_1 (Juan)"_s);
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"1 mensajes listos para enviar"_s);
+        // Same count: the refresh leaves the list as drawn.
+        sql(u"UPDATE envios SET Mensaje='cambiado'"_s);
+        refrescar(f);
+        QCOMPARE(lista(f, 0, 4), u"uno"_s);
+        sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-03-04 05:06:09',2,'0044','dos',2)"_s);
+        refrescar(f);
+        QCOMPARE(lista(f, 0, 4), u"cambiado"_s);
+        QCOMPARE(lista(f, 1, 3), u"Otra"_s);
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
+    }
+
+    void modifyDeleteAndDeleteAll() {
+        ScriptedInterface ui;
+        sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-03-04 05:06:07',1,'0034600000009','uno',2),"
+            u"('2026-03-04 05:06:08',1,'0034600000008','dos',2)"_s);
+        frmEnvio f;
+        auto* lv = w<QTreeView>(f, u"ListView1"_s);
+        lv->setCurrentIndex(lv->model()->index(1, 0));
+        ui.answers = {Msg::No, Msg::Yes};
+        w<QPushButton>(f, u"cmdModificar"_s)->click();
+        QCOMPARE(abonadosEnBandeja().size(), 2);
+        QCOMPARE(ui.boxes[0].text,
+                 u"Desea modificar el \nMensaje: Cuenta_1 (Juan)\nTerminal: "
+                 u"0034600000008\nDe fecha : 04/03 05:06:08"_s);
+        QCOMPARE(ui.boxes[0].style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
+        w<QPushButton>(f, u"cmdModificar"_s)->click();
+        QCOMPARE(abonadosEnBandeja(), QStringList{u"0034600000009"_s});
+        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"0034600000008"_s);
+        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"dos"_s);
+
+        lv->setCurrentIndex(lv->model()->index(0, 0));
+        ui.answers = {Msg::Yes};
+        w<QPushButton>(f, u"cmdEliminar"_s)->click();
+        QVERIFY(ui.boxes.last().text.startsWith(u"¿Realmente desea eliminar el \nMensaje: "_s));
+        QVERIFY(abonadosEnBandeja().isEmpty());
+        QCOMPARE(lv->model()->rowCount(), 0);
+
+        sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-03-04 05:06:07',1,'1','x',2)"_s);
+        f.msActualizaLista();
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"1 mensajes listos para enviar"_s);
+        ui.answers = {Msg::Yes};
+        w<QPushButton>(f, u"cmdEliminarTodos"_s)->click();
+        QCOMPARE(ui.boxes.last().text,
+                 u"¿Realmente desea eliminar todos los mensajes de la Bandeja de Salida?\n"_s);
+        QVERIFY(abonadosEnBandeja().isEmpty());
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), QString());
+    }
+
+    void pickerAndPredefinedTextReachTheScreen() {
+        ScriptedInterface ui;
+        int abiertos = 0;
+        Pantallas::registrar(u"frmSeleccion"_s, [&] {
+            ++abiertos;
+            appState().gsDestinos = u"ana;pepe"_s;
+        });
+        {
+            frmEnvio f;
+            w<QLineEdit>(f, u"Text1"_s)->setText(u"lo de antes"_s);
+            w<QPushButton>(f, u"cmdAbonados"_s)->click();
+            QCOMPARE(abiertos, 1);
+            QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana;pepe"_s);
+            QVERIFY(Pantallas::tomarTextoEnvio(u"predefinido"_s));
+            QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"predefinido"_s);
+        }
+        // The hook goes with the screen.
+        QVERIFY(!Pantallas::tomarTextoEnvio(u"x"_s));
+    }
+
+    void transmitterSwitchAndRecharge() {
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        sql(u"UPDATE Canales SET usuario='juan pe' WHERE Canal=1"_s);
+        frmEnvio f;
+        f.show();
+        auto* lmt = w<QLabel>(f, u"lmt"_s);
+        QCOMPARE(lmt->text(), u"Envío de SMS Activado"_s);
+        QTest::mouseDClick(w<QLabel>(f, u"imgmt"_s), Qt::LeftButton);
+        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Activo"_s), u"0"_s);
+        QCOMPARE(lmt->text(), u"Envío de SMS Desactivado"_s);
+        QCOMPARE(lmt->palette().color(QPalette::WindowText), QColor(255, 0, 0));
+        QVERIFY(!w<QPushButton>(f, u"cmdEnviar"_s)->isEnabled());
+
+        Settings::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.example/"_s);
+        w<QPushButton>(f, u"cmdRecarga"_s)->click();
+        QCOMPARE(ui.openedUrls,
+                 QStringList{u"https://pago.example/informacion/recarga_sms.php?u=juan%20pe"_s});
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestEnvio)
+#include "test_envio.moc"

@@ -1,0 +1,141 @@
+// The recipient picker: how chosen contacts and lists become one
+// destinations text, and the moves and search of its screen.
+#include "TestSupportGui.h"
+#include "app/AppState.h"
+#include "composition/ModeloInforme.h"
+#include "composition/Seleccion.h"
+#include "composition/frmSeleccion.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeView>
+
+using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(QVector<DestinoElegido>)
+
+namespace {
+void sql(const QString& s) {
+    appState().Conexion.exec(s);
+}
+DestinoElegido lista(const QString& nombre) {
+    return {nombre, detalleLista(u"9"_s)};
+}
+DestinoElegido contacto(const QString& alias) {
+    return {alias, u"0034600"_s};
+}
+}  // namespace
+
+class TestSeleccion : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestSeleccion(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+    static ModeloInforme* modelo(QWidget& f, const QString& nombre) {
+        return static_cast<ModeloInforme*>(f.findChild<QTreeView*>(nombre)->model());
+    }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/sel.db"_s));
+        sql(u"INSERT INTO Abonados (Codigo,Alias) VALUES ('003401','ana'),('003402','bea'),"
+            u"('003403','carla'),('003404','dani')"_s);
+        sql(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (0,'amigos'),(1,'trabajo'),(2,'vacia')"_s);
+        sql(u"INSERT INTO AboGrup (Abonado,Grupo) VALUES ('003402',0),('003403',0),"
+            u"('003403',1),('003499',1)"_s);
+    }
+
+    void expansion_data() {
+        QTest::addColumn<QVector<DestinoElegido>>("elegidos");
+        QTest::addColumn<QString>("destinos");
+        QTest::newRow("nothing") << QVector<DestinoElegido>{} << QString();
+        QTest::newRow("empty list alone") << QVector{lista(u"vacia"_s)} << QString();
+        QTest::newRow("list twice expands once")
+            << QVector{lista(u"amigos"_s), lista(u"AMIGOS"_s)} << u"bea;carla"_s;
+        QTest::newRow("member in two lists once, unknown member empty")
+            << QVector{lista(u"amigos"_s), lista(u"trabajo"_s)} << u"bea;carla;"_s;
+        QTest::newRow("list members first, single contacts once")
+            << QVector{contacto(u"dani"_s), contacto(u"carla"_s), lista(u"amigos"_s),
+                       contacto(u"ana"_s)}
+            << u"bea;carla;ana;dani"_s;
+        QTest::newRow("contacts alone")
+            << QVector{contacto(u"dani"_s), contacto(u"bea"_s)} << u"bea;dani"_s;
+    }
+    void expansion() {
+        QFETCH(QVector<DestinoElegido>, elegidos);
+        QFETCH(QString, destinos);
+        ScriptedInterface ui;
+        QCOMPARE(msDestinosSeleccionados(elegidos), destinos);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void failureShowsItsBox() {
+        ScriptedInterface ui;
+        sql(u"DROP TABLE AboGrup"_s);
+        QCOMPARE(msDestinosSeleccionados({lista(u"amigos"_s)}), QString());
+        QCOMPARE(ui.boxes.size(), 1);
+        QVERIFY(ui.boxes[0].text.startsWith(u"Error en Funcion Seleccionar Destinatarios\n"_s));
+        QCOMPARE(ui.boxes[0].style, Msg::Critical);
+    }
+
+    void search_data() {
+        QTest::addColumn<QString>("buscado");
+        QTest::addColumn<int>("linea");
+        QTest::newRow("prefix") << u"CA"_s << 2;
+        QTest::newRow("empty selects the first") << QString() << 0;
+        QTest::newRow("inside a middle name finds nothing") << u"ar"_s << -1;
+        QTest::newRow("inside the last name") << u"ni"_s << 3;
+    }
+    void search() {
+        QFETCH(QString, buscado);
+        QFETCH(int, linea);
+        QCOMPARE(buscarContacto({u"ana"_s, u"bea"_s, u"carla"_s, u"dani"_s}, buscado), linea);
+    }
+
+    void screenMovesSearchesAndAccepts() {
+        ScriptedInterface ui;
+        frmSeleccion f;
+        ModeloInforme* contactos = modelo(f, u"lstcontactos"_s);
+        ModeloInforme* listas = modelo(f, u"lstlistas"_s);
+        ModeloInforme* destinos = modelo(f, u"lstdestinos"_s);
+        QCOMPARE(contactos->textos(), (QStringList{u"ana"_s, u"bea"_s, u"carla"_s, u"dani"_s}));
+        QCOMPARE(listas->fila(1), (QStringList{u"001"_s, u"trabajo"_s, u"2"_s}));
+
+        auto* buscar = f.findChild<QLineEdit*>(u"txtBuscar"_s);
+        buscar->setText(u"zz"_s);
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes[0].text, u"Usuario inexistente"_s);
+        QCOMPARE(ui.boxes[0].style, Msg::Information);
+        buscar->setText(u"d"_s);
+        f.findChild<QPushButton*>(u"Command1"_s)->click();
+        QCOMPARE(destinos->fila(0), (QStringList{u"dani"_s, u"003404"_s}));
+        QCOMPARE(contactos->rowCount(), 3);
+
+        auto* lstListas = f.findChild<QTreeView*>(u"lstlistas"_s);
+        lstListas->selectionModel()->select(
+            listas->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        f.findChild<QPushButton*>(u"Command2"_s)->click();
+        f.findChild<QPushButton*>(u"Command2"_s)->click();
+        QCOMPARE(destinos->fila(2), (QStringList{u"amigos"_s, u"Lista (2 Contactos)"_s}));
+        QCOMPARE(listas->rowCount(), 3);
+        // A contact taken back goes to the end of the contacts.
+        Q_EMIT f.findChild<QTreeView*>(u"lstdestinos"_s)->doubleClicked(destinos->index(0, 0));
+        QCOMPARE(contactos->textos().last(), u"dani"_s);
+        f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
+        QCOMPARE(contactos->rowCount(), 0);
+        f.findChild<QPushButton*>(u"cmdAdd"_s)->click();
+        QCOMPARE(appState().gsDestinos, u"bea;carla;ana;dani"_s);
+
+        // Emptying the choice brings every contact back.
+        f.findChild<QPushButton*>(u"cmdVaciarLista"_s)->click();
+        QCOMPARE(destinos->rowCount(), 0);
+        QCOMPARE(contactos->rowCount(), 4);
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestSeleccion)
+#include "test_seleccion.moc"
