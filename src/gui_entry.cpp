@@ -1,16 +1,24 @@
 // The entry point of the GUI module: `Main` of the desktop application.
 #include "app/AppState.h"
 #include "app/GuiInterface.h"
+#include "app/Pantallas.h"
 #include "app/Startup.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLockFile>
+
+using namespace Qt::StringLiterals;
 
 extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, char** argv) {
     QApplication app(argc, argv);
     nombrarAplicacion();
+    // Hidden in the tray, the program has no window and goes on sending;
+    // it ends only through the main window's closing rule.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(QIcon(u":/quelmo/iconos/aplicacion.png"_s));
     // 2. A second instance for this user ends at once, silently.
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
@@ -22,9 +30,10 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     mdiMain ventana;
     interfaz.setOwner(&ventana);
     ventana.show();
-    // 5. After the access gate, the compose screen (it comes with its own screen).
+    // 5. After the access gate, the compose screen; refused, the frame stays
+    // without it and each command asks again.
     QObject::connect(&ventana, &mdiMain::primeraActivacionTerminada, &ventana, [] {
-        msComprobarAcceso();
+        if (msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
     });
     return app.exec();
 }

@@ -1,7 +1,10 @@
 #include "app/GuiInterface.h"
 
 #include "app/AppState.h"
+#include "app/ChildScreens.h"
+#include "app/Pantallas.h"
 #include "app/Settings.h"
+#include "app/frmOpciones.h"
 #include "app/mdoMain.h"
 #include "db/mdoDB.h"
 
@@ -56,10 +59,9 @@ int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
 }
 
 QString GuiInterface::askPassword() {
-    bool ok = false;
-    const QString t = QInputDialog::getText(m_owner, tituloAplicacion(), u"Contraseña de acceso:"_s,
-                                            QLineEdit::Password, QString(), &ok);
-    return ok ? t : QString();
+    frmpwd prompt(m_owner && m_owner->isVisible() ? m_owner : nullptr);
+    prompt.exec();
+    return appState().gsClaveIntroducida;
 }
 
 QString GuiInterface::inputBox(const QString& prompt, const QString& title,
@@ -76,6 +78,8 @@ QString GuiInterface::openFileName(const QString& caption, const QString& dir,
 }
 
 void GuiInterface::showSelectDatabase() {
+    if (Pantallas::abrir(u"frmSelectDB"_s)) return;
+    // Until the selection screen is there, a plain file dialog chooses.
     const QString actual = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
     const QString elegido =
         openFileName(u"Seleccione su Base de Datos"_s, QFileInfo(actual).absolutePath(),
@@ -91,6 +95,30 @@ void GuiInterface::showSelectDatabase() {
         return;
     }
     Settings::saveSetting(u"BD"_s, u"Path"_s, elegido);
+}
+
+void GuiInterface::showFirstRunSetup() {
+    Pantallas::abrir(u"frmTipoRegistro"_s);
+}
+
+namespace {
+std::function<void()>& recargarCuentas() {
+    static std::function<void()> f;
+    return f;
+}
+}  // namespace
+
+void GuiInterface::setRecargarCuentas(std::function<void()> recargar) {
+    recargarCuentas() = std::move(recargar);
+}
+
+bool GuiInterface::composeScreenActive() {
+    const QWidget* activa = ChildScreens::activeScreen();
+    return activa && (activa->objectName() == u"frmEnvio"_s || activa->inherits("frmEnvio"));
+}
+
+void GuiInterface::refreshComposeAccounts() {
+    if (recargarCuentas()) recargarCuentas()();
 }
 
 void GuiInterface::openUrl(const QString& target) {

@@ -2,6 +2,8 @@
 
 #include "app/UserInterface.h"
 
+#include <functional>
+
 class QWidget;
 
 // The user interface of the desktop: message boxes, the password prompt,
@@ -18,8 +20,15 @@ class GuiInterface : public UserInterface {
     QString openFileName(const QString& caption, const QString& dir,
                          const QString& filter) override;
     void showSelectDatabase() override;
+    void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
+    bool composeScreenActive() override;
+    void refreshComposeAccounts() override;
     [[noreturn]] void terminateWithoutDatabase() override;
+
+    // The compose screen sets this while it is loaded (its account reload)
+    // and clears it when it goes.
+    static void setRecargarCuentas(std::function<void()> recargar);
 
   private:
     QWidget* m_owner;

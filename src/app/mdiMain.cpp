@@ -2,75 +2,483 @@
 
 #include "app/AppState.h"
 #include "app/ChildScreens.h"
+#include "app/Conversions.h"
 #include "app/Pantallas.h"
+#include "app/Settings.h"
 #include "app/Startup.h"
+#include "app/frmLog.h"
+#include "app/frmOpciones.h"
+#include "app/frmweb.h"
 #include "app/mdoMain.h"
+#include "delivery/Despliegue.h"
+#include "delivery/mdoSendRavion.h"
+#include "import/mdoImport.h"
 #include "scheduling/clsTareasPendientes.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDockWidget>
-#include <QListView>
-#include <QMdiArea>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QSystemTrayIcon>
 #include <QTimer>
+#include <QToolBar>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// One entry of the menu bar: a key beginning with "K" opens a top-level
+// menu; an entry without caption is a separator.
+struct EntradaMenu {
+    const char16_t* clave;
+    const char16_t* titulo;
+    const char16_t* icono;
+};
+
+// The caption of the web site's entry: its address with an access key.
+QString tituloWeb() {
+    QString host = QUrl(Despliegue::web()).host();
+    if (host.isEmpty()) host = Despliegue::web();
+    return u"&"_s + host;
+}
+
+QString versionTexto() {
+    return u"%1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision);
+}
+
+const QString kActivado = u"&Envío de SMS (Activado)"_s;
+const QString kDesactivado = u"&Envío de SMS (Desactivado)"_s;
+
+}  // namespace
+
 mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     setObjectName(u"mdiMain"_s);
-    // Load, in order: caption, interval and timer, access password.
+    // 1. Caption and tray icon.
     setWindowTitle(tituloAplicacion());
+    setWindowIcon(iconoQuelmo(u"aplicacion"_s));
     setMinimumSize(707, 538);
-    m_area = new QMdiArea(this);
-    m_area->setObjectName(u"MDIClient"_s);
-    ChildScreens::setArea(m_area);
+    resize(1000, 700);
+    setDockOptions(QMainWindow::AnimatedDocks);
+
+    m_web = new frmweb(this);
+    ChildScreens::setArea(m_web);
+    setCentralWidget(m_web);
+    m_log = new frmLog(this);
+    addDockWidget(Qt::BottomDockWidgetArea, m_log);
+    resizeDocks({m_log}, {150}, Qt::Vertical);
+
     Pantallas::registrarTodas();
-    setCentralWidget(m_area);
-
-    auto* dock = new QDockWidget(u"Actividad"_s, this);
-    dock->setObjectName(u"frmLog"_s);
-    dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
-    m_log = new QListView(dock);
-    m_log->setObjectName(u"lstLog"_s);
-    m_log->setModel(&appState().log);
-    m_log->setUniformItemSizes(true);
-    m_log->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    dock->setWidget(m_log);
-    addDockWidget(Qt::BottomDockWidgetArea, dock);
-    connect(&appState().log, &ActivityLog::lineAdded, m_log, [this](int row) {
-        m_log->setCurrentIndex(appState().log.index(row));
-    });
-
+    crearBandeja();
+    // 2.
+    msCrearMenu();
+    crearBarra();
+    // 3. Never written counts as on.
+    bool activo = true;
+    try {
+        activo = aBooleano(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
+    } catch (const QuelmoError&) {
+    }
+    mostrarEstadoTransmisor(activo);
+    // 4.
     m_transmisor.armarTemporizador();
+    // 5.
     cargarClaveAcceso();
+    // 6.
     QCoreApplication::processEvents();
+
+    terminar = [] { QCoreApplication::exit(0); };
+}
+
+mdiMain::~mdiMain() {
+    if (m_icono) m_icono->hide();
+}
+
+QMdiArea* mdiMain::area() const {
+    return m_web;
+}
+
+void mdiMain::msCrearMenu() {
+    static const EntradaMenu entradas[] = {
+        {u"KUsuarios", u"&Contactos y Listas", nullptr},
+        {u"keyUsuarios", u"&Contactos", u"contactos"},
+        {u"keySUsuarios", nullptr, nullptr},
+        {u"keyGrupos", u"&Listas Locales", u"listas"},
+        {u"keyPListas", u"Listas &Web", u"web"},
+        {u"KMensajes", u"&Mensajes", nullptr},
+        {u"keyEnviar", u"&Enviar Mensajes", u"enviar"},
+        {u"keySMensajes1", nullptr, nullptr},
+        {u"keyHEnviados", u"&Mensajes Enviados", u"enviados"},
+        {u"keySMensajes2", nullptr, nullptr},
+        {u"keyPMensajes", u"Mensajes Prede&finidos", u"predefinidos"},
+        {u"keySMensajes3", nullptr, nullptr},
+        {u"keyPAuto", u"&Programar Mensajes", u"programar"},
+        {u"keySMensajes4", nullptr, nullptr},
+        {u"KImport", u"&Importar", nullptr},
+        {u"keyImportar", u"Im&portación Manual de Mensajes", u"importar"},
+        {u"keySConf4", nullptr, nullptr},
+        {u"keyImportarA", u"Importación &Automática de Mensajes", u"importar-auto"},
+        {u"keySConf41", nullptr, nullptr},
+        {u"keyImportarUser", u"Importar &Contactos", u"importar-contactos"},
+        {u"KConfig", u"Con&figurar", nullptr},
+        {u"keyCanales", u"&Cuentas", u"cuentas"},
+        {u"keySConf1", nullptr, nullptr},
+        {u"keyBD", u"&Seleccionar Base de Datos", u"basedatos"},
+        {u"keySConf2", nullptr, nullptr},
+        {u"keyTX", u"&Envío de SMS", u"transmisor"},
+        {u"keySConf3", nullptr, nullptr},
+        {u"keyopc", u"&Opciones", u"opciones"},
+        {u"KInfo", u"&Ayuda", nullptr},
+        {u"keyHelp", u"&Ayuda de Quelmo Mensajes SMS", u"ayuda"},
+        {u"keyHome01", u"&Recarga", u"recarga"},
+        {u"keyInfo3", nullptr, nullptr},
+        {u"keyHome07", u"Novedades Versión ", u"novedades"},
+        {u"keyHome02", u"", u"web"},
+        {u"keyHome03", u"&Condiciones de Uso", u"condiciones"},
+        {u"keyInfo4", nullptr, nullptr},
+        {u"keyHome06", u"Contacta", u"contacta"},
+        {u"keyHome05", u"Acerca de &Quelmo Mensajes SMS", u"info"},
+        {u"keyExit3", nullptr, nullptr},
+        {u"keyExit", u"&Salir", u"salir"},
+    };
+    QMenuBar* barra = menuBar();
+    barra->setObjectName(u"SmartMenuXP1"_s);
+    QMenu* actual = nullptr;
+    for (const EntradaMenu& e : entradas) {
+        const QString clave = QString::fromUtf16(e.clave);
+        if (clave.startsWith(u'K')) {
+            actual = barra->addMenu(QString::fromUtf16(e.titulo));
+            actual->setObjectName(clave);
+            actual->menuAction()->setObjectName(clave);
+            continue;
+        }
+        QAction* a =
+            e.titulo ? actual->addAction(QString::fromUtf16(e.titulo)) : actual->addSeparator();
+        a->setObjectName(clave);
+        if (e.icono) a->setIcon(iconoQuelmo(QString::fromUtf16(e.icono)));
+        if (!e.titulo) continue;
+        connect(a, &QAction::triggered, this, [this, clave] { SmartMenuXP1_Click(clave); });
+    }
+    findChild<QAction*>(u"keyHome07"_s)->setText(u"Novedades Versión "_s + versionTexto());
+    findChild<QAction*>(u"keyHome02"_s)->setText(tituloWeb());
+    m_keyTX = findChild<QAction*>(u"keyTX"_s);
+    m_keyTX->setCheckable(true);
+    m_keyTX->setIconVisibleInMenu(false);
+
+    auto pantalla = [](const char16_t* nombre) {
+        return [n = QString::fromUtf16(nombre)] { Pantallas::abrir(n); };
+    };
+    auto web = [](std::function<QString()> direccion) {
+        return [direccion] { msAbrirUrl(direccion()); };
+    };
+    m_menu = {
+        {u"keyExit"_s, {false, [this] { close(); }}},
+        {u"keyEnviar"_s, {true, pantalla(u"frmEnvio")}},
+        {u"keyHEnviados"_s, {true, pantalla(u"frmHEnvios")}},
+        {u"keyPMensajes"_s, {true, pantalla(u"frmMenPro")}},
+        {u"keyPAuto"_s, {true, pantalla(u"frmMenAuto")}},
+        {u"keyUsuarios"_s, {true, pantalla(u"frmAbonados")}},
+        {u"keyGrupos"_s, {true, pantalla(u"frmGrupos")}},
+        {u"keyCanales"_s, {true, pantalla(u"frmCanales")}},
+        {u"keyBD"_s, {true, [] { ui().showSelectDatabase(); }}},
+        {u"keyHelp"_s, {false, msAyuda}},
+        {u"keyHome01"_s, {false, [this] { msRecarga(); }}},
+        {u"keyHome02"_s, {false, web(Despliegue::web)}},
+        {u"keyHome07"_s,
+         {false, web([]() -> QString { return Despliegue::web() + u"/novedadesqm.php"_s; })}},
+        {u"keyHome03"_s, {false, web([]() -> QString {
+                              return Despliegue::fabricante() + u"/condiciones_particulares.html"_s;
+                          })}},
+        {u"keyHome06"_s,
+         {false, web([]() -> QString { return u"mailto:"_s + Despliegue::correo(); })}},
+        {u"keyHome05"_s,
+         {false,
+          [this] {
+              frmWinfo info(this);
+              info.exec();
+          }}},
+        {u"keyImportar"_s, {true, [this] { importacionManual(); }}},
+        {u"keyImportarA"_s, {true, pantalla(u"frmSelectDB.ImportA")}},
+        {u"keyImportarUser"_s, {true, [this] { importacionContactos(); }}},
+        {u"keyopc"_s,
+         {true,
+          [this] {
+              frmOpciones opciones(this);
+              opciones.exec();
+          }}},
+        {u"keyweb"_s, {false, [this] { m_web->cargarfondo(); }}},
+        {u"keyPListas"_s, {false, web(Despliegue::web)}},
+    };
+}
+
+void mdiMain::crearBarra() {
+    struct Boton {
+        const char16_t* titulo;
+        const char16_t* clave;
+        const char16_t* consejo;
+        const char16_t* icono;
+    };
+    static const Boton botones[] = {
+        {u"Enviar", u"ENVIO", u"Enviar Mensajes", u"enviar"},
+        {u"Programar", u"PROG", u"", u"programar"},
+        {u"Enviados", u"HISTORICO", u"Ver Hisórico de Mensajes Enviados", u"enviados"},
+        {u"Cuentas", u"CANALES", u"Configuración de Cuentas", u"cuentas"},
+        {u"Recarga", u"RECARGA", u"Recargar Crédito de Mensajes", u"recarga"},
+        {u"Ayuda", u"INFORMACION", u"Ver Ayuda", u"ayuda"},
+        {u"Salir", u"SALIR", u"Salir de Quelmo Mensajes SMS", u"salir"},
+        {u"Ocultar", u"OCULTAR", u"Ocultar Quelmo Mensajes SMS", u"ocultar"},
+    };
+    m_barra = addToolBar(u"Barra de herramientas"_s);
+    m_barra->setObjectName(u"Toolbar1"_s);
+    m_barra->setMovable(false);
+    m_barra->setIconSize(QSize(32, 32));
+    m_barra->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    for (const Boton& b : botones) {
+        const QString clave = QString::fromUtf16(b.clave);
+        QAction* a = m_barra->addAction(iconoQuelmo(QString::fromUtf16(b.icono)),
+                                        QString::fromUtf16(b.titulo));
+        a->setObjectName(clave);
+        // An empty tool tip would show the caption again; the button keeps none.
+        a->setToolTip(QString::fromUtf16(b.consejo));
+        connect(a, &QAction::triggered, this, [this, clave] { Toolbar1_ButtonClick(clave); });
+        // Leave the two closing buttons apart from the commands.
+        if (clave == u"INFORMACION"_s) m_barra->addSeparator();
+    }
+
+    auto pantalla = [](const char16_t* nombre) {
+        return [n = QString::fromUtf16(nombre)] { Pantallas::abrir(n); };
+    };
+    m_botones = {
+        {u"SALIR"_s, {false, [this] { close(); }}},
+        {u"USUARIOS"_s, {true, pantalla(u"frmAbonados")}},
+        {u"GRUPOS"_s, {true, pantalla(u"frmGrupos")}},
+        {u"CANALES"_s, {true, pantalla(u"frmCanales")}},
+        {u"HISTORICO"_s, {true, pantalla(u"frmHEnvios")}},
+        {u"ENVIO"_s, {true, pantalla(u"frmEnvio")}},
+        {u"PREDEFINIDOS"_s, {true, pantalla(u"frmMenPro")}},
+        {u"AUTOMATICOS"_s, {true, pantalla(u"frmMenAuto")}},
+        {u"PROG"_s, {true, pantalla(u"frmMenAuto")}},
+        {u"INFORMACION"_s, {false, msAyuda}},
+        {u"EMERGENCIAS"_s, {true, pantalla(u"frmEmergencias")}},
+        {u"RECARGA"_s, {false, [this] { msRecarga(); }}},
+        {u"OCULTAR"_s, {false, [this] { ocultar(); }}},
+    };
+}
+
+void mdiMain::crearBandeja() {
+    m_mnuopciones = new QMenu(this);
+    m_mnuopciones->setObjectName(u"mnuopciones"_s);
+    auto entrada = [this](const QString& nombre, const QString& titulo, const QString& pic,
+                          std::function<void()> accion) {
+        QAction* a = m_mnuopciones->addAction(titulo);
+        a->setObjectName(nombre);
+        if (!pic.isEmpty()) a->setIcon(iconoQuelmo(pic));
+        connect(a, &QAction::triggered, this, std::move(accion));
+        return a;
+    };
+    auto conPuerta = [this](const char16_t* pantalla) {
+        return [this, n = QString::fromUtf16(pantalla)] {
+            mnurestaurar_Click();
+            if (msComprobarAcceso()) Pantallas::abrir(n);
+        };
+    };
+    entrada(u"mnurestaurar"_s, u"Restaurar Quelmo Mensajes SMS"_s, u"aplicacion"_s,
+            [this] { mnurestaurar_Click(); });
+    m_mnuopciones->addSeparator();
+    entrada(u"mnuenviar"_s, u"Enviar Mensajes"_s, u"enviar"_s, conPuerta(u"frmEnvio"));
+    entrada(u"mnuprogramar"_s, u"Programar Mensajes"_s, u"programar"_s, conPuerta(u"frmMenAuto"));
+    entrada(u"mnuenviados"_s, u"Mensajes Enviados"_s, u"enviados"_s, conPuerta(u"frmHEnvios"));
+    m_mnuopciones->addSeparator();
+    m_mnutx = entrada(u"mnutx"_s, u"Activar Envíos"_s, QString(), [this] {
+        m_keyTX->setChecked(!m_keyTX->isChecked());
+        msActivarTransmisor();
+    });
+    m_mnutx->setCheckable(true);
+    m_mnuopciones->addSeparator();
+    entrada(u"mnuayuda"_s, u"Ayuda"_s, u"ayuda"_s, [this] {
+        mnurestaurar_Click();
+        msAyuda();
+    });
+    entrada(u"mnucerrar"_s, u"Salir"_s, u"salir"_s, [this] { close(); });
+
+    m_icono = new QSystemTrayIcon(iconoQuelmo(u"aplicacion"_s), this);
+    m_icono->setObjectName(u"Icono"_s);
+    m_icono->setToolTip(u"Quelmo Mensajes SMS"_s);
+    m_icono->setContextMenu(m_mnuopciones);
+    connect(m_icono, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason r) {
+                if (r == QSystemTrayIcon::DoubleClick) mnurestaurar_Click();
+            });
+}
+
+void mdiMain::mostrarEstadoTransmisor(bool activo) {
+    m_keyTX->setChecked(activo);
+    m_keyTX->setText(activo ? kActivado : kDesactivado);
+    m_mnutx->setChecked(activo);
+    m_mnutx->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS desactivado"_s);
+    m_mnutx->setIcon(iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s));
+    m_keyTX->setIcon(m_mnutx->icon());
+}
+
+void mdiMain::msActivarTransmisor() {
+    const bool activo = m_keyTX->isChecked();
+    // 1. The compose screen's status line follows the switch.
+    if (QWidget* envio = ChildScreens::activeScreen();
+        envio && (envio->objectName() == u"frmEnvio"_s || envio->inherits("frmEnvio"))) {
+        if (auto* lmt = envio->findChild<QLabel*>(u"lmt"_s)) {
+            lmt->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS Desactivado"_s);
+            QPalette pal = lmt->palette();
+            pal.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
+            lmt->setPalette(pal);
+        }
+        if (auto* imgmt = envio->findChild<QLabel*>(u"imgmt"_s))
+            imgmt->setPixmap(iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s)
+                                 .pixmap(imgmt->size().boundedTo(QSize(32, 32))));
+    }
+    // 2-3.
+    Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
+    mostrarEstadoTransmisor(activo);
+}
+
+void mdiMain::ejecutar(const Orden& orden) {
+    if (orden.puerta && !msComprobarAcceso()) return;
+    if (orden.accion) orden.accion();
+}
+
+void mdiMain::SmartMenuXP1_Click(const QString& key) {
+    // The check mark has already flipped; a refused switch flips it back.
+    if (key == u"keyTX"_s) {
+        if (msComprobarAcceso())
+            msActivarTransmisor();
+        else
+            m_keyTX->setChecked(!m_keyTX->isChecked());
+        return;
+    }
+    const auto it = m_menu.constFind(key);
+    if (it != m_menu.cend()) ejecutar(*it);
+}
+
+void mdiMain::Toolbar1_ButtonClick(const QString& key) {
+    const auto it = m_botones.constFind(key.toUpper());
+    if (it != m_botones.cend()) ejecutar(*it);
+}
+
+void mdiMain::importacionManual() {
+    // The selection screen chooses and saves the file and its options.
+    if (!Pantallas::abrir(u"frmSelectDB.Import"_s)) return;
+    const QString ruta = Settings::getSetting(u"Import"_s, u"Path"_s);
+    const QString lista = Settings::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    bool anadir = false;
+    try {
+        anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+    } catch (const QuelmoError&) {
+    }
+    if (ruta.size() <= 3) return;
+    msImportarFichero(ruta, false, false, lista, anadir);
+    appState().gbImportado = true;
+    if (msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
+}
+
+void mdiMain::importacionContactos() {
+    if (!Pantallas::abrir(u"frmSelectDB.ImportUser"_s)) return;
+    const QString ruta = Settings::getSetting(u"ImportUser"_s, u"Path"_s);
+    const QString lista = Settings::getSetting(u"ImportUser"_s, u"Lista"_s);
+    if (ruta.size() <= 3) return;
+    msImportarFichero(ruta, true, false, lista, true);
+    Pantallas::abrir(u"frmAbonados"_s);
+}
+
+void mdiMain::ocultar() {
+    m_icono->show();
+    hide();
+}
+
+void mdiMain::mnurestaurar_Click() {
+    showNormal();
+    m_icono->hide();
+    raise();
+    activateWindow();
+}
+
+void mdiMain::msRecarga() {
+    try {
+        const QueryResult r =
+            appState().Conexion.query(u"select * from canales where Principal=1"_s);
+        if (r.isEmpty()) {
+            ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
+            return;
+        }
+        msAbrirUrl(Despliegue::webSegura() + u"/informacion/recarga_sms.php?u="_s +
+                   textoDe(r.value(0, u"usuario"_s)));
+    } catch (const QuelmoError& e) {
+        if (e.number() != ErrNum::ItemNotFound) return;
+        ui().msgBox(
+            u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
+            u"de Datos correcta de Quelmo Mensajes"_s,
+            Msg::Critical);
+        ui().showSelectDatabase();
+    }
 }
 
 void mdiMain::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (m_activado) return;
     m_activado = true;
-    // After two turns of the event loop.
-    QTimer::singleShot(0, this, [this] { QTimer::singleShot(0, this, [this] { primeraActivacion(); }); });
+    // After two turns of the event loop, so the frame is drawn first.
+    QTimer::singleShot(0, this,
+                       [this] { QTimer::singleShot(0, this, [this] { primeraActivacion(); }); });
 }
 
 void mdiMain::primeraActivacion() {
     msAbrirBaseInicial();
+    // The picture may live in the database just opened.
+    m_web->cargarfondo();
+    msPrimeraVez();
     clsTareasPendientes().PendientesEnviar();
     Q_EMIT primeraActivacionTerminada();
 }
 
+void mdiMain::msPrimeraVez() {
+    try {
+        const QueryResult r =
+            appState().Conexion.query(u"select * from canales where principal=1"_s);
+        // 1. No principal account: the set-up of the first one.
+        if (r.isEmpty()) {
+            ui().showFirstRunSetup();
+            return;
+        }
+        const QString usuario = textoDe(r.value(0, u"usuario"_s));
+        const QString clave = textoDe(r.value(0, u"clave"_s));
+        // 2. One exchange per start refreshes the balance.
+        if (!usuario.isEmpty() && !clave.isEmpty()) {
+            SendAutCuenta(aEntero16(r.value(0, u"canal"_s)));
+            return;
+        }
+        // 3. An account without its credentials: the set-up completes it.
+        Pantallas::abrir(u"frmNewCanal"_s);
+        ui().showFirstRunSetup();
+    } catch (const QuelmoError&) {
+    }
+}
+
 void mdiMain::closeEvent(QCloseEvent* event) {
     AppState& g = appState();
+    // 1.
     if (g.gbEnviando) {
-        ui().msgBox(u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
-                    u"termine el envío para cerrar la aplicación."_s,
-                    Msg::Exclamation, QString());
+        ui().msgBox(
+            u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
+            u"termine el envío para cerrar la aplicación."_s,
+            Msg::Exclamation);
         event->ignore();
         return;
     }
+    // 2. Other screens get no say: the process ends here.
     m_transmisor.detener();
     g.Conexion.close();
+    QCoreApplication::processEvents();
+    m_icono->hide();
     event->accept();
-    QCoreApplication::exit(0);
+    if (terminar) terminar();
 }

@@ -2,36 +2,81 @@
 
 #include "app/Transmitter.h"
 
+#include <QHash>
 #include <QMainWindow>
+#include <functional>
 
+class QAction;
 class QMdiArea;
-class QListView;
+class QMenu;
+class QSystemTrayIcon;
+class QToolBar;
+class frmLog;
+class frmweb;
 
-// The frame of the application: child screens, the activity log, and the
-// transmitter's timer.
+// The frame of the application: child screens open over the background
+// panel, the activity log runs along the lower edge, and the menu, the
+// toolbar and the tray icon reach every command. It owns the transmitter.
 class mdiMain : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     explicit mdiMain(QWidget* parent = nullptr);
+    ~mdiMain() override;
 
     Transmitter& transmisor() { return m_transmisor; }
-    QMdiArea* area() const { return m_area; }
-    void msForzarEnvio() { m_transmisor.msForzarEnvio(); }
-    // True once the first activation has run.
+    QMdiArea* area() const;
+    frmweb* panelWeb() const { return m_web; }
+    frmLog* panelLog() const { return m_log; }
+    QSystemTrayIcon* icono() const { return m_icono; }
+    // True once the first activation has started.
     bool activado() const { return m_activado; }
 
-Q_SIGNALS:
+    void msForzarEnvio() { m_transmisor.msForzarEnvio(); }
+    void msPrimeraVez();
+    void msRecarga();
+    void mnurestaurar_Click();
+
+    // Command dispatch by key: the menu bar's entries and the toolbar's
+    // buttons (and the toolbar keys that no button carries).
+    void SmartMenuXP1_Click(const QString& key);
+    void Toolbar1_ButtonClick(const QString& key);
+
+    // What ends the process once closing is accepted (tests replace it).
+    std::function<void()> terminar;
+
+  Q_SIGNALS:
     void primeraActivacionTerminada();
 
-protected:
+  protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
+    struct Orden {
+        bool puerta;  // through the access gate first
+        std::function<void()> accion;
+    };
+
+    void msCrearMenu();
+    void crearBarra();
+    void crearBandeja();
+    void mostrarEstadoTransmisor(bool activo);
+    void msActivarTransmisor();
     void primeraActivacion();
+    void ejecutar(const Orden& orden);
+    void importacionManual();
+    void importacionContactos();
+    void ocultar();
 
     Transmitter m_transmisor;
-    QMdiArea* m_area = nullptr;
-    QListView* m_log = nullptr;
+    frmweb* m_web = nullptr;
+    frmLog* m_log = nullptr;
+    QToolBar* m_barra = nullptr;
+    QAction* m_keyTX = nullptr;
+    QAction* m_mnutx = nullptr;
+    QMenu* m_mnuopciones = nullptr;
+    QSystemTrayIcon* m_icono = nullptr;
+    QHash<QString, Orden> m_menu;
+    QHash<QString, Orden> m_botones;
     bool m_activado = false;
 };

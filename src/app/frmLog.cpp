@@ -1,0 +1,63 @@
+#include "app/frmLog.h"
+
+#include "app/AppState.h"
+
+#include <QFontDatabase>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmShowLineLog::frmShowLineLog(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmShowLineLog"_s);
+    setWindowTitle(u"Detalle del Log"_s);
+    m_txtLog = new QPlainTextEdit(this);
+    m_txtLog->setObjectName(u"txtLog"_s);
+    m_txtLog->setReadOnly(true);
+    m_txtLog->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_txtLog);
+    resize(520, 200);
+}
+
+void frmShowLineLog::mostrar(const QString& linea) {
+    m_txtLog->setPlainText(linea);
+    show();
+    raise();
+    activateWindow();
+}
+
+frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, parent) {
+    setObjectName(u"frmLog"_s);
+    // It stays along the lower edge: no moving, floating or closing.
+    setFeatures(QDockWidget::NoDockWidgetFeatures);
+    setAllowedAreas(Qt::BottomDockWidgetArea);
+
+    m_list = new QListView(this);
+    m_list->setObjectName(u"List1"_s);
+    m_list->setModel(&appState().log);
+    m_list->setUniformItemSizes(true);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_list->setAlternatingRowColors(true);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setTextElideMode(Qt::ElideRight);
+    m_list->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_list->setMinimumHeight(90);
+    setWidget(m_list);
+
+    connect(&appState().log, &ActivityLog::lineAdded, m_list,
+            [this](int row) { m_list->setCurrentIndex(appState().log.index(row)); });
+    connect(m_list, &QListView::doubleClicked, this, &frmLog::List1_DblClick);
+}
+
+void frmLog::List1_DblClick(const QModelIndex& index) {
+    if (!index.isValid()) return;
+    if (!m_detalle) {
+        m_detalle = new frmShowLineLog(window());
+        m_detalle->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_detalle->mostrar(index.data().toString());
+}
