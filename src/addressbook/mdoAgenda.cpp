@@ -27,7 +27,7 @@ void deshacer(const QString& nombre) {
 // A duplicate key is what the engine reports for a number that exists.
 bool esClaveRepetida() {
     sqlite3* h = bd().handle();
-    return h && sqlite3_errcode(h) == SQLITE_CONSTRAINT;
+    return h && (sqlite3_extended_errcode(h) & 0xff) == SQLITE_CONSTRAINT;
 }
 
 }  // namespace

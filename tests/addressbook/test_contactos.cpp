@@ -1,0 +1,340 @@
+// Contacts: the editor's number rule and required fields, saving with the
+// list memberships, the list of contacts and its deletes.
+#include "AyudaAgenda.h"
+#include "addressbook/PantallasAgenda.h"
+#include "addressbook/frmAbonados.h"
+#include "addressbook/frmNewUser.h"
+#include "app/ChildScreens.h"
+#include "app/Pantallas.h"
+#include "widgets/Listado.h"
+
+#include <sqlite3.h>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using namespace agenda_prueba;
+
+namespace {
+
+// Fills a new contact's editor as the user would and presses save.
+bool guardarNuevo(frmNewUser& e, const QString& numero, const QString& alias, int cuentaIdx,
+                  const QList<int>& listas = {}) {
+    e.txtAbonado->setText(numero);
+    e.txtAlias->setText(alias);
+    e.cmbCanales->setCurrentIndex(cuentaIdx);
+    for (int l : listas)
+        e.lstGrupos->selectionModel()->select(e.lstGrupos->model()->index(l, 0),
+                                              QItemSelectionModel::Select);
+    e.cmdAnadir->click();
+    return e.result() == QDialog::Accepted;
+}
+
+QStringList textosColumna(const Listado* l, int col) {
+    QStringList t;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
+    return t;
+}
+
+}  // namespace
+
+class TestContactos : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestContactos(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/agenda.db"_s));
+        cuenta(0, u"Principal"_s);
+        cuenta(1, u"Segunda"_s);
+        lista(0, u"Amigos"_s);
+        lista(1, u"Trabajo"_s);
+        lista(2, u"Familia"_s);
+    }
+
+    void numberRuleOfTheEditor_data() {
+        QTest::addColumn<QString>("numero");
+        QTest::addColumn<QString>("motivo");  // empty: taken
+        QTest::newRow("no prefix")
+            << u"629000000"_s << u"( Código internacional inexistente o mal formado )"_s;
+        QTest::newRow("plus passes the numeric test, not the prefix")
+            << u"+34629000000"_s << u"( Código internacional inexistente o mal formado )"_s;
+        QTest::newRow("9 characters")
+            << u"003462900"_s << u"( La longitud del Número de Móvil no es adecuada )"_s;
+        QTest::newRow("10 characters")
+            << u"0034629000"_s << u"( La longitud del Número de Móvil no es adecuada )"_s;
+        QTest::newRow("letters") << u"00346290000A"_s
+                                 << u"El valor del número de Móvil debe ser numérico"_s;
+        QTest::newRow("short and not numeric tells the first reason")
+            << u"6x"_s << u"El valor del número de Móvil debe ser numérico"_s;
+        QTest::newRow("11 characters") << u"00346290000"_s << QString();
+        QTest::newRow("full Spanish number") << u"0034629000000"_s << QString();
+        QTest::newRow("other country, 15 characters") << u"004915112345678"_s << QString();
+    }
+    void numberRuleOfTheEditor() {
+        QFETCH(QString, numero);
+        QFETCH(QString, motivo);
+        ScriptedInterface ui;
+        frmNewUser e;
+        QVERIFY(e.msLoad());
+        const bool guardado = guardarNuevo(e, numero, u"Ana"_s, 0);
+        QCOMPARE(guardado, motivo.isEmpty());
+        QCOMPARE(cuantos(u"select count(*) from Abonados where Codigo = ?"_s, {numero}),
+                 motivo.isEmpty() ? 1 : 0);
+        if (motivo.isEmpty()) {
+            QVERIFY(ui.boxes.isEmpty());
+            // Stored as typed, with no normalisation.
+            QCOMPARE(columna(u"select Alias from Abonados where Codigo = ?"_s, {numero}),
+                     QStringList{u"Ana"_s});
+            return;
+        }
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCOMPARE(
+            ui.boxes.at(0).text.split(u'\n'),
+            (QStringList{motivo, u"Atención, el formato del Número de Móvil, no es correcto "_s,
+                         u"Recuerde, que el formato debe incluir el código internacional "
+                         u"del Número de Móvil"_s,
+                         u"Ejemplo : para España (0034)629000000, el Número sería "
+                         u"0034629000000"_s}));
+    }
+
+    void requiredFieldsAndAliasInOrder_data() {
+        QTest::addColumn<QString>("numero");
+        QTest::addColumn<QString>("alias");
+        QTest::addColumn<int>("cuenta");
+        QTest::addColumn<QString>("mensaje");
+        QTest::newRow("all empty: the number first")
+            << QString() << QString() << -1 << u"El Número de Móvil debe de contener datos"_s;
+        QTest::newRow("no alias before no account")
+            << u"0034629000000"_s << QString() << -1
+            << u"El Nombre del Contacto debe de contener datos"_s;
+        QTest::newRow("no account") << u"0034629000000"_s << u"Ana"_s << -1
+                                    << u"Debe seleccionar una Cuenta para este Contacto"_s;
+        QTest::newRow("semicolon before the number rule")
+            << u"629"_s << u"Ana;Luis"_s << 0
+            << u"Atención, el formato del Nombre de Contacto, contiene el caracter [;] y no esta "
+               u"permitido"_s;
+    }
+    void requiredFieldsAndAliasInOrder() {
+        QFETCH(QString, numero);
+        QFETCH(QString, alias);
+        QFETCH(int, cuenta);
+        QFETCH(QString, mensaje);
+        ScriptedInterface ui;
+        frmNewUser e;
+        QVERIFY(e.msLoad());
+        QVERIFY(!guardarNuevo(e, numero, alias, cuenta));
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text, mensaje);
+        QCOMPARE(cuantos(u"select count(*) from Abonados"_s), 0);
+    }
+
+    void newContactStoresAccountAndLists() {
+        ScriptedInterface ui;
+        frmNewUser e;
+        QVERIFY(e.msLoad());
+        // Nothing is preselected for a new contact.
+        QCOMPARE(e.cmbCanales->currentIndex(), -1);
+        QVERIFY(e.lstGrupos->selectionModel()->selectedIndexes().isEmpty());
+        QCOMPARE(e.lstGrupos->model()->index(2, 0).data().toString(), u"002 - Familia"_s);
+        QVERIFY(guardarNuevo(e, u"0034629000001"_s, u"Luis"_s, 1, {0, 2}));
+        QCOMPARE(columna(u"select Canal from Abonados where Codigo = '0034629000001'"_s),
+                 QStringList{u"1"_s});
+        QCOMPARE(columna(u"select Grupo from AboGrup where Abonado = '0034629000001' order by 1"_s),
+                 (QStringList{u"0"_s, u"2"_s}));
+    }
+
+    void duplicateNumberChangesNothing() {
+        contacto(u"0034629000000"_s, u"Ana"_s, 0, u"primera"_s);
+        miembro(u"0034629000000"_s, 0);
+        ScriptedInterface ui;
+        frmNewUser e;
+        QVERIFY(e.msLoad());
+        QVERIFY(!guardarNuevo(e, u"0034629000000"_s, u"Otra"_s, 1, {1, 2}));
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text, u"Error Añadiendo datos, el Contacto ya existe"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCOMPARE(columna(u"select Alias || '/' || Comentario || '/' || Canal from Abonados"_s),
+                 QStringList{u"Ana/primera/0"_s});
+        QCOMPARE(columna(u"select Grupo from AboGrup"_s), QStringList{u"0"_s});
+        // What was typed stays on screen.
+        QCOMPARE(e.txtAlias->text(), u"Otra"_s);
+        // The connection is usable afterwards: no transaction left open.
+        contacto(u"0034600000009"_s, u"Nueva"_s, 0);
+        QVERIFY(sqlite3_get_autocommit(bd().handle()));
+    }
+
+    void editRewritesMembershipsAndFindsApostrophe() {
+        contacto(u"0034629000000"_s, u"O'Brien"_s, 1, u"it's"_s);
+        miembro(u"0034629000000"_s, 0);
+        miembro(u"0034629000000"_s, 1);
+        ScriptedInterface ui;
+        frmAbonados lista;
+        QCOMPARE(textosColumna(lista.ListView1, 0), QStringList{u"O'Brien"_s});
+        lista.ListView1->seleccionarFila(0);
+        bool visto = false;
+        alAbrirModal([&](QDialog* d) {
+            auto* e = qobject_cast<frmNewUser*>(d);
+            QVERIFY(e);
+            visto = true;
+            QCOMPARE(e->windowTitle(), u"Modificar Usuario"_s);
+            QCOMPARE(e->cmdAnadir->text(), u"&Modificar Usuario"_s);
+            QVERIFY(!e->txtAbonado->isEnabled());
+            QCOMPARE(e->txtAbonado->text(), u"0034629000000"_s);
+            QCOMPARE(e->txtComentario->text(), u"it's"_s);
+            QCOMPARE(e->cmbCanales->currentText(), u"Segunda"_s);
+            auto* sel = e->lstGrupos->selectionModel();
+            QVERIFY(sel->isSelected(e->lstGrupos->model()->index(0, 0)));
+            QVERIFY(sel->isSelected(e->lstGrupos->model()->index(1, 0)));
+            sel->clearSelection();
+            sel->select(e->lstGrupos->model()->index(2, 0), QItemSelectionModel::Select);
+            e->txtAlias->setText(u"O'Brien Jr"_s);
+            e->cmdAnadir->click();
+            if (e->isVisible()) e->reject();
+        });
+        lista.cmdEdit->click();
+        QVERIFY(visto);
+        QVERIFY(ui.boxes.isEmpty());
+        QCOMPARE(columna(u"select Grupo from AboGrup where Abonado = '0034629000000'"_s),
+                 QStringList{u"2"_s});
+        // The list was read again.
+        QCOMPARE(textosColumna(lista.ListView1, 0), QStringList{u"O'Brien Jr"_s});
+    }
+
+    void listShowsContactsWithAnAccount() {
+        contacto(u"0034600000001"_s, u"beatriz"_s, 0, u"c1"_s);
+        contacto(u"0034600000002"_s, u"Álvaro"_s, 1);
+        contacto(u"0034600000003"_s, u"Sin cuenta"_s, 7);
+        ScriptedInterface ui;
+        frmAbonados pantalla;
+        // A contact whose account is gone is not listed.
+        QCOMPARE(pantalla.lblcont->text(), u"2 Contactos"_s);
+        const ModeloListado* m = pantalla.ListView1->modelo();
+        const int fila = m->texto(0, 0) == u"beatriz"_s ? 0 : 1;
+        QCOMPARE(m->fila(fila),
+                 (QStringList{u"beatriz"_s, u"0034600000001"_s, u"c1"_s, u"Principal"_s}));
+        // Deleting all leaves the hidden one.
+        ui.answers = {Msg::Yes};
+        pantalla.cmdDeletetodos->click();
+        QCOMPARE(ui.boxes.at(0).text, u"¿Quiere eliminar TODOS sus Contactos?"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
+        QCOMPARE(ui.boxes.at(1).text, u"Se han borrado 2 Contactos con éxito.\n"_s);
+        QCOMPARE(ui.boxes.at(1).style, Msg::Information);
+        QCOMPARE(columna(u"select Alias from Abonados"_s), QStringList{u"Sin cuenta"_s});
+        QCOMPARE(pantalla.lblcont->text(), u"0 Contactos"_s);
+    }
+
+    void deleteSelectedKeepsOutboxAndHistory_data() {
+        QTest::addColumn<int>("respuesta");
+        QTest::newRow("yes") << Msg::Yes;
+        QTest::newRow("no") << Msg::No;
+    }
+    void deleteSelectedKeepsOutboxAndHistory() {
+        QFETCH(int, respuesta);
+        const QString num = u"0034629000000"_s;
+        contacto(num, u"Ana"_s, 0);
+        contacto(u"0034600000002"_s, u"Berta"_s, 0);
+        miembro(num, 0);
+        miembro(num, 2);
+        miembro(u"0034600000002"_s, 0);
+        bd().exec(u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (1,'Semanal')"_s);
+        bd().exec(u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (1,?,'hola')"_s, {num});
+        bd().exec(
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-01-01 10:00:00',0,?,'pendiente',2)"_s,
+            {num});
+        bd().exec(
+            u"INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal) VALUES "
+            u"(?,'2026-01-01 09:00:00','enviado','OK',0)"_s,
+            {num});
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        frmAbonados pantalla;
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdDelete->click();
+        QCOMPARE(ui.boxes.at(0).text,
+                 u"Esta a punto de eliminar los Contactos Seleccionados, ¿esta seguro?"_s);
+        const bool si = respuesta == Msg::Yes;
+        QCOMPARE(ui.boxes.size(), si ? 2 : 1);
+        if (si) QCOMPARE(ui.boxes.at(1).text, u"Se han borrado 1 Contactos con éxito.\n"_s);
+        QCOMPARE(cuantos(u"select count(*) from Abonados where Codigo = ?"_s, {num}), si ? 0 : 1);
+        QCOMPARE(cuantos(u"select count(*) from AboGrup where Abonado = ?"_s, {num}), si ? 0 : 2);
+        QCOMPARE(cuantos(u"select count(*) from AboAuto where Abonado = ?"_s, {num}), si ? 0 : 1);
+        QCOMPARE(cuantos(u"select count(*) from AboGrup"_s), si ? 1 : 3);
+        QCOMPARE(cuantos(u"select count(*) from envios where Abonado = ?"_s, {num}), 1);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios where Abonado = ?"_s, {num}), 1);
+        QCOMPARE(pantalla.lblcont->text(), si ? u"1 Contactos"_s : u"2 Contactos"_s);
+    }
+
+    void addWithoutAccountsShowsTheMessage() {
+        bd().exec(u"DELETE FROM Canales"_s);
+        ScriptedInterface ui;
+        registrarPantallasAgenda();
+        QVERIFY(Pantallas::abrir(u"frmAbonados"_s));
+        frmAbonados* pantalla = ChildScreens::instance<frmAbonados>();
+        pantalla->cmdAdd->click();  // an editor would block here
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text,
+                 u"Atención, primero debe crear una Cuenta, desea hacerlo en este momento ?"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        // Esc closes the screen.
+        QTest::keyClick(pantalla, Qt::Key_Escape);
+        QTRY_VERIFY(!ChildScreens::isLoaded<frmAbonados>());
+    }
+
+    void headerClickSortsByShownText() {
+        contacto(u"0034600000001"_s, u"beatriz"_s, 0);
+        contacto(u"0034600000002"_s, u"Álvaro"_s, 1);
+        contacto(u"0034600000003"_s, u"Nuria"_s, 0);
+        contacto(u"0034600000004"_s, u"Ñoño"_s, 1);
+        contacto(u"0034600000005"_s, u"Oscar"_s, 0);
+        contacto(u"0034600000006"_s, u"andrés"_s, 0);
+        ScriptedInterface ui;
+        frmAbonados pantalla;
+        Listado* l = pantalla.ListView1;
+        QHeaderView* h = l->header();
+        QCOMPARE(h->sortIndicatorSection(), 0);
+        QCOMPARE(h->sortIndicatorOrder(), Qt::AscendingOrder);
+        // The direction flips at every click, whichever column.
+        l->ordenarPorColumna(0);
+        QCOMPARE(textosColumna(l, 0), (QStringList{u"Oscar"_s, u"Ñoño"_s, u"Nuria"_s, u"beatriz"_s,
+                                                   u"andrés"_s, u"Álvaro"_s}));
+        QCOMPARE(h->sortIndicatorOrder(), Qt::DescendingOrder);
+        l->seleccionarFila(1);  // Ñoño stays selected through a sort
+        l->ordenarPorColumna(3);
+        QCOMPARE(h->sortIndicatorSection(), 3);
+        QCOMPARE(h->sortIndicatorOrder(), Qt::AscendingOrder);
+        // Equal accounts keep the order they stood in.
+        QCOMPARE(textosColumna(l, 0), (QStringList{u"Oscar"_s, u"Nuria"_s, u"beatriz"_s,
+                                                   u"andrés"_s, u"Ñoño"_s, u"Álvaro"_s}));
+        QCOMPARE(l->modelo()->texto(l->filaActual(), 0), u"Ñoño"_s);
+        l->ordenarPorColumna(0);
+        QCOMPARE(h->sortIndicatorOrder(), Qt::DescendingOrder);
+        QCOMPARE(textosColumna(l, 0).first(), u"Oscar"_s);
+        l->ordenarPorColumna(0);
+        QCOMPARE(textosColumna(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s,
+                                                   u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
+        // With nothing selected a delete removes nothing and says 0; the
+        // list read again keeps its sort.
+        contacto(u"0034600000007"_s, u"Carla"_s, 0);
+        l->clearSelection();
+        ui.answers = {Msg::Yes};
+        pantalla.cmdDelete->click();
+        QCOMPARE(ui.boxes.last().text, u"Se han borrado 0 Contactos con éxito.\n"_s);
+        QCOMPARE(textosColumna(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s,
+                                                   u"Carla"_s, u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestContactos)
+#include "test_contactos.moc"

@@ -1,0 +1,250 @@
+// Lists: numbering and its limits, names, delete with members, and the
+// membership screen with its moves and its store.
+#include "AyudaAgenda.h"
+#include "addressbook/frmGrupos.h"
+#include "addressbook/frmUserGroup.h"
+#include "app/Pantallas.h"
+#include "widgets/Listado.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using namespace agenda_prueba;
+
+namespace {
+
+QStringList columnaDe(const Listado* l, int col) {
+    QStringList t;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
+    return t;
+}
+
+// Selects the line of `l` whose column 0 is `texto`.
+void elegir(Listado* l, const QString& texto, bool anadir = false) {
+    const int f = int(columnaDe(l, 0).indexOf(texto));
+    QVERIFY2(f >= 0, qPrintable(texto));
+    l->seleccionarFila(f, anadir);
+}
+
+}  // namespace
+
+class TestListas : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestListas(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/listas.db"_s));
+        cuenta(0, u"Principal"_s);
+    }
+
+    void numbersOfNewLists_data() {
+        QTest::addColumn<QList<int>>("existentes");
+        QTest::addColumn<QString>("nombre");
+        QTest::addColumn<int>("nuevo");  // -1: refused
+        QTest::addColumn<QString>("mensaje");
+        QTest::newRow("first list is 000") << QList<int>{} << u"Amigos"_s << 0 << QString();
+        QTest::newRow("highest plus one, holes stay")
+            << QList<int>{0, 7} << u"Otra"_s << 8 << QString();
+        QTest::newRow("249 gives 250") << QList<int>{249} << u"Última"_s << 250 << QString();
+        QTest::newRow("250 taken, lower numbers free")
+            << QList<int>{3, 250} << u"Más"_s << -1
+            << u"Debe especificar un numero de Lista inferior"_s;
+        QTest::newRow("above 250 (an import's 251)")
+            << QList<int>{251} << u"Más"_s << -1 << u"No es posible añadir mas Listas"_s;
+        QTest::newRow("50 characters") << QList<int>{} << QString(50, u'x') << 0 << QString();
+        QTest::newRow("51 characters") << QList<int>{} << QString(51, u'x') << -1
+                                       << u"El nombre introducido es demasiado grande"_s;
+        QTest::newRow("apostrophe in the name")
+            << QList<int>{} << u"Club d'Amics"_s << 0 << QString();
+    }
+    void numbersOfNewLists() {
+        QFETCH(QList<int>, existentes);
+        QFETCH(QString, nombre);
+        QFETCH(int, nuevo);
+        QFETCH(QString, mensaje);
+        for (int g : existentes) lista(g, u"L%1"_s.arg(g));
+        ScriptedInterface ui;
+        ui.inputs = {nombre};
+        frmGrupos pantalla;
+        QString titulo;
+        if (nuevo >= 0)
+            alAbrirModal([&](QDialog* d) {
+                titulo = d->windowTitle();
+                d->findChild<QPushButton*>(u"cmdClose"_s)->click();
+            });
+        pantalla.cmdAdd->click();
+        QCOMPARE(ui.inputPrompts.at(0).text, u"Inserte un nombre para la nueva Lista"_s);
+        QCOMPARE(ui.inputPrompts.at(0).title, u"Alta de Listas"_s);
+        QCOMPARE(cuantos(u"select count(*) from Grupos"_s), existentes.size() + (nuevo >= 0));
+        if (nuevo < 0) {
+            QCOMPARE(ui.boxes.size(), 1);
+            QCOMPARE(ui.boxes.at(0).text, mensaje);
+            QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+            return;
+        }
+        QVERIFY(ui.boxes.isEmpty());
+        // The membership screen opened at once for the new list; cancelled,
+        // the list stands empty.
+        QCOMPARE(titulo, u"Contactos de la Lista: "_s + nombre.toUpper());
+        QCOMPARE(columna(u"select Nombre from Grupos where Grupo = ?"_s, {nuevo}),
+                 QStringList{nombre});
+        const int f = int(columnaDe(pantalla.ListView1, 1).indexOf(nombre));
+        QCOMPARE(pantalla.ListView1->modelo()->fila(f),
+                 (QStringList{u"%1"_s.arg(nuevo, 3, 10, QChar(u'0')), nombre, u"0"_s}));
+    }
+
+    void renameKeepsMembers_data() {
+        QTest::addColumn<QString>("respuesta");
+        QTest::addColumn<QString>("nombre");
+        QTest::addColumn<QString>("mensaje");
+        QTest::newRow("50 characters") << QString(50, u'n') << QString(50, u'n') << QString();
+        QTest::newRow("51 characters")
+            << QString(51, u'n') << u"Amigos"_s << u"El nombre introducido es demasiado grande"_s;
+        QTest::newRow("cancelled") << QString() << u"Amigos"_s << QString();
+    }
+    void renameKeepsMembers() {
+        QFETCH(QString, respuesta);
+        QFETCH(QString, nombre);
+        QFETCH(QString, mensaje);
+        lista(4, u"Amigos"_s);
+        contacto(u"0034600000001"_s, u"Ana"_s, 0);
+        miembro(u"0034600000001"_s, 4);
+        ScriptedInterface ui;
+        ui.inputs = {respuesta};
+        frmGrupos pantalla;
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdEdit->click();
+        QCOMPARE(ui.inputPrompts.at(0).title, u"Edicion de Lista"_s);
+        QCOMPARE(columna(u"select Nombre from Grupos where Grupo = 4"_s), QStringList{nombre});
+        QCOMPARE(ui.boxes.isEmpty(), mensaje.isEmpty());
+        if (!mensaje.isEmpty()) QCOMPARE(ui.boxes.at(0).text, mensaje);
+        QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 4"_s),
+                 QStringList{u"0034600000001"_s});
+        QCOMPARE(pantalla.ListView1->modelo()->texto(0, 1), nombre);
+    }
+
+    void deleteAsksAndRemovesMemberships_data() {
+        QTest::addColumn<bool>("conMiembros");
+        QTest::addColumn<int>("respuesta");
+        QTest::newRow("members, yes") << true << Msg::Yes;
+        QTest::newRow("members, no") << true << Msg::No;
+        QTest::newRow("empty, yes") << false << Msg::Yes;
+        QTest::newRow("empty, no") << false << Msg::No;
+    }
+    void deleteAsksAndRemovesMemberships() {
+        QFETCH(bool, conMiembros);
+        QFETCH(int, respuesta);
+        lista(1, u"Trabajo"_s);
+        lista(2, u"Vecinos"_s);
+        contacto(u"0034600000001"_s, u"Ana"_s, 0);
+        miembro(u"0034600000001"_s, 2);
+        if (conMiembros) miembro(u"0034600000001"_s, 1);
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        frmGrupos pantalla;
+        elegir(pantalla.ListView1, u"001"_s);
+        pantalla.cmdDelete->click();
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text,
+                 conMiembros
+                     ? u"La Lista   'Trabajo'   tiene Contactos asignados. ¿Quiere eliminar la "
+                       u"Lista ?"_s
+                     : u"Esta a punto de eliminar la Lista   'Trabajo'   , ¿esta seguro ?"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
+        const bool borrada = respuesta == Msg::Yes;
+        QCOMPARE(columna(u"select Grupo from Grupos order by 1"_s),
+                 borrada ? QStringList{u"2"_s} : (QStringList{u"1"_s, u"2"_s}));
+        QCOMPARE(cuantos(u"select count(*) from AboGrup where Grupo = 1"_s),
+                 conMiembros && !borrada ? 1 : 0);
+        // The contact and its other list stay.
+        QCOMPARE(cuantos(u"select count(*) from Abonados"_s), 1);
+        QCOMPARE(cuantos(u"select count(*) from AboGrup where Grupo = 2"_s), 1);
+        QCOMPARE(pantalla.ListView1->modelo()->rowCount(), borrada ? 1 : 2);
+    }
+
+    void membershipStoreRewritesAllRows() {
+        lista(3, u"Club"_s);
+        contacto(u"0034600000001"_s, u"ana"_s, 0);
+        contacto(u"0034600000002"_s, u"Berta"_s, 0);
+        contacto(u"0034600000003"_s, u"Carlos"_s, 0);
+        contacto(u"0034600000004"_s, u"Dora"_s, 0);
+        miembro(u"0034600000001"_s, 3);
+        miembro(u"0034600000002"_s, 3);
+        miembro(u"0034699999999"_s, 3);  // its contact is gone
+        ScriptedInterface ui;
+        frmGrupos pantalla;
+        QCOMPARE(pantalla.ListView1->modelo()->fila(0), (QStringList{u"003"_s, u"Club"_s, u"3"_s}));
+        pantalla.ListView1->seleccionarFila(0);
+        alAbrirModal([&](QDialog* d) {
+            auto* m = qobject_cast<frmUserGroup*>(d);
+            QVERIFY(m);
+            QCOMPARE(m->lblcont->text(), u"2 Contactos en la lista"_s);
+            QCOMPARE(columnaDe(m->lstLista, 0), (QStringList{u"ANA"_s, u"BERTA"_s}));
+            QCOMPARE(columnaDe(m->lstcontactos, 0), (QStringList{u"CARLOS"_s, u"DORA"_s}));
+            // Out with Ana, all in again (taken from the last line up), Ana
+            // out again with a double click.
+            elegir(m->lstLista, u"ANA"_s);
+            m->cmdQuitar->click();
+            QCOMPARE(columnaDe(m->lstcontactos, 0),
+                     (QStringList{u"CARLOS"_s, u"DORA"_s, u"ANA"_s}));
+            m->cmdTodos->click();
+            QCOMPARE(columnaDe(m->lstLista, 0),
+                     (QStringList{u"BERTA"_s, u"ANA"_s, u"DORA"_s, u"CARLOS"_s}));
+            QVERIFY(columnaDe(m->lstcontactos, 0).isEmpty());
+            Q_EMIT m->lstLista->dobleClicFila(1);
+            QCOMPARE(columnaDe(m->lstcontactos, 0), QStringList{u"ANA"_s});
+            QCOMPARE(m->lblcont->text(), u"2 Contactos en la lista"_s);
+            m->cmdAdd->click();
+            QCOMPARE(m->nCodGrupo, int16_t(-1));
+            QVERIFY(m->sNombreGrupo.isEmpty());
+        });
+        pantalla.cmdUsuarios->click();
+        QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 3 order by 1"_s),
+                 (QStringList{u"0034600000002"_s, u"0034600000003"_s, u"0034600000004"_s}));
+        QCOMPARE(pantalla.ListView1->modelo()->texto(0, 2), u"3"_s);
+    }
+
+    void membershipCancelLosesMoves() {
+        lista(0, u"Club"_s);
+        contacto(u"0034600000001"_s, u"Ana"_s, 0);
+        ScriptedInterface ui;
+        frmUserGroup m;
+        m.sNombreGrupo = u"Club"_s;
+        m.nCodGrupo = 0;
+        m.msCargarUsuariosParaGrupo();
+        QCOMPARE(m.lblcont->text(), u"0 Contactos en la lista"_s);
+        m.cmdTodos->click();
+        QCOMPARE(m.lstLista->modelo()->rowCount(), 1);
+        m.cmdClose->click();
+        QCOMPARE(cuantos(u"select count(*) from AboGrup"_s), 0);
+        QCOMPARE(m.nCodGrupo, int16_t(-1));
+    }
+
+    void publicationGoesToItsScreen() {
+        lista(5, u"Web"_s);
+        ScriptedInterface ui;
+        int abierta = 0;
+        Pantallas::registrar(u"frmPublicarLista"_s, [&] {
+            ++abierta;
+            QCOMPARE(frmGrupos::listaAPublicar().nombre, u"Web"_s);
+            QCOMPARE(frmGrupos::listaAPublicar().grupo, int16_t(5));
+        });
+        frmGrupos pantalla;
+        pantalla.cmdPublicar->click();  // nothing selected
+        QCOMPARE(abierta, 0);
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdPublicar->click();
+        QCOMPARE(abierta, 1);
+        Pantallas::registrar(u"frmPublicarLista"_s, {});
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestListas)
+#include "test_listas.moc"
