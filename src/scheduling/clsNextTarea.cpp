@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The columns the calculation reads, in the order of kFila.
+// The columns the calculation reads, in the order of kColumnas.
 enum Columna {
     kHora,
     kPeriodicidad,
@@ -27,10 +27,10 @@ enum Columna {
     kUltimaTarea,
 };
 
-const QString kFila =
-    u"SELECT Hora, Periodicidad, FechaIni, FechaFin, Cada, DiasSemana, MensualEsDia, "
-    u"MensualDiaMes, MensualNumSemana, MensualDiaSemana, AnualDia, AnualMes, UltimaTarea "
-    u"FROM Automaticos WHERE codigo=? and tareaProgramada=true"_s;
+const QString kColumnas =
+    u"Hora, Periodicidad, FechaIni, FechaFin, Cada, DiasSemana, MensualEsDia, MensualDiaMes, "
+    u"MensualNumSemana, MensualDiaSemana, AnualDia, AnualMes, UltimaTarea"_s;
+constexpr int kNumColumnas = kUltimaTarea + 1;
 
 const QDate kDiaCero(1899, 12, 30);
 
@@ -46,10 +46,20 @@ QDateTime local(const QDateTime& ingenuo) {
     throw QuelmoError(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
 }
 
-// A stored date-time column as a wall-clock value.
+// A stored date-time column as a wall-clock value. The stored form is read
+// digit by digit: going through local time costs a time-zone lookup per
+// value, and a tick reads thousands of them.
 QDateTime fechaDe(const QVariant& v) {
     if (v.isNull()) faltaValor();
-    const QDateTime leida = deTextoBD(v.toString());
+    const QString s = v.toString();
+    if (s.size() == 19 && s[4] == u'-' && s[7] == u'-' && s[10] == u' ' && s[13] == u':' &&
+        s[16] == u':') {
+        const auto n = [&s](int desde, int largo) { return s.mid(desde, largo).toInt(); };
+        const QDate d(n(0, 4), n(5, 2), n(8, 2));
+        const QTime t(n(11, 2), n(14, 2), n(17, 2));
+        if (d.isValid() && t.isValid()) return ingenua(d, t);
+    }
+    const QDateTime leida = deTextoBD(s);
     if (!leida.isValid()) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     return ingenua(leida.date(), leida.time());
 }
@@ -147,7 +157,19 @@ QDateTime clsNextTarea::leerFecha(const QString& texto) {
 
 void clsNextTarea::setCodigo(int32_t codigo) {
     m_codigo = codigo;
-    m_fila = appState().Conexion.query(kFila, {codigo});
+    const QueryResult fila = appState().Conexion.query(
+        u"SELECT "_s + kColumnas + u" FROM Automaticos WHERE codigo=? and tareaProgramada=true"_s,
+        {codigo});
+    m_fila = fila.isEmpty() ? QVector<QVariant>() : fila.row(0);
+}
+
+QString clsNextTarea::columnasFila() {
+    return kColumnas;
+}
+
+void clsNextTarea::setFila(int32_t codigo, const QueryResult& filas, int fila) {
+    m_codigo = codigo;
+    m_fila = filas.row(fila).mid(0, kNumColumnas);
 }
 
 QDateTime clsNextTarea::UltimaTarea() const {
@@ -191,12 +213,12 @@ void clsNextTarea::CalcularProximaTarea2() {
 
 void clsNextTarea::calcular(bool alDia) {
     // 1. No row, or its schedule is off.
-    if (m_fila.recordCount() < 1) {
+    if (m_fila.isEmpty()) {
         m_hayTarea = false;
         return;
     }
     // 2.
-    const auto col = [this](Columna c) -> const QVariant& { return m_fila.value(0, int(c)); };
+    const auto col = [this](Columna c) -> const QVariant& { return m_fila.at(int(c)); };
 
     // 3. A null last run, or an empty one, counts as never.
     const QVariant& ultima = col(kUltimaTarea);
@@ -210,12 +232,13 @@ void clsNextTarea::calcular(bool alDia) {
         }
     }
 
-    // The "now" of each calculator, read anew at each use, and the reference
-    // instant one minute before it: a run stays the next run for its minute.
-    const auto N = [alDia]() -> QDateTime {
-        const QDateTime reloj = Clock::now();
-        const QDateTime n = ingenua(reloj.date(), reloj.time());
-        return alDia ? leerFecha(textoDia(n) + u" 00:00"_s) : n;
+    // The "now" of each calculator, and the reference instant one minute
+    // before it: a run stays the next run for its minute. One reading of
+    // the clock serves the whole calculation, which takes microseconds.
+    const QDateTime reloj = Clock::now();
+    m_reloj = ingenua(reloj.date(), reloj.time());
+    const auto N = [&]() -> QDateTime {
+        return alDia ? leerFecha(textoDia(m_reloj) + u" 00:00"_s) : m_reloj;
     };
     const auto R = [&N]() { return N().addSecs(-60); };
     const auto dia = [](const QDateTime& x) { return leerFecha(textoDia(x)); };

@@ -40,6 +40,11 @@ class clsNextTarea {
     // Opens the row (only while its schedule is on); calculates nothing.
     void setCodigo(int32_t codigo);
     int32_t codigo() const { return m_codigo; }
+    // The same for a row read beforehand, when a walk over many rows has
+    // them all at hand: `filas` holds, first, the columns of columnasFila(),
+    // and only rows whose schedule is on.
+    void setFila(int32_t codigo, const QueryResult& filas, int fila);
+    static QString columnasFila();
 
     // Last run; 01/01/1900 when the row has none.
     QDateTime UltimaTarea() const;
@@ -68,13 +73,19 @@ class clsNextTarea {
     static QDateTime leerFecha(const QString& texto);
 
   private:
+    // The tick compares thousands of rows: it reads the wall-clock values
+    // directly, without a time-zone lookup for each.
+    friend class clsTareasPendientes;
+
     void calcular(bool alDia);
 
     int32_t m_codigo = 0;
-    QueryResult m_fila;
+    QVector<QVariant> m_fila;  // empty: no such row, or its schedule is off
     bool m_hayTarea = false;
     // Wall-clock values (kept in UTC only so that no daylight-saving shift
     // ever moves them); handed out as local time.
     QDateTime m_fechaProximaTarea{QDate(1899, 12, 30), QTime(0, 0), Qt::UTC};
     QDateTime m_ultimaTarea{QDate(1899, 12, 30), QTime(0, 0), Qt::UTC};
+    // The clock as the last calculation read it.
+    QDateTime m_reloj;
 };

@@ -11,7 +11,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kActivas = u"SELECT Codigo FROM Automaticos WHERE tareaProgramada=true"_s;
+// The active rows, with what the calculator reads of each, so that a walk
+// reads the table once.
+QString activas() {
+    return u"SELECT "_s + clsNextTarea::columnasFila() +
+           u", Codigo FROM Automaticos WHERE tareaProgramada=true"_s;
+}
+
+int32_t codigoDe(const QueryResult& filas, int fila) {
+    return aEntero32(filas.value(fila, filas.columnCount() - 1).toString());
+}
 
 // Runs `paso`; with `pasarFallos` a failure is passed over and the next
 // statement runs, otherwise it goes to the caller.
@@ -74,7 +83,7 @@ int16_t clsTareasPendientes::ReLoad() {
     constexpr bool pasar = true;
     // 2.
     m_activas = QueryResult();
-    ejecutar(pasar, [&] { m_activas = appState().Conexion.query(kActivas); });
+    ejecutar(pasar, [&] { m_activas = appState().Conexion.query(activas()); });
     if (!(m_activas.recordCount() > 0)) return 0;
 
     // 3. One calculator for the walk: after a failed calculation the row is
@@ -83,18 +92,20 @@ int16_t clsTareasPendientes::ReLoad() {
     int16_t cuenta = 0;
     for (int i = 0; i < m_activas.recordCount(); ++i) {
         int32_t codigo = 0;
-        ejecutar(pasar, [&] { codigo = aEntero32(m_activas.value(i, 0).toString()); });
-        ejecutar(pasar, [&] { tarea.setCodigo(codigo); });
+        ejecutar(pasar, [&] { codigo = codigoDe(m_activas, i); });
+        tarea.setFila(codigo, m_activas, i);
         ejecutar(pasar, [&] { tarea.CalcularProximaTarea(); });
-        const QDateTime ultima = tarea.UltimaTarea();
+        const QDateTime& ultima = tarea.m_ultimaTarea;
         const bool hay = tarea.HayTarea();
-        const QDateTime fecha = tarea.FechaProximaTarea();
+        const QDateTime& fecha = tarea.m_fechaProximaTarea;
         // Strictly after the last run, so the second tick of the minute
-        // finds it already done. The planned time stands as the last run.
-        if (hay && fecha > ultima && Clock::now() >= fecha) {
+        // finds it already done. The clock is the calculation's own reading,
+        // taken a moment ago. The planned time stands as the last run.
+        if (hay && fecha > ultima && tarea.m_reloj.isValid() && tarea.m_reloj >= fecha) {
             ++cuenta;
+            const QDateTime planeada = tarea.FechaProximaTarea();
             dispararFila(
-                codigo, [&] { return fecha; }, pasar);
+                codigo, [&] { return planeada; }, pasar);
         }
     }
     return cuenta;
@@ -112,7 +123,7 @@ int16_t clsTareasPendientes::PendientesEnviar() {
 
 int16_t clsTareasPendientes::recorrerPendientes() {
     // 1.
-    m_activas = appState().Conexion.query(kActivas);
+    m_activas = appState().Conexion.query(activas());
     if (m_activas.recordCount() < 1) return 0;
 
     // 2.
@@ -120,8 +131,8 @@ int16_t clsTareasPendientes::recorrerPendientes() {
     bool preguntado = false;
     int16_t cuenta = 0;
     for (int i = 0; i < m_activas.recordCount(); ++i) {
-        const int32_t codigo = aEntero32(m_activas.value(i, 0).toString());
-        tarea.setCodigo(codigo);
+        const int32_t codigo = codigoDe(m_activas, i);
+        tarea.setFila(codigo, m_activas, i);
         tarea.CalcularProximaTarea2();
         if (!(Clock::now() >= tarea.FechaProximaTarea())) continue;
         if (!tarea.HayTarea() || !(tarea.FechaProximaTarea() > tarea.UltimaTarea())) continue;
