@@ -1,0 +1,181 @@
+// Predefined texts: adding, changing and deleting them, their limit, and
+// the picker that hands one to the compose screen.
+#include "AyudaAgenda.h"
+#include "addressbook/PantallasAgenda.h"
+#include "addressbook/frmMenPro.h"
+#include "addressbook/frmSelecMenPro.h"
+#include "app/Pantallas.h"
+#include "widgets/Listado.h"
+
+#include <QListView>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using namespace agenda_prueba;
+
+namespace {
+void predefinido(int mensaje, const QString& texto) {
+    bd().exec(u"INSERT INTO MenPro (Mensaje,Texto) VALUES (?,?)"_s, {mensaje, texto});
+}
+}  // namespace
+
+class TestPredefinidos : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestPredefinidos(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/menpro.db"_s));
+    }
+    void cleanup() { Pantallas::setTomarTextoEnvio({}); }
+
+    void addTakesUpTo160_data() {
+        QTest::addColumn<QList<int>>("existentes");
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<int>("numero");  // -1: refused
+        QTest::newRow("first is 0") << QList<int>{} << u"Hola"_s << 0;
+        QTest::newRow("highest plus one") << QList<int>{0, 5} << u"Hola"_s << 6;
+        QTest::newRow("160 characters") << QList<int>{} << QString(160, u'a') << 0;
+        QTest::newRow("161 characters") << QList<int>{} << QString(161, u'a') << -1;
+        QTest::newRow("apostrophe stored as typed")
+            << QList<int>{} << u"Llego a las 5 o'clock"_s << 0;
+        QTest::newRow("cancelled") << QList<int>{} << QString() << -1;
+    }
+    void addTakesUpTo160() {
+        QFETCH(QList<int>, existentes);
+        QFETCH(QString, texto);
+        QFETCH(int, numero);
+        for (int m : existentes) predefinido(m, u"T%1"_s.arg(m));
+        ScriptedInterface ui;
+        ui.inputs = {texto};
+        frmMenPro pantalla;
+        pantalla.cmdAdd->click();
+        QCOMPARE(ui.inputPrompts.at(0).text, u"Inserte el texto para el nuevo mensaje"_s);
+        QCOMPARE(ui.inputPrompts.at(0).title, u"Alta de Mensajes Programados"_s);
+        QCOMPARE(cuantos(u"select count(*) from MenPro"_s), existentes.size() + (numero >= 0));
+        if (texto.size() > 160) {
+            QCOMPARE(ui.boxes.size(), 1);
+            QCOMPARE(ui.boxes.at(0).text, u"El nombre introducido es demasiado grande"_s);
+            QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        } else {
+            QVERIFY(ui.boxes.isEmpty());
+        }
+        if (numero < 0) return;
+        QCOMPARE(columna(u"select Texto from MenPro where Mensaje = ?"_s, {numero}),
+                 QStringList{texto});
+        QCOMPARE(
+            pantalla.ListView1->modelo()->texto(pantalla.ListView1->modelo()->rowCount() - 1, 0),
+            texto);
+    }
+
+    void changeTakesUpTo160_data() {
+        QTest::addColumn<QString>("respuesta");
+        QTest::addColumn<QString>("guardado");
+        QTest::addColumn<QString>("mensaje");
+        QTest::newRow("160 characters") << QString(160, u'b') << QString(160, u'b') << QString();
+        QTest::newRow("161 characters")
+            << QString(161, u'b') << u"Segundo"_s << u"El texto introducido es demasiado grande"_s;
+        QTest::newRow("apostrophes become acute accents")
+            << u"It's 5 o'clock"_s << u"It´s 5 o´clock"_s << QString();
+        QTest::newRow("empty changes nothing") << u""_s << u"Segundo"_s << QString();
+    }
+    void changeTakesUpTo160() {
+        QFETCH(QString, respuesta);
+        QFETCH(QString, guardado);
+        QFETCH(QString, mensaje);
+        predefinido(0, u"Primero"_s);
+        predefinido(1, u"Segundo"_s);
+        predefinido(2, u"Segundo"_s);
+        ScriptedInterface ui;
+        ui.inputs = {respuesta};
+        frmMenPro pantalla;
+        pantalla.ListView1->seleccionarFila(2);
+        pantalla.cmdEdit->click();
+        QCOMPARE(ui.inputPrompts.at(0).title, u"Edicion de Mensajes"_s);
+        QCOMPARE(ui.inputPrompts.at(0).text, u"Inserte el nuevo texto para el mensaje"_s);
+        QCOMPARE(ui.boxes.isEmpty(), mensaje.isEmpty());
+        if (!mensaje.isEmpty()) QCOMPARE(ui.boxes.at(0).text, mensaje);
+        // Of two equal texts the first one is changed.
+        QCOMPARE(columna(u"select Texto from MenPro order by Mensaje"_s),
+                 (QStringList{u"Primero"_s, guardado, u"Segundo"_s}));
+    }
+
+    void deleteAsksFirst_data() {
+        QTest::addColumn<int>("respuesta");
+        QTest::newRow("yes") << Msg::Yes;
+        QTest::newRow("no") << Msg::No;
+    }
+    void deleteAsksFirst() {
+        QFETCH(int, respuesta);
+        predefinido(0, u"Primero"_s);
+        predefinido(1, u"Segundo"_s);
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        frmMenPro pantalla;
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdDelete->click();
+        QCOMPARE(ui.boxes.at(0).text, u"Esta a punto de eliminar un Mensaje, esta seguro ?"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
+        const QStringList quedan = columna(u"select Texto from MenPro order by Mensaje"_s);
+        QCOMPARE(quedan, respuesta == Msg::Yes ? QStringList{u"Segundo"_s}
+                                               : (QStringList{u"Primero"_s, u"Segundo"_s}));
+        QCOMPARE(pantalla.ListView1->modelo()->rowCount(), quedan.size());
+    }
+
+    void pickerReplacesComposeText_data() {
+        QTest::addColumn<QStringList>("textos");
+        QTest::addColumn<int>("elegido");  // -1: none selected
+        QTest::addColumn<bool>("conEnvio");
+        QTest::addColumn<QString>("resultado");
+        QTest::newRow("chosen text replaces")
+            << QStringList{u"Uno"_s, u"Dos"_s} << 1 << true << u"Dos"_s;
+        QTest::newRow("nothing selected") << QStringList{u"Uno"_s} << -1 << true << u"escrito"_s;
+        QTest::newRow("empty table") << QStringList{} << -1 << true << u"escrito"_s;
+        QTest::newRow("no compose screen loaded")
+            << QStringList{u"Uno"_s} << 0 << false << u"escrito"_s;
+    }
+    void pickerReplacesComposeText() {
+        QFETCH(QStringList, textos);
+        QFETCH(int, elegido);
+        QFETCH(bool, conEnvio);
+        QFETCH(QString, resultado);
+        for (int i = 0; i < textos.size(); ++i) predefinido(i, textos.at(i));
+        QString compuesto = u"escrito"_s;
+        if (conEnvio) Pantallas::setTomarTextoEnvio([&](const QString& t) { compuesto = t; });
+        ScriptedInterface ui;
+        registrarPantallasAgenda();
+        bool cerrado = false;
+        alAbrirModal([&](QDialog* d) {
+            auto* p = qobject_cast<frmSelecMenPro*>(d);
+            QVERIFY(p);
+            QCOMPARE(p->lstMensajes->model()->rowCount(), textos.size());
+            if (elegido >= 0)
+                p->lstMensajes->setCurrentIndex(p->lstMensajes->model()->index(elegido, 0));
+            p->cmdAdd->click();
+            cerrado = !p->isVisible();
+        });
+        QVERIFY(Pantallas::abrir(u"frmSelecMenPro"_s));
+        QVERIFY(cerrado);
+        QCOMPARE(compuesto, resultado);
+    }
+
+    void pickerTakesWithEnter() {
+        predefinido(0, u"Uno"_s);
+        QString compuesto;
+        Pantallas::setTomarTextoEnvio([&](const QString& t) { compuesto = t; });
+        ScriptedInterface ui;
+        frmSelecMenPro p;
+        p.lstMensajes->setCurrentIndex(p.lstMensajes->model()->index(0, 0));
+        QTest::keyClick(p.lstMensajes, Qt::Key_Return);
+        QCOMPARE(compuesto, u"Uno"_s);
+        QCOMPARE(p.result(), int(QDialog::Accepted));
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestPredefinidos)
+#include "test_predefinidos.moc"
