@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QTreeView>
 #include <cstdio>
+#include <ctime>
 
 using namespace Qt::StringLiterals;
 
@@ -47,8 +48,21 @@ void refrescar(frmEnvio& f) {
     QMetaObject::invokeMethod(f.findChild<QTimer*>(u"Timer1"_s), "timeout");
 }
 
-void cifra(const char* que, double ms, double limite) {
-    std::printf("%-58s %9.1f ms  (target < %.0f ms)\n", que, ms, limite);
+// Wall time, and the processor time of this process: the machine is
+// shared, so the second tells what the work itself costs.
+struct Medida {
+    QElapsedTimer reloj;
+    std::clock_t cpu = 0;
+    void restart() {
+        reloj.restart();
+        cpu = std::clock();
+    }
+};
+
+void cifra(const char* que, const Medida& m, double limite, int vueltas = 1) {
+    const double pared = m.reloj.nsecsElapsed() / 1e6 / vueltas;
+    const double cpu = double(std::clock() - m.cpu) * 1000.0 / CLOCKS_PER_SEC / vueltas;
+    std::printf("%-54s %8.1f ms wall %8.1f ms cpu  (target < %.0f ms)\n", que, pared, cpu, limite);
 }
 
 }  // namespace
@@ -63,12 +77,12 @@ int main(int argc, char** argv) {
     Database& db = appState().Conexion;
     llenarBandeja(db);
 
-    QElapsedTimer t;
-    t.start();
+    Medida t;
+    t.restart();
     auto* f = new frmEnvio();
     f->show();
     QCoreApplication::processEvents();
-    cifra("open the screen, 100,000 outbox rows", t.nsecsElapsed() / 1e6, 1000);
+    cifra("open the screen, 100,000 outbox rows", t, 1000);
     const int filas = f->findChild<QTreeView*>(u"ListView1"_s)->model()->rowCount();
 
     constexpr int kVueltas = 20;
@@ -77,7 +91,7 @@ int main(int argc, char** argv) {
         refrescar(*f);
         QCoreApplication::processEvents();
     }
-    cifra("refresh, row count unchanged (mean of 20)", t.nsecsElapsed() / 1e6 / kVueltas, 50);
+    cifra("refresh, row count unchanged (mean of 20)", t, 50, kVueltas);
 
     db.exec(
         u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
@@ -85,7 +99,7 @@ int main(int argc, char** argv) {
     t.restart();
     refrescar(*f);
     QCoreApplication::processEvents();
-    cifra("refresh after the row count changed (redraw)", t.nsecsElapsed() / 1e6, 1000);
+    cifra("refresh after the row count changed (redraw)", t, 1000);
     const int filasDespues = f->findChild<QTreeView*>(u"ListView1"_s)->model()->rowCount();
 
     crtAutoComplete caja;
@@ -97,13 +111,13 @@ int main(int argc, char** argv) {
     t.restart();
     QTest::keyClick(texto, Qt::Key_R);
     QCoreApplication::processEvents();
-    cifra("key in the recipient box, 20,000 contacts (\"Mar\")", t.nsecsElapsed() / 1e6, 50);
+    cifra("key in the recipient box, 20,000 contacts (\"Mar\")", t, 50);
     const qsizetype ofrecidosMar = caja.ofrecidos().size();
     texto->clear();
     t.restart();
     QTest::keyClick(texto, Qt::Key_A);
     QCoreApplication::processEvents();
-    cifra("key in the recipient box, 20,000 contacts (\"a\")", t.nsecsElapsed() / 1e6, 50);
+    cifra("key in the recipient box, 20,000 contacts (\"a\")", t, 50);
     std::printf("rows shown %d, after insert %d; names offered for \"Mar\" %lld, for \"a\" %lld\n",
                 filas, filasDespues, qlonglong(ofrecidosMar), qlonglong(caja.ofrecidos().size()));
     delete f;

@@ -5,6 +5,8 @@
 #include "app/Conversions.h"
 #include "app/mdoMain.h"
 
+#include <QHash>
+
 using namespace Qt::StringLiterals;
 
 bool leerSoloContactos() {
@@ -92,30 +94,36 @@ int contarBandeja() {
     return r.isEmpty() ? 0 : int(numeroDe(r.value(0, 0)));
 }
 
+namespace {
+// A date stored in another form than the usual one.
 QString fechaBandeja(const QString& registro) {
-    // The stored form is fixed, so the common case needs no date parsing:
-    // a hundred thousand rows are formatted in a few milliseconds.
-    if (registro.size() == 19 && registro.at(4) == u'-' && registro.at(10) == u' ')
-        return registro.mid(8, 2) + u'/' + registro.mid(5, 2) + u' ' + registro.mid(11, 8);
     const QDateTime t = deTextoBD(registro);
     return t.isValid() ? t.toString(u"dd/MM HH:mm:ss"_s) : registro;
 }
+}  // namespace
 
 QVector<QString> leerBandeja() {
-    const QueryResult r = appState().Conexion.query(
-        u"select Id,registro,Nombre,remitente,abonado,mensaje"_s + kDesdeBandeja);
-    QVector<QString> celdas;
-    celdas.reserve(qsizetype(r.recordCount()) * kColumnasBandeja);
-    for (int i = 0; i < r.recordCount(); ++i) {
-        const auto& f = r.row(i);
-        QString cuenta = textoDe(f.at(2)).trimmed();
-        const QString remitente = textoDe(f.at(3)).trimmed();
+    Database& db = appState().Conexion;
+    // The account column repeats the same few texts: each is made once and
+    // shared by its rows, and the engine formats the dates, so a hundred
+    // thousand rows cost little more than reading them.
+    QHash<QString, QString> cuentas;
+    const QueryResult c = db.query(u"select cast(canal as text),Nombre,remitente from canales"_s);
+    for (int i = 0; i < c.recordCount(); ++i) {
+        QString cuenta = textoDe(c.value(i, 1)).trimmed();
+        const QString remitente = textoDe(c.value(i, 2)).trimmed();
         if (!remitente.isEmpty()) cuenta += u" ("_s + remitente + u')';
-        celdas.append(textoDe(f.at(0)));
-        celdas.append(fechaBandeja(textoDe(f.at(1))));
-        celdas.append(textoDe(f.at(4)));
-        celdas.append(cuenta);
-        celdas.append(textoDe(f.at(5)));
+        cuentas.insert(textoDe(c.value(i, 0)), cuenta);
+    }
+    QVector<QString> celdas = db.queryTexts(
+        u"select Id,case when length(registro)=19 then substr(registro,9,2)||'/'||"
+        u"substr(registro,6,2)||' '||substr(registro,12,8) else registro end,abonado,"
+        u"cast(envios.canal as text),mensaje"_s +
+        kDesdeBandeja);
+    for (qsizetype i = 0; i < celdas.size(); i += kColumnasBandeja) {
+        QString& fecha = celdas[i + 1];
+        if (fecha.size() != 14 || fecha.at(2) != u'/') fecha = fechaBandeja(fecha);
+        celdas[i + 3] = cuentas.value(celdas.at(i + 3));
     }
     return celdas;
 }

@@ -35,5 +35,3 @@ int contarBandeja();
 // (with its sender in brackets), text.
 QVector<QString> leerBandeja();
 inline constexpr int kColumnasBandeja = 5;
-// "yyyy-MM-dd HH:mm:ss" as the list shows it.
-QString fechaBandeja(const QString& registro);

@@ -219,6 +219,26 @@ QueryResult Database::query(const QString& sql, const QVariantList& params) {
     return r;
 }
 
+QVector<QString> Database::queryTexts(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = preparar(sql);
+    vincular(s, params, sql);
+    const int n = sqlite3_column_count(s);
+    QVector<QString> celdas;
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
+        for (int i = 0; i < n; ++i) {
+            const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, i));
+            celdas.append(t ? QString::fromUtf8(t, sqlite3_column_bytes(s, i)) : QString());
+        }
+    }
+    if (rc != SQLITE_DONE) {
+        sqlite3_reset(s);
+        fallo(sql);
+    }
+    sqlite3_reset(s);
+    return celdas;
+}
+
 int Database::exec(const QString& sql, const QVariantList& params) {
     sqlite3_stmt* s = preparar(sql);
     vincular(s, params, sql);

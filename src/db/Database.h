@@ -60,6 +60,10 @@ class Database {
     const QString& path() const { return m_path; }
 
     QueryResult query(const QString& sql, const QVariantList& params = {});
+    // Every column of every row as text (null as a null string), row after
+    // row in one vector: a list of a hundred thousand rows is read without
+    // a value object per cell.
+    QVector<QString> queryTexts(const QString& sql, const QVariantList& params = {});
     // Runs one statement; returns the number of rows it changed.
     int exec(const QString& sql, const QVariantList& params = {});
     // Runs several statements without parameters (schema scripts).

@@ -207,12 +207,14 @@ class TestEnvio : public QObject {
         ScriptedInterface ui;
         sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-03-04 05:06:07',1,'0034600000009','uno',2),"
-            u"('2026-03-04 05:06:08',9,'0034600000008','cuenta borrada',2)"_s);
+            u"('2026-03-04 05:06:08',9,'0034600000008','cuenta borrada',2),"
+            u"('2026-03-05',2,'0034600000007','solo fecha',2)"_s);
         frmEnvio f;
         QCOMPARE(lista(f, 0, 1), u"04/03 05:06:07"_s);
+        QCOMPARE(lista(f, 1, 1), u"05/03 00:00:00"_s);
         QCOMPARE(lista(f, 0, 2), u"0034600000009"_s);
         QCOMPARE(lista(f, 0, 3), u"Cuenta_1 (Juan)"_s);
-        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"1 mensajes listos para enviar"_s);
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
         // Same count: the refresh leaves the list as drawn.
         sql(u"UPDATE envios SET Mensaje='cambiado'"_s);
         refrescar(f);
@@ -221,8 +223,8 @@ class TestEnvio : public QObject {
             u"('2026-03-04 05:06:09',2,'0044','dos',2)"_s);
         refrescar(f);
         QCOMPARE(lista(f, 0, 4), u"cambiado"_s);
-        QCOMPARE(lista(f, 1, 3), u"Otra"_s);
-        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
+        QCOMPARE(lista(f, 2, 3), u"Otra"_s);
+        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"3 mensajes listos para enviar"_s);
     }
 
     void modifyDeleteAndDeleteAll() {
