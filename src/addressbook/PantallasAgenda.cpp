@@ -29,8 +29,10 @@ void registrarPantallasAgenda() {
                          [] { ChildScreens::show(ChildScreens::instance<frmGrupos>()); });
     Pantallas::registrar(u"frmMenPro"_s,
                          [] { ChildScreens::show(ChildScreens::instance<frmMenPro>()); });
-    Pantallas::registrar(u"frmNewUser"_s,
-                         [] { frmAbonados::msNuevoContacto(ventanaPadreModal()); });
+    Pantallas::registrar(u"frmNewUser"_s, [] {
+        frmAbonados::msNuevoContacto(ventanaPadreModal());
+        if (ChildScreens::isLoaded<frmAbonados>()) ChildScreens::instance<frmAbonados>()->requery();
+    });
     Pantallas::registrar(u"frmSelecMenPro"_s, [] {
         frmSelecMenPro picker(ventanaPadreModal());
         picker.exec();

@@ -5,6 +5,7 @@
 #include "addressbook/mdoAgenda.h"
 #include "app/AppState.h"
 #include "app/Conversions.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QHBoxLayout>
@@ -28,9 +29,7 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     lblcont = new QLabel(this);
     lblcont->setObjectName(u"lblcont"_s);
     auto boton = [this](const QString& nombre, const QString& texto) {
-        auto* b = new QPushButton(texto, this);
-        b->setObjectName(nombre);
-        return b;
+        return botonConNombre(this, nombre, texto);
     };
     cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
     cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);

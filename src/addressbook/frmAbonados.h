@@ -15,6 +15,8 @@ class frmAbonados : public QWidget {
     explicit frmAbonados(QWidget* parent = nullptr);
 
     void msPintarContactos();
+    // Reads the contacts again and redraws (after a change made elsewhere).
+    void requery();
     // Opens the editor for a new contact, or says that an account must
     // exist first; true when the editor was shown.
     static bool msNuevoContacto(QWidget* padre);
@@ -36,7 +38,6 @@ class frmAbonados : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void requery();
     void borrarFilas(const QList<int>& filas);
 
     QueryResult adoPrimaryRS;

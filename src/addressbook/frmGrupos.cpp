@@ -5,6 +5,7 @@
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
 #include "app/Pantallas.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QHBoxLayout>
@@ -28,16 +29,14 @@ frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
     ListView1->setColumnWidth(0, 70);
     ListView1->setColumnWidth(1, 260);
     auto boton = [this](const QString& nombre, const QString& texto) {
-        auto* b = new QPushButton(texto, this);
-        b->setObjectName(nombre);
-        return b;
+        return botonConNombre(this, nombre, texto);
     };
     cmdAdd = boton(u"cmdAdd"_s, u"&Nueva Lista"_s);
     cmdEdit = boton(u"cmdEdit"_s, u"&Editar Nombre"_s);
     cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
     cmdUsuarios = boton(u"cmdUsuarios"_s, u"C&ontactos de la Lista"_s);
-    cmdPublicar = boton(u"cmdPublicar"_s, u"Publicar Lista Web"_s);
-    cmdPublicar->setToolTip(u"Publicar como Lista Web"_s);
+    cmdPublicar = botonConNombre(this, u"cmdPublicar"_s, u"Publicar Lista Web"_s,
+                                 u"Publicar como Lista Web"_s);
     cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
 
     auto* botones = new QVBoxLayout;

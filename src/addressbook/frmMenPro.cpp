@@ -3,6 +3,7 @@
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QHBoxLayout>
@@ -16,9 +17,7 @@ frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
     setWindowTitle(u"Mensajes Predefinidos"_s);
     ListView1 = new Listado(u"ListView1"_s, {u"Texto del Mensaje Predefinido"_s}, this);
     auto boton = [this](const QString& nombre, const QString& texto) {
-        auto* b = new QPushButton(texto, this);
-        b->setObjectName(nombre);
-        return b;
+        return botonConNombre(this, nombre, texto);
     };
     cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
     cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);

@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "widgets/Boton.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -39,10 +40,8 @@ frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringL
     lstGrupos->setUniformItemSizes(true);
     lstGrupos->setSelectionMode(QAbstractItemView::MultiSelection);
     lstGrupos->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    cmdAnadir = new QPushButton(u"&Añadir Contacto"_s, this);
-    cmdAnadir->setObjectName(u"cmdAñadir"_s);
-    CmdSalir = new QPushButton(u"&Cerrar"_s, this);
-    CmdSalir->setObjectName(u"CmdSalir"_s);
+    cmdAnadir = botonConNombre(this, u"cmdAñadir"_s, u"&Añadir Contacto"_s);
+    CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
 
     auto* form = new QFormLayout;
     form->addRow(u"Número de Móvil"_s, txtAbonado);

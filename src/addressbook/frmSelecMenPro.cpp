@@ -3,6 +3,7 @@
 #include "app/AppState.h"
 #include "app/Conversions.h"
 #include "app/Pantallas.h"
+#include "widgets/Boton.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -24,10 +25,8 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     lstMensajes->setUniformItemSizes(true);
     lstMensajes->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstMensajes->installEventFilter(this);
-    cmdAdd = new QPushButton(u"&Aceptar"_s, this);
-    cmdAdd->setObjectName(u"cmdAdd"_s);
-    cmdClose = new QPushButton(u"&Cancelar"_s, this);
-    cmdClose->setObjectName(u"cmdClose"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
     auto* botones = new QHBoxLayout;
     botones->addStretch();
     botones->addWidget(cmdAdd);

@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QGridLayout>
@@ -35,10 +36,7 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
         l->setColumnWidth(0, 170);
     }
     auto boton = [this](const QString& nombre, const QString& texto, const QString& ayuda) {
-        auto* b = new QPushButton(texto, this);
-        b->setObjectName(nombre);
-        b->setToolTip(ayuda);
-        return b;
+        return botonConNombre(this, nombre, texto, ayuda);
     };
     Command1 = boton(u"Command1"_s, u"Añadir >"_s, u"Añadir Contacto Seleccionados a Lista"_s);
     cmdTodos = boton(u"cmdTodos"_s, u"Todos >>>"_s, u"Añadir Contacto Seleccionados a Lista"_s);

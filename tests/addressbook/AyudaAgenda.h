@@ -5,6 +5,7 @@
 #include "TestSupportGui.h"
 #include "app/AppState.h"
 #include "app/Conversions.h"
+#include "widgets/Listado.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -50,6 +51,13 @@ inline QStringList columna(const QString& sql, const QVariantList& params = {}) 
 
 inline long long cuantos(const QString& sql, const QVariantList& params = {}) {
     return numeroDe(bd().query(sql, params).value(0, 0));
+}
+
+// The texts of one column of a report list, in the order shown.
+inline QStringList textosDe(const Listado* l, int col) {
+    QStringList t;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
+    return t;
 }
 
 // Runs `accion` on the next modal dialog as soon as it is up; `accion`

@@ -34,12 +34,6 @@ bool guardarNuevo(frmNewUser& e, const QString& numero, const QString& alias, in
     return e.result() == QDialog::Accepted;
 }
 
-QStringList textosColumna(const Listado* l, int col) {
-    QStringList t;
-    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
-    return t;
-}
-
 }  // namespace
 
 class TestContactos : public QObject {
@@ -180,7 +174,7 @@ class TestContactos : public QObject {
         miembro(u"0034629000000"_s, 1);
         ScriptedInterface ui;
         frmAbonados lista;
-        QCOMPARE(textosColumna(lista.ListView1, 0), QStringList{u"O'Brien"_s});
+        QCOMPARE(textosDe(lista.ListView1, 0), QStringList{u"O'Brien"_s});
         lista.ListView1->seleccionarFila(0);
         bool visto = false;
         alAbrirModal([&](QDialog* d) {
@@ -208,7 +202,7 @@ class TestContactos : public QObject {
         QCOMPARE(columna(u"select Grupo from AboGrup where Abonado = '0034629000000'"_s),
                  QStringList{u"2"_s});
         // The list was read again.
-        QCOMPARE(textosColumna(lista.ListView1, 0), QStringList{u"O'Brien Jr"_s});
+        QCOMPARE(textosDe(lista.ListView1, 0), QStringList{u"O'Brien Jr"_s});
     }
 
     void listShowsContactsWithAnAccount() {
@@ -307,23 +301,23 @@ class TestContactos : public QObject {
         QCOMPARE(h->sortIndicatorOrder(), Qt::AscendingOrder);
         // The direction flips at every click, whichever column.
         l->ordenarPorColumna(0);
-        QCOMPARE(textosColumna(l, 0), (QStringList{u"Oscar"_s, u"Ñoño"_s, u"Nuria"_s, u"beatriz"_s,
-                                                   u"andrés"_s, u"Álvaro"_s}));
+        QCOMPARE(textosDe(l, 0), (QStringList{u"Oscar"_s, u"Ñoño"_s, u"Nuria"_s, u"beatriz"_s,
+                                              u"andrés"_s, u"Álvaro"_s}));
         QCOMPARE(h->sortIndicatorOrder(), Qt::DescendingOrder);
         l->seleccionarFila(1);  // Ñoño stays selected through a sort
         l->ordenarPorColumna(3);
         QCOMPARE(h->sortIndicatorSection(), 3);
         QCOMPARE(h->sortIndicatorOrder(), Qt::AscendingOrder);
         // Equal accounts keep the order they stood in.
-        QCOMPARE(textosColumna(l, 0), (QStringList{u"Oscar"_s, u"Nuria"_s, u"beatriz"_s,
-                                                   u"andrés"_s, u"Ñoño"_s, u"Álvaro"_s}));
+        QCOMPARE(textosDe(l, 0), (QStringList{u"Oscar"_s, u"Nuria"_s, u"beatriz"_s, u"andrés"_s,
+                                              u"Ñoño"_s, u"Álvaro"_s}));
         QCOMPARE(l->modelo()->texto(l->filaActual(), 0), u"Ñoño"_s);
         l->ordenarPorColumna(0);
         QCOMPARE(h->sortIndicatorOrder(), Qt::DescendingOrder);
-        QCOMPARE(textosColumna(l, 0).first(), u"Oscar"_s);
+        QCOMPARE(textosDe(l, 0).first(), u"Oscar"_s);
         l->ordenarPorColumna(0);
-        QCOMPARE(textosColumna(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s,
-                                                   u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
+        QCOMPARE(textosDe(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s, u"Nuria"_s,
+                                              u"Ñoño"_s, u"Oscar"_s}));
         // With nothing selected a delete removes nothing and says 0; the
         // list read again keeps its sort.
         contacto(u"0034600000007"_s, u"Carla"_s, 0);
@@ -331,8 +325,8 @@ class TestContactos : public QObject {
         ui.answers = {Msg::Yes};
         pantalla.cmdDelete->click();
         QCOMPARE(ui.boxes.last().text, u"Se han borrado 0 Contactos con éxito.\n"_s);
-        QCOMPARE(textosColumna(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s,
-                                                   u"Carla"_s, u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
+        QCOMPARE(textosDe(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s, u"Carla"_s,
+                                              u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
     }
 };
 

@@ -14,15 +14,9 @@ using namespace agenda_prueba;
 
 namespace {
 
-QStringList columnaDe(const Listado* l, int col) {
-    QStringList t;
-    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
-    return t;
-}
-
 // Selects the line of `l` whose column 0 is `texto`.
 void elegir(Listado* l, const QString& texto, bool anadir = false) {
-    const int f = int(columnaDe(l, 0).indexOf(texto));
+    const int f = int(textosDe(l, 0).indexOf(texto));
     QVERIFY2(f >= 0, qPrintable(texto));
     l->seleccionarFila(f, anadir);
 }
@@ -95,7 +89,7 @@ class TestListas : public QObject {
         QCOMPARE(titulo, u"Contactos de la Lista: "_s + nombre.toUpper());
         QCOMPARE(columna(u"select Nombre from Grupos where Grupo = ?"_s, {nuevo}),
                  QStringList{nombre});
-        const int f = int(columnaDe(pantalla.ListView1, 1).indexOf(nombre));
+        const int f = int(textosDe(pantalla.ListView1, 1).indexOf(nombre));
         QCOMPARE(pantalla.ListView1->modelo()->fila(f),
                  (QStringList{u"%1"_s.arg(nuevo, 3, 10, QChar(u'0')), nombre, u"0"_s}));
     }
@@ -186,20 +180,19 @@ class TestListas : public QObject {
             auto* m = qobject_cast<frmUserGroup*>(d);
             QVERIFY(m);
             QCOMPARE(m->lblcont->text(), u"2 Contactos en la lista"_s);
-            QCOMPARE(columnaDe(m->lstLista, 0), (QStringList{u"ANA"_s, u"BERTA"_s}));
-            QCOMPARE(columnaDe(m->lstcontactos, 0), (QStringList{u"CARLOS"_s, u"DORA"_s}));
+            QCOMPARE(textosDe(m->lstLista, 0), (QStringList{u"ANA"_s, u"BERTA"_s}));
+            QCOMPARE(textosDe(m->lstcontactos, 0), (QStringList{u"CARLOS"_s, u"DORA"_s}));
             // Out with Ana, all in again (taken from the last line up), Ana
             // out again with a double click.
             elegir(m->lstLista, u"ANA"_s);
             m->cmdQuitar->click();
-            QCOMPARE(columnaDe(m->lstcontactos, 0),
-                     (QStringList{u"CARLOS"_s, u"DORA"_s, u"ANA"_s}));
+            QCOMPARE(textosDe(m->lstcontactos, 0), (QStringList{u"CARLOS"_s, u"DORA"_s, u"ANA"_s}));
             m->cmdTodos->click();
-            QCOMPARE(columnaDe(m->lstLista, 0),
+            QCOMPARE(textosDe(m->lstLista, 0),
                      (QStringList{u"BERTA"_s, u"ANA"_s, u"DORA"_s, u"CARLOS"_s}));
-            QVERIFY(columnaDe(m->lstcontactos, 0).isEmpty());
+            QVERIFY(textosDe(m->lstcontactos, 0).isEmpty());
             Q_EMIT m->lstLista->dobleClicFila(1);
-            QCOMPARE(columnaDe(m->lstcontactos, 0), QStringList{u"ANA"_s});
+            QCOMPARE(textosDe(m->lstcontactos, 0), QStringList{u"ANA"_s});
             QCOMPARE(m->lblcont->text(), u"2 Contactos en la lista"_s);
             m->cmdAdd->click();
             QCOMPARE(m->nCodGrupo, int16_t(-1));
