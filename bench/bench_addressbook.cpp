@@ -106,5 +106,12 @@ int main(int argc, char** argv) {
     t.restart();
     miembros.cmdAdd->click();
     cifra("frmUserGroup store 50,000 memberships", t.elapsed());
+
+    pantalla = new frmAbonados;
+    ui.answers = {Msg::Yes};
+    t.restart();
+    pantalla->cmdDeletetodos->click();
+    cifra("frmAbonados delete all 50,000", t.elapsed());
+    delete pantalla;
     return 0;
 }
