@@ -8,10 +8,10 @@
 #include "app/Transmitter.h"
 #include "app/mdoMain.h"
 #include "composition/Envio.h"
-#include "composition/ListaInforme.h"
 #include "composition/crtAutoComplete.h"
 #include "delivery/Despliegue.h"
 #include "delivery/mdoSendRavion.h"
+#include "widgets/Listado.h"
 
 #include <QAction>
 #include <QApplication>
@@ -152,10 +152,9 @@ void frmEnvio::construir() {
     cmdEliminarTodos = boton(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
     CmdSalir = boton(this, u"CmdSalir"_s, u"&Cerrar"_s);
 
-    ListView1 = new ListaInforme(
+    ListView1 = new Listado(
         u"ListView1"_s,
         {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
-    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
     ListView1->setColumnWidth(0, 2);
     ListView1->setColumnWidth(1, 110);
     ListView1->setColumnWidth(2, 120);
@@ -219,7 +218,7 @@ void frmEnvio::construir() {
     connect(cmdAnadir, &QPushButton::clicked, this, &frmEnvio::cmdAnadir_Click);
     connect(cmdEnviar, &QPushButton::clicked, this, &frmEnvio::cmdEnviar_Click);
     connect(cmdModificar, &QPushButton::clicked, this, &frmEnvio::cmdModificar_Click);
-    connect(ListView1, &QAbstractItemView::doubleClicked, this, &frmEnvio::cmdModificar_Click);
+    connect(ListView1, &Listado::dobleClicFila, this, &frmEnvio::cmdModificar_Click);
     connect(cmdEliminar, &QPushButton::clicked, this, &frmEnvio::cmdEliminar_Click);
     connect(cmdEliminarTodos, &QPushButton::clicked, this, &frmEnvio::cmdEliminarTodos_Click);
     connect(cmdSaldo, &QPushButton::clicked, this, &frmEnvio::cmdSaldo_Click);
@@ -385,19 +384,14 @@ void frmEnvio::msPintarBandeja() {
     }
 }
 
-int frmEnvio::filaElegida() const {
-    const QModelIndexList filas = ListView1->selectionModel()->selectedRows();
-    return filas.isEmpty() ? -1 : filas.first().row();
-}
-
 QString frmEnvio::preguntaFila(const QString& inicio, int fila) const {
-    const ModeloInforme* m = ListView1->modelo();
+    const ModeloListado* m = ListView1->modelo();
     return inicio + u"\nMensaje: "_s + m->texto(fila, 3) + u"\nTerminal: "_s + m->texto(fila, 2) +
            u"\nDe fecha : "_s + m->texto(fila, 1);
 }
 
 void frmEnvio::cmdModificar_Click() {
-    const int fila = filaElegida();
+    const int fila = ListView1->filaActual();
     if (fila < 0) return;
     if (ui().msgBox(preguntaFila(u"Desea modificar el "_s, fila), kPregunta) != Msg::Yes) return;
     const QString id = ListView1->modelo()->texto(fila, 0);
@@ -418,7 +412,7 @@ void frmEnvio::cmdModificar_Click() {
 }
 
 void frmEnvio::cmdEliminar_Click() {
-    const int fila = filaElegida();
+    const int fila = ListView1->filaActual();
     if (fila < 0) return;
     if (ui().msgBox(preguntaFila(u"¿Realmente desea eliminar el "_s, fila), kPregunta) != Msg::Yes)
         return;

@@ -3,7 +3,7 @@
 #include <QWidget>
 #include <cstdint>
 
-class ListaInforme;
+class Listado;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -53,7 +53,6 @@ class frmEnvio : public QWidget {
     void mostrarTransmisor(bool activo);
     void colocarEnMarco(bool activacion);
     int64_t canalElegido() const;
-    int filaElegida() const;
     QString preguntaFila(const QString& inicio, int fila) const;
     void tomarTexto(const QString& texto);
 
@@ -77,7 +76,7 @@ class frmEnvio : public QWidget {
     QPushButton* cmdEliminar = nullptr;
     QPushButton* cmdEliminarTodos = nullptr;
     QPushButton* CmdSalir = nullptr;
-    ListaInforme* ListView1 = nullptr;
+    Listado* ListView1 = nullptr;
     QTimer* Timer1 = nullptr;
 
     int32_t mlMensajes = 0;

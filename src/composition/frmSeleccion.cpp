@@ -1,8 +1,8 @@
 #include "composition/frmSeleccion.h"
 
 #include "app/AppState.h"
-#include "composition/ListaInforme.h"
 #include "composition/Seleccion.h"
+#include "widgets/Listado.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -29,13 +31,11 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     setWindowIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
     setModal(true);
 
-    lstcontactos = new ListaInforme(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
-    lstcontactos->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lstlistas =
-        new ListaInforme(u"lstlistas"_s, {u"Lista"_s, u"Nombre"_s, u"Nº Contactos"_s}, this);
-    lstlistas->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lstdestinos = new ListaInforme(u"lstdestinos"_s, {u"Nombre"_s, u"Número"_s}, this);
-    lstdestinos->setSelectionMode(QAbstractItemView::SingleSelection);
+    lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
+    lstcontactos->setSeleccionMultiple(true);
+    lstlistas = new Listado(u"lstlistas"_s, {u"Lista"_s, u"Nombre"_s, u"Nº Contactos"_s}, this);
+    lstlistas->setSeleccionMultiple(true);
+    lstdestinos = new Listado(u"lstdestinos"_s, {u"Nombre"_s, u"Número"_s}, this);
     txtBuscar = new QLineEdit(this);
     txtBuscar->setObjectName(u"txtBuscar"_s);
 
@@ -87,16 +87,26 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
 
     connect(cmdBuscar, &QPushButton::clicked, this, &frmSeleccion::cmdBuscar_Click);
     connect(txtBuscar, &QLineEdit::textChanged, this, &frmSeleccion::cmdBuscar_Click);
-    connect(Command1, &QPushButton::clicked, this, [this] { moverContactos(false); });
-    connect(cmdTodos, &QPushButton::clicked, this, [this] { moverContactos(true); });
-    connect(Command2, &QPushButton::clicked, this, [this] { anadirListas(false); });
-    connect(cmdTodoslista, &QPushButton::clicked, this, [this] { anadirListas(true); });
-    connect(lstcontactos, &QAbstractItemView::doubleClicked, this,
-            [this](const QModelIndex& i) { moverContacto(i.row()); });
-    connect(lstlistas, &QAbstractItemView::doubleClicked, this,
-            [this](const QModelIndex& i) { anadirLista(i.row()); });
-    connect(lstdestinos, &QAbstractItemView::doubleClicked, this,
-            [this](const QModelIndex& i) { devolverDestino(i.row()); });
+    auto todas = [](const Listado* l) {
+        QList<int> filas;
+        for (int f = 0; f < l->modelo()->rowCount(); ++f) filas.append(f);
+        return filas;
+    };
+    connect(Command1, &QPushButton::clicked, this,
+            [this] { moverContactos(lstcontactos->filasSeleccionadas()); });
+    connect(cmdTodos, &QPushButton::clicked, this,
+            [this, todas] { moverContactos(todas(lstcontactos)); });
+    connect(Command2, &QPushButton::clicked, this,
+            [this] { anadirListas(lstlistas->filasSeleccionadas()); });
+    connect(cmdTodoslista, &QPushButton::clicked, this,
+            [this, todas] { anadirListas(todas(lstlistas)); });
+    connect(lstcontactos, &Listado::dobleClicFila, this, [this](int fila) {
+        if (!lstcontactos->modelo()->texto(fila, 0).isEmpty()) moverContactos({fila});
+    });
+    connect(lstlistas, &Listado::dobleClicFila, this, [this](int fila) {
+        if (!lstlistas->modelo()->texto(fila, 0).isEmpty()) anadirListas({fila});
+    });
+    connect(lstdestinos, &Listado::dobleClicFila, this, &frmSeleccion::devolverDestino);
     connect(cmdVaciarLista, &QPushButton::clicked, this, &frmSeleccion::cmdVaciarLista_Click);
     connect(cmdAdd, &QPushButton::clicked, this, &frmSeleccion::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
@@ -110,52 +120,32 @@ void frmSeleccion::msCargarListados() {
     if (leerListasSeleccion(&celdas)) lstlistas->modelo()->asignar(std::move(celdas));
 }
 
-void frmSeleccion::moverContacto(int fila) {
-    ModeloInforme* m = lstcontactos->modelo();
-    if (fila < 0 || fila >= m->rowCount() || m->texto(fila, 0).isEmpty()) return;
-    lstdestinos->modelo()->anadirFila(m->fila(fila));
-    m->quitarFila(fila);
+// Lines are visited from the last to the first, as the user's list shows
+// them: that order reaches the chosen list, and has no bearing on the result.
+void frmSeleccion::moverContactos(QList<int> filas) {
+    ModeloListado* m = lstcontactos->modelo();
+    std::sort(filas.begin(), filas.end(), std::greater<int>());
+    QList<QStringList> lineas;
+    for (int f : filas) lineas.append(m->fila(f));
+    lstdestinos->modelo()->anadirFilas(lineas);
+    m->quitarFilas(filas);
 }
 
-void frmSeleccion::moverContactos(bool todos) {
-    ModeloInforme* m = lstcontactos->modelo();
-    QList<int> filas;
-    if (todos) {
-        for (int f = m->rowCount() - 1; f >= 0; --f) filas.append(f);
-    } else {
-        filas = lstcontactos->filasSeleccionadas();
-    }
-    // From the last line up, so the lines still to visit keep their place.
-    for (int f : filas) {
-        lstdestinos->modelo()->anadirFila(m->fila(f));
-        m->quitarFila(f);
-    }
-}
-
-void frmSeleccion::anadirLista(int fila) {
-    const ModeloInforme* m = lstlistas->modelo();
-    if (fila < 0 || fila >= m->rowCount() || m->texto(fila, 0).isEmpty()) return;
-    lstdestinos->modelo()->anadirFila({m->texto(fila, 1), detalleLista(m->texto(fila, 2))});
-}
-
-void frmSeleccion::anadirListas(bool todos) {
-    const ModeloInforme* m = lstlistas->modelo();
-    QList<int> filas;
-    if (todos) {
-        for (int f = m->rowCount() - 1; f >= 0; --f) filas.append(f);
-    } else {
-        filas = lstlistas->filasSeleccionadas();
-    }
-    for (int f : filas)
-        lstdestinos->modelo()->anadirFila({m->texto(f, 1), detalleLista(m->texto(f, 2))});
+// A list stays where it is and can be added again.
+void frmSeleccion::anadirListas(QList<int> filas) {
+    const ModeloListado* m = lstlistas->modelo();
+    std::sort(filas.begin(), filas.end(), std::greater<int>());
+    QList<QStringList> lineas;
+    for (int f : filas) lineas.append({m->texto(f, 1), detalleLista(m->texto(f, 2))});
+    lstdestinos->modelo()->anadirFilas(lineas);
 }
 
 void frmSeleccion::devolverDestino(int fila) {
-    ModeloInforme* m = lstdestinos->modelo();
-    if (fila < 0 || fila >= m->rowCount() || m->texto(fila, 0).isEmpty()) return;
+    ModeloListado* m = lstdestinos->modelo();
+    if (m->texto(fila, 0).isEmpty()) return;
     // A list never left its own list; a contact goes back to the end.
     if (!m->texto(fila, 1).contains(u"Lista"_s)) lstcontactos->modelo()->anadirFila(m->fila(fila));
-    m->quitarFila(fila);
+    m->quitarFilas({fila});
 }
 
 void frmSeleccion::cmdVaciarLista_Click() {
@@ -164,10 +154,12 @@ void frmSeleccion::cmdVaciarLista_Click() {
 }
 
 void frmSeleccion::cmdBuscar_Click() {
-    const int fila = buscarContacto(lstcontactos->modelo()->textos(), txtBuscar->text());
+    const ModeloListado* m = lstcontactos->modelo();
+    QStringList nombres;
+    for (int f = 0; f < m->rowCount(); ++f) nombres.append(m->texto(f, 0));
+    const int fila = buscarContacto(nombres, txtBuscar->text());
     if (fila < 0) {
-        if (lstcontactos->modelo()->rowCount() > 0)
-            ui().msgBox(u"Usuario inexistente"_s, Msg::Information);
+        if (m->rowCount() > 0) ui().msgBox(u"Usuario inexistente"_s, Msg::Information);
         return;
     }
     lstcontactos->clearSelection();
@@ -176,7 +168,7 @@ void frmSeleccion::cmdBuscar_Click() {
 }
 
 void frmSeleccion::cmdAdd_Click() {
-    const ModeloInforme* m = lstdestinos->modelo();
+    const ModeloListado* m = lstdestinos->modelo();
     QVector<DestinoElegido> destinos;
     for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
     appState().gsDestinos = destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);

@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-class ListaInforme;
+class Listado;
 class QLineEdit;
 class QPushButton;
 
@@ -15,17 +15,15 @@ class frmSeleccion : public QDialog {
 
   private:
     void msCargarListados();
-    void moverContactos(bool todos);
-    void anadirListas(bool todos);
-    void moverContacto(int fila);
-    void anadirLista(int fila);
+    void moverContactos(QList<int> filas);
+    void anadirListas(QList<int> filas);
     void devolverDestino(int fila);
     void cmdVaciarLista_Click();
     void cmdBuscar_Click();
     void cmdAdd_Click();
 
-    ListaInforme* lstcontactos;
-    ListaInforme* lstlistas;
-    ListaInforme* lstdestinos;
+    Listado* lstcontactos;
+    Listado* lstlistas;
+    Listado* lstdestinos;
     QLineEdit* txtBuscar;
 };

@@ -5,8 +5,8 @@
 #include "app/AppState.h"
 #include "app/Pantallas.h"
 #include "app/Settings.h"
-#include "composition/ModeloInforme.h"
 #include "composition/frmEnvio.h"
+#include "widgets/ModeloListado.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -57,7 +57,7 @@ class TestEnvio : public QObject {
         QVERIFY(QMetaObject::invokeMethod(f.findChild<QTimer*>(u"Timer1"_s), "timeout"));
     }
     static QString lista(frmEnvio& f, int fila, int col) {
-        auto* m = static_cast<ModeloInforme*>(w<QTreeView>(f, u"ListView1"_s)->model());
+        auto* m = static_cast<ModeloListado*>(w<QTreeView>(f, u"ListView1"_s)->model());
         return m->texto(fila, col);
     }
 

@@ -2,9 +2,9 @@
 // destinations text, and the moves and search of its screen.
 #include "TestSupportGui.h"
 #include "app/AppState.h"
-#include "composition/ModeloInforme.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
+#include "widgets/ModeloListado.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -24,6 +24,11 @@ DestinoElegido lista(const QString& nombre) {
 DestinoElegido contacto(const QString& alias) {
     return {alias, u"0034600"_s};
 }
+QStringList nombres(const ModeloListado* m) {
+    QStringList r;
+    for (int f = 0; f < m->rowCount(); ++f) r.append(m->texto(f, 0));
+    return r;
+}
 }  // namespace
 
 class TestSeleccion : public QObject {
@@ -34,8 +39,8 @@ class TestSeleccion : public QObject {
   private:
     TestWorld& world;
 
-    static ModeloInforme* modelo(QWidget& f, const QString& nombre) {
-        return static_cast<ModeloInforme*>(f.findChild<QTreeView*>(nombre)->model());
+    static ModeloListado* modelo(QWidget& f, const QString& nombre) {
+        return static_cast<ModeloListado*>(f.findChild<QTreeView*>(nombre)->model());
     }
 
   private Q_SLOTS:
@@ -99,10 +104,10 @@ class TestSeleccion : public QObject {
     void screenMovesSearchesAndAccepts() {
         ScriptedInterface ui;
         frmSeleccion f;
-        ModeloInforme* contactos = modelo(f, u"lstcontactos"_s);
-        ModeloInforme* listas = modelo(f, u"lstlistas"_s);
-        ModeloInforme* destinos = modelo(f, u"lstdestinos"_s);
-        QCOMPARE(contactos->textos(), (QStringList{u"ana"_s, u"bea"_s, u"carla"_s, u"dani"_s}));
+        ModeloListado* contactos = modelo(f, u"lstcontactos"_s);
+        ModeloListado* listas = modelo(f, u"lstlistas"_s);
+        ModeloListado* destinos = modelo(f, u"lstdestinos"_s);
+        QCOMPARE(nombres(contactos), (QStringList{u"ana"_s, u"bea"_s, u"carla"_s, u"dani"_s}));
         QCOMPARE(listas->fila(1), (QStringList{u"001"_s, u"trabajo"_s, u"2"_s}));
 
         auto* buscar = f.findChild<QLineEdit*>(u"txtBuscar"_s);
@@ -124,7 +129,7 @@ class TestSeleccion : public QObject {
         QCOMPARE(listas->rowCount(), 3);
         // A contact taken back goes to the end of the contacts.
         Q_EMIT f.findChild<QTreeView*>(u"lstdestinos"_s)->doubleClicked(destinos->index(0, 0));
-        QCOMPARE(contactos->textos().last(), u"dani"_s);
+        QCOMPARE(nombres(contactos).last(), u"dani"_s);
         f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
         QCOMPARE(contactos->rowCount(), 0);
         f.findChild<QPushButton*>(u"cmdAdd"_s)->click();
