@@ -6,10 +6,10 @@
 #include "app/Pantallas.h"
 #include "app/Settings.h"
 #include "app/Transmitter.h"
+#include "app/mdiMain.h"
 #include "app/mdoMain.h"
 #include "composition/Envio.h"
 #include "composition/crtAutoComplete.h"
-#include "delivery/Despliegue.h"
 #include "delivery/mdoSendRavion.h"
 #include "widgets/Listado.h"
 
@@ -29,7 +29,6 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QTimer>
-#include <QUrl>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -37,6 +36,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
+
+// The frame; null when the screen stands alone (tests).
+mdiMain* marco() {
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* m = qobject_cast<mdiMain*>(w)) return m;
+    return nullptr;
+}
 
 // An entry of the frame's menus by key; null when no frame is up.
 QAction* accionMarco(const QString& clave) {
@@ -222,7 +228,7 @@ void frmEnvio::construir() {
     connect(cmdEliminar, &QPushButton::clicked, this, &frmEnvio::cmdEliminar_Click);
     connect(cmdEliminarTodos, &QPushButton::clicked, this, &frmEnvio::cmdEliminarTodos_Click);
     connect(cmdSaldo, &QPushButton::clicked, this, &frmEnvio::cmdSaldo_Click);
-    connect(cmdRecarga, &QPushButton::clicked, this, &frmEnvio::msRecarga);
+    connect(cmdRecarga, &QPushButton::clicked, this, &frmEnvio::cmdRecarga_Click);
     connect(cmdMenPro, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmSelecMenPro"_s); });
     connect(cmdEnvMult, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmEmergencias"_s); });
     connect(CmdSalir, &QPushButton::clicked, this, &QWidget::close);
@@ -235,7 +241,10 @@ bool frmEnvio::msCargarCanales() {
     try {
         const QueryResult r = appState().Conexion.query(u"Select * From Canales "_s);
         if (r.isEmpty()) {
-            ui().showFirstRunSetup();
+            if (mdiMain* m = marco())
+                m->msPrimeraVez();
+            else
+                ui().showFirstRunSetup();
         } else {
             // The selection survives the rebuilding.
             if (ImageCombo1->count() > 0 && ImageCombo1->currentIndex() >= 0)
@@ -475,27 +484,8 @@ void frmEnvio::cmdSaldo_Click() {
     }
 }
 
-void frmEnvio::msRecarga() {
-    try {
-        const QueryResult r =
-            appState().Conexion.query(u"select * from canales where Principal=1"_s);
-        if (r.isEmpty()) {
-            ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
-            return;
-        }
-        QString web = Despliegue::webSegura();
-        while (web.endsWith(u'/')) web.chop(1);
-        const QString usuario = textoDe(r.value(0, u"usuario"_s));
-        msAbrirUrl(web + u"/informacion/recarga_sms.php?u="_s +
-                   QString::fromLatin1(QUrl::toPercentEncoding(usuario)));
-    } catch (const QuelmoError& e) {
-        if (e.number() != ErrNum::ItemNotFound) return;
-        ui().msgBox(
-            u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de "
-            u"Datos correcta de Quelmo Mensajes"_s,
-            Msg::Critical);
-        ui().showSelectDatabase();
-    }
+void frmEnvio::cmdRecarga_Click() {
+    if (mdiMain* m = marco()) m->msRecarga();
 }
 
 // ---- the transmitter switch and the refresh -------------------------------

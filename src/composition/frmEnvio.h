@@ -43,7 +43,7 @@ class frmEnvio : public QWidget {
     void cmdEliminar_Click();
     void cmdEliminarTodos_Click();
     void cmdSaldo_Click();
-    void msRecarga();
+    void cmdRecarga_Click();
     void imgmt_DblClick();
     void Timer1_Timer();
     void msAbrirBandeja();

@@ -1,6 +1,6 @@
-// End to end: a text typed to a contact and to a number, "Enviar Todo"
-// with the platform simulator running, and the result in the history and
-// in the account combo.
+// End to end against the platform simulator: the balance button's three
+// outcomes, and a text typed to a contact and to a number sent with
+// "Enviar Todo", found in the history with the balance renewed.
 #include "../delivery/SimuladorPrueba.h"
 #include "TestSupportGui.h"
 #include "app/AppState.h"
@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -24,24 +25,69 @@ class TestExtremo : public QObject {
 
   private:
     TestWorld& world;
+    std::unique_ptr<SimuladorPrueba> sim;
 
-  private Q_SLOTS:
-    void composeAndSendEverything() {
+    // A fresh database with one account at the running simulator.
+    bool preparar(const QString& clave = u"demo"_s) {
         if (!QFileInfo::exists(QCoreApplication::applicationDirPath() + u"/sms-platform-sim"_s))
-            QSKIP("the platform simulator (sms-platform-sim) is not built");
+            return false;
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/extremo.db"_s));
-        SimuladorPrueba sim(world.root(),
-                            u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\n"
-                            u"clave=demo\nsaldo=100\nmovil=0034600123456\n"_s);
-        QVERIFY(sim.listo());
-        ScriptedInterface ui;
-        Database& db = appState().Conexion;
-        db.exec(
+        sim = std::make_unique<SimuladorPrueba>(
+            world.root(),
+            u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\nclave=demo\n"
+            u"saldo=100\nmovil=0034600123456\n"_s);
+        appState().Conexion.exec(
             u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
             u"Principal,Remitente,remopc,imptextos) VALUES (1,'Cuenta_1',160,80,?,'demo',?,0,1,"
             u"'',0,0)"_s,
-            {sim.host(), msCifrarClave(u"demo"_s, true)});
+            {sim->host(), msCifrarClave(clave, true)});
+        return true;
+    }
+    static QString cuenta(frmEnvio& f) {
+        return f.findChild<QComboBox*>(u"ImageCombo1"_s)->currentText();
+    }
+
+  private Q_SLOTS:
+    void cleanup() { sim.reset(); }
+
+    void balanceButton_data() {
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("parado");
+        QTest::addColumn<QString>("caja");
+        QTest::addColumn<QString>("combo");
+        QTest::newRow("balance renewed")
+            << u"demo"_s << false << QString() << u"Cuenta_1   (100 Créditos)"_s;
+        QTest::newRow("refused") << u"otra"_s << false
+                                 << u"Autentificación Denegada, Revise Usuario y Contraseña y "
+                                    u"que su Cuenta esté ACTIVA."_s
+                                 << u"Cuenta_1   (0 Créditos)"_s;
+        QTest::newRow("no connection") << u"demo"_s << true
+                                       << u"Error de conexión. Imposible conectar con Quelmo "
+                                          u"Mensajes, revise su conexión a Internet."_s
+                                       << u"Cuenta_1   (0 Créditos)"_s;
+    }
+    void balanceButton() {
+        QFETCH(QString, clave);
+        QFETCH(bool, parado);
+        QFETCH(QString, caja);
+        QFETCH(QString, combo);
+        if (!preparar(clave)) QSKIP("the platform simulator (sms-platform-sim) is not built");
+        QVERIFY(sim->listo());
+        ScriptedInterface ui;
+        if (parado) sim->detener();
+        frmEnvio f;
+        f.findChild<QPushButton*>(u"cmdSaldo"_s)->click();
+        QCOMPARE(ui.boxes.isEmpty() ? QString() : ui.boxes.first().text, caja);
+        if (!caja.isEmpty()) QCOMPARE(ui.boxes.first().style, Msg::Critical);
+        QVERIFY2(cuenta(f).startsWith(combo), qPrintable(cuenta(f)));
+    }
+
+    void composeAndSendEverything() {
+        if (!preparar()) QSKIP("the platform simulator (sms-platform-sim) is not built");
+        QVERIFY(sim->listo());
+        ScriptedInterface ui;
+        Database& db = appState().Conexion;
         db.exec(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1)"_s);
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Transmitter tx;
@@ -60,12 +106,9 @@ class TestExtremo : public QObject {
         QCOMPARE(h.value(0, 0).toString(), u"0034600000001"_s);
         QCOMPARE(h.value(1, 0).toString(), u"0034600123456"_s);
         QCOMPARE(db.query(u"select count(*) from envios"_s).value(0, 0).toInt(), 0);
-        QCOMPARE(sim.registro().size(), 2);
+        QCOMPARE(sim->registro().size(), 2);
         // The balance the platform reported after the batch.
-        QVERIFY2(f.findChild<QComboBox*>(u"ImageCombo1"_s)
-                     ->currentText()
-                     .startsWith(u"Cuenta_1   (98 Créditos)"_s),
-                 qPrintable(f.findChild<QComboBox*>(u"ImageCombo1"_s)->currentText()));
+        QVERIFY2(cuenta(f).startsWith(u"Cuenta_1   (98 Créditos)"_s), qPrintable(cuenta(f)));
     }
 };
 
