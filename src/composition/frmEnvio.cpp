@@ -11,6 +11,7 @@
 #include "composition/Envio.h"
 #include "composition/crtAutoComplete.h"
 #include "delivery/mdoSendRavion.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QAction>
@@ -70,14 +71,6 @@ QPixmap luz(const QColor& color) {
     pintor.setPen(QPen(Qt::darkGray, 1));
     pintor.drawEllipse(2, 2, 20, 20);
     return p;
-}
-
-QPushButton* boton(QWidget* padre, const QString& nombre, const QString& texto,
-                   const QString& ayuda = QString()) {
-    auto* b = new QPushButton(texto, padre);
-    b->setObjectName(nombre);
-    if (!ayuda.isEmpty()) b->setToolTip(ayuda);
-    return b;
 }
 
 QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
@@ -142,21 +135,22 @@ void frmEnvio::construir() {
     lblmas->hide();
     lblcont = etiqueta(this, u"lblcont"_s, QString());
 
-    cmdAbonados = boton(this, u"cmdAbonados"_s, u"&Para ..."_s);
-    cmdMenPro =
-        boton(this, u"cmdMenPro"_s, u"Mensaje Predefinido"_s, u"Añadir Mensaje Predefinido"_s);
-    cmdAnadir = boton(this, u"cmdAñadir"_s, u"&Enviar Mensaje"_s,
-                      u"Agrega el Mensaje a la Bandeja de Salida"_s);
-    cmdEnvMult = boton(this, u"cmdEnvMult"_s, u"Mensaje Programado"_s,
-                       u"Añadir Mensaje Programado para envío inmediato"_s);
-    cmdSaldo = boton(this, u"cmdSaldo"_s, u"Ver Saldo"_s, u"Consultar Saldo de Cuenta"_s);
-    cmdRecarga = boton(this, u"cmdRecarga"_s, u"Recarga"_s, u"Ir a página de Recarga de Saldo"_s);
-    cmdEnviar = boton(this, u"cmdEnviar"_s, u"Enviar &Todo"_s,
-                      u"Envia de inmediato todos los Mensajes de la Bandeja de Salida"_s);
-    cmdModificar = boton(this, u"cmdModificar"_s, u"Mo&dificar  mensaje"_s);
-    cmdEliminar = boton(this, u"cmdEliminar"_s, u"Elimi&nar   mensaje"_s);
-    cmdEliminarTodos = boton(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
-    CmdSalir = boton(this, u"CmdSalir"_s, u"&Cerrar"_s);
+    cmdAbonados = botonConNombre(this, u"cmdAbonados"_s, u"&Para ..."_s);
+    cmdMenPro = botonConNombre(this, u"cmdMenPro"_s, u"Mensaje Predefinido"_s,
+                               u"Añadir Mensaje Predefinido"_s);
+    cmdAnadir = botonConNombre(this, u"cmdAñadir"_s, u"&Enviar Mensaje"_s,
+                               u"Agrega el Mensaje a la Bandeja de Salida"_s);
+    cmdEnvMult = botonConNombre(this, u"cmdEnvMult"_s, u"Mensaje Programado"_s,
+                                u"Añadir Mensaje Programado para envío inmediato"_s);
+    cmdSaldo = botonConNombre(this, u"cmdSaldo"_s, u"Ver Saldo"_s, u"Consultar Saldo de Cuenta"_s);
+    cmdRecarga =
+        botonConNombre(this, u"cmdRecarga"_s, u"Recarga"_s, u"Ir a página de Recarga de Saldo"_s);
+    cmdEnviar = botonConNombre(this, u"cmdEnviar"_s, u"Enviar &Todo"_s,
+                               u"Envia de inmediato todos los Mensajes de la Bandeja de Salida"_s);
+    cmdModificar = botonConNombre(this, u"cmdModificar"_s, u"Mo&dificar  mensaje"_s);
+    cmdEliminar = botonConNombre(this, u"cmdEliminar"_s, u"Elimi&nar   mensaje"_s);
+    cmdEliminarTodos = botonConNombre(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
+    CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
 
     ListView1 = new Listado(
         u"ListView1"_s,

@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "composition/Seleccion.h"
+#include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
 #include <QGridLayout>
@@ -15,15 +16,6 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-QPushButton* boton(QWidget* padre, const QString& nombre, const QString& texto) {
-    auto* b = new QPushButton(texto, padre);
-    b->setObjectName(nombre);
-    b->setAutoDefault(false);
-    return b;
-}
-}  // namespace
 
 frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmSeleccion"_s);
@@ -39,15 +31,17 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     txtBuscar = new QLineEdit(this);
     txtBuscar->setObjectName(u"txtBuscar"_s);
 
-    auto* cmdBuscar = boton(this, u"cmdBuscar"_s, u"&Buscar"_s);
-    auto* Command1 = boton(this, u"Command1"_s, u"Para >"_s);
-    auto* cmdTodos = boton(this, u"cmdTodos"_s, u"Todos >>"_s);
-    auto* Command2 = boton(this, u"Command2"_s, u"Para >"_s);
-    auto* cmdTodoslista = boton(this, u"cmdTodoslista"_s, u"Todos >>"_s);
-    auto* cmdVaciarLista = boton(this, u"cmdVaciarLista"_s, u"<<<<"_s);
+    auto* cmdBuscar = botonConNombre(this, u"cmdBuscar"_s, u"&Buscar"_s);
+    auto* Command1 = botonConNombre(this, u"Command1"_s, u"Para >"_s);
+    auto* cmdTodos = botonConNombre(this, u"cmdTodos"_s, u"Todos >>"_s);
+    auto* Command2 = botonConNombre(this, u"Command2"_s, u"Para >"_s);
+    auto* cmdTodoslista = botonConNombre(this, u"cmdTodoslista"_s, u"Todos >>"_s);
+    auto* cmdVaciarLista = botonConNombre(this, u"cmdVaciarLista"_s, u"<<<<"_s);
     cmdVaciarLista->setToolTip(u"Vaciar Lista"_s);
-    auto* cmdAdd = boton(this, u"cmdAdd"_s, u"&Aceptar"_s);
-    auto* cmdClose = boton(this, u"cmdClose"_s, u"&Cancelar"_s);
+    // Enter in the search field searches; it presses no button.
+    for (QPushButton* b : findChildren<QPushButton*>()) b->setAutoDefault(false);
+    auto* cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
+    auto* cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
 
     auto* izquierda = new QVBoxLayout();
     izquierda->addWidget(new QLabel(u"Buscar Contactos"_s, this));
