@@ -36,7 +36,7 @@ bool esClaveRepetida() {
 
 QString motivoNumeroContacto(const QString& numero) {
     if (!esNumerico(numero)) return u"El valor del número de Móvil debe ser numérico"_s;
-    // IsNumeric lets a leading "+" through; the stored form wants "00".
+    // The numeric test lets a leading "+" through; the stored form wants "00".
     if (!numero.startsWith(u"00"_s)) return u"( Código internacional inexistente o mal formado )"_s;
     if (numero.size() < 11) return u"( La longitud del Número de Móvil no es adecuada )"_s;
     return {};
