@@ -6,6 +6,7 @@
 #include "app/Settings.h"
 #include "app/frmOpciones.h"
 #include "app/mdoMain.h"
+#include "composition/frmEnvio.h"
 #include "db/mdoDB.h"
 
 #include <QDesktopServices>
@@ -101,24 +102,12 @@ void GuiInterface::showFirstRunSetup() {
     Pantallas::abrir(u"frmTipoRegistro"_s);
 }
 
-namespace {
-std::function<void()>& recargarCuentas() {
-    static std::function<void()> f;
-    return f;
-}
-}  // namespace
-
-void GuiInterface::setRecargarCuentas(std::function<void()> recargar) {
-    recargarCuentas() = std::move(recargar);
-}
-
 bool GuiInterface::composeScreenActive() {
-    const QWidget* activa = ChildScreens::activeScreen();
-    return activa && (activa->objectName() == u"frmEnvio"_s || activa->inherits("frmEnvio"));
+    return qobject_cast<frmEnvio*>(ChildScreens::activeScreen()) != nullptr;
 }
 
 void GuiInterface::refreshComposeAccounts() {
-    if (recargarCuentas()) recargarCuentas()();
+    if (ChildScreens::isLoaded<frmEnvio>()) ChildScreens::instance<frmEnvio>()->msCargarCanales();
 }
 
 void GuiInterface::openUrl(const QString& target) {

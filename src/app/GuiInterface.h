@@ -2,8 +2,6 @@
 
 #include "app/UserInterface.h"
 
-#include <functional>
-
 class QWidget;
 
 // The user interface of the desktop: message boxes, the password prompt,
@@ -25,10 +23,6 @@ class GuiInterface : public UserInterface {
     bool composeScreenActive() override;
     void refreshComposeAccounts() override;
     [[noreturn]] void terminateWithoutDatabase() override;
-
-    // The compose screen sets this while it is loaded (its account reload)
-    // and clears it when it goes.
-    static void setRecargarCuentas(std::function<void()> recargar);
 
   private:
     QWidget* m_owner;

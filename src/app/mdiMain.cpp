@@ -10,6 +10,7 @@
 #include "app/frmOpciones.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
+#include "composition/frmEnvio.h"
 #include "delivery/Despliegue.h"
 #include "delivery/mdoSendRavion.h"
 #include "import/mdoImport.h"
@@ -324,18 +325,15 @@ void mdiMain::mostrarEstadoTransmisor(bool activo) {
 
 void mdiMain::msActivarTransmisor() {
     const bool activo = m_keyTX->isChecked();
-    // 1. The compose screen's status line follows the switch.
-    if (QWidget* envio = ChildScreens::activeScreen();
-        envio && (envio->objectName() == u"frmEnvio"_s || envio->inherits("frmEnvio"))) {
+    // 1. The compose screen's status line follows the switch at once (its
+    // own refresh brings the rest of it in line).
+    if (auto* envio = qobject_cast<frmEnvio*>(ChildScreens::activeScreen())) {
         if (auto* lmt = envio->findChild<QLabel*>(u"lmt"_s)) {
             lmt->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS Desactivado"_s);
             QPalette pal = lmt->palette();
             pal.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
             lmt->setPalette(pal);
         }
-        if (auto* imgmt = envio->findChild<QLabel*>(u"imgmt"_s))
-            imgmt->setPixmap(iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s)
-                                 .pixmap(imgmt->size().boundedTo(QSize(32, 32))));
     }
     // 2-3.
     Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
