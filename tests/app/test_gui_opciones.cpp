@@ -1,0 +1,240 @@
+// The options screen and the password prompt: the checks with their words,
+// what is stored, and that a saved change takes effect without a restart.
+#include "TestSupportGui.h"
+#include "app/AppState.h"
+#include "app/ChildScreens.h"
+#include "app/Settings.h"
+#include "app/Startup.h"
+#include "app/Transmitter.h"
+#include "app/frmOpciones.h"
+#include "app/frmweb.h"
+#include "app/mdoMain.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+class TestGuiOpciones : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestGuiOpciones(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+    template <class T = QLineEdit>
+    static T* campo(QWidget* w, const QString& nombre) {
+        T* c = w->findChild<T*>(nombre);
+        if (!c) qFatal("no widget %s", qPrintable(nombre));
+        return c;
+    }
+
+    static QVariant opcion(const QString& columna) {
+        return appState().Conexion.query(u"select "_s + columna + u" from opciones"_s).value(0, 0);
+    }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/opc.db"_s));
+    }
+
+    void checksAndWhatIsStored_data() {
+        QTest::addColumn<QString>("lote");
+        QTest::addColumn<QString>("intervalo");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<QString>("confirmacion");
+        QTest::addColumn<QString>("aviso");  // empty: stored
+        const QString lote = u"Valor no válido para Nº máximo de mensajes por Lote"_s;
+        const QString rango = lote + u"\nDebe se un número entre 1 y 500."_s;
+        const QString tiempo =
+            u"Valor no válido para intervalo de envío de mensajes en Bandeja de Salida"_s;
+        const QString longitud = u"La longitud mínima para la contraseña es de 4 caracteres."_s;
+        QTest::newRow("batch 0") << u"0"_s << u"60"_s << u""_s << u""_s << rango;
+        QTest::newRow("batch 501") << u"501"_s << u"60"_s << u""_s << u""_s << rango;
+        QTest::newRow("batch text") << u"diez"_s << u"60"_s << u""_s << u""_s << lote;
+        QTest::newRow("batch 1") << u"1"_s << u"60"_s << u""_s << u""_s << QString();
+        QTest::newRow("batch 500") << u"500"_s << u"60"_s << u""_s << u""_s << QString();
+        QTest::newRow("interval 14") << u"50"_s << u"14"_s << u""_s << u""_s
+                                     << tiempo + u"\nEl tiempo mínimo es de 15 Segundos."_s;
+        QTest::newRow("interval empty") << u"50"_s << u""_s << u""_s << u""_s << tiempo;
+        QTest::newRow("interval 15") << u"50"_s << u"15"_s << u""_s << u""_s << QString();
+        QTest::newRow("interval 15.5 as typed")
+            << u"50"_s << u"15.5"_s << u""_s << u""_s << QString();
+        QTest::newRow("interval 120") << u"50"_s << u"120"_s << u""_s << u""_s << QString();
+        QTest::newRow("password 3") << u"50"_s << u"60"_s << u"abc"_s << u"abc"_s << longitud;
+        QTest::newRow("password 4") << u"50"_s << u"60"_s << u"abcd"_s << u"abcd"_s << QString();
+        QTest::newRow("confirmation differs")
+            << u"50"_s << u"60"_s << u"abcd"_s << u"abcD"_s
+            << u"Contraseña y confirmación de contraseña no son iguales"_s;
+        QTest::newRow("confirmation alone")
+            << u"50"_s << u"60"_s << u""_s << u"abcd"_s << QString();
+        QTest::newRow("the no-password word")
+            << u"50"_s << u"60"_s << u"sinclavedeentrada"_s << u"sinclavedeentrada"_s << QString();
+    }
+    void checksAndWhatIsStored() {
+        QFETCH(QString, lote);
+        QFETCH(QString, intervalo);
+        QFETCH(QString, clave);
+        QFETCH(QString, confirmacion);
+        QFETCH(QString, aviso);
+        ScriptedInterface ui;
+        Transmitter transmisor;
+        transmisor.armarTemporizador();
+        appState().gsClaveAcceso = u"previa"_s;
+        frmOpciones pantalla;
+        pantalla.show();
+        campo(&pantalla, u"txtmaxlote"_s)->setText(lote);
+        campo(&pantalla, u"txttimer"_s)->setText(intervalo);
+        campo(&pantalla, u"txtpwdcontactos"_s)->setText(clave);
+        campo(&pantalla, u"txtpwdcontactos2"_s)->setText(confirmacion);
+        campo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->setChecked(true);
+        QTest::mouseClick(campo<QPushButton>(&pantalla, u"cmdAñadir"_s), Qt::LeftButton);
+
+        QCOMPARE(ui.boxes.size(), 1);
+        if (!aviso.isEmpty()) {
+            // Refused: the screen stays, nothing changed.
+            QCOMPARE(ui.boxes[0].text, aviso);
+            QCOMPARE(ui.boxes[0].style, 48);
+            QVERIFY(pantalla.isVisible());
+            QCOMPARE(opcion(u"maxlote"_s).toInt(), 50);
+            QCOMPARE(opcion(u"solocontactos"_s).toInt(), 0);
+            QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), u"60"_s);
+            QCOMPARE(appState().gsClaveAcceso, u"previa"_s);
+            return;
+        }
+        QCOMPARE(ui.boxes[0].text,
+                 u"Datos de Opciones  guardados correctamente.\n\nTiempo de "
+                 u"envío de mensajes en bandeja de Salida establecido en "_s +
+                     intervalo + u" Seg.\n\n"_s);
+        QCOMPARE(ui.boxes[0].style, 64);
+        QVERIFY(!pantalla.isVisible());
+        QCOMPARE(opcion(u"maxlote"_s).toString(), lote);
+        QCOMPARE(opcion(u"solocontactos"_s).toInt(), 1);
+        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), intervalo);
+        // The new interval runs from now on.
+        QVERIFY(transmisor.Timer1().isActive());
+        QCOMPARE(transmisor.Timer1().interval(), qRound(intervalo.toDouble()) * 1000);
+        // The password holds at once, and the same way after a restart.
+        const bool conClave = !clave.isEmpty() && clave != u"sinclavedeentrada"_s;
+        for (int arranque = 0; arranque < 2; ++arranque) {
+            ui.passwordPrompts = 0;
+            ui.passwords = {clave};
+            QVERIFY(msComprobarAcceso());
+            QCOMPARE(ui.passwordPrompts, conClave ? 1 : 0);
+            cargarClaveAcceso();
+        }
+    }
+
+    void loadShowsWhatIsStored_data() {
+        QTest::addColumn<QString>("clave");  // as stored, before encoding; null: never saved
+        QTest::addColumn<QString>("intervalo");
+        QTest::addColumn<QString>("enCajas");
+        QTest::addColumn<QString>("intervaloVisto");
+        QTest::newRow("password") << u"abcd"_s << u"30"_s << u"abcd"_s << u"30"_s;
+        QTest::newRow("no password") << u"sinclavedeentrada"_s << u"15"_s << u""_s << u"15"_s;
+        QTest::newRow("never saved") << QString() << u"14"_s << u""_s << u"60"_s;
+        QTest::newRow("interval not a number") << QString() << u"rápido"_s << u""_s << u"60"_s;
+    }
+    void loadShowsWhatIsStored() {
+        QFETCH(QString, clave);
+        QFETCH(QString, intervalo);
+        QFETCH(QString, enCajas);
+        QFETCH(QString, intervaloVisto);
+        ScriptedInterface ui;
+        if (!clave.isNull()) Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
+        Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
+        appState().Conexion.exec(
+            u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
+        frmOpciones pantalla;
+        for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
+            QCOMPARE(campo(&pantalla, caja)->text(), enCajas);
+            QCOMPARE(campo(&pantalla, caja)->echoMode(), QLineEdit::Password);
+        }
+        QCOMPARE(campo(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
+        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
+        QCOMPARE(campo(&pantalla, u"txtmaxlote"_s)->text(), u"120"_s);
+        QCOMPARE(campo(&pantalla, u"txtimgfondo"_s)->text(), u"/x/y.jpg"_s);
+        QVERIFY(campo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->isChecked());
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void loadWithoutDatabaseSendsToTheSelection() {
+        ScriptedInterface ui;
+        appState().Conexion.close();
+        frmOpciones pantalla;
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes[0].text,
+                 u"La Base de Datos Seleccionada no es válida\nPor favor "
+                 u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s);
+        QCOMPARE(ui.boxes[0].style, 16);
+        QCOMPARE(ui.selectDatabaseShown, 1);
+    }
+
+    void pictureChosenShowsAtOnce() {
+        ScriptedInterface ui;
+        frmweb panel;
+        ChildScreens::setArea(&panel);
+        QVERIFY(!panel.fondoPropio());
+        // A path with an apostrophe is stored as it is.
+        const QString ruta = world.root() + u"/o'neill.png"_s;
+        QImage(40, 30, QImage::Format_RGB32).save(ruta);
+
+        frmOpciones pantalla;
+        auto* txtimgfondo = campo(&pantalla, u"txtimgfondo"_s);
+        auto* examinar = campo<QPushButton>(&pantalla, u"cmdexaminar"_s);
+        ui.fileNames = {ruta, QString()};
+        QTest::mouseClick(examinar, Qt::LeftButton);
+        QCOMPARE(txtimgfondo->text(), ruta);
+        // Cancelling the dialog keeps the path.
+        QTest::mouseClick(examinar, Qt::LeftButton);
+        QCOMPARE(txtimgfondo->text(), ruta);
+        QVERIFY(pantalla.msGuardarOpciones());
+        QCOMPARE(opcion(u"imgfondo"_s).toString(), ruta);
+        QVERIFY(panel.fondoPropio());
+        QCOMPARE(panel.fondo().size(), QSize(40, 30));
+
+        // Cleared, or a file that is no picture: the program's own picture.
+        for (const QString& otra : QStringList{QString(), world.root() + u"/no-existe.jpg"_s}) {
+            txtimgfondo->setText(otra);
+            QVERIFY(pantalla.msGuardarOpciones());
+            QVERIFY(!panel.fondoPropio());
+            QCOMPARE(panel.fondo(), frmweb::fondoIncluido());
+        }
+        ChildScreens::setArea(nullptr);
+    }
+
+    void promptTakesWhatWasTyped_data() {
+        QTest::addColumn<QString>("tecleado");
+        QTest::addColumn<bool>("enter");  // Enter in the box, else the cancel button
+        QTest::addColumn<QString>("introducida");
+        QTest::newRow("enter") << u"Secreta 1"_s << true << u"Secreta 1"_s;
+        QTest::newRow("cancel") << u"Secreta 1"_s << false << u""_s;
+    }
+    void promptTakesWhatWasTyped() {
+        QFETCH(QString, tecleado);
+        QFETCH(bool, enter);
+        QFETCH(QString, introducida);
+        appState().gsClaveIntroducida = u"antes"_s;
+        frmpwd prompt;
+        prompt.show();
+        QCOMPARE(prompt.windowTitle(), u"Quelmo Mensajes SMS - Acceso Restringido"_s);
+        auto* text1 = campo(&prompt, u"Text1"_s);
+        QCOMPARE(text1->echoMode(), QLineEdit::Password);
+        text1->setFocus();
+        QTest::keyClicks(text1, tecleado);
+        if (enter)
+            QTest::keyClick(text1, Qt::Key_Return);
+        else
+            QTest::mouseClick(campo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
+        QVERIFY(!prompt.isVisible());
+        QCOMPARE(appState().gsClaveIntroducida, introducida);
+        // The key is taken by the prompt, not typed into the box.
+        QCOMPARE(text1->text(), tecleado);
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestGuiOpciones)
+#include "test_gui_opciones.moc"
