@@ -6,6 +6,7 @@
 #include "app/Pantallas.h"
 #include "app/Settings.h"
 #include "app/Transmitter.h"
+#include "app/frmweb.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
 #include "composition/Envio.h"
@@ -25,10 +26,8 @@
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -47,9 +46,8 @@ mdiMain* marco() {
 
 // An entry of the frame's menus by key; null when no frame is up.
 QAction* accionMarco(const QString& clave) {
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto* a = w->findChild<QAction*>(clave)) return a;
-    return nullptr;
+    mdiMain* m = marco();
+    return m ? m->findChild<QAction*>(clave) : nullptr;
 }
 
 // The transmitter switch as the frame shows it; without a frame, as stored.
@@ -60,17 +58,6 @@ bool transmisorActivo() {
     } catch (const QuelmoError&) {
         return false;
     }
-}
-
-QPixmap luz(const QColor& color) {
-    QPixmap p(24, 24);
-    p.fill(Qt::transparent);
-    QPainter pintor(&p);
-    pintor.setRenderHint(QPainter::Antialiasing);
-    pintor.setBrush(color);
-    pintor.setPen(QPen(Qt::darkGray, 1));
-    pintor.drawEllipse(2, 2, 20, 20);
-    return p;
 }
 
 QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
@@ -84,7 +71,7 @@ QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
 frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmEnvio"_s);
     setWindowTitle(u"Envío de Mensajes"_s);
-    setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    setWindowIcon(iconoQuelmo(u"enviar"_s));
     construir();
 
     // Load, in order.
@@ -244,7 +231,7 @@ bool frmEnvio::msCargarCanales() {
             if (ImageCombo1->count() > 0 && ImageCombo1->currentIndex() >= 0)
                 miCanal = int(canalElegido());
             ImageCombo1->clear();
-            const QIcon icono = style()->standardIcon(QStyle::SP_DriveNetIcon);
+            const QIcon icono = iconoQuelmo(u"cuentas"_s);
             for (int i = 0; i < r.recordCount(); ++i) {
                 const int canal = int(numeroDe(r.value(i, u"Canal"_s)));
                 QString texto = textoDe(r.value(i, u"Nombre"_s)) + u"   ("_s +
@@ -490,7 +477,8 @@ void frmEnvio::mostrarTransmisor(bool activo) {
     QPalette p = lmt->palette();
     p.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
     lmt->setPalette(p);
-    imgmt->setPixmap(luz(activo ? QColor(0, 170, 0) : QColor(220, 0, 0)));
+    imgmt->setPixmap(
+        iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s).pixmap(QSize(24, 24)));
 }
 
 void frmEnvio::imgmt_DblClick() {

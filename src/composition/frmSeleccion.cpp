@@ -1,6 +1,7 @@
 #include "composition/frmSeleccion.h"
 
 #include "app/AppState.h"
+#include "app/frmweb.h"
 #include "composition/Seleccion.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
@@ -10,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmSeleccion"_s);
     setWindowTitle(u"Selección de destinatarios"_s);
-    setWindowIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    setWindowIcon(iconoQuelmo(u"contactos"_s));
     setModal(true);
 
     lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
