@@ -280,7 +280,24 @@ class TestEnvio : public QObject {
             QCOMPARE(abiertos, 1);
             QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana;pepe"_s);
             QVERIFY(Pantallas::tomarTextoEnvio(u"predefinido"_s));
-            QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"predefinido"_s);
+            auto* texto = w<QPlainTextEdit>(f, u"txtMensaje"_s);
+            QCOMPARE(texto->toPlainText(), u"predefinido"_s);
+            QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), u"(11)"_s);
+
+            // Enter with nothing offered moves on to the text; F2 there opens
+            // the predefined texts, Esc empties it.
+            int predefinidos = 0;
+            Pantallas::registrar(u"frmSelecMenPro"_s, [&] { ++predefinidos; });
+            f.show();
+            f.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&f));
+            w<QLineEdit>(f, u"Text1"_s)->setFocus();
+            QTest::keyClick(w<QLineEdit>(f, u"Text1"_s), Qt::Key_Return);
+            QVERIFY(texto->hasFocus());
+            QTest::keyClick(texto, Qt::Key_F2);
+            QCOMPARE(predefinidos, 1);
+            QTest::keyClick(texto, Qt::Key_Escape);
+            QVERIFY(texto->toPlainText().isEmpty());
         }
         // The hook goes with the screen.
         QVERIFY(!Pantallas::tomarTextoEnvio(u"x"_s));
