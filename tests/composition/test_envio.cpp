@@ -3,14 +3,18 @@
 // accounts combo and the transmitter switch.
 #include "TestSupportGui.h"
 #include "app/AppState.h"
+#include "app/ChildScreens.h"
 #include "app/Pantallas.h"
 #include "app/Settings.h"
+#include "composition/PantallasEnvio.h"
 #include "composition/frmEnvio.h"
 #include "widgets/ModeloListado.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeView>
@@ -301,6 +305,25 @@ class TestEnvio : public QObject {
         }
         // The hook goes with the screen.
         QVERIFY(!Pantallas::tomarTextoEnvio(u"x"_s));
+    }
+
+    void opensOnceInTheFrameAt100() {
+        ScriptedInterface ui;
+        QMdiArea area;
+        area.resize(1200, 900);
+        area.show();
+        ChildScreens::setArea(&area);
+        registrarPantallasEnvio();
+        QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
+        QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
+        QCOMPARE(area.subWindowList().size(), 1);
+        QMdiSubWindow* sub = area.subWindowList().first();
+        QCOMPARE(sub->widget()->windowTitle(), u"Envío de Mensajes"_s);
+        QCOMPARE(sub->pos(), QPoint(100, 100));
+        // A resize centres it across and puts it a quarter down.
+        sub->resize(600, 500);
+        QCOMPARE(sub->pos(), QPoint(300, 100));
+        ChildScreens::setArea(nullptr);
     }
 
     void transmitterSwitch() {
