@@ -25,7 +25,9 @@ crtAutoComplete::crtAutoComplete(QWidget* parent) : QWidget(parent) {
     m_list1->setObjectName(u"List1"_s);
     m_list1->setModel(m_ofrecidos);
     m_list1->setUniformItemSizes(true);
-    m_list1->setFocusPolicy(Qt::NoFocus);
+    // A click on the list takes the focus from the field, and with it the
+    // suggestions: only the keys accept one.
+    m_list1->setFocusPolicy(Qt::ClickFocus);
     m_list1->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list1->hide();
     m_text1->installEventFilter(this);
