@@ -1,105 +1,37 @@
-// Scheduled rows for the scheduling tests: a schedule with the defaults of
-// the editor (no end, started long ago) and a writer for Automaticos.
+// Rows of Automaticos for the scheduling tests.
 #pragma once
 
 #include "app/AppState.h"
 
-#include <QDate>
 #include <QDateTime>
-#include <QMetaType>
-#include <QTime>
-#include <QVariant>
+#include <QMap>
+#include <QStringList>
 
-struct Programa {
-    int periodicidad = 0;
-    QTime hora{9, 0};
-    QDate ini{2006, 1, 1};
-    QDate fin{9999, 12, 31};
-    int cada = 1;
-    int dias = 0;
-    QVariant esDia;  // null: nth weekday
-    int diaMes = 0;
-    int numSemana = 0;
-    int diaSemana = 0;
-    int anualDia = 0;
-    int anualMes = 0;
-    QVariant ultima;  // null: never ran
-    bool activa = true;
+// Writes row `codigo`: a schedule that is on, at 09:00, started long ago
+// and without an end, changed by the "Column=value" pairs of `columnas`
+// (dates yyyy-MM-dd, Hora HH:mm). Hora is stored as the editor stores it,
+// a full date and time.
+inline void programa(int codigo, const QString& columnas) {
+    QMap<QString, QVariant> v{{QStringLiteral("TareaProgramada"), 1},
+                              {QStringLiteral("Hora"), QStringLiteral("09:00")},
+                              {QStringLiteral("FechaIni"), QStringLiteral("2006-01-01")},
+                              {QStringLiteral("FechaFin"), QStringLiteral("9999-12-31")},
+                              {QStringLiteral("Cada"), 1}};
+    for (const QString& par : columnas.split(u' ', Qt::SkipEmptyParts))
+        v[par.section(u'=', 0, 0)] = par.section(u'=', 1);
+    v[QStringLiteral("Hora")] =
+        QString(u"2006-01-02 " + v[QStringLiteral("Hora")].toString() + u":00");
+    for (const QString& c : {QStringLiteral("FechaIni"), QStringLiteral("FechaFin")})
+        v[c] = QString(v[c].toString() + u" 00:00:00");
+    QVariantList valores{codigo};
+    valores.append(v.values());
+    appState().Conexion.exec(QStringLiteral("INSERT INTO Automaticos (Codigo,%1) VALUES (?%2)")
+                                 .arg(v.keys().join(u','), QStringLiteral(",?").repeated(v.size())),
+                             valores);
+}
 
-    Programa& a(QTime h) {
-        hora = h;
-        return *this;
-    }
-    Programa& desde(QDate d) {
-        ini = d;
-        return *this;
-    }
-    Programa& hasta(QDate d) {
-        fin = d;
-        return *this;
-    }
-    Programa& cadaDias(int n) {
-        cada = n;
-        return *this;
-    }
-
-    static Programa unaVez(QDate dia, QTime h) {
-        Programa p;
-        p.periodicidad = 0;
-        p.ini = dia;
-        p.hora = h;
-        return p;
-    }
-    static Programa diaria(int cada) {
-        Programa p;
-        p.periodicidad = 1;
-        p.cada = cada;
-        return p;
-    }
-    static Programa semanal(int dias) {
-        Programa p;
-        p.periodicidad = 2;
-        p.dias = dias;
-        return p;
-    }
-    static Programa diaDelMes(int dia) {
-        Programa p;
-        p.periodicidad = 3;
-        p.esDia = true;
-        p.diaMes = dia;
-        return p;
-    }
-    static Programa enesimoDelMes(int semana, int diaSemana) {
-        Programa p;
-        p.periodicidad = 3;
-        p.numSemana = semana;
-        p.diaSemana = diaSemana;
-        return p;
-    }
-    static Programa anual(int dia, int mes) {
-        Programa p;
-        p.periodicidad = 4;
-        p.anualDia = dia;
-        p.anualMes = mes;
-        return p;
-    }
-
-    // Stored as the editor stores it: Hora as a full date and time.
-    void guardar(int codigo) const {
-        appState().Conexion.exec(
-            QStringLiteral(
-                "INSERT INTO Automaticos (Codigo, Nombre, TareaProgramada, Hora, Periodicidad, "
-                "FechaIni, FechaFin, Cada, DiasSemana, MensualEsDia, MensualDiaMes, "
-                "MensualNumSemana, MensualDiaSemana, AnualDia, AnualMes, UltimaTarea) "
-                "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
-            {codigo, QStringLiteral("Programa %1").arg(codigo), activa,
-             QDateTime(QDate(2006, 1, 2), hora), periodicidad, ini, fin, cada, dias, esDia, diaMes,
-             numSemana, diaSemana, anualDia, anualMes, ultima});
-    }
-};
-Q_DECLARE_METATYPE(Programa)
-
-// "dd/MM/yyyy HH:mm" of the clock's calendar, for readable tables.
-inline QDateTime en(const char* texto) {
-    return QDateTime::fromString(QString::fromLatin1(texto), QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+// "dd/MM/yyyy HH:mm" or with seconds: a local date and time.
+inline QDateTime en(const QString& texto) {
+    const QDateTime d = QDateTime::fromString(texto, QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+    return d.isValid() ? d : QDateTime::fromString(texto, QStringLiteral("dd/MM/yyyy HH:mm"));
 }
