@@ -182,16 +182,14 @@ QDateTime clsNextTarea::FechaProximaTarea() const {
 
 QDate clsNextTarea::DayWeekOfMonth(int16_t Mes, int16_t Anio, int16_t Semana, int16_t DiaSemana) {
     const QString anio = QString::number(Anio);
-    // 1.
     const int16_t w =
         int16_t(leerFecha(u"01/"_s + QString::number(Mes) + u'/' + anio).date().dayOfWeek());
-    // 2. The first such weekday of the month.
+    // The first such weekday of the month.
     int16_t dia = w > DiaSemana ? int16_t(7 - w + DiaSemana + 1) : int16_t(DiaSemana - w + 1);
     if (Semana >= 1 && Semana <= 4) {
-        // 3.
         dia = int16_t((Semana - 1) * 7 + dia);
     } else if (Semana == 5) {
-        // 4. The last one: as far as the month's length allows.
+        // The last one: as far as the month's length allows.
         const int16_t siguiente = Mes == 12 ? int16_t(1) : int16_t(Mes + 1);
         const QDate primeroSiguiente =
             leerFecha(u"01/"_s + QString::number(siguiente) + u'/' + anio).date();
@@ -199,7 +197,6 @@ QDate clsNextTarea::DayWeekOfMonth(int16_t Mes, int16_t Anio, int16_t Semana, in
         dia = int16_t(dia + 7);
         while (dia + 7 <= largo) dia = int16_t(dia + 7);
     }
-    // 6.
     return leerFecha(QString::number(dia) + u'/' + QString::number(Mes) + u'/' + anio).date();
 }
 
@@ -212,15 +209,14 @@ void clsNextTarea::CalcularProximaTarea2() {
 }
 
 void clsNextTarea::calcular(bool alDia) {
-    // 1. No row, or its schedule is off.
+    // No row, or its schedule is off.
     if (m_fila.isEmpty()) {
         m_hayTarea = false;
         return;
     }
-    // 2.
     const auto col = [this](Columna c) -> const QVariant& { return m_fila.at(int(c)); };
 
-    // 3. A null last run, or an empty one, counts as never.
+    // A null last run, or an empty one, counts as never.
     const QVariant& ultima = col(kUltimaTarea);
     if (ultima.isNull() || ultima.toString().isEmpty()) {
         m_ultimaTarea = ingenua(QDate(1900, 1, 1));
@@ -268,7 +264,6 @@ void clsNextTarea::calcular(bool alDia) {
         m_hayTarea = c < fechaFin();
     };
 
-    // 4.
     QDateTime B = dia(R());
     // Day by day from `c` to the first day of the mask not before B;
     // reaching the end leaves HayTarea false and the result as it was.
@@ -288,10 +283,20 @@ void clsNextTarea::calcular(bool alDia) {
             m_hayTarea = c < fechaFin();
         }
     };
-    // 5. A null or unknown kind leaves both results as they were.
+    QDateTime C;
+    // C is today's run at T, or the first day's when the schedule starts
+    // later; `conBase` moves the base day to the first day as well.
+    const auto candidato = [&](bool conBase) {
+        C = unir(R(), T);
+        const QDateTime ini = fechaDe(col(kFechaIni));
+        if (ini > dia(R())) {
+            C = unir(ini, T);
+            if (conBase) B = dia(ini);
+        }
+    };
+    // A null or unknown kind leaves both results as they were.
     const QVariant& perValor = col(kPeriodicidad);
     const int periodicidad = perValor.isNull() ? -1 : enteroDe(perValor);
-    QDateTime C;
 
     switch (periodicidad) {
         case int(Periodicidad::Una): {
@@ -305,9 +310,7 @@ void clsNextTarea::calcular(bool alDia) {
             if (!m_hayTarea) break;
             // Every day starts again from today; Cada only says how far the
             // next run lies once today's has passed.
-            C = unir(R(), T);
-            const QDateTime ini = fechaDe(col(kFechaIni));
-            if (ini > dia(R())) C = unir(ini, T);
+            candidato(false);
             if (R() >= C) C = C.addDays(enteroDe(col(kCada)));
             publicar(C);
             break;
@@ -316,12 +319,7 @@ void clsNextTarea::calcular(bool alDia) {
             // Every week: the number of weeks the editor keeps is not read.
             m_hayTarea = R() < fechaFin();
             if (!m_hayTarea) break;
-            C = unir(R(), T);
-            const QDateTime ini = fechaDe(col(kFechaIni));
-            if (ini > dia(R())) {
-                C = unir(ini, T);
-                B = dia(ini);
-            }
+            candidato(true);
             // Today is taken even when its time has passed; the final step
             // moves on from it.
             buscarEnSemana(C.addDays(-(C.date().dayOfWeek() - 1)));
@@ -333,12 +331,7 @@ void clsNextTarea::calcular(bool alDia) {
             const QVariant& esDia = col(kMensualEsDia);
             if (!esDia.isNull() && aBooleano(esDia.toString())) {
                 const int16_t M = enteroDe(col(kMensualDiaMes));
-                C = unir(R(), T);
-                const QDateTime ini = fechaDe(col(kFechaIni));
-                if (ini > dia(R())) {
-                    C = unir(ini, T);
-                    B = dia(ini);
-                }
+                candidato(true);
                 const int d = C.date().day();
                 const QString mesAnio = B.date().toString(u"MM/yyyy"_s);
                 // Ahead in this month the day is read as it stands, so a
@@ -386,12 +379,7 @@ void clsNextTarea::calcular(bool alDia) {
                                  QString::number(x.date().year()).rightJustified(4, u'0') + u' ' +
                                  T);
             };
-            C = unir(R(), T);
-            const QDateTime ini = fechaDe(col(kFechaIni));
-            if (ini > dia(R())) {
-                C = unir(ini, T);
-                B = dia(ini);
-            }
+            candidato(true);
             const QDateTime yB = Y(B);
             if (yB > C) {
                 C = yB;

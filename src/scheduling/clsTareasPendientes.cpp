@@ -41,7 +41,7 @@ void ejecutar(bool pasarFallos, F&& paso) {
 void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima,
                                        bool pasarFallos) {
     Database& db = appState().Conexion;
-    // 1. A recipient whose contact is gone falls away in the join.
+    // A recipient whose contact is gone falls away in the join.
     QueryResult destinos;
     ejecutar(pasarFallos, [&] {
         destinos = db.query(
@@ -49,28 +49,27 @@ void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDate
             u"where AboAuto.abonado=Abonados.codigo And automatico=?"_s,
             {codigo});
     });
-    // 2. Nothing to queue: the last run stays unwritten, so the row stays due.
+    // Nothing to queue: the last run stays unwritten, so the row stays due.
     if (destinos.recordCount() < 1) return;
 
     QString numero;
     QString mensaje;
     int16_t canal = 0;
     for (int i = 0; i < destinos.recordCount(); ++i) {
-        // 3.1 Each recipient has its own text, and goes out through its
+        // Each recipient has its own text, and goes out through its
         // contact's account.
         numero = textoDe(destinos.value(i, 0));
         mensaje = textoDe(destinos.value(i, 1));
         ejecutar(pasarFallos, [&] { canal = aEntero16(destinos.value(i, 2)); });
-        // 3.2, 3.3
         if (numero.startsWith(u'+')) numero.replace(u"+"_s, u"00"_s);
         if (esNumerico(numero) && !numero.startsWith(u"00"_s)) numero.prepend(u"0034"_s);
-        // 3.4, 3.5 Bound values: an apostrophe in the text arrives as it is.
+        // Bound values: an apostrophe in the text arrives as it is.
         ejecutar(pasarFallos, [&] {
             db.exec(
                 u"insert into envios (abonado,mensaje,canal,intento,registro) values (?,?,?,2,?)"_s,
                 {numero, mensaje, canal, Clock::now()});
         });
-        // 3.6 Once for each recipient, not once for the run.
+        // Once for each recipient, not once for the run.
         ejecutar(pasarFallos, [&] {
             db.exec(u"update automaticos set ultimatarea=? where codigo=?"_s, {ultima(), codigo});
         });
@@ -78,15 +77,14 @@ void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDate
 }
 
 int16_t clsTareasPendientes::ReLoad() {
-    // 1. From here on a failing statement is passed over: one bad row must
+    // From here on a failing statement is passed over: one bad row must
     // not keep the others from going out.
     constexpr bool pasar = true;
-    // 2.
     m_activas = QueryResult();
     ejecutar(pasar, [&] { m_activas = appState().Conexion.query(activas()); });
     if (!(m_activas.recordCount() > 0)) return 0;
 
-    // 3. One calculator for the walk: after a failed calculation the row is
+    // One calculator for the walk: after a failed calculation the row is
     // judged on what the calculator still holds.
     clsNextTarea tarea;
     int16_t cuenta = 0;
@@ -122,11 +120,9 @@ int16_t clsTareasPendientes::PendientesEnviar() {
 }
 
 int16_t clsTareasPendientes::recorrerPendientes() {
-    // 1.
     m_activas = appState().Conexion.query(activas());
     if (m_activas.recordCount() < 1) return 0;
 
-    // 2.
     clsNextTarea tarea;
     bool preguntado = false;
     int16_t cuenta = 0;
