@@ -412,7 +412,10 @@ void clsNextTarea::calcular(bool alDia) {
             }
         }
     }
-    // To the day, the result carries the time of Hora, also when there is
-    // no run: a value never assigned is then no date at all.
-    if (alDia) m_fechaProximaTarea = leerFecha(textoFecha(m_fechaProximaTarea) + u' ' + horaTexto);
+    // To the day, the result's day takes the time of Hora, also when there
+    // is no run. A value never assigned has no day: its text is a bare time,
+    // and with Hora behind it that is no date at all.
+    if (alDia)
+        m_fechaProximaTarea =
+            leerFecha(textoFecha(ingenua(m_fechaProximaTarea.date())) + u' ' + horaTexto);
 }

@@ -171,9 +171,14 @@ class TestNextTarea : public QObject {
         t.CalcularProximaTarea();
         QVERIFY(!t.HayTarea());
         QCOMPARE(t.FechaProximaTarea(), en(u"20/04/2006 09:00"_s));
-        // To the day, a row without a run still takes the time of Hora: on
-        // an object that never held a date that is no date at all.
-        programa(4, u"FechaFin=2006-01-31"_s);
+        // To the day, a row without a run still takes the time of Hora: the
+        // day held from before, or, on an object that never held a date, no
+        // date at all.
+        programa(4, u"FechaFin=2006-01-31 Hora=11:00"_s);
+        t.setCodigo(4);
+        t.CalcularProximaTarea2();
+        QVERIFY(!t.HayTarea());
+        QCOMPARE(t.FechaProximaTarea(), en(u"20/04/2006 11:00"_s));
         clsNextTarea nueva;
         nueva.setCodigo(4);
         QVERIFY_THROWS_EXCEPTION(FechaNoValida, nueva.CalcularProximaTarea2());
