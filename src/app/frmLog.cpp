@@ -5,6 +5,7 @@
 #include <QFontDatabase>
 #include <QListView>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -39,6 +40,10 @@ frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, pa
     m_list->setObjectName(u"List1"_s);
     m_list->setModel(&appState().log);
     m_list->setUniformItemSizes(true);
+    // Laid out in batches, a new line costs the same with 20,000 lines above
+    // it as with none; a full layout at each line grows with the list.
+    m_list->setLayoutMode(QListView::Batched);
+    m_list->setBatchSize(1000);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setAlternatingRowColors(true);
@@ -50,6 +55,12 @@ frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, pa
 
     connect(&appState().log, &ActivityLog::lineAdded, m_list,
             [this](int row) { m_list->setCurrentIndex(appState().log.index(row)); });
+    // The batches reach the end after the selection has moved there: keep
+    // the newest line in sight as the list grows.
+    connect(m_list->verticalScrollBar(), &QScrollBar::rangeChanged, m_list, [this](int, int max) {
+        if (m_list->currentIndex().row() == appState().log.rowCount() - 1)
+            m_list->verticalScrollBar()->setValue(max);
+    });
     connect(m_list, &QListView::doubleClicked, this, &frmLog::List1_DblClick);
 }
 

@@ -339,8 +339,10 @@ class TestGuiMain : public QObject {
         msLog(u"última"_s);
         auto* lista = w->panelLog()->List1();
         QCOMPARE(w->panelLog()->windowTitle(), u"Eventos de la aplicación"_s);
-        // The list follows the newest line.
-        QCOMPARE(lista->currentIndex().row(), appState().log.rowCount() - 1);
+        // The list follows the newest line, and shows it.
+        const QModelIndex ultima = appState().log.index(appState().log.rowCount() - 1);
+        QCOMPARE(lista->currentIndex(), ultima);
+        QTRY_VERIFY(lista->viewport()->rect().contains(lista->visualRect(ultima)));
         const QModelIndex fila = appState().log.index(appState().log.rowCount() - 2);
         lista->scrollTo(fila);
         const QPoint punto = lista->visualRect(fila).center();
