@@ -91,6 +91,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     QCoreApplication::processEvents();
 
     terminar = [] { QCoreApplication::exit(0); };
+    hayBandeja = QSystemTrayIcon::isSystemTrayAvailable();
 }
 
 mdiMain::~mdiMain() {
@@ -389,6 +390,10 @@ void mdiMain::importacionContactos() {
 }
 
 void mdiMain::ocultar() {
+    if (!hayBandeja) {
+        showMinimized();
+        return;
+    }
     m_icono->show();
     hide();
 }

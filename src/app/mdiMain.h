@@ -43,6 +43,9 @@ class mdiMain : public QMainWindow {
 
     // What ends the process once closing is accepted (tests replace it).
     std::function<void()> terminar;
+    // Whether the desktop shows tray icons; without one, hiding would leave
+    // no way back to the window, so "Ocultar" minimises instead.
+    bool hayBandeja = false;
 
   Q_SIGNALS:
     void primeraActivacionTerminada();

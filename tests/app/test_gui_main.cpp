@@ -191,6 +191,24 @@ class TestGuiMain : public QObject {
         QCOMPARE(usar(), QStringList{efecto});
     }
 
+    void helpManualIsWrittenOutForTheBrowser() {
+        ScriptedInterface ui;
+        auto w = ventana();
+        QFile manual(rutaAyuda());
+        for (int vez = 0; vez < 2; ++vez) {
+            accion(w.get(), u"keyHelp"_s)->trigger();
+            QVERIFY(manual.open(QIODevice::ReadOnly));
+            const QString texto = QString::fromUtf8(manual.readAll());
+            manual.close();
+            QVERIFY(texto.contains(u"<title>Ayuda de Quelmo Mensajes SMS</title>"_s));
+            QVERIFY(texto.contains(u"Eventos de la aplicación"_s));
+            // A damaged copy is written again at the next opening.
+            QVERIFY(manual.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            manual.close();
+        }
+        QCOMPARE(ui.openedUrls, QStringList(2, rutaAyuda()));
+    }
+
     void rechargeWithoutAccountSays() {
         ScriptedInterface ui;
         auto w = ventana();
@@ -285,6 +303,7 @@ class TestGuiMain : public QObject {
     void hiddenInTheTrayKeepsSending() {
         ScriptedInterface ui;
         auto w = ventana();
+        w->hayBandeja = true;
         accion(w.get(), u"OCULTAR"_s)->trigger();
         QVERIFY(!w->isVisible());
         QVERIFY(w->icono()->isVisible());
@@ -298,6 +317,16 @@ class TestGuiMain : public QObject {
         Q_EMIT w->icono()->activated(QSystemTrayIcon::DoubleClick);
         QVERIFY(w->isVisible());
         QVERIFY(!w->icono()->isVisible());
+    }
+
+    void withoutATrayHidingMinimises() {
+        ScriptedInterface ui;
+        auto w = ventana();
+        w->hayBandeja = false;
+        accion(w.get(), u"OCULTAR"_s)->trigger();
+        QVERIFY(w->isMinimized());
+        QVERIFY(!w->icono()->isVisible());
+        QVERIFY(w->transmisor().Timer1().isActive());
     }
 
     void neverSmallerThanItsMinimum() {
