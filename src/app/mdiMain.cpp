@@ -165,6 +165,9 @@ void mdiMain::msCrearMenu() {
     }
     findChild<QAction*>(u"keyHome07"_s)->setText(u"Novedades Versión "_s + versionTexto());
     findChild<QAction*>(u"keyHome02"_s)->setText(tituloWeb());
+    // The desktop's usual keys for help and for quitting.
+    findChild<QAction*>(u"keyHelp"_s)->setShortcut(QKeySequence::HelpContents);
+    findChild<QAction*>(u"keyExit"_s)->setShortcut(QKeySequence::Quit);
     m_keyTX = findChild<QAction*>(u"keyTX"_s);
     m_keyTX->setCheckable(true);
     m_keyTX->setIconVisibleInMenu(false);

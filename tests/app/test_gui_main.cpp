@@ -207,6 +207,11 @@ class TestGuiMain : public QObject {
             manual.close();
         }
         QCOMPARE(ui.openedUrls, QStringList(2, rutaAyuda()));
+        // F1 anywhere in the frame.
+        w->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(w.get()));
+        QTest::keyClick(w.get(), Qt::Key_F1);
+        QCOMPARE(ui.openedUrls.size(), 3);
     }
 
     void rechargeWithoutAccountSays() {
