@@ -73,17 +73,24 @@ int16_t enteroDe(const QVariant& v) {
     return aEntero16(v);
 }
 
-// The text of Hora: its time of day only, whatever day it was stored with.
+QString dosCifras(int n) {
+    return QString::number(n).rightJustified(2, u'0');
+}
+
+QString textoHora(const QTime& t) {
+    return dosCifras(t.hour()) + u':' + dosCifras(t.minute()) + u':' + dosCifras(t.second());
+}
+
+// The text of Hora: its time of day only, whatever day it was stored with
+// (or none, when a bare time was stored).
 QString textoHoraDe(const QVariant& v) {
     if (v.isNull()) return QString();
     const QString t = v.toString().trimmed();
-    const QTime soloHora = QTime::fromString(t, u"HH:mm:ss"_s);
-    if (soloHora.isValid()) return soloHora.toString(u"HH:mm:ss"_s);
-    return fechaDe(v).time().toString(u"HH:mm:ss"_s);
-}
-
-QString dosCifras(int n) {
-    return QString::number(n).rightJustified(2, u'0');
+    if (t.size() <= 8) {
+        const QTime soloHora = QTime::fromString(t, u"HH:mm:ss"_s);
+        if (soloHora.isValid()) return textoHora(soloHora);
+    }
+    return textoHora(fechaDe(v).time());
 }
 
 QString textoDia(const QDateTime& x) {
@@ -121,7 +128,7 @@ QDateTime clsNextTarea::fechaCero() {
 }
 
 QString clsNextTarea::textoFecha(const QDateTime& valor) {
-    const QString hora = valor.time().toString(u"HH:mm:ss"_s);
+    const QString hora = textoHora(valor.time());
     if (valor.date() == kDiaCero) return hora;
     if (valor.time() == QTime(0, 0)) return textoDia(valor);
     return textoDia(valor) + u' ' + hora;
@@ -333,7 +340,7 @@ void clsNextTarea::calcular(bool alDia) {
                 const int16_t M = enteroDe(col(kMensualDiaMes));
                 candidato(true);
                 const int d = C.date().day();
-                const QString mesAnio = B.date().toString(u"MM/yyyy"_s);
+                const QString mesAnio = textoDia(B).mid(3);
                 // Ahead in this month the day is read as it stands, so a
                 // month without it is a failure; a month added to a valid
                 // day falls back to the shorter month's last day.
