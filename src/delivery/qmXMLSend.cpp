@@ -30,6 +30,22 @@ qmXMLSend::Item& Coleccion::Item(int i) {
     return m_items[i - 1];
 }
 
+namespace {
+
+// A parser turns a raw carriage return into a line feed; as a character
+// reference it arrives as it was typed.
+void escribirTexto(QXmlStreamWriter& w, const QString& texto) {
+    qsizetype desde = 0;
+    for (qsizetype cr = texto.indexOf(u'\r'); cr >= 0; cr = texto.indexOf(u'\r', desde)) {
+        w.writeCharacters(texto.mid(desde, cr - desde));
+        w.writeEntityReference(u"#13"_s);
+        desde = cr + 1;
+    }
+    w.writeCharacters(texto.mid(desde));
+}
+
+}  // namespace
+
 QByteArray documentoPeticion(const XMLSendClass& c, bool lista) {
     QByteArray doc;
     doc.reserve(256 + c.XMLMensajes.Count() * 160);
@@ -71,7 +87,7 @@ QByteArray documentoPeticion(const XMLSendClass& c, bool lista) {
         w.writeAttribute(u"n"_s, QString::number(++n));
         w.writeAttribute(u"clave"_s, it.Key);
         w.writeAttribute(u"destino"_s, it.Destino);
-        w.writeCharacters(it.Mensaje);
+        escribirTexto(w, it.Mensaje);
         w.writeEndElement();
     }
     w.writeEndElement();

@@ -1,0 +1,552 @@
+// Delivery against the real platform simulator over loopback: what a batch
+// does to the outbox, the history and the account; the balance query; the
+// version notices; the client's own rules.
+#include "SimuladorPrueba.h"
+#include "TestSupport.h"
+#include "app/AppState.h"
+#include "app/Clock.h"
+#include "app/Settings.h"
+#include "app/mdoMain.h"
+#include "delivery/mdoSendRavion.h"
+#include "delivery/qmXMLSend.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QDateTime kAhora(QDate(2026, 3, 1), QTime(10, 0));
+const QString kAntes = u"2026-01-01 08:00:00"_s;
+
+QString configuracion(const QString& plataforma = {}, const QString& cuenta = {}) {
+    return u"[plataforma]\nrechazados=0034600000666\n"_s + plataforma +
+           u"\n[cuenta1]\nusuario=demo\nclave=demo\nsaldo=100\nmovil=0034600123456\n"_s + cuenta +
+           u'\n';
+}
+
+bool registroContiene(const QString& texto) {
+    for (const QString& l : appState().log.lines())
+        if (l.contains(texto)) return true;
+    return false;
+}
+
+int cuenta(const QString& sql, const QVariantList& params = {}) {
+    return appState().Conexion.query(sql, params).value(0, 0).toInt();
+}
+
+}  // namespace
+
+class TestDelivery : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestDelivery(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+    std::unique_ptr<FixedClock> reloj;
+
+    std::unique_ptr<SimuladorPrueba> simulador(const QString& ini = configuracion()) {
+        auto s = std::make_unique<SimuladorPrueba>(world.root(), ini);
+        if (!s->listo()) qFatal("the platform simulator did not start");
+        return s;
+    }
+    void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
+                      const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
+        appState().Conexion.exec(
+            u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
+            "remopc,tini,tfin,imptextos,movil) VALUES (1,'Principal',?,'demo',?,7,1,'Tienda',?,?,?,?,'')"_s,
+            {host, msCifrarClave(clave, true), remopc, tini, tfin, imptextos});
+    }
+    void anadirFila(const QString& abonado, const QString& mensaje, int canal = 1,
+                    const QVariant& id = {}) {
+        appState().Conexion.exec(
+            u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,?,2)"_s,
+            {id, kAntes, canal, abonado, mensaje});
+    }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
+        reloj = std::make_unique<FixedClock>(kAhora);
+    }
+    void cleanup() { reloj.reset(); }
+
+    void lifeOfAnOutboxRow_data() {
+        QTest::addColumn<QString>("abonado");
+        QTest::addColumn<QString>("mensaje");
+        QTest::addColumn<int>("canalFila");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<int>("historial");  // HEnvios rows
+        QTest::addColumn<int>("intento");    // 0: the row is gone
+        QTest::addColumn<QString>("linea");
+        const QString largo = QString(200, u'a');
+        QTest::newRow("accepted") << u"629000000"_s << u"hola"_s << 1 << u"demo"_s << true << 1 << 0
+                                  << u"Mensaje aceptado Para el 0034629000000 -> hola"_s;
+        QTest::newRow("simulated") << u"+34111111111"_s << u"hola"_s << 1 << u"demo"_s << true << 1
+                                   << 0 << u"Envío simulado Para el ENVIO_SIMULADO -> hola"_s;
+        QTest::newRow("refused") << u"0034600000666"_s << u"hola"_s << 1 << u"demo"_s << true << 0
+                                 << 1 << u"Su saldo en estos momentos es de : 100 Mensajes"_s;
+        QTest::newRow("long, part 1 accepted")
+            << u"629000000"_s << largo << 1 << u"demo"_s << true << 2 << 0 << u" -> (2-2) aaaa"_s;
+        QTest::newRow("long, part 1 refused") << u"0034600000666"_s << largo << 1 << u"demo"_s
+                                              << true << 0 << 1 << u" -> (2-2) aaaa"_s;
+        QTest::newRow("destination with letters")
+            << u"62x9000"_s << u"hola"_s << 1 << u"demo"_s << true << 0 << 2
+            << u"El Destino [ 62x9000 ] no es válido, envío no realizado"_s;
+        QTest::newRow("destination with exponent")
+            << u"6e5"_s << u"hola"_s << 1 << u"demo"_s << true << 0 << 2
+            << u"El Destino [ 6e5 ] no es válido, envío no realizado"_s;
+        QTest::newRow("empty destination") << QString() << u"hola"_s << 1 << u"demo"_s << true << 0
+                                           << 2 << u"El Destino [  ] no es válido"_s;
+        QTest::newRow("account missing")
+            << u"629000000"_s << u"hola"_s << 9 << u"demo"_s << true << 0 << 2
+            << u"No existen Cuentas definidas para estos mensajes, envios cancelados ..."_s;
+        QTest::newRow("authentication refused")
+            << u"629000000"_s << u"hola"_s << 1 << u"mala"_s << true << 0 << 2
+            << u"Acceso Denegado, causa: Usuario o clave incorrectos"_s;
+        QTest::newRow("no connection")
+            << u"629000000"_s << u"hola"_s << 1 << u"demo"_s << false << 0 << 2
+            << u"Error de conexión. Imposible conectar con Quelmo "
+               "Mensajes, revise su conexión a Internet"_s;
+    }
+    void lifeOfAnOutboxRow() {
+        QFETCH(QString, abonado);
+        QFETCH(QString, mensaje);
+        QFETCH(int, canalFila);
+        QFETCH(QString, clave);
+        QFETCH(bool, conectar);
+        QFETCH(int, historial);
+        QFETCH(int, intento);
+        QFETCH(QString, linea);
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host(), clave);
+        anadirFila(abonado, mensaje, canalFila);
+        if (!conectar) sim->detener();
+        msEnviarLote(int16_t(canalFila), false);
+
+        QVERIFY2(registroContiene(linea), qPrintable(appState().log.lines().join(u'\n')));
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), historial);
+        const QueryResult fila =
+            appState().Conexion.query(u"select intento, Registro from envios"_s);
+        QCOMPARE(fila.recordCount(), intento == 0 ? 0 : 1);
+        if (intento != 0) {
+            QCOMPARE(fila.value(0, 0).toInt(), intento);
+            // A refusal stamps the attempt; anything else leaves the row alone.
+            QCOMPARE(fila.value(0, 1).toString(), intento == 1 ? aTextoBD(kAhora) : kAntes);
+        }
+        if (historial > 0) {
+            const QueryResult h =
+                appState().Conexion.query(u"select Canal, crem, Registro from HEnvios"_s);
+            QCOMPARE(h.value(0, 0).toInt(), 1);
+            QCOMPARE(h.value(0, 1).toString(), u"Principal (Tienda)"_s);
+            QCOMPARE(h.value(0, 2).toString(), aTextoBD(kAhora));
+        }
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void longTextsAreCut_data() {
+        QTest::addColumn<int>("largo");
+        QTest::addColumn<QString>("tini");
+        QTest::addColumn<QString>("tfin");
+        QTest::addColumn<bool>("importado");
+        QTest::addColumn<int>("imptextos");
+        QTest::addColumn<QStringList>("claves");
+        QTest::addColumn<QList<int>>("longitudes");
+        QTest::newRow("160") << 160 << QString() << QString() << false << 0 << QStringList{u"7"_s}
+                             << QList<int>{160};
+        QTest::newRow("161") << 161 << QString() << QString() << false << 0
+                             << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 17};
+        QTest::newRow("300") << 300 << QString() << QString() << false << 0
+                             << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 156};
+        QTest::newRow("301") << 301 << QString() << QString() << false << 0
+                             << QStringList{u"7"_s, u"X2X7"_s, u"X3X7"_s}
+                             << QList<int>{156, 156, 7};
+        QTest::newRow("start and end texts count")
+            << 155 << u"ABC"_s << u"XYZ"_s << false << 0 << QStringList{u"7"_s, u"X2X7"_s}
+            << QList<int>{156, 17};
+        QTest::newRow("imported run without texts")
+            << 155 << u"ABC"_s << u"XYZ"_s << true << 0 << QStringList{u"7"_s} << QList<int>{155};
+        QTest::newRow("imported run with texts")
+            << 155 << u"ABC"_s << u"XYZ"_s << true << 1 << QStringList{u"7"_s, u"X2X7"_s}
+            << QList<int>{156, 17};
+    }
+    void longTextsAreCut() {
+        QFETCH(int, largo);
+        QFETCH(QString, tini);
+        QFETCH(QString, tfin);
+        QFETCH(bool, importado);
+        QFETCH(int, imptextos);
+        QFETCH(QStringList, claves);
+        QFETCH(QList<int>, longitudes);
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host(), u"demo"_s, 0, tini, tfin, imptextos);
+        QString mensaje;
+        while (mensaje.size() < largo) mensaje += u"0123456789"_s;
+        mensaje.truncate(largo);
+        anadirFila(u"629000000"_s, mensaje, 1, 7);
+        msEnviarLote(1, importado);
+
+        const QList<QJsonObject> r = sim->registro();
+        QStringList vistas;
+        QString unido;
+        for (int i = 0; i < r.size(); ++i) {
+            vistas << r[i][u"clave"_s].toString();
+            const QString parte = r[i][u"mensaje"_s].toString();
+            QCOMPARE(parte.size(), longitudes.value(i));
+            const QString prefijo = u"(%1-%2) "_s.arg(i + 1).arg(r.size());
+            if (r.size() > 1) QVERIFY2(parte.startsWith(prefijo), qPrintable(parte));
+            unido += r.size() > 1 ? parte.mid(prefijo.size()) : parte;
+        }
+        QCOMPARE(vistas, claves);
+        const bool conTextos = !importado || imptextos;
+        QCOMPARE(unido, conTextos ? tini + mensaje + tfin : mensaje);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), int(claves.size()));
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+    }
+
+    void destinationsAreNormalised() {
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        const QList<QPair<QString, QString>> casos = {
+            {u"629000000"_s, u"0034629000000"_s},     {u"+34629000000"_s, u"0034629000000"_s},
+            {u"0034629000000"_s, u"0034629000000"_s}, {u"+447700900123"_s, u"00447700900123"_s},
+            {u" 629000001 "_s, u"0034629000001"_s},   {u"111111111"_s, u"ENVIO_SIMULADO"_s},
+            {u"+34111111111"_s, u"ENVIO_SIMULADO"_s}, {u"0034999999999"_s, u"ENVIO_SIMULADO"_s},
+            {u"0034123456789"_s, u"0034123456789"_s},
+        };
+        for (const auto& c : casos) anadirFila(c.first, u"x"_s);
+        msEnviarLote(1, false);
+        const QList<QJsonObject> r = sim->registro();
+        QCOMPARE(r.size(), casos.size());
+        for (int i = 0; i < casos.size(); ++i)
+            QCOMPARE(r[i][u"destino"_s].toString(), casos[i].second);
+        // Simulated numbers cost nothing.
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 100 - 6);
+    }
+
+    void batchSizeComesFromTheOptions_data() {
+        QTest::addColumn<QVariant>("maxlote");  // invalid: no options row
+        QTest::addColumn<int>("enviadas");
+        QTest::newRow("30") << QVariant(30) << 30;
+        QTest::newRow("1") << QVariant(1) << 1;
+        QTest::newRow("0 means 25") << QVariant(0) << 25;
+        QTest::newRow("501 means 25") << QVariant(501) << 25;
+        QTest::newRow("null means 25") << QVariant(QMetaType::fromType<int>()) << 25;
+        QTest::newRow("no row means 25") << QVariant() << 25;
+    }
+    void batchSizeComesFromTheOptions() {
+        QFETCH(QVariant, maxlote);
+        QFETCH(int, enviadas);
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        if (maxlote.isValid())
+            appState().Conexion.exec(u"update opciones set maxlote=? where id=1"_s, {maxlote});
+        else
+            appState().Conexion.exec(u"delete from opciones"_s);
+        for (int i = 0; i < 40; ++i) anadirFila(u"0034111111111"_s, u"x"_s);
+        msEnviarLote(1, false);
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 40 - enviadas);
+        QVERIFY(registroContiene(
+            u"Enviando %1 mensajes con Cuenta  Principal Usando remitente: Tienda"_s.arg(
+                enviadas)));
+    }
+
+    void failedExchangesChangeNothing_data() {
+        QTest::addColumn<QString>("fallo");
+        QTest::addColumn<QString>("linea");
+        const QString conexion = u"Error de conexión. Imposible conectar con Quelmo Mensajes"_s;
+        QTest::newRow("timeout") << u"retraso_ms=2500"_s << conexion;
+        QTest::newRow("dropped connection") << u"fallo=corte"_s << conexion;
+        QTest::newRow("malformed reply")
+            << u"fallo=malformado"_s
+            << u"Se ha producido un error en el proceso de envio, Cod: 4000, Descripcion: "
+               "Respuesta no válida de la plataforma"_s;
+        QTest::newRow("HTTP 500")
+            << u"fallo=error500"_s
+            << u"Se ha producido un error en el proceso de envio, Cod: 4000, Descripcion: La "
+               "plataforma respondió con el estado HTTP 500"_s;
+    }
+    void failedExchangesChangeNothing() {
+        QFETCH(QString, fallo);
+        QFETCH(QString, linea);
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Despliegue"_s, u"TimeoutTotal"_s, u"1"_s);
+        auto sim = simulador(configuracion(fallo));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"uno"_s);
+        anadirFila(u"0034111111111"_s, u"dos"_s);
+        msEnviarLote(1, false);
+        QVERIFY2(registroContiene(linea), qPrintable(appState().log.lines().join(u'\n')));
+        QCOMPARE(cuenta(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
+                 2);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 0);
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
+    }
+
+    void awkwardCharactersSurvive() {
+        ScriptedInterface ui;
+        const QString clave = u"cl&ve<ñ'"_s;
+        auto sim =
+            simulador(u"[plataforma]\n[cuenta1]\nusuario=demo\nclave=\"cl&ve<ñ'\"\nsaldo=5\n"_s);
+        anadirCuenta(sim->host(), clave);
+        const QString texto = u"L'año <b>&amp; \"ok\" € ñ\r\nfin\tß 😀"_s;
+        anadirFila(u"629000000"_s, texto);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().value(0)[u"mensaje"_s].toString(), texto);
+        QCOMPARE(appState().Conexion.query(u"select Mensaje from HEnvios"_s).value(0, 0).toString(),
+                 texto);
+    }
+
+    void accountIsRenewedAfterAnExchange_data() {
+        QTest::addColumn<int>("remopc");
+        QTest::addColumn<QString>("cuentaSim");
+        QTest::addColumn<QString>("remitente");
+        QTest::addColumn<bool>("aviso");
+        QTest::newRow("own sender") << 0 << QString() << u"Tienda "_s << false;
+        QTest::newRow("sender from the mobile") << 1 << QString() << u"600123456 "_s << false;
+        QTest::newRow("sender not accepted") << 0 << u"remitente=false"_s << u"Tienda "_s << true;
+    }
+    void accountIsRenewedAfterAnExchange() {
+        QFETCH(int, remopc);
+        QFETCH(QString, cuentaSim);
+        QFETCH(QString, remitente);
+        QFETCH(bool, aviso);
+        ScriptedInterface ui;
+        ui.composeActive = true;
+        auto sim = simulador(configuracion(u"version=330"_s, cuentaSim));
+        anadirCuenta(sim->host(), u"demo"_s, remopc);
+        anadirFila(u"629000000"_s, u"hola"_s);
+        msEnviarLote(1, false);
+        const QueryResult c =
+            appState().Conexion.query(u"select Saldo, Remitente, movil from Canales"_s);
+        QCOMPARE(c.value(0, 0).toInt(), 99);
+        QCOMPARE(c.value(0, 1).toString(), remitente);
+        QCOMPARE(c.value(0, 2).toString(), u"0034600123456"_s);
+        QCOMPARE(appState().gsSaldoCuenta, u"99"_s);
+        QCOMPARE(appState().gsVersionPlataforma, u"330"_s);
+        QCOMPARE(ui.composeRefreshes, 1);
+        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        if (aviso) {
+            QCOMPARE(ui.boxes[0].title, u"Remitente no aceptado"_s);
+            QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
+            QVERIFY(ui.boxes[0].text.startsWith(
+                u"Su Remitente Personalizado no ha sido aceptado.\n\nPara utilizar"_s));
+        }
+    }
+
+    void inactiveAccountIsTold() {
+        ScriptedInterface ui;
+        auto sim = simulador(configuracion({}, u"activa=false"_s));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"hola"_s);
+        msEnviarLote(1, false);
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes[0].title, u"Su cuenta no está Activa"_s);
+        QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
+        QVERIFY(ui.boxes[0].text.contains(u"su cuenta esté Activa"_s));
+        QCOMPARE(cuenta(u"select count(*) from envios where intento=2"_s), 1);
+    }
+
+    void debugLinesFollowTheSetting_data() {
+        QTest::addColumn<QString>("valor");
+        QTest::addColumn<bool>("depura");
+        QTest::newRow("RXXML") << u"RXXML"_s << true;
+        QTest::newRow("other case") << u"rxxml"_s << false;
+    }
+    void debugLinesFollowTheSetting() {
+        QFETCH(QString, valor);
+        QFETCH(bool, depura);
+        ScriptedInterface ui;
+        Settings::saveSetting(u"Tr"_s, u"Debug"_s, valor);
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"hola"_s);
+        msEnviarLote(1, false);
+        QCOMPARE(registroContiene(u"Creando Objetos para el envio"_s), depura);
+        QCOMPARE(registroContiene(u"Total Mensajes: 1"_s), depura);
+        QCOMPARE(registroContiene(u"Valor nn: 200"_s), depura);
+        QCOMPARE(appState().log.last().contains(u"<respuesta>"_s), depura);
+    }
+
+    void balanceQuery_data() {
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("resultado");
+        QTest::addColumn<QString>("linea");
+        QTest::newRow("accepted") << u"demo"_s << true << u"325"_s << u"100"_s
+                                  << u"Usuario autentificado    Saldo Disponible: 100 SMS"_s;
+        QTest::newRow("refused") << u"mala"_s << true << QString() << u"-1"_s
+                                 << u"Usuario o clave incorrectos"_s;
+        const QString sinConexion =
+            u"Error de conexión. Revise el estado de su conexión a Internet."_s;
+        QTest::newRow("no connection") << u"demo"_s << false << QString() << u"-2"_s << sinConexion;
+        QTest::newRow("version not a number")
+            << u"demo"_s << true << u"3x"_s << u"-2"_s << sinConexion;
+    }
+    void balanceQuery() {
+        QFETCH(QString, clave);
+        QFETCH(bool, conectar);
+        QFETCH(QString, version);
+        QFETCH(QString, resultado);
+        QFETCH(QString, linea);
+        ScriptedInterface ui;
+        auto sim = simulador(configuracion(u"version="_s + version));
+        if (!conectar) sim->detener();
+        QString host = sim->host();
+        QCOMPARE(msConsultarSaldo(u"demo"_s, clave, host), resultado);
+        QVERIFY2(appState().log.last().endsWith(u" - "_s + linea),
+                 qPrintable(appState().log.last()));
+        if (resultado == u"100"_s) QCOMPARE(appState().MovilCuenta, u"0034600123456"_s);
+    }
+
+    void emptyHostTakesThePlatformsAddress() {
+        ScriptedInterface ui;
+        auto sim = simulador();
+        Settings::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
+        QString host;
+        QCOMPARE(msConsultarSaldo(u"demo"_s, u"demo"_s, host), u"100"_s);
+        QCOMPARE(host, sim->host() + u'/');
+    }
+
+    void storedAccountBalance_data() {
+        QTest::addColumn<int>("canal");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<QString>("saldoSim");
+        QTest::addColumn<QString>("resultado");
+        QTest::addColumn<bool>("guardado");
+        QTest::newRow("accepted") << 1 << u"demo"_s << u"100"_s << u"100"_s << true;
+        QTest::newRow("zero balance is a success") << 1 << u"demo"_s << u"0"_s << u"0"_s << true;
+        QTest::newRow("refused") << 1 << u"mala"_s << u"100"_s << u"-1"_s << false;
+        QTest::newRow("unknown account") << 9 << u"demo"_s << u"100"_s << u"0"_s << false;
+    }
+    void storedAccountBalance() {
+        QFETCH(int, canal);
+        QFETCH(QString, clave);
+        QFETCH(QString, saldoSim);
+        QFETCH(QString, resultado);
+        QFETCH(bool, guardado);
+        ScriptedInterface ui;
+        auto sim = simulador(u"[cuenta1]\nusuario=demo\nclave=demo\nmovil=0034600123456\nsaldo="_s +
+                             saldoSim + u'\n');
+        anadirCuenta(sim->host(), clave);
+        QCOMPARE(SendAutCuenta(int16_t(canal)), resultado);
+        const QueryResult c =
+            appState().Conexion.query(u"select Saldo, Remitente, movil from Canales"_s);
+        QCOMPARE(c.value(0, 0).toString(), guardado ? saldoSim : u"7"_s);
+        QCOMPARE(c.value(0, 1).toString(), guardado ? u"Tienda "_s : u"Tienda"_s);
+        QCOMPARE(c.value(0, 2).toString(), guardado ? u"0034600123456"_s : QString());
+        QCOMPARE(registroContiene(u"Conectando con Usuario: 'demo' ...."_s), canal == 1);
+    }
+
+    void versionNotices_data() {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<bool>("aviso");
+        QTest::addColumn<QString>("abierta");
+        const QString web = u"http://www.quelmo.example"_s;
+        QTest::newRow("none announced") << QString() << 0 << false << QString();
+        QTest::newRow("equal") << u"325"_s << 0 << false << QString();
+        QTest::newRow("lower") << u"324"_s << 0 << false << QString();
+        QTest::newRow("higher, yes")
+            << u" 326 "_s << int(Msg::Yes) << true << web + u"/download/Quelmo_Mensajes_SMS.zip"_s;
+        QTest::newRow("digits only, no")
+            << u"3101"_s << int(Msg::No) << true << web + u"/quelmo_sms.php"_s;
+        QTest::newRow("higher, cancel") << u"400"_s << int(Msg::Cancel) << true << QString();
+    }
+    void versionNotices() {
+        QFETCH(QString, version);
+        QFETCH(int, respuesta);
+        QFETCH(bool, aviso);
+        QFETCH(QString, abierta);
+        ScriptedInterface ui;
+        ui.answers << respuesta;
+        auto sim = simulador(configuracion(u"version="_s + version));
+        QString host = sim->host();
+        QCOMPARE(msConsultarSaldo(u"demo"_s, u"demo"_s, host), u"100"_s);
+        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        if (aviso) {
+            QCOMPARE(ui.boxes[0].style, Msg::YesNoCancel + Msg::Exclamation);
+            QVERIFY(ui.boxes[0].text.contains(u"nueva versión "_s + version.trimmed() + u'?'));
+        }
+        QCOMPARE(ui.openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
+
+        // A transmitter run only writes a line, at its end.
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        anadirCuenta(sim->host());
+        anadirFila(u"0034111111111"_s, u"x"_s);
+        SendMessage();
+        QCOMPARE(appState().log.last().endsWith(
+                     u"ATENCION: Existe una versión nueva de Quelmo Mensajes SMS, acceda a "
+                     "http://www.quelmo.example para descargarla."_s),
+                 aviso);
+        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+    }
+
+    void urlRule_data() {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("url");
+        const QString ruta = u"/servlet/quelmoMessage.servlet.Servlet"_s;
+        QTest::newRow("bare") << u"myhost"_s << u"HTTP://myhost"_s + ruta;
+        QTest::newRow("upper scheme") << u"HTTP://myhost"_s << u"HTTP://myhost"_s + ruta;
+        QTest::newRow("lower scheme, slash") << u"http://myhost/"_s << u"http://myhost"_s + ruta;
+        QTest::newRow("https is not recognised") << u"https://h"_s << u"HTTP://https://h"_s + ruta;
+    }
+    void urlRule() {
+        QFETCH(QString, host);
+        QFETCH(QString, url);
+        const auto cliente = qmXMLSend::crear();
+        msPonerUrl(*cliente, host);
+        QCOMPARE(cliente->url, url);
+    }
+
+    void listPublicationCounts() {
+        auto sim = simulador();
+        const auto publicar = [&](const QStringList& numeros, bool borrar) {
+            const auto c = qmXMLSend::crear();
+            c->usuario = u"demo"_s;
+            c->clave = u"demo"_s;
+            msPonerUrl(*c, sim->host());
+            c->ltag = u"CLIENTES"_s;
+            c->nborrar = borrar ? u"1"_s : u"0"_s;
+            c->Lacc = u"U"_s;
+            for (int i = 0; i < numeros.size(); ++i)
+                c->XMLMensajes.AddContacto(QString::number(i), numeros[i], u"Ana"_s, u"<&>"_s);
+            QString nn, ff;
+            c->SendXMLLista(nn, ff);
+            if (c->RXAutentificacion.Resultado != u"1"_s) return QStringList{u"rechazada"_s};
+            return QStringList{c->RXAutentificacion.CADD, c->RXAutentificacion.CUP,
+                               c->RXAutentificacion.CERR};
+        };
+        const QStringList dos = {u"0034600000001"_s, u"0034600000002"_s};
+        QCOMPARE(publicar(dos + QStringList{u"abc"_s}, false),
+                 (QStringList{u"2"_s, u"0"_s, u"1"_s}));
+        QCOMPARE(publicar(dos, false), (QStringList{u"0"_s, u"2"_s, u"0"_s}));
+        QCOMPARE(publicar(dos, true), (QStringList{u"2"_s, u"0"_s, u"0"_s}));
+        QCOMPARE(publicar({}, false), (QStringList{u"0"_s, u"0"_s, u"0"_s}));
+    }
+
+    void noReplyReadsAsEmpty() {
+        auto sim = simulador();
+        sim->detener();
+        const auto c = qmXMLSend::crear();
+        QCOMPARE(c->XMLMensajes.Count(), 0);
+        msPonerUrl(*c, sim->host());
+        c->XMLMensajes.Add(12, u"xxx"_s, u"getsaldo"_s);
+        QCOMPARE(c->XMLMensajes.Item(1).Key, u"12"_s);
+        QString nn, ff;
+        c->SendXML(nn, ff);
+        QVERIFY(c->RXAutentificacion.Resultado.isEmpty());
+        QVERIFY(c->RXAutentificacion.saldo.isEmpty());
+        QVERIFY(c->RXAutentificacion.Version.isEmpty());
+        QVERIFY(!ff.isEmpty());
+    }
+};
+
+QUELMO_TEST_MAIN(TestDelivery)
+#include "test_delivery.moc"
