@@ -317,9 +317,7 @@ class Plataforma {
 };
 
 // The form parameter "xml" of a url-encoded body.
-QByteArray parametroXml(const httplib::Request& req) {
-    if (req.has_param("xml")) return QByteArray::fromStdString(req.get_param_value("xml"));
-    QByteArray cuerpo = QByteArray::fromStdString(req.body);
+QByteArray parametroXml(QByteArray cuerpo) {
     cuerpo.replace('+', ' ');
     for (const QByteArray& par : cuerpo.split('&'))
         if (par.startsWith("xml=")) return QByteArray::fromPercentEncoding(par.mid(4));
@@ -365,9 +363,17 @@ int main(int argc, char** argv) {
     Plataforma plataforma(std::move(conf));
 
     httplib::Server servidor;
-    servidor.Post(kRuta, [&](const httplib::Request& req, httplib::Response& res) {
+    // The body is read here rather than by the server, whose own form parsing
+    // refuses url-encoded bodies above a few kilobytes: a batch is larger.
+    servidor.Post(kRuta, [&](const httplib::Request&, httplib::Response& res,
+                             const httplib::ContentReader& lector) {
+        QByteArray cuerpo;
+        lector([&](const char* datos, size_t n) {
+            cuerpo.append(datos, qsizetype(n));
+            return true;
+        });
         QString fallo;
-        const QByteArray doc = plataforma.atender(parametroXml(req), fallo);
+        const QByteArray doc = plataforma.atender(parametroXml(cuerpo), fallo);
         if (retrasoMs > 0) std::this_thread::sleep_for(std::chrono::milliseconds(retrasoMs));
         if (fallo == u"error500"_s) {
             res.status = 500;

@@ -1,0 +1,88 @@
+// Drains an outbox of 10,000 rows for one account, 500 a batch, through the
+// platform simulator, and prints where the time of a batch goes. The
+// one-second pacing between exchanges is measured apart and left out.
+#include "../tests/delivery/SimuladorPrueba.h"
+#include "TestSupport.h"
+#include "app/AppState.h"
+#include "app/mdoMain.h"
+#include "delivery/mdoSendRavion.h"
+
+#include <QElapsedTimer>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char** argv) {
+    TestWorld world;
+    QCoreApplication app(argc, argv);
+    prepareTestApplication();
+    world.reset();
+    ScriptedInterface ui;
+    constexpr int kFilas = 10000;
+    constexpr int kLote = 500;
+
+    SimuladorPrueba sim(world.root(),
+                        u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000000\n"
+                        "movil=0034600123456\n"_s);
+    if (!sim.listo()) {
+        std::fprintf(stderr, "the platform simulator did not start\n");
+        return 1;
+    }
+    TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
+    Database& db = appState().Conexion;
+    db.exec(u"update opciones set maxlote=? where id=1"_s, {kLote});
+    db.exec(
+        u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
+        "remopc,imptextos) VALUES (1,'Banco',?,'demo',?,0,1,'Tienda ',0,0)"_s,
+        {sim.host(), msCifrarClave(u"demo"_s, true)});
+    const QString texto =
+        u"Su cita del día 12 a las 10:30 está confirmada. Responda NO para "
+        "anularla. Gracias & hasta pronto <ñ>"_s;
+    db.begin();
+    for (int i = 0; i < kFilas; ++i)
+        db.exec(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,?,2)"_s,
+                {QDateTime::currentDateTime(), u"6%1"_s.arg(i, 8, 10, QChar(u'0')), texto});
+    db.commit();
+
+    MedidaLote suma;
+    qint64 total = 0;
+    int lotes = 0;
+    QElapsedTimer reloj;
+    while (db.query(u"select count(*) from envios"_s).value(0, 0).toInt() > 0) {
+        appState().log.clear();
+        reloj.start();
+        msEnviarLote(1, false);
+        total += reloj.nsecsElapsed();
+        const MedidaLote& m = medidaUltimoLote();
+        if (m.http == 0) {
+            std::fprintf(stderr, "a batch made no exchange: %s\n",
+                         qPrintable(appState().log.last()));
+            return 1;
+        }
+        suma.lectura += m.lectura;
+        suma.carga += m.carga;
+        suma.pausa += m.pausa;
+        suma.documento += m.documento;
+        suma.http += m.http;
+        suma.respuesta += m.respuesta;
+        suma.escritura += m.escritura;
+        ++lotes;
+    }
+    const int enviadas = db.query(u"select count(*) from HEnvios"_s).value(0, 0).toInt();
+    const double segundos = double(total - suma.pausa) / 1e9;
+    const auto ms = [&](qint64 ns) { return double(ns) / lotes / 1e6; };
+    std::printf("bench_delivery: %d rows, %d batches of %d, one account, over loopback\n", enviadas,
+                lotes, kLote);
+    std::printf("%.0f rows/s (excluding pacing; %.2f s of work, %.2f s of pacing)\n",
+                enviadas / segundos, segundos, double(suma.pausa) / 1e9);
+    std::printf("one %d-row exchange, mean of %d:\n", kLote, lotes);
+    std::printf("  database read   %8.2f ms\n", ms(suma.lectura));
+    std::printf("  document build  %8.2f ms (items %.2f ms + XML %.2f ms)\n",
+                ms(suma.carga + suma.documento), ms(suma.carga), ms(suma.documento));
+    std::printf("  HTTP            %8.2f ms\n", ms(suma.http));
+    std::printf("  reply parse     %8.2f ms\n", ms(suma.respuesta));
+    std::printf("  result writes   %8.2f ms\n", ms(suma.escritura));
+    std::printf("  total           %8.2f ms beyond the pacing\n",
+                double(total - suma.pausa) / lotes / 1e6);
+    return enviadas == kFilas ? 0 : 1;
+}
