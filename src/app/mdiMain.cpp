@@ -416,8 +416,11 @@ void mdiMain::msRecarga() {
             ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
             return;
         }
-        msAbrirUrl(Despliegue::webSegura() + u"/informacion/recarga_sms.php?u="_s +
-                   textoDe(r.value(0, u"usuario"_s)));
+        // A user name with "&" or a blank must reach the page whole.
+        QString web = Despliegue::webSegura();
+        while (web.endsWith(u'/')) web.chop(1);
+        msAbrirUrl(web + u"/informacion/recarga_sms.php?u="_s +
+                   QString::fromLatin1(QUrl::toPercentEncoding(textoDe(r.value(0, u"usuario"_s)))));
     } catch (const QuelmoError& e) {
         if (e.number() != ErrNum::ItemNotFound) return;
         ui().msgBox(

@@ -162,7 +162,7 @@ class TestGuiMain : public QObject {
                                  << u"mailto:soporte@quelmo.example"_s;
         QTest::newRow("recharge") << u"RECARGA"_s << false << false
                                   << u"https://secure.quelmo.example/informacion/"
-                                     u"recarga_sms.php?u=ana"_s;
+                                     u"recarga_sms.php?u=ana%20y%20pep%26s"_s;
     }
     void gateStandsBeforeCommands() {
         QFETCH(QString, clave);
@@ -171,7 +171,7 @@ class TestGuiMain : public QObject {
         QFETCH(QString, efecto);
         ScriptedInterface ui;
         auto w = ventana();
-        principal(u"ana"_s, u"x"_s);
+        principal(u"ana y pep&s"_s, u"x"_s);
         appState().gsClaveAcceso = u"Clave"_s;
         auto usar = [&] {
             abiertas.clear();
