@@ -209,13 +209,20 @@ void msEnviarLote(int16_t canal, bool importado) {
             if (kNumerosSimulados.contains(destino)) destino = kSimulado;
             // 16-17. Only part 1 carries the row's Id as it is.
             const QString id = textoDe(lote.value(fila, colId));
-            if (texto.size() < 161) {
+            // Lengths and cuts count characters, so a character outside the
+            // basic plane is never split in two.
+            const QList<uint> caracteres = texto.toUcs4();
+            const qsizetype largo = caracteres.size();
+            if (largo < 161) {
                 cliente->XMLMensajes.Add(id, destino, texto);
             } else {
-                const qsizetype n = texto.size() / 150 + (texto.size() % 150 ? 1 : 0);
-                for (qsizetype i = 1, desde = 0; desde < texto.size(); ++i, desde += 150) {
-                    const QString parte = u'(' + QString::number(i) + u'-' + QString::number(n) +
-                                          u") "_s + texto.mid(desde, 150);
+                const qsizetype n = largo / 150 + (largo % 150 ? 1 : 0);
+                for (qsizetype i = 1, desde = 0; desde < largo; ++i, desde += 150) {
+                    const QList<uint> trozo = caracteres.mid(desde, 150);
+                    const QString parte =
+                        u'(' + QString::number(i) + u'-' + QString::number(n) + u") "_s +
+                        QString::fromUcs4(reinterpret_cast<const char32_t*>(trozo.constData()),
+                                          trozo.size());
                     const QString clave = i == 1 ? id : u'X' + QString::number(i) + u'X' + id;
                     cliente->XMLMensajes.Add(clave, destino, parte);
                 }
