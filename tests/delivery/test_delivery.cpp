@@ -87,6 +87,9 @@ class TestDelivery : public QObject {
                                    << 0 << u"Envío simulado Para el ENVIO_SIMULADO -> hola"_s;
         QTest::newRow("refused") << u"0034600000666"_s << u"hola"_s << 1 << u"demo"_s << true << 0
                                  << 1 << u"Su saldo en estos momentos es de : 100 Mensajes"_s;
+        QTest::newRow("balance spent")
+            << u"629000000"_s << u"hola"_s << 1 << u"sin saldo"_s << true << 0 << 1
+            << u"Saldo insuficiente Para el 0034629000000 -> hola"_s;
         QTest::newRow("long, part 1 accepted")
             << u"629000000"_s << largo << 1 << u"demo"_s << true << 2 << 0 << u" -> (2-2) aaaa"_s;
         QTest::newRow("long, part 1 refused") << u"0034600000666"_s << largo << 1 << u"demo"_s
@@ -120,8 +123,9 @@ class TestDelivery : public QObject {
         QFETCH(int, intento);
         QFETCH(QString, linea);
         ScriptedInterface ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host(), clave);
+        const bool sinSaldo = clave == u"sin saldo"_s;
+        auto sim = simulador(sinSaldo ? configuracion({}, u"saldo=0"_s) : configuracion());
+        anadirCuenta(sim->host(), sinSaldo ? u"demo"_s : clave);
         anadirFila(abonado, mensaje, canalFila);
         if (!conectar) sim->detener();
         msEnviarLote(int16_t(canalFila), false);
