@@ -1,5 +1,9 @@
 #include "app/Pantallas.h"
 
+#include "addressbook/PantallasAgenda.h"
+#include "app/condiciones.h"
+#include "composition/PantallasEnvio.h"
+
 #include <QHash>
 
 namespace Pantallas {
@@ -30,7 +34,11 @@ bool existe(const QString& nombre) {
     return registro().contains(nombre);
 }
 
-void registrarTodas() {}
+void registrarTodas() {
+    registrarPantallasApp();
+    registrarPantallasAgenda();
+    registrarPantallasEnvio();
+}
 
 void setTomarTextoEnvio(std::function<void(const QString&)> tomar) {
     tomador() = std::move(tomar);

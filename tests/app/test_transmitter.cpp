@@ -60,9 +60,10 @@ class TestTransmitter : public QObject {
             vistos.append({appState().gbEnviando, appState().gbImportado});
         };
         SendMessage();
-        // One turn of the loop after each account, with both flags up; the
-        // flag of the import goes up even though the file does not exist.
-        QCOMPARE(vistos.size(), 3);
+        // The loop turns during the run (after each account, and with each
+        // log line), always with both flags up; the flag of the import goes
+        // up even though the file does not exist.
+        QVERIFY(vistos.size() >= 3);
         for (const auto& [enviando, importado] : vistos) {
             QVERIFY(enviando);
             QVERIFY(importado);
