@@ -26,24 +26,34 @@ Transmitter::~Transmitter() {
 
 Transmitter* Transmitter::s_activo = nullptr;
 
-Transmitter* Transmitter::activo() { return s_activo; }
+Transmitter* Transmitter::activo() {
+    return s_activo;
+}
 
-void Transmitter::armarTemporizador() {
+std::optional<int> leerIntervalo() {
     const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s, u"60"_s);
     int segundos = 60;
     if (esNumerico(leido)) {
         try {
             segundos = aEntero16(leido);
-            if (segundos < 15) segundos = 60;
         } catch (const QuelmoError&) {
-            // Too large for the setting's type: the timer keeps its value.
-            m_timer.stop();
-            m_timer.start();
-            return;
+            return std::nullopt;
         }
+        if (segundos < 15) segundos = 60;
     }
     Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
-    establecerIntervalo(segundos);
+    return segundos;
+}
+
+void Transmitter::armarTemporizador() {
+    const std::optional<int> segundos = leerIntervalo();
+    if (!segundos) {
+        // Too large for the setting's type: the timer keeps its value.
+        m_timer.stop();
+        m_timer.start();
+        return;
+    }
+    establecerIntervalo(*segundos);
 }
 
 void Transmitter::establecerIntervalo(int segundos) {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <optional>
 
 // The transmitter's engine: `Timer1` and its tick. The main window owns
 // one; headless mode owns one without a window.
@@ -39,6 +40,10 @@ class Transmitter : public QObject {
     bool m_detenido = false;
     static Transmitter* s_activo;
 };
+
+// `Tr`/`Interval` in seconds: below 15 or not a number means 60, and the
+// value is saved back; none when the number is too large for the setting.
+std::optional<int> leerIntervalo();
 
 // Waits `seconds` while the event loop goes on, by the seconds since
 // midnight: a wait across midnight lasts until the counter comes up again.

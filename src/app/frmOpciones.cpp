@@ -129,16 +129,7 @@ frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
 void frmOpciones::cargar() {
     try {
         // 1. Below 15 or not a number means 60, and that is saved back.
-        const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s, u"60"_s);
-        int intervalo = 60;
-        if (esNumerico(leido)) {
-            try {
-                intervalo = aEntero16(leido);
-            } catch (const QuelmoError&) {
-            }
-            if (intervalo < 15) intervalo = 60;
-        }
-        Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(intervalo));
+        const int intervalo = leerIntervalo().value_or(60);
         txttimer->setText(QString::number(intervalo));
         // 2. The sentinel and an empty setting both mean "no password".
         const QString clave = msCifrarClave(Settings::getSetting(u"Tr"_s, u"pwc"_s), false);
