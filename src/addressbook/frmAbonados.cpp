@@ -5,6 +5,7 @@
 #include "addressbook/mdoAgenda.h"
 #include "app/AppState.h"
 #include "app/Conversions.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
@@ -20,6 +21,7 @@ using namespace Qt::StringLiterals;
 frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmAbonados"_s);
     setWindowTitle(u"Contactos"_s);
+    setWindowIcon(iconoQuelmo(u"contactos"_s));
     ListView1 =
         new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
     ListView1->setSeleccionMultiple(true);

@@ -5,6 +5,7 @@
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
 #include "app/Pantallas.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
@@ -24,6 +25,7 @@ frmGrupos::ListaElegida& elegida() {
 frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmGrupos"_s);
     setWindowTitle(u"Listas Locales"_s);
+    setWindowIcon(iconoQuelmo(u"listas"_s));
     ListView1 =
         new Listado(u"ListView1"_s, {u"Código"_s, u"Nombre de Lista"_s, u"Nº Contactos"_s}, this);
     ListView1->setColumnWidth(0, 70);

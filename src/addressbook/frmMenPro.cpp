@@ -3,6 +3,7 @@
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
@@ -15,6 +16,7 @@ using namespace Qt::StringLiterals;
 frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmMenPro"_s);
     setWindowTitle(u"Mensajes Predefinidos"_s);
+    setWindowIcon(iconoQuelmo(u"predefinidos"_s));
     ListView1 = new Listado(u"ListView1"_s, {u"Texto del Mensaje Predefinido"_s}, this);
     auto boton = [this](const QString& nombre, const QString& texto) {
         return botonConNombre(this, nombre, texto);

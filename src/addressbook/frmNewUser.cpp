@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 
 #include <QComboBox>
@@ -20,6 +21,7 @@ using namespace Qt::StringLiterals;
 frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringListModel(this)) {
     setObjectName(u"frmNewUser"_s);
     setWindowTitle(u"Nuevo Contacto"_s);
+    setWindowIcon(iconoQuelmo(u"contactos"_s));
     setModal(true);
 
     auto campo = [this](const QString& nombre, int largo) {

@@ -3,6 +3,7 @@
 #include "app/AppState.h"
 #include "app/Conversions.h"
 #include "app/Pantallas.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 
 #include <QHBoxLayout>
@@ -18,6 +19,7 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     : QDialog(parent), m_textos(new QStringListModel(this)) {
     setObjectName(u"frmSelecMenPro"_s);
     setWindowTitle(u"Selección de Mensajes Predefinidos"_s);
+    setWindowIcon(iconoQuelmo(u"predefinidos"_s));
     setModal(true);
     lstMensajes = new QListView(this);
     lstMensajes->setObjectName(u"lstMensajes"_s);

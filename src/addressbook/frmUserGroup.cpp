@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "app/Conversions.h"
+#include "app/frmweb.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
 
@@ -28,6 +29,7 @@ QVector<QString> celdasDe(const QueryResult& rs) {
 frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmUserGroup"_s);
     setWindowTitle(u"Contactos de la Lista"_s);
+    setWindowIcon(iconoQuelmo(u"listas"_s));
     setModal(true);
     lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
     lstLista = new Listado(u"lstLista"_s, {u"Nombre"_s, u"Número"_s}, this);
