@@ -41,7 +41,7 @@ inline void miembro(const QString& codigo, int grupo) {
     bd().exec(u"INSERT INTO AboGrup (Abonado,Grupo) VALUES (?,?)"_s, {codigo, grupo});
 }
 
-// The values of the first column of a query, as text, in its order.
+// The first column of a query, as text.
 inline QStringList columna(const QString& sql, const QVariantList& params = {}) {
     const QueryResult r = bd().query(sql, params);
     QStringList valores;
@@ -53,15 +53,25 @@ inline long long cuantos(const QString& sql, const QVariantList& params = {}) {
     return numeroDe(bd().query(sql, params).value(0, 0));
 }
 
-// The texts of one column of a report list, in the order shown.
+// One column of a report list, in the order shown.
 inline QStringList textosDe(const Listado* l, int col) {
     QStringList t;
     for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->texto(f, col));
     return t;
 }
 
-// Runs `accion` on the next modal dialog as soon as it is up; `accion`
-// must close it. Fails the test when none comes.
+// Message boxes as "style text", so one comparison checks both.
+inline QString caja(int estilo, const QString& texto) {
+    return QString::number(estilo) + u' ' + texto;
+}
+inline QStringList cajas(const ScriptedInterface& ui) {
+    QStringList t;
+    for (const ShownBox& b : ui.boxes) t << caja(b.style, b.text);
+    return t;
+}
+
+// Runs `accion` on the next modal dialog once it is up; `accion` must
+// close it.
 inline void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 200) {
     QTimer::singleShot(10, qApp, [accion, intentos] {
         if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {

@@ -58,19 +58,14 @@ class TestPredefinidos : public QObject {
         QCOMPARE(ui.inputPrompts.at(0).text, u"Inserte el texto para el nuevo mensaje"_s);
         QCOMPARE(ui.inputPrompts.at(0).title, u"Alta de Mensajes Programados"_s);
         QCOMPARE(cuantos(u"select count(*) from MenPro"_s), existentes.size() + (numero >= 0));
-        if (texto.size() > 160) {
-            QCOMPARE(ui.boxes.size(), 1);
-            QCOMPARE(ui.boxes.at(0).text, u"El nombre introducido es demasiado grande"_s);
-            QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
-        } else {
-            QVERIFY(ui.boxes.isEmpty());
-        }
+        QCOMPARE(cajas(ui), texto.size() > 160 ? QStringList{caja(Msg::Critical,
+                                                                  u"El nombre introducido es "
+                                                                  u"demasiado grande"_s)}
+                                               : QStringList());
         if (numero < 0) return;
         QCOMPARE(columna(u"select Texto from MenPro where Mensaje = ?"_s, {numero}),
                  QStringList{texto});
-        QCOMPARE(
-            pantalla.ListView1->modelo()->texto(pantalla.ListView1->modelo()->rowCount() - 1, 0),
-            texto);
+        QCOMPARE(textosDe(pantalla.ListView1, 0).last(), texto);
     }
 
     void changeTakesUpTo160_data() {
@@ -98,8 +93,8 @@ class TestPredefinidos : public QObject {
         pantalla.cmdEdit->click();
         QCOMPARE(ui.inputPrompts.at(0).title, u"Edicion de Mensajes"_s);
         QCOMPARE(ui.inputPrompts.at(0).text, u"Inserte el nuevo texto para el mensaje"_s);
-        QCOMPARE(ui.boxes.isEmpty(), mensaje.isEmpty());
-        if (!mensaje.isEmpty()) QCOMPARE(ui.boxes.at(0).text, mensaje);
+        QCOMPARE(cajas(ui),
+                 mensaje.isEmpty() ? QStringList() : QStringList{caja(Msg::Critical, mensaje)});
         // Of two equal texts the first one is changed.
         QCOMPARE(columna(u"select Texto from MenPro order by Mensaje"_s),
                  (QStringList{u"Primero"_s, guardado, u"Segundo"_s}));
@@ -123,18 +118,20 @@ class TestPredefinidos : public QObject {
         QTest::addColumn<QStringList>("textos");
         QTest::addColumn<int>("elegido");  // -1: none selected
         QTest::addColumn<bool>("conEnvio");
+        QTest::addColumn<bool>("enter");  // Enter in the list, else the take button
         QTest::addColumn<QString>("resultado");
-        QTest::newRow("chosen text replaces")
-            << QStringList{u"Uno"_s, u"Dos"_s} << 1 << true << u"Dos"_s;
-        QTest::newRow("nothing selected") << QStringList{u"Uno"_s} << -1 << true << u"escrito"_s;
-        QTest::newRow("empty table") << QStringList{} << -1 << true << u"escrito"_s;
-        QTest::newRow("no compose screen loaded")
-            << QStringList{u"Uno"_s} << 0 << false << u"escrito"_s;
+        const QStringList dos{u"Uno"_s, u"Dos"_s};
+        QTest::newRow("chosen text replaces") << dos << 1 << true << false << u"Dos"_s;
+        QTest::newRow("taken with Enter") << dos << 1 << true << true << u"Dos"_s;
+        QTest::newRow("nothing selected") << dos << -1 << true << false << u"escrito"_s;
+        QTest::newRow("empty table") << QStringList{} << -1 << true << false << u"escrito"_s;
+        QTest::newRow("no compose screen loaded") << dos << 0 << false << false << u"escrito"_s;
     }
     void pickerReplacesComposeText() {
         QFETCH(QStringList, textos);
         QFETCH(int, elegido);
         QFETCH(bool, conEnvio);
+        QFETCH(bool, enter);
         QFETCH(QString, resultado);
         for (int i = 0; i < textos.size(); ++i) predefinido(i, textos.at(i));
         QString compuesto = u"escrito"_s;
@@ -148,24 +145,15 @@ class TestPredefinidos : public QObject {
             QCOMPARE(p->lstMensajes->model()->rowCount(), textos.size());
             if (elegido >= 0)
                 p->lstMensajes->setCurrentIndex(p->lstMensajes->model()->index(elegido, 0));
-            p->cmdAdd->click();
+            if (enter)
+                QTest::keyClick(p->lstMensajes, Qt::Key_Return);
+            else
+                p->cmdAdd->click();
             cerrado = !p->isVisible();
         });
         QVERIFY(Pantallas::abrir(u"frmSelecMenPro"_s));
         QVERIFY(cerrado);
         QCOMPARE(compuesto, resultado);
-    }
-
-    void pickerTakesWithEnter() {
-        predefinido(0, u"Uno"_s);
-        QString compuesto;
-        Pantallas::setTomarTextoEnvio([&](const QString& t) { compuesto = t; });
-        ScriptedInterface ui;
-        frmSelecMenPro p;
-        p.lstMensajes->setCurrentIndex(p.lstMensajes->model()->index(0, 0));
-        QTest::keyClick(p.lstMensajes, Qt::Key_Return);
-        QCOMPARE(compuesto, u"Uno"_s);
-        QCOMPARE(p.result(), int(QDialog::Accepted));
     }
 };
 
