@@ -108,7 +108,12 @@ class TestContactos : public QObject {
                  aviso.isEmpty() ? QStringList{numero + u"/Ana"_s} : QStringList());
     }
 
-    void newContactStoresAccountAndLists() {
+    void newContactStoresListsAndTheNumberStaysUnique() {
+        const QString num = u"0034629000001"_s;
+        auto guardado = [] {
+            return columna(u"select Alias || '/' || Comentario || '/' || Canal from Abonados"_s) +
+                   columna(u"select Grupo from AboGrup order by 1"_s);
+        };
         ScriptedInterface ui;
         frmNewUser e;
         QVERIFY(e.msLoad());
@@ -116,26 +121,18 @@ class TestContactos : public QObject {
         QCOMPARE(e.cmbCanales->currentIndex(), -1);
         QVERIFY(e.lstGrupos->selectionModel()->selectedIndexes().isEmpty());
         QCOMPARE(e.lstGrupos->model()->index(2, 0).data().toString(), u"002 - Familia"_s);
-        QVERIFY(guardarNuevo(e, u"0034629000001"_s, u"Luis"_s, 1, {0, 2}));
-        QCOMPARE(columna(u"select Canal from Abonados where Codigo = '0034629000001'"_s),
-                 QStringList{u"1"_s});
-        QCOMPARE(columna(u"select Grupo from AboGrup where Abonado = '0034629000001' order by 1"_s),
-                 (QStringList{u"0"_s, u"2"_s}));
-    }
+        e.txtComentario->setText(u"primera"_s);
+        QVERIFY(guardarNuevo(e, num, u"Luis"_s, 1, {0, 2}));
+        const QStringList luis{u"Luis/primera/1"_s, u"0"_s, u"2"_s};
+        QCOMPARE(guardado(), luis);
 
-    void duplicateNumberChangesNothing() {
-        contacto(u"0034629000000"_s, u"Ana"_s, 0, u"primera"_s);
-        miembro(u"0034629000000"_s, 0);
-        ScriptedInterface ui;
-        frmNewUser e;
-        QVERIFY(e.msLoad());
-        QVERIFY(!guardarNuevo(e, u"0034629000000"_s, u"Otra"_s, 1, {1, 2}));
+        frmNewUser otro;
+        QVERIFY(otro.msLoad());
+        QVERIFY(!guardarNuevo(otro, num, u"Otra"_s, 0, {1}));
         QCOMPARE(cajas(ui), QStringList{caja(Msg::Critical,
                                              u"Error Añadiendo datos, el Contacto ya existe"_s)});
-        QCOMPARE(columna(u"select Alias || '/' || Comentario || '/' || Canal from Abonados"_s),
-                 QStringList{u"Ana/primera/0"_s});
-        QCOMPARE(columna(u"select Grupo from AboGrup"_s), QStringList{u"0"_s});
-        QCOMPARE(e.txtAlias->text(), u"Otra"_s);
+        QCOMPARE(guardado(), luis);
+        QCOMPARE(otro.txtAlias->text(), u"Otra"_s);
         // No transaction left open.
         contacto(u"0034600000009"_s, u"Nueva"_s, 0);
         QVERIFY(sqlite3_get_autocommit(bd().handle()));

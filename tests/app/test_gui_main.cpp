@@ -2,7 +2,6 @@
 // switch, the tray, the log panel and the closing rule.
 #include "TestSupportGui.h"
 #include "app/AppState.h"
-#include "app/ChildScreens.h"
 #include "app/Pantallas.h"
 #include "app/Settings.h"
 #include "app/frmLog.h"
