@@ -207,7 +207,7 @@ void msEnviarLote(int16_t canal, bool importado) {
             if (destino.startsWith(u'+')) destino = u"00"_s + destino.mid(1);
             if (!destino.startsWith(u"00"_s)) destino = u"0034"_s + destino;
             if (kNumerosSimulados.contains(destino)) destino = kSimulado;
-            // 16-17. Only part 1 carries the row's Id as it is.
+            // 16-17. Only the first piece carries the row's Id as it is.
             const QString id = textoDe(lote.value(fila, colId));
             // Lengths and cuts count characters, so a character outside the
             // basic plane is never split in two.

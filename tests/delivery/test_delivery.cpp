@@ -88,10 +88,10 @@ class TestDelivery : public QObject {
         QTest::newRow("balance spent")
             << u"629000000"_s << u"hola"_s << 1 << u"saldo=0"_s << true << 0 << 1
             << u"Saldo insuficiente Para el 0034629000000 -> hola"_s;
-        QTest::newRow("long, part 1 accepted")
+        QTest::newRow("long, first piece accepted")
             << u"629000000"_s << largo << 1 << QString() << true << 2 << 0 << u" -> (2-2) aaaa"_s;
-        QTest::newRow("long, part 1 refused") << u"0034600000666"_s << largo << 1 << QString()
-                                              << true << 0 << 1 << u" -> (2-2) aaaa"_s;
+        QTest::newRow("long, first piece refused") << u"0034600000666"_s << largo << 1 << QString()
+                                                   << true << 0 << 1 << u" -> (2-2) aaaa"_s;
         QTest::newRow("destination with letters")
             << u"62x9000"_s << u"hola"_s << 1 << QString() << true << 0 << 2
             << u"El Destino [ 62x9000 ] no es válido, envío no realizado"_s;
