@@ -1,6 +1,6 @@
 // Figures for the address book's lists: opening the contacts with 50,000
 // rows, sorting them by a header click, and the membership screen.
-#include "TestSupport.h"
+#include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmUserGroup.h"
 #include "app/AppState.h"
@@ -52,12 +52,7 @@ void cifra(const char* que, qint64 ms) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    TestWorld world;
-    QApplication app(argc, argv);
-    prepareTestApplication();
-    ScriptedInterface ui;
-    TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
+    BancoPantallas banco(argc, argv);
     llenar();
     std::printf("bench_addressbook: %d contacts, half of them in one list\n", kContactos);
 
@@ -108,7 +103,7 @@ int main(int argc, char** argv) {
     cifra("frmUserGroup store 50,000 memberships", t.elapsed());
 
     pantalla = new frmAbonados;
-    ui.answers = {Msg::Yes};
+    banco.ui.answers = {Msg::Yes};
     t.restart();
     pantalla->cmdDeletetodos->click();
     cifra("frmAbonados delete all 50,000", t.elapsed());

@@ -68,12 +68,7 @@ void cifra(const char* que, const Medida& m, double limite, int vueltas = 1) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    TestWorld world;
-    QApplication app(argc, argv);
-    prepareTestApplication();
-    ScriptedInterface ui;
-    TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
+    BancoPantallas banco(argc, argv);
     Database& db = appState().Conexion;
     llenarBandeja(db);
 
