@@ -3,7 +3,8 @@
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmUserGroup.h"
-#include "app/AppState.h"
+#include "base/AppState.h"
+#include "db/Conexion.h"
 #include "widgets/Listado.h"
 
 #include <QApplication>
@@ -22,7 +23,7 @@ const char16_t* const kNombres[] = {u"Álvaro", u"beatriz", u"Carmen", u"David",
                                     u"Ñuño",   u"óscar",   u"Pilar",  u"Quique", u"Rosa"};
 
 void llenar() {
-    Database& bd = appState().Conexion;
+    Database& bd = Conexion();
     bd.begin();
     for (int c = 0; c < 3; ++c)
         bd.exec(

@@ -2,9 +2,10 @@
 // refresh with and without a change in the row count, and a key typed in
 // the recipient box over a large address book.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
+#include "base/AppState.h"
 #include "composition/crtAutoComplete.h"
 #include "composition/frmEnvio.h"
+#include "db/Conexion.h"
 
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -69,7 +70,7 @@ void cifra(const char* que, const Medida& m, double limite, int vueltas = 1) {
 
 int main(int argc, char** argv) {
     BancoPantallas banco(argc, argv);
-    Database& db = appState().Conexion;
+    Database& db = Conexion();
     llenarBandeja(db);
 
     Medida t;

@@ -3,8 +3,9 @@
 // one-second pacing between exchanges is measured apart and left out.
 #include "../tests/delivery/SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "app/AppState.h"
-#include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
 #include <QElapsedTimer>
@@ -29,7 +30,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
-    Database& db = appState().Conexion;
+    Database& db = Conexion();
     db.exec(u"update opciones set maxlote=? where id=1"_s, {kLote});
     db.exec(
         u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"

@@ -1,8 +1,9 @@
 // Figure of the scheduler's share of a tick: ReLoad over 10,000 active
 // scheduled rows of every kind, none of them due, with the real clock.
 #include "TestSupport.h"
-#include "app/AppState.h"
-#include "app/Clock.h"
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
 #include <QElapsedTimer>
@@ -42,7 +43,7 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     prepareTestApplication();
     TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
-    llenarProgramas(appState().Conexion);
+    llenarProgramas(Conexion());
 
     QList<double> tiempos;
     int disparadas = 0;

@@ -1,10 +1,11 @@
 // The entry point of the GUI module: `Main` of the desktop application.
-#include "app/AppState.h"
 #include "app/GuiInterface.h"
-#include "app/Pantallas.h"
 #include "app/Startup.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Pantallas.h"
+#include "db/Conexion.h"
 
 #include <QApplication>
 #include <QIcon>

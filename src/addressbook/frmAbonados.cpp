@@ -1,13 +1,14 @@
 #include "addressbook/frmAbonados.h"
 
-#include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmNewUser.h"
 #include "addressbook/mdoAgenda.h"
-#include "app/AppState.h"
-#include "app/Conversions.h"
-#include "app/frmweb.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -134,7 +135,7 @@ void frmAbonados::borrarFilas(const QList<int>& filas) {
     int fallidos = 0;
     // Each contact goes in its own nested transaction; the outer one only
     // saves a disk sync per contact when thousands go at once.
-    Database& bd = appState().Conexion;
+    Database& bd = Conexion();
     const QString sp = u"borrarcontactos"_s;
     bool exterior = true;
     try {

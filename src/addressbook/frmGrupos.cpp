@@ -1,13 +1,13 @@
 #include "addressbook/frmGrupos.h"
 
-#include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmUserGroup.h"
 #include "addressbook/mdoAgenda.h"
-#include "app/Conversions.h"
-#include "app/Pantallas.h"
-#include "app/frmweb.h"
+#include "base/Conversions.h"
+#include "base/Pantallas.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

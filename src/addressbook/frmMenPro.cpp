@@ -1,11 +1,11 @@
 #include "addressbook/frmMenPro.h"
 
-#include "addressbook/PantallasAgenda.h"
 #include "addressbook/mdoAgenda.h"
-#include "app/Conversions.h"
-#include "app/frmweb.h"
+#include "base/Conversions.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

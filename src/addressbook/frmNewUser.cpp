@@ -1,9 +1,9 @@
 #include "addressbook/frmNewUser.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "app/Conversions.h"
-#include "app/frmweb.h"
+#include "base/Conversions.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 
 #include <QComboBox>
 #include <QEvent>

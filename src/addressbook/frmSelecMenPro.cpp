@@ -1,10 +1,12 @@
 #include "addressbook/frmSelecMenPro.h"
 
-#include "app/AppState.h"
-#include "app/Conversions.h"
-#include "app/Pantallas.h"
-#include "app/frmweb.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Conversions.h"
+#include "base/Pantallas.h"
+#include "db/Conexion.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -45,7 +47,7 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     // The texts in the table's own order.
     QStringList textos;
     try {
-        const QueryResult rs = appState().Conexion.query(u"select * from MenPro"_s);
+        const QueryResult rs = Conexion().query(u"select * from MenPro"_s);
         for (int f = 0; f < rs.recordCount(); ++f) textos.append(textoDe(rs.value(f, 1)));
     } catch (const DbError&) {
     }
@@ -72,7 +74,7 @@ void frmSelecMenPro::cmdAdd_Click() {
     const QModelIndex i = lstMensajes->currentIndex();
     if (i.isValid() && lstMensajes->selectionModel()->isSelected(i)) {
         const QString texto = m_textos->data(i).toString();
-        if (!texto.isEmpty()) Pantallas::tomarTextoEnvio(texto);
+        if (!texto.isEmpty()) Q_EMIT Avisos::instancia().textoElegido(texto);
     }
     accept();
 }

@@ -1,9 +1,9 @@
 #include "addressbook/frmUserGroup.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "app/Conversions.h"
-#include "app/frmweb.h"
+#include "base/Conversions.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 
 #include <QGridLayout>

@@ -1,7 +1,8 @@
 #include "addressbook/mdoAgenda.h"
 
-#include "app/AppState.h"
-#include "app/Conversions.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 
 #include <sqlite3.h>
 
@@ -12,7 +13,7 @@ namespace {
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
 Database& bd() {
-    return appState().Conexion;
+    return Conexion();
 }
 
 // Undoes a savepoint after a failure; the failure has already been told.

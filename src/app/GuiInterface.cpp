@@ -1,12 +1,10 @@
 #include "app/GuiInterface.h"
 
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Pantallas.h"
-#include "app/Settings.h"
-#include "app/frmOpciones.h"
-#include "app/mdoMain.h"
-#include "composition/frmEnvio.h"
+#include "app/frmpwd.h"
+#include "base/AppState.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
 #include "db/mdoDB.h"
 
 #include <QDesktopServices>
@@ -100,14 +98,6 @@ void GuiInterface::showSelectDatabase() {
 
 void GuiInterface::showFirstRunSetup() {
     Pantallas::abrir(u"frmTipoRegistro"_s);
-}
-
-bool GuiInterface::composeScreenActive() {
-    return qobject_cast<frmEnvio*>(ChildScreens::activeScreen()) != nullptr;
-}
-
-void GuiInterface::refreshComposeAccounts() {
-    if (ChildScreens::isLoaded<frmEnvio>()) ChildScreens::instance<frmEnvio>()->msCargarCanales();
 }
 
 void GuiInterface::openUrl(const QString& target) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/UserInterface.h"
+#include "base/UserInterface.h"
 
 class QWidget;
 
@@ -20,8 +20,6 @@ class GuiInterface : public UserInterface {
     void showSelectDatabase() override;
     void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
-    bool composeScreenActive() override;
-    void refreshComposeAccounts() override;
     [[noreturn]] void terminateWithoutDatabase() override;
 
   private:

@@ -1,10 +1,11 @@
 #include "app/Headless.h"
 
-#include "app/AppState.h"
-#include "app/HeadlessInterface.h"
 #include "app/Startup.h"
 #include "app/Transmitter.h"
 #include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/HeadlessInterface.h"
+#include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
 #include <sys/socket.h>
@@ -58,7 +59,7 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
     if (unaVez) {
         transmisor.msForzarEnvio();
         transmisor.detener();
-        g.Conexion.close();
+        Conexion().close();
         return 0;
     }
 
@@ -79,6 +80,6 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
     sigaction(SIGTERM, &sa, nullptr);
 
     const int codigo = app.exec();
-    g.Conexion.close();
+    Conexion().close();
     return codigo;
 }

@@ -1,9 +1,9 @@
 #include "app/Startup.h"
 
-#include "app/AppState.h"
-#include "app/Error.h"
-#include "app/Settings.h"
-#include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "base/Error.h"
+#include "base/Settings.h"
 
 #include <QCoreApplication>
 #include <QLockFile>

@@ -1,9 +1,10 @@
 #include "app/Transmitter.h"
 
-#include "app/Clock.h"
-#include "app/Conversions.h"
-#include "app/Error.h"
-#include "app/Settings.h"
+#include "base/Avisos.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "base/Settings.h"
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -17,17 +18,10 @@ Transmitter::Transmitter(QObject* parent) : QObject(parent) {
     m_timer.setObjectName(u"Timer1"_s);
     m_timer.setInterval(30000);
     connect(&m_timer, &QTimer::timeout, this, &Transmitter::Timer1_Timer);
-    if (!s_activo) s_activo = this;
-}
-
-Transmitter::~Transmitter() {
-    if (s_activo == this) s_activo = nullptr;
-}
-
-Transmitter* Transmitter::s_activo = nullptr;
-
-Transmitter* Transmitter::activo() {
-    return s_activo;
+    // The screens' "send now" buttons reach the timer this way.
+    connect(&Avisos::instancia(), &Avisos::envioPedido, this, &Transmitter::msForzarEnvio);
+    connect(&Avisos::instancia(), &Avisos::intervaloCambiado, this,
+            &Transmitter::establecerIntervalo);
 }
 
 std::optional<int> leerIntervalo() {

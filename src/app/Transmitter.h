@@ -10,11 +10,6 @@ class Transmitter : public QObject {
     Q_OBJECT
   public:
     explicit Transmitter(QObject* parent = nullptr);
-    ~Transmitter() override;
-
-    // The process's transmitter (the first one made and still alive): the
-    // screens' "send now" buttons reach the timer through it.
-    static Transmitter* activo();
 
     // Reads `Tr`/`Interval` (at least 15 s, else 60, saved back), sets the
     // timer and restarts the interval.
@@ -38,7 +33,6 @@ class Transmitter : public QObject {
   private:
     QTimer m_timer;
     bool m_detenido = false;
-    static Transmitter* s_activo;
 };
 
 // `Tr`/`Interval` in seconds: below 15 or not a number means 60, and the

@@ -1,8 +1,5 @@
 #include "app/condiciones.h"
 
-#include "app/Pantallas.h"
-
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
@@ -63,11 +60,4 @@ condiciones::condiciones(QWidget* parent) : QDialog(parent) {
     todo->addSpacing(6);
     todo->addWidget(botones);
     setFixedWidth(520);
-}
-
-void registrarPantallasApp() {
-    Pantallas::registrar(u"condiciones"_s, [] {
-        condiciones pantalla(QApplication::activeWindow());
-        pantalla.exec();
-    });
 }

@@ -9,6 +9,3 @@ class condiciones : public QDialog {
   public:
     explicit condiciones(QWidget* parent = nullptr);
 };
-
-// Registers the screens of this folder with the screen registry.
-void registrarPantallasApp();

@@ -1,6 +1,6 @@
 #include "app/frmLog.h"
 
-#include "app/AppState.h"
+#include "base/AppState.h"
 
 #include <QFontDatabase>
 #include <QListView>

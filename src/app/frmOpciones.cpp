@@ -1,12 +1,15 @@
 #include "app/frmOpciones.h"
 
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Conversions.h"
-#include "app/Settings.h"
 #include "app/Transmitter.h"
 #include "app/frmweb.h"
-#include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Cifrado.h"
+#include "base/Conversions.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
+#include "widgets/Iconos.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -138,7 +141,7 @@ void frmOpciones::cargar() {
             txtpwdcontactos2->setText(clave);
         }
         // 3.
-        const QueryResult r = appState().Conexion.query(u"select * from opciones"_s);
+        const QueryResult r = Conexion().query(u"select * from opciones"_s);
         if (!r.isEmpty()) {
             txtmaxlote->setText(textoDe(r.value(0, u"maxlote"_s)));
             txtimgfondo->setText(textoDe(r.value(0, u"imgfondo"_s)));
@@ -146,11 +149,7 @@ void frmOpciones::cargar() {
         }
     } catch (const QuelmoError&) {
         // 4.
-        ui().msgBox(
-            u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
-            u"de Datos correcta de Quelmo Mensajes"_s,
-            Msg::Critical);
-        ui().showSelectDatabase();
+        msBaseNoValida();
     }
 }
 
@@ -202,15 +201,14 @@ bool frmOpciones::msGuardarOpciones() {
         g.gsClaveAcceso = nueva;
         const QString cifrada = msCifrarClave(nueva, true);
         // 5.
-        g.Conexion.exec(u"update opciones set maxlote=?, solocontactos=?, imgfondo=?"_s,
+        Conexion().exec(u"update opciones set maxlote=?, solocontactos=?, imgfondo=?"_s,
                         {aEntero16(lote), Chkcontactos->isChecked() ? 1 : 0, txtimgfondo->text()});
         // 6. The interval is stored as typed.
         Settings::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
         Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
         // 7. A new interval starts counting now.
         if (segundos * 1000 > INT_MAX) throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
-        if (Transmitter* t = Transmitter::activo())
-            t->establecerIntervalo(int(std::lround(segundos)));
+        Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));
         // 8.
         ui().msgBox(
             u"Datos de Opciones  guardados correctamente.\n\nTiempo de envío de mensajes "
@@ -218,7 +216,7 @@ bool frmOpciones::msGuardarOpciones() {
                 intervalo + u" Seg.\n\n"_s,
             Msg::Information);
         // 9.
-        if (auto* web = qobject_cast<frmweb*>(ChildScreens::area())) web->cargarfondo();
+        if (auto* web = qobject_cast<frmweb*>(PantallasHijas::area())) web->cargarfondo();
         return true;
     } catch (const QuelmoError&) {
         // 10.
@@ -238,47 +236,4 @@ void frmOpciones::cmdexaminar_Click() {
 
 void frmOpciones::cmdAnadir_Click() {
     if (msGuardarOpciones()) accept();
-}
-
-frmpwd::frmpwd(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmpwd"_s);
-    setWindowTitle(u"Quelmo Mensajes SMS - Acceso Restringido"_s);
-
-    auto* candado = new QLabel(this);
-    candado->setPixmap(iconoQuelmo(u"aplicacion"_s).pixmap(48, 48));
-    candado->setAlignment(Qt::AlignTop);
-    auto* texto = new QLabel(u"Introduzca la contraseña de acceso a Quelmo Mensajes SMS:"_s, this);
-    texto->setWordWrap(true);
-    Text1 = new QLineEdit(this);
-    Text1->setObjectName(u"Text1"_s);
-    Text1->setEchoMode(QLineEdit::Password);
-    texto->setBuddy(Text1);
-
-    auto* botones = new QDialogButtonBox(this);
-    QPushButton* aceptar = botones->addButton(u"&Aceptar"_s, QDialogButtonBox::AcceptRole);
-    aceptar->setObjectName(u"cmdAñadir"_s);
-    QPushButton* salir = botones->addButton(u"&Cancelar"_s, QDialogButtonBox::RejectRole);
-    salir->setObjectName(u"CmdSalir"_s);
-    salir->setAutoDefault(false);
-    // Enter in the box is the same as Aceptar: the default button takes it.
-    aceptar->setDefault(true);
-    connect(aceptar, &QPushButton::clicked, this, [this] {
-        appState().gsClaveIntroducida = Text1->text();
-        accept();
-    });
-    connect(salir, &QPushButton::clicked, this, [this] {
-        appState().gsClaveIntroducida.clear();
-        reject();
-    });
-
-    auto* derecha = new QVBoxLayout;
-    derecha->addWidget(texto);
-    derecha->addWidget(Text1);
-    auto* arriba = new QHBoxLayout;
-    arriba->addWidget(candado);
-    arriba->addLayout(derecha, 1);
-    auto* todo = new QVBoxLayout(this);
-    todo->addLayout(arriba);
-    todo->addWidget(botones);
-    setMinimumWidth(380);
 }

@@ -32,13 +32,3 @@ class frmOpciones : public QDialog {
     QPushButton* cmdAnadir;
     QPushButton* CmdSalir;
 };
-
-// The prompt of the access gate.
-class frmpwd : public QDialog {
-    Q_OBJECT
-  public:
-    explicit frmpwd(QWidget* parent = nullptr);
-
-  private:
-    QLineEdit* Text1;
-};

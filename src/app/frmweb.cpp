@@ -1,9 +1,10 @@
 #include "app/frmweb.h"
 
-#include "app/AppState.h"
-#include "app/Conversions.h"
-#include "app/mdoMain.h"
-#include "delivery/Despliegue.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "base/Despliegue.h"
+#include "base/UserInterface.h"
+#include "db/Conexion.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -19,15 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-// The compiled-in pictures live in this static library: register them as
-// soon as any screen that shows one is linked in.
-static void iniciarRecursos() {
-    Q_INIT_RESOURCE(quelmo);
-}
-
 namespace {
-[[maybe_unused]] const bool kRecursos = (iniciarRecursos(), true);
-
 // A photograph larger than any screen only costs memory and scaling time.
 constexpr int kLadoMaximo = 3840;
 }  // namespace
@@ -48,7 +41,7 @@ void frmweb::cargarfondo() {
     // 1. No row, or no connection yet, counts as no picture.
     QString imgfondo;
     try {
-        const QueryResult r = appState().Conexion.query(u"select imgfondo from opciones"_s);
+        const QueryResult r = Conexion().query(u"select imgfondo from opciones"_s);
         if (!r.isEmpty()) imgfondo = textoDe(r.value(0, 0));
     } catch (const QuelmoError&) {
     }
@@ -93,93 +86,4 @@ void frmweb::paintEvent(QPaintEvent* event) {
         m_escalado = QPixmap::fromImage(cubierta.copy(corte));
     }
     p.drawPixmap(event->rect(), m_escalado, event->rect());
-}
-
-frmWinfo::frmWinfo(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmWinfo"_s);
-    setWindowTitle(u"Acerca de Quelmo Mensajes SMS"_s);
-
-    auto* icono = new QLabel(this);
-    icono->setPixmap(iconoQuelmo(u"aplicacion"_s).pixmap(64, 64));
-    icono->setAlignment(Qt::AlignTop);
-
-    auto* titulo = new QLabel(u"Quelmo Mensajes SMS"_s, this);
-    titulo->setObjectName(u"lblTitulo"_s);
-    QFont f = titulo->font();
-    f.setPointSizeF(f.pointSizeF() * 1.6);
-    f.setBold(true);
-    titulo->setFont(f);
-
-    auto* version = new QLabel(
-        u"Versión %1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision), this);
-    version->setObjectName(u"lblVersion"_s);
-
-    auto* texto = new QLabel(
-        u"Envío de mensajes SMS a sus contactos y listas a través de la plataforma web de "
-        u"mensajería: mensajes al momento, programados o importados desde ficheros de texto, "
-        u"con el histórico de todo lo enviado."_s,
-        this);
-    texto->setWordWrap(true);
-
-    auto* web =
-        new QLabel(u"<a href=\"%1\">%2</a>"_s.arg(Despliegue::web(), Despliegue::web()), this);
-    web->setObjectName(u"lblWeb"_s);
-    web->setTextInteractionFlags(Qt::TextBrowserInteraction);
-    connect(web, &QLabel::linkActivated, this, [](const QString& url) { msAbrirUrl(url); });
-
-    auto* textos = new QVBoxLayout;
-    textos->addWidget(titulo);
-    textos->addWidget(version);
-    textos->addSpacing(8);
-    textos->addWidget(texto);
-    textos->addWidget(web);
-    textos->addStretch();
-
-    auto* arriba = new QHBoxLayout;
-    arriba->addWidget(icono);
-    arriba->addSpacing(12);
-    arriba->addLayout(textos, 1);
-
-    auto* botones = new QDialogButtonBox(this);
-    QPushButton* contacta = botones->addButton(u"C&ontacta"_s, QDialogButtonBox::ActionRole);
-    contacta->setObjectName(u"cmdContacta"_s);
-    QPushButton* cerrar = botones->addButton(u"&Cerrar"_s, QDialogButtonBox::RejectRole);
-    cerrar->setObjectName(u"cmdCerrar"_s);
-    cerrar->setDefault(true);
-    connect(contacta, &QPushButton::clicked, this,
-            [] { msAbrirUrl(Despliegue::web() + u"/paginas_de_programas/contactqm.php"_s); });
-    connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
-
-    auto* todo = new QVBoxLayout(this);
-    todo->addLayout(arriba);
-    todo->addSpacing(12);
-    todo->addWidget(botones);
-    setFixedWidth(480);
-}
-
-QIcon iconoQuelmo(const QString& nombre) {
-    return QIcon(u":/quelmo/iconos/"_s + nombre + u".png"_s);
-}
-
-QString rutaAyuda() {
-    return directorioAplicacion() + u"/ayuda/Quelmo Mensajes SMS.html"_s;
-}
-
-void msAyuda() {
-    // The browser can't read inside the program, so the manual is written out
-    // next to the user's data, and only when it changed.
-    QFile origen(u":/quelmo/ayuda/index.html"_s);
-    if (!origen.open(QIODevice::ReadOnly)) return;
-    const QByteArray manual = origen.readAll();
-    const QString ruta = rutaAyuda();
-    QFile destino(ruta);
-    const bool igual = destino.open(QIODevice::ReadOnly) && destino.readAll() == manual;
-    destino.close();
-    if (!igual) {
-        QDir().mkpath(QFileInfo(ruta).absolutePath());
-        if (!destino.open(QIODevice::WriteOnly | QIODevice::Truncate)) return;
-        destino.write(manual);
-        destino.close();
-    }
-    msAbrirUrl(ruta);
 }

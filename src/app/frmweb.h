@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QDialog>
-#include <QIcon>
 #include <QImage>
 #include <QMdiArea>
 
@@ -32,18 +30,3 @@ class frmweb : public QMdiArea {
     QPixmap m_escalado;
     bool m_propio = false;
 };
-
-// "Acerca de": the program, its version and the way to the maker.
-class frmWinfo : public QDialog {
-    Q_OBJECT
-  public:
-    explicit frmWinfo(QWidget* parent = nullptr);
-};
-
-// One of the program's own icons by name ("enviar", "ayuda"...).
-QIcon iconoQuelmo(const QString& nombre);
-
-// Opens the help manual in the desktop's browser.
-void msAyuda();
-// Where the manual is written out for the browser.
-QString rutaAyuda();

@@ -1,20 +1,28 @@
 #include "app/mdiMain.h"
 
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Conversions.h"
-#include "app/Pantallas.h"
-#include "app/Settings.h"
+#include "accounts/mdoCuentas.h"
+#include "app/RegistroPantallas.h"
 #include "app/Startup.h"
 #include "app/frmLog.h"
 #include "app/frmOpciones.h"
+#include "app/frmWinfo.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "base/Despliegue.h"
+#include "base/Interruptor.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
+#include "base/UserInterface.h"
 #include "composition/frmEnvio.h"
-#include "delivery/Despliegue.h"
+#include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 #include "import/mdoImport.h"
 #include "scheduling/clsTareasPendientes.h"
+#include "widgets/Ayuda.h"
+#include "widgets/Iconos.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -65,24 +73,21 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     setDockOptions(QMainWindow::AnimatedDocks);
 
     m_web = new frmweb(this);
-    ChildScreens::setArea(m_web);
+    PantallasHijas::setArea(m_web);
     setCentralWidget(m_web);
     m_log = new frmLog(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {150}, Qt::Vertical);
 
-    Pantallas::registrarTodas();
+    registrarTodas();
     crearBandeja();
     // 2.
     msCrearMenu();
     crearBarra();
     // 3. Never written counts as on.
-    bool activo = true;
-    try {
-        activo = aBooleano(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
-    } catch (const QuelmoError&) {
-    }
-    mostrarEstadoTransmisor(activo);
+    mostrarEstadoTransmisor(Interruptor::instancia().paraVentana());
+    connect(&Interruptor::instancia(), &Interruptor::cambiado, this,
+            &mdiMain::mostrarEstadoTransmisor);
     // 4.
     m_transmisor.armarTemporizador();
     // 5.
@@ -189,7 +194,7 @@ void mdiMain::msCrearMenu() {
         {u"keyCanales"_s, {true, pantalla(u"frmCanales")}},
         {u"keyBD"_s, {true, [] { ui().showSelectDatabase(); }}},
         {u"keyHelp"_s, {false, msAyuda}},
-        {u"keyHome01"_s, {false, [this] { msRecarga(); }}},
+        {u"keyHome01"_s, {false, [this] { ::msRecarga(); }}},
         {u"keyHome02"_s, {false, web(Despliegue::web)}},
         {u"keyHome07"_s,
          {false, web([]() -> QString { return Despliegue::web() + u"/novedadesqm.php"_s; })}},
@@ -267,7 +272,7 @@ void mdiMain::crearBarra() {
         {u"PROG"_s, {true, pantalla(u"frmMenAuto")}},
         {u"INFORMACION"_s, {false, msAyuda}},
         {u"EMERGENCIAS"_s, {true, pantalla(u"frmEmergencias")}},
-        {u"RECARGA"_s, {false, [this] { msRecarga(); }}},
+        {u"RECARGA"_s, {false, [this] { ::msRecarga(); }}},
         {u"OCULTAR"_s, {false, [this] { ocultar(); }}},
     };
 }
@@ -328,20 +333,8 @@ void mdiMain::mostrarEstadoTransmisor(bool activo) {
 }
 
 void mdiMain::msActivarTransmisor() {
-    const bool activo = m_keyTX->isChecked();
-    // 1. The compose screen's status line follows the switch at once (its
-    // own refresh brings the rest of it in line).
-    if (auto* envio = qobject_cast<frmEnvio*>(ChildScreens::activeScreen())) {
-        if (auto* lmt = envio->findChild<QLabel*>(u"lmt"_s)) {
-            lmt->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS Desactivado"_s);
-            QPalette pal = lmt->palette();
-            pal.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
-            lmt->setPalette(pal);
-        }
-    }
-    // 2-3.
-    Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
-    mostrarEstadoTransmisor(activo);
+    // Every screen that shows the switch follows through its owner.
+    Interruptor::instancia().establecer(m_keyTX->isChecked());
 }
 
 void mdiMain::ejecutar(const Orden& orden) {
@@ -408,29 +401,6 @@ void mdiMain::mnurestaurar_Click() {
     activateWindow();
 }
 
-void mdiMain::msRecarga() {
-    try {
-        const QueryResult r =
-            appState().Conexion.query(u"select * from canales where Principal=1"_s);
-        if (r.isEmpty()) {
-            ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
-            return;
-        }
-        // A user name with "&" or a blank must reach the page whole.
-        QString web = Despliegue::webSegura();
-        while (web.endsWith(u'/')) web.chop(1);
-        msAbrirUrl(web + u"/informacion/recarga_sms.php?u="_s +
-                   QString::fromLatin1(QUrl::toPercentEncoding(textoDe(r.value(0, u"usuario"_s)))));
-    } catch (const QuelmoError& e) {
-        if (e.number() != ErrNum::ItemNotFound) return;
-        ui().msgBox(
-            u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
-            u"de Datos correcta de Quelmo Mensajes"_s,
-            Msg::Critical);
-        ui().showSelectDatabase();
-    }
-}
-
 void mdiMain::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (m_activado) return;
@@ -444,32 +414,9 @@ void mdiMain::primeraActivacion() {
     msAbrirBaseInicial();
     // The picture may live in the database just opened.
     m_web->cargarfondo();
-    msPrimeraVez();
+    ::msPrimeraVez();
     clsTareasPendientes().PendientesEnviar();
     Q_EMIT primeraActivacionTerminada();
-}
-
-void mdiMain::msPrimeraVez() {
-    try {
-        const QueryResult r =
-            appState().Conexion.query(u"select * from canales where principal=1"_s);
-        // 1. No principal account: the set-up of the first one.
-        if (r.isEmpty()) {
-            ui().showFirstRunSetup();
-            return;
-        }
-        const QString usuario = textoDe(r.value(0, u"usuario"_s));
-        const QString clave = textoDe(r.value(0, u"clave"_s));
-        // 2. One exchange per start refreshes the balance.
-        if (!usuario.isEmpty() && !clave.isEmpty()) {
-            SendAutCuenta(aEntero16(r.value(0, u"canal"_s)));
-            return;
-        }
-        // 3. An account without its credentials: the set-up completes it.
-        Pantallas::abrir(u"frmNewCanal"_s);
-        ui().showFirstRunSetup();
-    } catch (const QuelmoError&) {
-    }
 }
 
 void mdiMain::closeEvent(QCloseEvent* event) {
@@ -485,7 +432,7 @@ void mdiMain::closeEvent(QCloseEvent* event) {
     }
     // 2. Other screens get no say: the process ends here.
     m_transmisor.detener();
-    g.Conexion.close();
+    Conexion().close();
     QCoreApplication::processEvents();
     m_icono->hide();
     event->accept();

@@ -32,8 +32,6 @@ class mdiMain : public QMainWindow {
     bool activado() const { return m_activado; }
 
     void msForzarEnvio() { m_transmisor.msForzarEnvio(); }
-    void msPrimeraVez();
-    void msRecarga();
     void mnurestaurar_Click();
 
     // Command dispatch by key: the menu bar's entries and the toolbar's

@@ -1,9 +1,10 @@
 #include "composition/Envio.h"
 
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Conversions.h"
-#include "app/mdoMain.h"
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 
 #include <QHash>
 
@@ -11,8 +12,7 @@ using namespace Qt::StringLiterals;
 
 bool leerSoloContactos() {
     try {
-        const QueryResult r =
-            appState().Conexion.query(u"select solocontactos from opciones where id=1"_s);
+        const QueryResult r = Conexion().query(u"select solocontactos from opciones where id=1"_s);
         if (r.recordCount() == 1) return aBooleano(textoDe(r.value(0, 0)));
     } catch (const QuelmoError&) {
         // An older database has no options: everyone may be sent to.
@@ -23,7 +23,7 @@ bool leerSoloContactos() {
 QString msBuscarAlias(const QString& elemento) {
     if (elemento.trimmed().isEmpty()) return {};
     const QueryResult r =
-        appState().Conexion.query(u"Select codigo from Abonados where alias = ?"_s, {elemento});
+        Conexion().query(u"Select codigo from Abonados where alias = ?"_s, {elemento});
     if (r.isEmpty()) return {};
     return textoDe(r.value(0, 0)).trimmed();
 }
@@ -72,7 +72,7 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
             continue;
         }
         try {
-            appState().Conexion.exec(
+            Conexion().exec(
                 u"Insert into envios (abonado,mensaje,intento,Registro,Canal) values (?,?,2,?,?)"_s,
                 {elemento, texto, Clock::now(), qlonglong(canal)});
         } catch (const QuelmoError&) {
@@ -90,7 +90,7 @@ const auto kDesdeBandeja = u" from envios inner join canales on envios.canal=can
 }
 
 int contarBandeja() {
-    const QueryResult r = appState().Conexion.query(u"select count(*)"_s + kDesdeBandeja);
+    const QueryResult r = Conexion().query(u"select count(*)"_s + kDesdeBandeja);
     return r.isEmpty() ? 0 : int(numeroDe(r.value(0, 0)));
 }
 
@@ -103,7 +103,7 @@ QString fechaBandeja(const QString& registro) {
 }  // namespace
 
 QVector<QString> leerBandeja() {
-    Database& db = appState().Conexion;
+    Database& db = Conexion();
     // The account column repeats the same few texts: each is made once and
     // shared by its rows, and the engine formats the dates, so a hundred
     // thousand rows cost little more than reading them.

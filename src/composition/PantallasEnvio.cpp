@@ -1,9 +1,9 @@
 #include "composition/PantallasEnvio.h"
 
-#include "app/ChildScreens.h"
-#include "app/Pantallas.h"
+#include "base/Pantallas.h"
 #include "composition/frmEnvio.h"
 #include "composition/frmSeleccion.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QApplication>
 
@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 void registrarPantallasEnvio() {
     Pantallas::registrar(u"frmEnvio"_s,
-                         [] { ChildScreens::show(ChildScreens::instance<frmEnvio>()); });
+                         [] { PantallasHijas::show(PantallasHijas::instance<frmEnvio>()); });
     Pantallas::registrar(u"frmSeleccion"_s, [] {
         frmSeleccion picker(QApplication::activeWindow());
         picker.exec();

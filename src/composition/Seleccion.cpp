@@ -1,7 +1,8 @@
 #include "composition/Seleccion.h"
 
-#include "app/AppState.h"
-#include "app/Conversions.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 
 #include <QSet>
 
@@ -10,7 +11,7 @@ using namespace Qt::StringLiterals;
 bool leerContactosSeleccion(QVector<QString>* celdas) {
     try {
         const QueryResult r =
-            appState().Conexion.query(u"Select Alias, Codigo from abonados order by alias"_s);
+            Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
         if (r.isEmpty()) return false;
         celdas->clear();
         celdas->reserve(qsizetype(r.recordCount()) * 2);
@@ -26,7 +27,7 @@ bool leerContactosSeleccion(QVector<QString>* celdas) {
 
 bool leerListasSeleccion(QVector<QString>* celdas) {
     try {
-        const QueryResult r = appState().Conexion.query(
+        const QueryResult r = Conexion().query(
             u"SELECT Grupos.Grupo, Grupos.Nombre, (select count(*) from abogrup where "
             u"abogrup.grupo=Grupos.grupo) AS Contactos FROM Grupos order by grupo"_s);
         if (r.isEmpty()) return false;
@@ -60,7 +61,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
         // Aliases compare ignoring case, as in the database.
         QSet<QString> excluidos;
         if (!listas.isEmpty()) {
-            const QueryResult r = appState().Conexion.query(
+            const QueryResult r = Conexion().query(
                 u"SELECT AboGrup.Abonado,(Select alias from abonados where Abonados.codigo = "
                 u"AboGrup.Abonado) as alias FROM Grupos inner JOIN AboGrup ON Grupos.Grupo = "
                 u"AboGrup.Grupo WHERE "_s +
@@ -82,7 +83,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
             if (!d.texto.isEmpty() && !d.detalle.startsWith(u"Lista"_s))
                 elegidos.insert(d.texto.toCaseFolded());
         if (!elegidos.isEmpty()) {
-            const QueryResult r = appState().Conexion.query(
+            const QueryResult r = Conexion().query(
                 u"select alias from abonados where alias is not null group by alias order by alias"_s);
             for (int i = 0; i < r.recordCount(); ++i) {
                 const QString alias = textoDe(r.value(i, 0));

@@ -1,19 +1,20 @@
 #include "composition/frmEnvio.h"
 
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Conversions.h"
-#include "app/Pantallas.h"
-#include "app/Settings.h"
-#include "app/Transmitter.h"
-#include "app/frmweb.h"
-#include "app/mdiMain.h"
-#include "app/mdoMain.h"
+#include "accounts/mdoCuentas.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Conversions.h"
+#include "base/Interruptor.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
 #include "composition/Envio.h"
 #include "composition/crtAutoComplete.h"
+#include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QAction>
 #include <QApplication>
@@ -37,29 +38,6 @@ namespace {
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
-// The frame; null when the screen stands alone (tests).
-mdiMain* marco() {
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto* m = qobject_cast<mdiMain*>(w)) return m;
-    return nullptr;
-}
-
-// An entry of the frame's menus by key; null when no frame is up.
-QAction* accionMarco(const QString& clave) {
-    mdiMain* m = marco();
-    return m ? m->findChild<QAction*>(clave) : nullptr;
-}
-
-// The transmitter switch as the frame shows it; without a frame, as stored.
-bool transmisorActivo() {
-    if (QAction* a = accionMarco(u"keyTX"_s)) return a->isChecked();
-    try {
-        return aBooleano(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
-    } catch (const QuelmoError&) {
-        return false;
-    }
-}
-
 QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
     auto* l = new QLabel(texto, padre);
     l->setObjectName(nombre);
@@ -80,15 +58,13 @@ frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
     msNotaTextos.clear();
     msCargarCanales();
     msAbrirBandeja();
-    mostrarTransmisor(transmisorActivo());
+    mostrarTransmisor(Interruptor::instancia().paraVentana());
     mlMensajes = 0;
     msPintarBandeja();
     msCargarContactos();
-    Pantallas::setTomarTextoEnvio([this](const QString& texto) { tomarTexto(texto); });
-}
-
-frmEnvio::~frmEnvio() {
-    Pantallas::setTomarTextoEnvio({});
+    connect(&Avisos::instancia(), &Avisos::textoElegido, this, &frmEnvio::tomarTexto);
+    connect(&Avisos::instancia(), &Avisos::cuentasCambiadas, this, &frmEnvio::msCargarCanales);
+    connect(&Interruptor::instancia(), &Interruptor::cambiado, this, &frmEnvio::mostrarTransmisor);
 }
 
 void frmEnvio::construir() {
@@ -220,12 +196,9 @@ void frmEnvio::construir() {
 bool frmEnvio::msCargarCanales() {
     bool resultado = false;
     try {
-        const QueryResult r = appState().Conexion.query(u"Select * From Canales "_s);
+        const QueryResult r = Conexion().query(u"Select * From Canales "_s);
         if (r.isEmpty()) {
-            if (mdiMain* m = marco())
-                m->msPrimeraVez();
-            else
-                ui().showFirstRunSetup();
+            msPrimeraVez();
         } else {
             // The selection survives the rebuilding.
             if (ImageCombo1->count() > 0 && ImageCombo1->currentIndex() >= 0)
@@ -302,7 +275,7 @@ void frmEnvio::cmdAbonados_Click() {
 void frmEnvio::msCargarContactos() {
     try {
         const QueryResult r =
-            appState().Conexion.query(u"Select Alias, Codigo from abonados order by alias"_s);
+            Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
         QStringList alias;
         alias.reserve(r.recordCount());
         for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
@@ -387,7 +360,7 @@ void frmEnvio::cmdModificar_Click() {
     const QString id = ListView1->modelo()->texto(fila, 0);
     if (id.isEmpty()) return;
     try {
-        Database& db = appState().Conexion;
+        Database& db = Conexion();
         const QueryResult r = db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
         if (r.isEmpty()) return;
         // Modifying takes the row back into the compose fields.
@@ -407,8 +380,8 @@ void frmEnvio::cmdEliminar_Click() {
     if (ui().msgBox(preguntaFila(u"¿Realmente desea eliminar el "_s, fila), kPregunta) != Msg::Yes)
         return;
     try {
-        appState().Conexion.exec(u"Delete from envios where id = ?"_s,
-                                 {ListView1->modelo()->texto(fila, 0)});
+        Conexion().exec(u"Delete from envios where id = ?"_s,
+                        {ListView1->modelo()->texto(fila, 0)});
         msPintarBandeja();
         ui().processEvents();
     } catch (const QuelmoError&) {
@@ -420,7 +393,7 @@ void frmEnvio::cmdEliminarTodos_Click() {
                     kPregunta) != Msg::Yes)
         return;
     try {
-        appState().Conexion.exec(u"Delete from envios"_s);
+        Conexion().exec(u"Delete from envios"_s);
         msPintarBandeja();
         ui().processEvents();
     } catch (const QuelmoError&) {
@@ -436,14 +409,14 @@ void frmEnvio::cmdEnviar_Click() {
     if (!appState().gbEnviando) {
         cmdEnviar->setCursor(Qt::BusyCursor);
         setCursor(Qt::BusyCursor);
-        if (Transmitter* t = Transmitter::activo()) t->msForzarEnvio();
+        Q_EMIT Avisos::instancia().envioPedido();
         msAbrirBandeja();
         mlMensajes = -1;
         msPintarBandeja();
         msCargarCanales();
     }
     // 3.
-    cmdEnviar->setEnabled(transmisorActivo());
+    cmdEnviar->setEnabled(Interruptor::instancia().paraVentana());
     unsetCursor();
     cmdEnviar->unsetCursor();
 }
@@ -466,7 +439,7 @@ void frmEnvio::cmdSaldo_Click() {
 }
 
 void frmEnvio::cmdRecarga_Click() {
-    if (mdiMain* m = marco()) m->msRecarga();
+    msRecarga();
 }
 
 // ---- the transmitter switch and the refresh -------------------------------
@@ -482,22 +455,12 @@ void frmEnvio::mostrarTransmisor(bool activo) {
 }
 
 void frmEnvio::imgmt_DblClick() {
-    const bool activo = !transmisorActivo();
-    if (QAction* a = accionMarco(u"keyTX"_s)) {
-        a->setChecked(activo);
-        a->setText(activo ? u"&Envío de SMS (Activado)"_s : u"&Envío de SMS (Desactivado)"_s);
-    }
-    if (QAction* t = accionMarco(u"mnutx"_s)) {
-        t->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS desactivado"_s);
-        t->setChecked(activo);
-    }
-    Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
-    mostrarTransmisor(activo);
+    Interruptor::instancia().alternar();
 }
 
 void frmEnvio::Timer1_Timer() {
     msPintarBandeja();
-    mostrarTransmisor(transmisorActivo());
+    mostrarTransmisor(Interruptor::instancia().paraVentana());
 }
 
 // ---- events ---------------------------------------------------------------
@@ -521,7 +484,7 @@ bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
     } else if (objeto == imgmt && evento->type() == QEvent::MouseButtonDblClick) {
         imgmt_DblClick();
         return true;
-    } else if (evento->type() == QEvent::Resize && objeto == ChildScreens::subWindowOf(this)) {
+    } else if (evento->type() == QEvent::Resize && objeto == PantallasHijas::subWindowOf(this)) {
         colocarEnMarco(false);
     }
     return QWidget::eventFilter(objeto, evento);
@@ -529,19 +492,19 @@ bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
 
 void frmEnvio::showEvent(QShowEvent* evento) {
     QWidget::showEvent(evento);
-    QMdiSubWindow* sub = ChildScreens::subWindowOf(this);
+    QMdiSubWindow* sub = PantallasHijas::subWindowOf(this);
     if (!sub || m_colocada) return;
     m_colocada = true;
     sub->installEventFilter(this);
     if (QMdiArea* area = sub->mdiArea())
         connect(area, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* activa) {
-            if (activa && activa == ChildScreens::subWindowOf(this)) colocarEnMarco(true);
+            if (activa && activa == PantallasHijas::subWindowOf(this)) colocarEnMarco(true);
         });
     colocarEnMarco(true);
 }
 
 void frmEnvio::colocarEnMarco(bool activacion) {
-    QMdiSubWindow* sub = ChildScreens::subWindowOf(this);
+    QMdiSubWindow* sub = PantallasHijas::subWindowOf(this);
     QMdiArea* area = sub ? sub->mdiArea() : nullptr;
     if (!area) return;
     if (activacion) {

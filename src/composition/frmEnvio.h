@@ -19,7 +19,6 @@ class frmEnvio : public QWidget {
     Q_OBJECT
   public:
     explicit frmEnvio(QWidget* parent = nullptr);
-    ~frmEnvio() override;
 
     // Rebuilds the account combo with the stored balances and renews the
     // counter; false when there was no account to show. Screens that

@@ -1,9 +1,9 @@
 #include "composition/frmSeleccion.h"
 
-#include "app/AppState.h"
-#include "app/frmweb.h"
+#include "base/AppState.h"
 #include "composition/Seleccion.h"
 #include "widgets/Boton.h"
+#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 
 #include <QGridLayout>

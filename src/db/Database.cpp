@@ -1,6 +1,6 @@
 #include "db/Database.h"
 
-#include "app/Clock.h"
+#include "base/Clock.h"
 
 #include <sqlite3.h>
 #include <QDateTime>

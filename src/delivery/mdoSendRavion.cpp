@@ -1,12 +1,17 @@
 #include "delivery/mdoSendRavion.h"
 
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Conversions.h"
-#include "app/Error.h"
-#include "app/Settings.h"
-#include "app/mdoMain.h"
-#include "delivery/Despliegue.h"
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Cifrado.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Despliegue.h"
+#include "base/Error.h"
+#include "base/Interruptor.h"
+#include "base/Settings.h"
+#include "base/UserInterface.h"
+#include "db/Conexion.h"
 #include "delivery/qmXMLSend.h"
 #include "import/mdoImport.h"
 
@@ -19,8 +24,7 @@ using namespace Qt::StringLiterals;
 void SendMessage() {
     AppState& g = appState();
     try {
-        // 1. Unset means off here (the main window shows it on).
-        if (aEntero16(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"0"_s)) != 1) return;
+        if (!Interruptor::instancia().paraEnvio()) return;
         // 2-4.
         g.gsVersionPlataforma.clear();
         g.log.clear();
@@ -38,7 +42,7 @@ void SendMessage() {
         }
         // 7-8. Ascending by account code; an account's failure stays in it.
         const QueryResult cuentas =
-            g.Conexion.query(u"select canal from envios group by canal order by canal"_s);
+            Conexion().query(u"select canal from envios group by canal order by canal"_s);
         for (int i = 0; i < cuentas.recordCount(); ++i) {
             msEnviarLote(aEntero16(cuentas.value(i, 0)), g.gbImportado);
             ui().processEvents();
@@ -136,8 +140,7 @@ void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host) {
 int16_t msMaxLote() {
     int16_t lote = 25;
     try {
-        const QueryResult r =
-            appState().Conexion.query(u"Select maxlote from opciones where id=1"_s);
+        const QueryResult r = Conexion().query(u"Select maxlote from opciones where id=1"_s);
         if (r.recordCount() == 1) lote = aEntero16(r.value(0, 0));
         if (lote > 500 || lote < 1) lote = 25;
     } catch (const QuelmoError&) {
@@ -148,7 +151,7 @@ int16_t msMaxLote() {
 
 void msEnviarLote(int16_t canal, bool importado) {
     AppState& g = appState();
-    Database& db = g.Conexion;
+    Database& db = Conexion();
     gMedida = MedidaLote();
     QElapsedTimer reloj;
     reloj.start();
@@ -328,7 +331,7 @@ void msEnviarLote(int16_t canal, bool importado) {
                          canal});
                 gMedida.escritura = reloj.nsecsElapsed();
                 // 35.
-                if (ui().composeScreenActive()) ui().refreshComposeAccounts();
+                Q_EMIT Avisos::instancia().cuentasCambiadas();
                 if (comentarioDice(rx.Comentario, u"Remitente NO Aceptado"_s))
                     ui().msgBox(kTextoRemitente, Msg::Exclamation, u"Remitente no aceptado"_s);
             }
@@ -393,7 +396,7 @@ QString SendAutCuenta(int16_t canal) {
     try {
         QString resultado = u"0"_s;
         const QueryResult cuenta =
-            appState().Conexion.query(u"Select * from canales where canal = ?"_s, {canal});
+            Conexion().query(u"Select * from canales where canal = ?"_s, {canal});
         if (cuenta.recordCount() == 1) {
             const QString clave = msCifrarClave(textoDe(cuenta.value(0, u"clave"_s)), false);
             msLog(u"Preparando conexión para Cuenta '"_s + textoDe(cuenta.value(0, u"Nombre"_s)) +
@@ -402,7 +405,7 @@ QString SendAutCuenta(int16_t canal) {
             resultado = msConsultarSaldo(textoDe(cuenta.value(0, u"usuario"_s)), clave, host);
             // A refused or failed query keeps the stored balance and sender.
             if (resultado != u"-2"_s && resultado != u"-1"_s)
-                appState().Conexion.exec(
+                Conexion().exec(
                     u"Update canales set saldo=?, Remitente=?, movil=? Where canal = ?"_s,
                     {resultado,
                      remitenteAGuardar(cuenta, textoDe(cuenta.value(0, u"Remitente"_s)).trimmed()),

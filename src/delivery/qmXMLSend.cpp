@@ -1,7 +1,7 @@
 #include "delivery/qmXMLSend.h"
 
-#include "app/Error.h"
-#include "delivery/Despliegue.h"
+#include "base/Despliegue.h"
+#include "base/Error.h"
 
 #include <curl/curl.h>
 #include <QElapsedTimer>

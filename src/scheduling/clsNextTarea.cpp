@@ -1,8 +1,9 @@
 #include "scheduling/clsNextTarea.h"
 
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Conversions.h"
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 
 #include <optional>
 
@@ -164,7 +165,7 @@ QDateTime clsNextTarea::leerFecha(const QString& texto) {
 
 void clsNextTarea::setCodigo(int32_t codigo) {
     m_codigo = codigo;
-    const QueryResult fila = appState().Conexion.query(
+    const QueryResult fila = Conexion().query(
         u"SELECT "_s + kColumnas + u" FROM Automaticos WHERE codigo=? and tareaProgramada=true"_s,
         {codigo});
     m_fila = fila.isEmpty() ? QVector<QVariant>() : fila.row(0);

@@ -1,10 +1,11 @@
 #include "scheduling/clsTareasPendientes.h"
 
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Conversions.h"
-#include "app/Error.h"
-#include "app/UserInterface.h"
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "base/UserInterface.h"
+#include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
 using namespace Qt::StringLiterals;
@@ -40,7 +41,7 @@ void ejecutar(bool pasarFallos, F&& paso) {
 
 void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima,
                                        bool pasarFallos) {
-    Database& db = appState().Conexion;
+    Database& db = Conexion();
     // A recipient whose contact is gone falls away in the join.
     QueryResult destinos;
     ejecutar(pasarFallos, [&] {
@@ -81,7 +82,7 @@ int16_t clsTareasPendientes::ReLoad() {
     // not keep the others from going out.
     constexpr bool pasar = true;
     m_activas = QueryResult();
-    ejecutar(pasar, [&] { m_activas = appState().Conexion.query(activas()); });
+    ejecutar(pasar, [&] { m_activas = Conexion().query(activas()); });
     if (!(m_activas.recordCount() > 0)) return 0;
 
     // One calculator for the walk: after a failed calculation the row is
@@ -120,7 +121,7 @@ int16_t clsTareasPendientes::PendientesEnviar() {
 }
 
 int16_t clsTareasPendientes::recorrerPendientes() {
-    m_activas = appState().Conexion.query(activas());
+    m_activas = Conexion().query(activas());
     if (m_activas.recordCount() < 1) return 0;
 
     clsNextTarea tarea;

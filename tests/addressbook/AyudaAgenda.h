@@ -3,8 +3,9 @@
 // What the address book's tests share: a database with accounts, rows to
 // look at, and a way to act on a modal screen once it is up.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
-#include "app/Conversions.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
 #include "widgets/Listado.h"
 
 #include <QApplication>
@@ -17,7 +18,7 @@ namespace agenda_prueba {
 using namespace Qt::StringLiterals;
 
 inline Database& bd() {
-    return appState().Conexion;
+    return Conexion();
 }
 
 inline void cuenta(int canal, const QString& nombre) {

@@ -4,9 +4,9 @@
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmNewUser.h"
-#include "app/ChildScreens.h"
-#include "app/Pantallas.h"
+#include "base/Pantallas.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <sqlite3.h>
 #include <QComboBox>
@@ -236,14 +236,14 @@ class TestContactos : public QObject {
         ScriptedInterface ui;
         registrarPantallasAgenda();
         QVERIFY(Pantallas::abrir(u"frmAbonados"_s));
-        frmAbonados* pantalla = ChildScreens::instance<frmAbonados>();
+        frmAbonados* pantalla = PantallasHijas::instance<frmAbonados>();
         pantalla->cmdAdd->click();  // an editor would block here
         QCOMPARE(cajas(ui), QStringList{caja(Msg::Critical,
                                              u"Atención, primero debe crear una Cuenta, desea "
                                              u"hacerlo en este momento ?"_s)});
         // Esc closes the screen, also with the focus in its list.
         QTest::keyClick(pantalla->ListView1, Qt::Key_Escape);
-        QTRY_VERIFY(!ChildScreens::isLoaded<frmAbonados>());
+        QTRY_VERIFY(!PantallasHijas::isLoaded<frmAbonados>());
     }
 
     void headerClickSortsByShownText() {

@@ -3,7 +3,7 @@
 #include "AyudaAgenda.h"
 #include "addressbook/frmGrupos.h"
 #include "addressbook/frmUserGroup.h"
-#include "app/Pantallas.h"
+#include "base/Pantallas.h"
 #include "widgets/Listado.h"
 
 #include <QLabel>

@@ -4,7 +4,8 @@
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmMenPro.h"
 #include "addressbook/frmSelecMenPro.h"
-#include "app/Pantallas.h"
+#include "base/Avisos.h"
+#include "base/Pantallas.h"
 #include "widgets/Listado.h"
 
 #include <QListView>
@@ -32,7 +33,6 @@ class TestPredefinidos : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/menpro.db"_s));
     }
-    void cleanup() { Pantallas::setTomarTextoEnvio({}); }
 
     void addTakesUpTo160_data() {
         QTest::addColumn<QList<int>>("existentes");
@@ -135,7 +135,11 @@ class TestPredefinidos : public QObject {
         QFETCH(QString, resultado);
         for (int i = 0; i < textos.size(); ++i) predefinido(i, textos.at(i));
         QString compuesto = u"escrito"_s;
-        if (conEnvio) Pantallas::setTomarTextoEnvio([&](const QString& t) { compuesto = t; });
+        QMetaObject::Connection tomar;
+        if (conEnvio)
+            tomar = QObject::connect(&Avisos::instancia(), &Avisos::textoElegido,
+                                     [&](const QString& t) { compuesto = t; });
+        const auto soltar = qScopeGuard([&] { QObject::disconnect(tomar); });
         ScriptedInterface ui;
         registrarPantallasAgenda();
         bool cerrado = false;

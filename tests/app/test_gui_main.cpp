@@ -1,13 +1,14 @@
 // The main window: menu and toolbar, the access gate, the transmitter
 // switch, the tray, the log panel and the closing rule.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
-#include "app/Pantallas.h"
-#include "app/Settings.h"
 #include "app/frmLog.h"
-#include "app/frmweb.h"
 #include "app/mdiMain.h"
-#include "app/mdoMain.h"
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
+#include "widgets/Ayuda.h"
 
 #include <QListView>
 #include <QMenu>
@@ -56,7 +57,7 @@ class TestGuiMain : public QObject {
     }
 
     void principal(const QString& usuario, const QString& clave) {
-        appState().Conexion.exec(
+        Conexion().exec(
             u"INSERT INTO Canales (Canal,Nombre,usuario,clave,Principal) VALUES (1,'c',?,?,1)"_s,
             {usuario, clave});
     }
@@ -258,13 +259,13 @@ class TestGuiMain : public QObject {
         QCOMPARE(cajas(ui), aviso);
         QVERIFY(w->isVisible());
         QCOMPARE(terminado, 0);
-        QVERIFY(appState().Conexion.isOpen());
+        QVERIFY(Conexion().isOpen());
 
         appState().gbEnviando = false;
         cerrar();
         QCOMPARE(cajas(ui), aviso);
         QCOMPARE(terminado, 1);
-        QVERIFY(!appState().Conexion.isOpen());
+        QVERIFY(!Conexion().isOpen());
         QVERIFY(!w->transmisor().Timer1().isActive());
     }
 
@@ -310,7 +311,7 @@ class TestGuiMain : public QObject {
         if (!usuario.isNull()) {
             TestDb::openShared(rutaBaseDefecto());
             principal(usuario, clave);
-            appState().Conexion.close();
+            Conexion().close();
         }
         auto w = ventana();
         QCOMPARE(ui.firstRunShown, puestaEnMarcha);

@@ -1,14 +1,17 @@
 // The options screen and the password prompt: the checks with their words,
 // what is stored, and that a saved change takes effect without a restart.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Settings.h"
 #include "app/Startup.h"
 #include "app/Transmitter.h"
 #include "app/frmOpciones.h"
+#include "app/frmpwd.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -32,7 +35,7 @@ class TestGuiOpciones : public QObject {
     }
 
     static QVariant opcion(const QString& columna) {
-        return appState().Conexion.query(u"select "_s + columna + u" from opciones"_s).value(0, 0);
+        return Conexion().query(u"select "_s + columna + u" from opciones"_s).value(0, 0);
     }
 
   private Q_SLOTS:
@@ -140,8 +143,7 @@ class TestGuiOpciones : public QObject {
         ScriptedInterface ui;
         if (!clave.isNull()) Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
         Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
-        appState().Conexion.exec(
-            u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
+        Conexion().exec(u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
         frmOpciones pantalla;
         for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
             QCOMPARE(campo(&pantalla, caja)->text(), enCajas);
@@ -157,7 +159,7 @@ class TestGuiOpciones : public QObject {
 
     void loadWithoutDatabaseSendsToTheSelection() {
         ScriptedInterface ui;
-        appState().Conexion.close();
+        Conexion().close();
         frmOpciones pantalla;
         QCOMPARE(ui.boxes.size(), 1);
         QCOMPARE(ui.boxes[0].style, 16);
@@ -170,7 +172,7 @@ class TestGuiOpciones : public QObject {
     void pictureChosenShowsAtOnce() {
         ScriptedInterface ui;
         frmweb panel;
-        ChildScreens::setArea(&panel);
+        PantallasHijas::setArea(&panel);
         QVERIFY(!panel.fondoPropio());
         // A path with an apostrophe is stored as it is.
         const QString ruta = world.root() + u"/o'neill.png"_s;
@@ -196,7 +198,7 @@ class TestGuiOpciones : public QObject {
             QVERIFY(!panel.fondoPropio());
             QCOMPARE(panel.fondo(), frmweb::fondoIncluido());
         }
-        ChildScreens::setArea(nullptr);
+        PantallasHijas::setArea(nullptr);
     }
 
     void promptTakesWhatWasTyped_data() {

@@ -1,7 +1,7 @@
 // `quelmo-sms --headless` as servers and scripts use it: a real process in a
 // temporary home.
 #include "TestSupport.h"
-#include "app/Settings.h"
+#include "base/Settings.h"
 #include "db/Database.h"
 
 #include <QProcess>

@@ -1,12 +1,16 @@
 // Start-up: which database the program ends up on, the settings it reads,
 // and the small shared helpers every screen relies on.
 #include "TestSupport.h"
-#include "app/AppState.h"
-#include "app/Error.h"
-#include "app/Settings.h"
+#include "accounts/mdoCuentas.h"
 #include "app/Startup.h"
 #include "app/Transmitter.h"
 #include "app/mdoMain.h"
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "base/Error.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
 #include "db/Database.h"
 
 using namespace Qt::StringLiterals;
@@ -44,8 +48,8 @@ class TestStartup : public QObject {
         TestDb::createCurrent(rutaBaseDefecto());
         msAbrirBaseInicial();
         QCOMPARE(guardado(), rutaBaseDefecto());
-        QVERIFY(appState().Conexion.isOpen());
-        QCOMPARE(appState().Conexion.path(), rutaBaseDefecto());
+        QVERIFY(Conexion().isOpen());
+        QCOMPARE(Conexion().path(), rutaBaseDefecto());
         QCOMPARE(ui.selectDatabaseShown, 0);
         QVERIFY(ui.boxes.isEmpty());
     }
@@ -57,7 +61,7 @@ class TestStartup : public QObject {
         ui.onSelectDatabase = [&] { Settings::saveSetting(u"BD"_s, u"Path"_s, otra); };
         msAbrirBaseInicial();
         QCOMPARE(ui.selectDatabaseShown, 1);
-        QCOMPARE(appState().Conexion.path(), otra);
+        QCOMPARE(Conexion().path(), otra);
         // The old file beside the program was not upgraded on the way.
         QVERIFY(!msValidarBD(rutaBaseDefecto()));
     }
@@ -81,7 +85,7 @@ class TestStartup : public QObject {
         Settings::saveSetting(u"BD"_s, u"Path"_s, world.root() + u"/borrada.db"_s);
         msAbrirBaseInicial();
         QCOMPARE(guardado(), rutaBaseDefecto());
-        QCOMPARE(appState().Conexion.path(), rutaBaseDefecto());
+        QCOMPARE(Conexion().path(), rutaBaseDefecto());
         QVERIFY(ui.boxes.isEmpty());
         QCOMPARE(ui.selectDatabaseShown, 0);
         QVERIFY(appState().log.lines().isEmpty());
@@ -93,7 +97,7 @@ class TestStartup : public QObject {
         Settings::saveSetting(u"BD"_s, u"Path"_s, vieja);
         msAbrirBaseInicial();
         QVERIFY(msValidarBD(vieja));
-        QCOMPARE(appState().Conexion.path(), vieja);
+        QCOMPARE(Conexion().path(), vieja);
         QCOMPARE(guardado(), vieja);
         QCOMPARE(appState().log.lines().size(), 1);
         QVERIFY(appState().log.last().endsWith(
@@ -200,10 +204,10 @@ class TestStartup : public QObject {
     void principalAccount() {
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/p.db"_s));
         QCOMPARE(int(msCanalPrincipal()), 0);
-        appState().Conexion.exec(
+        Conexion().exec(
             u"INSERT INTO Canales (Canal, Nombre, Principal) VALUES (4,'a',0),(7,'b',1)"_s);
         QCOMPARE(int(msCanalPrincipal()), 7);
-        appState().Conexion.close();
+        Conexion().close();
         QCOMPARE(int(msCanalPrincipal()), 0);
     }
 };

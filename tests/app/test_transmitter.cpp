@@ -1,10 +1,11 @@
 // The transmitter's cycle: when a run happens, what it clears, which flags
 // stand during it, and how a failure shows.
 #include "TestSupport.h"
-#include "app/AppState.h"
-#include "app/Settings.h"
 #include "app/Transmitter.h"
-#include "app/mdoMain.h"
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
 using namespace Qt::StringLiterals;
@@ -52,7 +53,7 @@ class TestTransmitter : public QObject {
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Settings::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
         for (int canal : {3, 1, 2})
-            appState().Conexion.exec(
+            Conexion().exec(
                 u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
                 {QDateTime::currentDateTime(), canal});
         QList<QPair<bool, bool>> vistos;
@@ -76,7 +77,7 @@ class TestTransmitter : public QObject {
         ScriptedInterface ui;
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Settings::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
-        appState().Conexion.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         bool importado = true;
         ui.onProcessEvents = [&] { importado = appState().gbImportado; };
         SendMessage();
@@ -96,7 +97,7 @@ class TestTransmitter : public QObject {
         QFETCH(bool, sigueEnviando);
         ScriptedInterface ui;
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo);
-        if (cerrar) appState().Conexion.close();
+        if (cerrar) Conexion().close();
         SendMessage();
         QCOMPARE(appState().log.lines().size(), 1);
         QVERIFY(appState().log.last().contains(u" - Error en SendMessage: "_s));
@@ -112,7 +113,7 @@ class TestTransmitter : public QObject {
     void tickTurnsTheTimerOffWhileItRuns() {
         ScriptedInterface ui;
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        appState().Conexion.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         Transmitter t;
         t.armarTemporizador();
         bool activoDurante = true;

@@ -2,13 +2,15 @@
 // leaves in the box, the counter, the outbox list and its commands, the
 // accounts combo and the transmitter switch.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
-#include "app/ChildScreens.h"
-#include "app/Pantallas.h"
-#include "app/Settings.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
 #include "composition/PantallasEnvio.h"
 #include "composition/frmEnvio.h"
+#include "db/Conexion.h"
 #include "widgets/ModeloListado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -28,13 +30,13 @@ QStringList lineasLog() {
     return r;
 }
 QStringList abonadosEnBandeja() {
-    const QueryResult r = appState().Conexion.query(u"select abonado from envios order by Id"_s);
+    const QueryResult r = Conexion().query(u"select abonado from envios order by Id"_s);
     QStringList a;
     for (int i = 0; i < r.recordCount(); ++i) a.append(r.value(i, 0).toString());
     return a;
 }
 void sql(const QString& s, const QVariantList& p = {}) {
-    appState().Conexion.exec(s, p);
+    Conexion().exec(s, p);
 }
 }  // namespace
 
@@ -133,7 +135,7 @@ class TestEnvio : public QObject {
         QVERIFY(ui.boxes.isEmpty());
         // The text goes only when every destination went.
         QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText().isEmpty(), queda.isEmpty());
-        const auto enviadas = appState().Conexion.query(
+        const auto enviadas = Conexion().query(
             u"select count(*) from envios where mensaje=? and intento=2 and canal=1"_s,
             {u"Hola\nqué tal"_s});
         QCOMPARE(enviadas.value(0, 0).toInt(), filas.size());
@@ -177,7 +179,7 @@ class TestEnvio : public QObject {
         sql(u"UPDATE Canales SET tini=?, tfin=? WHERE Canal=1"_s, {tini, tini});
         frmEnvio f;
         f.show();
-        QVERIFY(Pantallas::tomarTextoEnvio(QString(largo, u'x')));
+        Q_EMIT Avisos::instancia().textoElegido(QString(largo, u'x'));
         QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
         QCOMPARE(w<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
     }
@@ -271,7 +273,7 @@ class TestEnvio : public QObject {
             w<QPushButton>(f, u"cmdAbonados"_s)->click();
             QCOMPARE(abiertos, 1);
             QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana;pepe"_s);
-            QVERIFY(Pantallas::tomarTextoEnvio(u"predefinido"_s));
+            Q_EMIT Avisos::instancia().textoElegido(u"predefinido"_s);
             auto* texto = w<QPlainTextEdit>(f, u"txtMensaje"_s);
             QCOMPARE(texto->toPlainText(), u"predefinido"_s);
             QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), u"(11)"_s);
@@ -291,8 +293,8 @@ class TestEnvio : public QObject {
             QTest::keyClick(texto, Qt::Key_Escape);
             QVERIFY(texto->toPlainText().isEmpty());
         }
-        // The hook goes with the screen.
-        QVERIFY(!Pantallas::tomarTextoEnvio(u"x"_s));
+        // The screen's listening goes with it: a text chosen later reaches nobody.
+        Q_EMIT Avisos::instancia().textoElegido(u"x"_s);
     }
 
     void opensOnceInTheFrameAt100() {
@@ -300,7 +302,7 @@ class TestEnvio : public QObject {
         QMdiArea area;
         area.resize(1200, 900);
         area.show();
-        ChildScreens::setArea(&area);
+        PantallasHijas::setArea(&area);
         registrarPantallasEnvio();
         QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
         QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
@@ -311,7 +313,7 @@ class TestEnvio : public QObject {
         // A resize centres it across and puts it a quarter down.
         sub->resize(600, 500);
         QCOMPARE(sub->pos(), QPoint(300, 100));
-        ChildScreens::setArea(nullptr);
+        PantallasHijas::setArea(nullptr);
     }
 
     void transmitterSwitch() {

@@ -3,11 +3,12 @@
 // "Enviar Todo", found in the history with the balance renewed.
 #include "../delivery/SimuladorPrueba.h"
 #include "TestSupportGui.h"
-#include "app/AppState.h"
-#include "app/Settings.h"
 #include "app/Transmitter.h"
-#include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "base/Settings.h"
 #include "composition/frmEnvio.h"
+#include "db/Conexion.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -34,7 +35,7 @@ class TestExtremo : public QObject {
             world.root(),
             u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\nclave=demo\n"
             u"saldo=100\nmovil=0034600123456\n"_s);
-        appState().Conexion.exec(
+        Conexion().exec(
             u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
             u"Principal,Remitente,remopc,imptextos) VALUES (1,'Cuenta_1',160,80,?,'demo',?,0,1,"
             u"'',0,0)"_s,
@@ -82,11 +83,10 @@ class TestExtremo : public QObject {
     void composeAndSendEverything() {
         QVERIFY(preparar());
         ScriptedInterface ui;
-        Database& db = appState().Conexion;
+        Database& db = Conexion();
         db.exec(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1)"_s);
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Transmitter tx;
-        QVERIFY(Transmitter::activo());
 
         frmEnvio f;
         f.show();

@@ -1,9 +1,10 @@
 // The recipient picker: how chosen contacts and lists become one
 // destinations text, and the moves and search of its screen.
 #include "TestSupportGui.h"
-#include "app/AppState.h"
+#include "base/AppState.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
+#include "db/Conexion.h"
 #include "widgets/ModeloListado.h"
 
 #include <QLineEdit>
@@ -16,7 +17,7 @@ Q_DECLARE_METATYPE(QVector<DestinoElegido>)
 
 namespace {
 void sql(const QString& s) {
-    appState().Conexion.exec(s);
+    Conexion().exec(s);
 }
 DestinoElegido lista(const QString& nombre) {
     return {nombre, detalleLista(u"9"_s)};

@@ -1,7 +1,7 @@
 // The upgrade takes any generation of file to the current schema and keeps
 // every row; a second run changes nothing.
 #include "TestSupport.h"
-#include "app/mdoMain.h"
+#include "db/Conexion.h"
 #include "db/Database.h"
 #include "db/mdoDB.h"
 

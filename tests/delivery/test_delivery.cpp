@@ -3,10 +3,12 @@
 // version notices; the client's own rules.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Settings.h"
-#include "app/mdoMain.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Cifrado.h"
+#include "base/Clock.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 #include "delivery/qmXMLSend.h"
 
@@ -28,7 +30,7 @@ bool registroContiene(const QString& texto) {
 }
 
 int cuenta(const QString& sql, const QVariantList& params = {}) {
-    return appState().Conexion.query(sql, params).value(0, 0).toInt();
+    return Conexion().query(sql, params).value(0, 0).toInt();
 }
 
 }  // namespace
@@ -49,14 +51,14 @@ class TestDelivery : public QObject {
     }
     void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
                       const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
-        appState().Conexion.exec(
+        Conexion().exec(
             u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
             "remopc,tini,tfin,imptextos,movil) VALUES (1,'Principal',?,'demo',?,7,1,'Tienda',?,?,?,?,'')"_s,
             {host, msCifrarClave(clave, true), remopc, tini, tfin, imptextos});
     }
     void anadirFila(const QString& abonado, const QString& mensaje, int canal = 1,
                     const QVariant& id = {}) {
-        appState().Conexion.exec(
+        Conexion().exec(
             u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,?,2)"_s,
             {id, kAntes, canal, abonado, mensaje});
     }
@@ -131,8 +133,7 @@ class TestDelivery : public QObject {
 
         QVERIFY2(registroContiene(linea), qPrintable(appState().log.lines().join(u'\n')));
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), historial);
-        const QueryResult fila =
-            appState().Conexion.query(u"select intento, Registro from envios"_s);
+        const QueryResult fila = Conexion().query(u"select intento, Registro from envios"_s);
         QCOMPARE(fila.recordCount(), intento == 0 ? 0 : 1);
         if (intento != 0) {
             QCOMPARE(fila.value(0, 0).toInt(), intento);
@@ -140,8 +141,7 @@ class TestDelivery : public QObject {
             QCOMPARE(fila.value(0, 1).toString(), intento == 1 ? aTextoBD(kAhora) : kAntes);
         }
         if (historial > 0) {
-            const QueryResult h =
-                appState().Conexion.query(u"select Canal, crem, Registro from HEnvios"_s);
+            const QueryResult h = Conexion().query(u"select Canal, crem, Registro from HEnvios"_s);
             QCOMPARE(h.value(0, 0).toInt(), 1);
             QCOMPARE(h.value(0, 1).toString(), u"Principal (Tienda)"_s);
             QCOMPARE(h.value(0, 2).toString(), aTextoBD(kAhora));
@@ -241,9 +241,9 @@ class TestDelivery : public QObject {
         auto sim = simulador();
         anadirCuenta(sim->host());
         if (maxlote.isValid())
-            appState().Conexion.exec(u"update opciones set maxlote=? where id=1"_s, {maxlote});
+            Conexion().exec(u"update opciones set maxlote=? where id=1"_s, {maxlote});
         else
-            appState().Conexion.exec(u"delete from opciones"_s);
+            Conexion().exec(u"delete from opciones"_s);
         for (int i = 0; i < 40; ++i) anadirFila(u"0034111111111"_s, u"x"_s);
         msEnviarLote(1, false);
         QCOMPARE(cuenta(u"select count(*) from envios"_s), 40 - enviadas);
@@ -309,9 +309,8 @@ class TestDelivery : public QObject {
         QCOMPARE(llegado, texto);
         QCOMPARE(r.size(), texto.size() > 160 ? 2 : 1);
         if (r.size() == 1)
-            QCOMPARE(
-                appState().Conexion.query(u"select Mensaje from HEnvios"_s).value(0, 0).toString(),
-                texto);
+            QCOMPARE(Conexion().query(u"select Mensaje from HEnvios"_s).value(0, 0).toString(),
+                     texto);
     }
 
     void accountIsRenewedAfterAnExchange_data() {
@@ -329,19 +328,18 @@ class TestDelivery : public QObject {
         QFETCH(QString, remitente);
         QFETCH(bool, aviso);
         ScriptedInterface ui;
-        ui.composeActive = true;
+        QSignalSpy cuentas(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         auto sim = simulador(configuracion(u"version=330"_s, cuentaSim));
         anadirCuenta(sim->host(), u"demo"_s, remopc);
         anadirFila(u"629000000"_s, u"hola"_s);
         msEnviarLote(1, false);
-        const QueryResult c =
-            appState().Conexion.query(u"select Saldo, Remitente, movil from Canales"_s);
+        const QueryResult c = Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toInt(), 99);
         QCOMPARE(c.value(0, 1).toString(), remitente);
         QCOMPARE(c.value(0, 2).toString(), u"0034600123456"_s);
         QCOMPARE(appState().gsSaldoCuenta, u"99"_s);
         QCOMPARE(appState().gsVersionPlataforma, u"330"_s);
-        QCOMPARE(ui.composeRefreshes, 1);
+        QCOMPARE(cuentas.count(), 1);
         QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
         if (aviso) {
             QCOMPARE(ui.boxes[0].title, u"Remitente no aceptado"_s);
@@ -471,8 +469,7 @@ class TestDelivery : public QObject {
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
         QCOMPARE(SendAutCuenta(int16_t(canal)), resultado);
-        const QueryResult c =
-            appState().Conexion.query(u"select Saldo, Remitente, movil from Canales"_s);
+        const QueryResult c = Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toString(), guardado ? saldoSim : u"7"_s);
         QCOMPARE(c.value(0, 1).toString(), guardado ? u"Tienda "_s : u"Tienda"_s);
         QCOMPARE(c.value(0, 2).toString(), guardado ? u"0034600123456"_s : QString());

@@ -1,7 +1,8 @@
 // Rows of Automaticos for the scheduling tests.
 #pragma once
 
-#include "app/AppState.h"
+#include "base/AppState.h"
+#include "db/Conexion.h"
 
 #include <QDateTime>
 #include <QMap>
@@ -25,9 +26,9 @@ inline void programa(int codigo, const QString& columnas) {
         v[c] = QString(v[c].toString() + u" 00:00:00");
     QVariantList valores{codigo};
     valores.append(v.values());
-    appState().Conexion.exec(QStringLiteral("INSERT INTO Automaticos (Codigo,%1) VALUES (?%2)")
-                                 .arg(v.keys().join(u','), QStringLiteral(",?").repeated(v.size())),
-                             valores);
+    Conexion().exec(QStringLiteral("INSERT INTO Automaticos (Codigo,%1) VALUES (?%2)")
+                        .arg(v.keys().join(u','), QStringLiteral(",?").repeated(v.size())),
+                    valores);
 }
 
 // "dd/MM/yyyy HH:mm" or with seconds: a local date and time.

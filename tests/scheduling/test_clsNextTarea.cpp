@@ -2,7 +2,8 @@
 // minute and to the day, at the month's end and across rows.
 #include "Programas.h"
 #include "TestSupport.h"
-#include "app/Clock.h"
+#include "base/Clock.h"
+#include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
 using namespace Qt::StringLiterals;
@@ -76,7 +77,7 @@ class TestNextTarea : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/calc.db"_s));
     }
-    void init() { appState().Conexion.exec(u"DELETE FROM Automaticos"_s); }
+    void init() { Conexion().exec(u"DELETE FROM Automaticos"_s); }
 
     void nextRun_data() {
         QTest::addColumn<QString>("columnas");

@@ -2,7 +2,8 @@
 // with one question.
 #include "Programas.h"
 #include "TestSupport.h"
-#include "app/Clock.h"
+#include "base/Clock.h"
+#include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -10,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 Database& db() {
-    return appState().Conexion;
+    return Conexion();
 }
 
 // A recipient of row `automatico`, a contact of account `canal`.
@@ -187,7 +188,7 @@ class TestTareasPendientes : public QObject {
         QVERIFY(runProgram(world, {u"--headless"_s, u"--once"_s}).finished);
         TestDb::openShared(world.appDir() + u"/mensajes.db"_s);
         conDestinatario(1, u"Periodicidad=1 Hora=00:00"_s);  // always passed by now
-        appState().Conexion.close();
+        Conexion().close();
         const QDateTime antes = QDateTime::currentDateTime().addSecs(-1);
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QCOMPARE(r.exitCode, 0);

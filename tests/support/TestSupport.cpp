@@ -1,9 +1,10 @@
 #include "TestSupport.h"
 
-#include "app/AppState.h"
-#include "app/Clock.h"
-#include "app/Settings.h"
 #include "app/Startup.h"
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
 #include "db/Database.h"
 #include "db/Schema.h"
 
@@ -28,7 +29,7 @@ QString TestWorld::appDir() const {
 
 void TestWorld::reset() {
     AppState& g = appState();
-    g.Conexion.close();
+    Conexion().close();
     g.log.clear();
     g.gbEnviando = g.gbImportado = false;
     g.gsClaveAcceso = QString::fromUtf16(kSinClave);
@@ -123,7 +124,7 @@ QString createBaseline(const QString& path) {
 }
 
 void openShared(const QString& path) {
-    if (!appState().Conexion.open(path)) qFatal("no se pudo abrir %s", qPrintable(path));
+    if (!Conexion().open(path)) qFatal("no se pudo abrir %s", qPrintable(path));
 }
 
 }  // namespace TestDb

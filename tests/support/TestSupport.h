@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/UserInterface.h"
+#include "base/UserInterface.h"
 
 #include <QDateTime>
 #include <QList>
@@ -68,8 +68,6 @@ class ScriptedInterface : public UserInterface {
     int selectDatabaseShown = 0;
     int firstRunShown = 0;
     QStringList openedUrls;
-    bool composeActive = false;
-    int composeRefreshes = 0;
 
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;
@@ -80,8 +78,6 @@ class ScriptedInterface : public UserInterface {
     void showSelectDatabase() override;
     void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
-    bool composeScreenActive() override { return composeActive; }
-    void refreshComposeAccounts() override { ++composeRefreshes; }
     [[noreturn]] void terminateWithoutDatabase() override;
     void processEvents() override;
 };

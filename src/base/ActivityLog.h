@@ -31,3 +31,10 @@ class ActivityLog : public QAbstractListModel {
     QStringList m_lines;
     std::function<void(const QString&)> m_echo;
 };
+
+// Adds a line "{date time} - {text}" to the activity log; a text starting
+// "Buffer: " has its control and non-ASCII characters written as "<code>".
+void msLog(const QString& text);
+QString msEscaparBuffer(const QString& text);
+// The date and time in front of every log line.
+QString marcaTiempoLog();

@@ -1,6 +1,6 @@
-#include "delivery/Despliegue.h"
+#include "base/Despliegue.h"
 
-#include "app/Settings.h"
+#include "base/Settings.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "app/ActivityLog.h"
-#include "app/UserInterface.h"
-#include "db/Database.h"
+#include "base/ActivityLog.h"
+#include "base/UserInterface.h"
 
 #include <QString>
 #include <cstdint>
@@ -19,13 +18,14 @@ QString tituloAplicacion();
 // How this program introduces itself to the platform: "{name} - 325".
 QString identificacionAplicacion();
 
+// The per-user application directory (created when missing).
+QString directorioAplicacion();
+
 // The password sentinel meaning "no access password".
 inline constexpr char16_t kSinClave[] = u"sinclavedeentrada";
 
 // The shared state record: one per process, public to the whole program.
 struct AppState {
-    QString gsCadenaConexion;
-    Database Conexion;  // the one connection; every routine's SQL goes through it
     int16_t giMaxLote = 0;
     QString gsClaveAcceso;
     QString gsClaveIntroducida;

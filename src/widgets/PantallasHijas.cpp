@@ -1,6 +1,8 @@
-#include "app/ChildScreens.h"
+#include "widgets/PantallasHijas.h"
 
-namespace ChildScreens {
+#include <QApplication>
+
+namespace PantallasHijas {
 
 namespace {
 QPointer<QMdiArea>& areaActual() {
@@ -44,4 +46,15 @@ void show(QWidget* screen) {
     screen->activateWindow();
 }
 
-}  // namespace ChildScreens
+}  // namespace PantallasHijas
+
+void cerrarPantallaHija(QWidget* pantalla) {
+    if (QMdiSubWindow* sub = PantallasHijas::subWindowOf(pantalla))
+        sub->close();
+    else
+        pantalla->close();
+}
+
+QWidget* ventanaPadreModal() {
+    return QApplication::activeWindow();
+}

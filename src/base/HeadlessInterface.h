@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/UserInterface.h"
+#include "base/UserInterface.h"
 
 // Without a window: every question takes its default answer, and where a
 // screen would be shown a clear line goes to standard error instead.

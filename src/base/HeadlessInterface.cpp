@@ -1,7 +1,7 @@
-#include "app/HeadlessInterface.h"
+#include "base/HeadlessInterface.h"
 
-#include "app/AppState.h"
-#include "app/Settings.h"
+#include "base/AppState.h"
+#include "base/Settings.h"
 
 #include <QTextStream>
 #include <cstdio>

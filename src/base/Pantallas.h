@@ -18,13 +18,4 @@ void registrar(const QString& nombre, Abridor abrir);
 bool abrir(const QString& nombre);
 bool existe(const QString& nombre);
 
-// Registers every screen of the application (called once by the frame).
-void registrarTodas();
-
-// The compose screen takes texts chosen by pickers through this hook; it
-// sets it while loaded and clears it when it goes.
-void setTomarTextoEnvio(std::function<void(const QString&)> tomar);
-// Replaces the compose text; false when no compose screen is loaded.
-bool tomarTextoEnvio(const QString& texto);
-
 }  // namespace Pantallas

@@ -1,6 +1,9 @@
-#include "app/AppState.h"
+#include "base/AppState.h"
 
-#include "app/HeadlessInterface.h"
+#include "base/HeadlessInterface.h"
+
+#include <QDir>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -34,4 +37,10 @@ UserInterface& ui() {
 
 void setUserInterface(UserInterface* ui) {
     appState().ui = ui;
+}
+
+QString directorioAplicacion() {
+    const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(dir);
+    return dir;
 }

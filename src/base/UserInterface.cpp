@@ -1,4 +1,6 @@
-#include "app/UserInterface.h"
+#include "base/UserInterface.h"
+
+#include "base/AppState.h"
 
 #include <QCoreApplication>
 
@@ -23,4 +25,9 @@ int defaultAnswer(int style) {
 
 void UserInterface::processEvents() {
     if (QCoreApplication::instance()) QCoreApplication::processEvents();
+}
+
+void msAbrirUrl(const QString& target) {
+    if (target.isEmpty()) return;
+    ui().openUrl(target);
 }

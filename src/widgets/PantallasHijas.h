@@ -8,7 +8,7 @@
 // Child screens exist as single lazily created instances: a reference to
 // one creates it. The frame registers its MDI area once; screens opened
 // before that (tests) stand as top-level windows.
-namespace ChildScreens {
+namespace PantallasHijas {
 
 void setArea(QMdiArea* area);
 QMdiArea* area();
@@ -46,4 +46,9 @@ bool isLoaded() {
     return !slot<T>().isNull();
 }
 
-}  // namespace ChildScreens
+}  // namespace PantallasHijas
+
+// Closes a child screen, with its sub-window when it stands in the frame.
+void cerrarPantallaHija(QWidget* pantalla);
+// The window that modal screens stand over.
+QWidget* ventanaPadreModal();

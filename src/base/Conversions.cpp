@@ -1,6 +1,6 @@
-#include "app/Conversions.h"
+#include "base/Conversions.h"
 
-#include "app/Error.h"
+#include "base/Error.h"
 
 #include <cmath>
 #include <limits>

@@ -52,12 +52,11 @@ class UserInterface {
     virtual void showFirstRunSetup() {}
     // Hands an address or a document to the desktop.
     virtual void openUrl(const QString& target) = 0;
-    // True when the compose screen is the active child screen.
-    virtual bool composeScreenActive() { return false; }
-    // Reloads the compose screen's accounts and balance.
-    virtual void refreshComposeAccounts() {}
     // The process can't go on without a usable database.
     [[noreturn]] virtual void terminateWithoutDatabase() = 0;
     // One turn of the event loop.
     virtual void processEvents();
 };
+
+// Hands an address or a document to the desktop; an empty one is ignored.
+void msAbrirUrl(const QString& target);

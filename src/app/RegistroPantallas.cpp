@@ -1,0 +1,25 @@
+#include "app/RegistroPantallas.h"
+
+#include "addressbook/PantallasAgenda.h"
+#include "app/condiciones.h"
+#include "base/Pantallas.h"
+#include "composition/PantallasEnvio.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+void registrarPantallasApp() {
+    Pantallas::registrar(u"condiciones"_s, [] {
+        condiciones pantalla(QApplication::activeWindow());
+        pantalla.exec();
+    });
+}
+}  // namespace
+
+void registrarTodas() {
+    registrarPantallasApp();
+    registrarPantallasAgenda();
+    registrarPantallasEnvio();
+}

@@ -1,0 +1,56 @@
+#include "app/frmpwd.h"
+
+#include "base/AppState.h"
+#include "widgets/Iconos.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmpwd::frmpwd(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmpwd"_s);
+    setWindowTitle(u"Quelmo Mensajes SMS - Acceso Restringido"_s);
+
+    auto* candado = new QLabel(this);
+    candado->setPixmap(iconoQuelmo(u"aplicacion"_s).pixmap(48, 48));
+    candado->setAlignment(Qt::AlignTop);
+    auto* texto = new QLabel(u"Introduzca la contraseña de acceso a Quelmo Mensajes SMS:"_s, this);
+    texto->setWordWrap(true);
+    Text1 = new QLineEdit(this);
+    Text1->setObjectName(u"Text1"_s);
+    Text1->setEchoMode(QLineEdit::Password);
+    texto->setBuddy(Text1);
+
+    auto* botones = new QDialogButtonBox(this);
+    QPushButton* aceptar = botones->addButton(u"&Aceptar"_s, QDialogButtonBox::AcceptRole);
+    aceptar->setObjectName(u"cmdAñadir"_s);
+    QPushButton* salir = botones->addButton(u"&Cancelar"_s, QDialogButtonBox::RejectRole);
+    salir->setObjectName(u"CmdSalir"_s);
+    salir->setAutoDefault(false);
+    // Enter in the box is the same as Aceptar: the default button takes it.
+    aceptar->setDefault(true);
+    connect(aceptar, &QPushButton::clicked, this, [this] {
+        appState().gsClaveIntroducida = Text1->text();
+        accept();
+    });
+    connect(salir, &QPushButton::clicked, this, [this] {
+        appState().gsClaveIntroducida.clear();
+        reject();
+    });
+
+    auto* derecha = new QVBoxLayout;
+    derecha->addWidget(texto);
+    derecha->addWidget(Text1);
+    auto* arriba = new QHBoxLayout;
+    arriba->addWidget(candado);
+    arriba->addLayout(derecha, 1);
+    auto* todo = new QVBoxLayout(this);
+    todo->addLayout(arriba);
+    todo->addWidget(botones);
+    setMinimumWidth(380);
+}

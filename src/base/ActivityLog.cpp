@@ -1,0 +1,61 @@
+#include "base/ActivityLog.h"
+
+#include "base/AppState.h"
+#include "base/Clock.h"
+
+using namespace Qt::StringLiterals;
+
+ActivityLog::ActivityLog(QObject* parent) : QAbstractListModel(parent) {}
+
+void ActivityLog::append(const QString& line) {
+    const int row = int(m_lines.size());
+    beginInsertRows(QModelIndex(), row, row);
+    m_lines.append(line);
+    endInsertRows();
+    if (m_echo) m_echo(line);
+    Q_EMIT lineAdded(row);
+}
+
+void ActivityLog::clear() {
+    if (m_lines.isEmpty()) return;
+    beginResetModel();
+    m_lines.clear();
+    endResetModel();
+}
+
+int ActivityLog::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_lines.size());
+}
+
+QVariant ActivityLog::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= m_lines.size()) return {};
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return m_lines.at(index.row());
+    return {};
+}
+
+QString marcaTiempoLog() {
+    return Clock::now().toString(u"dd/MM/yyyy HH:mm:ss"_s);
+}
+
+QString msEscaparBuffer(const QString& text) {
+    QString out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        const int codigo = c.unicode();
+        if (codigo < 32 || codigo > 127)
+            out += u'<' + QString::number(codigo) + u'>';
+        else
+            out += c;
+    }
+    return out;
+}
+
+void msLog(const QString& text) {
+    try {
+        const QString t = text.startsWith(u"Buffer: "_s) ? msEscaparBuffer(text) : text;
+        appState().log.append(marcaTiempoLog() + u" - "_s + t);
+        // The yield that lets the user act during a transmitter run.
+        ui().processEvents();
+    } catch (...) {
+    }
+}

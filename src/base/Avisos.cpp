@@ -1,0 +1,6 @@
+#include "base/Avisos.h"
+
+Avisos& Avisos::instancia() {
+    static Avisos avisos;
+    return avisos;
+}

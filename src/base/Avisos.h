@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+// What the core tells the screens: a routine that changed something a
+// screen shows emits here, and the screens that care connect. Nobody
+// listening (headless mode, logic tests) is no failure.
+class Avisos : public QObject {
+    Q_OBJECT
+  public:
+    static Avisos& instancia();
+
+  Q_SIGNALS:
+    // The accounts, their balances or the principal account changed.
+    void cuentasCambiadas();
+    // Rows were added to or taken from the outbox.
+    void bandejaCambiada();
+    // A picker chose a text for the compose screen.
+    void textoElegido(const QString& texto);
+    // A screen asks for a transmitter run now ("send now").
+    void envioPedido();
+    // The options set a new sending interval, in seconds, counted from now.
+    void intervaloCambiado(int segundos);
+
+  private:
+    Avisos() = default;
+};

@@ -1,0 +1,94 @@
+#include "db/Conexion.h"
+
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "base/Settings.h"
+#include "base/UserInterface.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+Database& Conexion() {
+    static Database conexion;
+    return conexion;
+}
+
+QString& gsCadenaConexion() {
+    static QString cadena;
+    return cadena;
+}
+
+QString rutaBaseDefecto() {
+    return directorioAplicacion() + u"/mensajes.db"_s;
+}
+
+QString rutaBaseVacia() {
+    const QString junto = QCoreApplication::applicationDirPath();
+    const QStringList candidatas = {
+        junto + u"/../share/quelmo-sms/mensajes.db"_s,
+        junto + u"/mensajes-vacia.db"_s,
+        QStringLiteral(QUELMO_INSTALL_SHARE_DIR "/mensajes.db"),
+    };
+    for (const QString& c : candidatas)
+        if (QFileInfo(c).isFile()) return QFileInfo(c).canonicalFilePath();
+    return QString();
+}
+
+bool prepararBaseInicial() {
+    const QString destino = rutaBaseDefecto();
+    if (QFileInfo::exists(destino)) return true;
+    const QString origen = rutaBaseVacia();
+    if (origen.isEmpty() || !QFile::copy(origen, destino)) return false;
+    QFile::setPermissions(destino, QFile::ReadOwner | QFile::WriteOwner);
+    return true;
+}
+
+bool msAbrirBD(const QString& path) {
+    // 1. The share mode: SQLite connections share the file anyway, the
+    // value is kept for what reads it.
+    const QString modoTexto = Settings::getSetting(u"BD"_s, u"Mode"_s, u"16"_s);
+    int32_t modo = 16;
+    if (esNumerico(modoTexto)) {
+        try {
+            modo = aEntero32(modoTexto);
+        } catch (const QuelmoError&) {
+            modo = 16;
+        }
+    }
+    // 3-6. Close the old connection and open the new one.
+    Conexion().close();
+    gsCadenaConexion() = u"Data Source="_s + path;
+    // 7. A failed open leaves the connection closed.
+    if (!Conexion().open(path)) return false;
+    // 8.
+    Settings::saveSetting(u"BD"_s, u"Mode"_s, QString::number(modo));
+    return true;
+}
+
+bool msValidarBD(const QString& path) {
+    Database privada;
+    if (!privada.open(path)) return false;
+    // The columns that arrived last tell the current schema.
+    try {
+        privada.query(
+            u"Select Remitente,remopc,tini,tfin,imptextos,movil from Canales where "
+            u"Principal=1"_s);
+        privada.query(u"SELECT * FROM Automaticos WHERE tareaProgramada=true"_s);
+        privada.query(u"SELECT crem FROM HEnvios"_s);
+    } catch (const DbError&) {
+        return false;
+    }
+    return true;
+}
+
+void msBaseNoValida() {
+    ui().msgBox(
+        u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
+        u"de Datos correcta de Quelmo Mensajes"_s,
+        Msg::Critical);
+    ui().showSelectDatabase();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "db/Database.h"
+
+#include <QString>
+
+// The one connection of the process and the files it can be opened on.
+
+// The connection every routine's SQL goes through.
+Database& Conexion();
+// The connection string of the open file, kept for what shows it.
+QString& gsCadenaConexion();
+
+// "{application directory}/mensajes.db": the default database.
+QString rutaBaseDefecto();
+// The empty current-schema database installed with the program.
+QString rutaBaseVacia();
+// At first start: copies the empty database into the application directory
+// when no database is there. False if it could not.
+bool prepararBaseInicial();
+
+bool msAbrirBD(const QString& path);
+bool msValidarBD(const QString& path);
+
+// "La Base de Datos Seleccionada no es válida": the box, then the database
+// selection. What a routine does when the open file lacks a table or column
+// it needs.
+void msBaseNoValida();
