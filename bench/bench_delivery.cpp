@@ -1,7 +1,7 @@
 // Drains an outbox of 10,000 rows for one account, 500 a batch, through the
 // platform simulator, and prints where the time of a batch goes. The
 // one-second pacing between exchanges is measured apart and left out.
-#include "../tests/delivery/SimuladorPrueba.h"
+#include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "base/AppState.h"
 #include "base/Cifrado.h"

@@ -1,6 +1,6 @@
 // Contacts: the editor's number rule and required fields, saving with the
 // list memberships, the list of contacts and its deletes.
-#include "AyudaAgenda.h"
+#include "TestSupportGui.h"
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmNewUser.h"
@@ -17,7 +17,7 @@
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
-using namespace agenda_prueba;
+using namespace prueba;
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Lists: numbering and its limits, names, delete with members, and the
 // membership screen with its moves and its store.
-#include "AyudaAgenda.h"
+#include "TestSupportGui.h"
 #include "addressbook/frmGrupos.h"
 #include "addressbook/frmUserGroup.h"
 #include "base/Pantallas.h"
@@ -10,7 +10,7 @@
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
-using namespace agenda_prueba;
+using namespace prueba;
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Predefined texts: adding, changing and deleting them, their limit, and
 // the picker that hands one to the compose screen.
-#include "AyudaAgenda.h"
+#include "TestSupportGui.h"
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmMenPro.h"
 #include "addressbook/frmSelecMenPro.h"
@@ -12,7 +12,7 @@
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
-using namespace agenda_prueba;
+using namespace prueba;
 
 namespace {
 void predefinido(int mensaje, const QString& texto) {

@@ -19,6 +19,7 @@
 #include <QToolBar>
 
 using namespace Qt::StringLiterals;
+using prueba::cajas;
 
 class TestGuiMain : public QObject {
     Q_OBJECT
@@ -45,15 +46,7 @@ class TestGuiMain : public QObject {
     }
 
     static QAction* accion(QWidget* w, const QString& clave) {
-        QAction* a = w->findChild<QAction*>(clave);
-        if (!a) qFatal("no action %s", qPrintable(clave));
-        return a;
-    }
-
-    static QStringList cajas(const ScriptedInterface& ui) {
-        QStringList t;
-        for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
-        return t;
+        return prueba::hijo<QAction>(w, clave);
     }
 
     void principal(const QString& usuario, const QString& clave) {

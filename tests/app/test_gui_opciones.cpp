@@ -18,6 +18,7 @@
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
+using prueba::hijo;
 
 class TestGuiOpciones : public QObject {
     Q_OBJECT
@@ -26,13 +27,6 @@ class TestGuiOpciones : public QObject {
 
   private:
     TestWorld& world;
-
-    template <class T = QLineEdit>
-    static T* campo(QWidget* w, const QString& nombre) {
-        T* c = w->findChild<T*>(nombre);
-        if (!c) qFatal("no widget %s", qPrintable(nombre));
-        return c;
-    }
 
     static QVariant opcion(const QString& columna) {
         return Conexion().query(u"select "_s + columna + u" from opciones"_s).value(0, 0);
@@ -88,12 +82,12 @@ class TestGuiOpciones : public QObject {
         appState().gsClaveAcceso = u"previa"_s;
         frmOpciones pantalla;
         pantalla.show();
-        campo(&pantalla, u"txtmaxlote"_s)->setText(lote);
-        campo(&pantalla, u"txttimer"_s)->setText(intervalo);
-        campo(&pantalla, u"txtpwdcontactos"_s)->setText(clave);
-        campo(&pantalla, u"txtpwdcontactos2"_s)->setText(confirmacion);
-        campo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->setChecked(true);
-        QTest::mouseClick(campo<QPushButton>(&pantalla, u"cmdAñadir"_s), Qt::LeftButton);
+        hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->setText(lote);
+        hijo<QLineEdit>(&pantalla, u"txttimer"_s)->setText(intervalo);
+        hijo<QLineEdit>(&pantalla, u"txtpwdcontactos"_s)->setText(clave);
+        hijo<QLineEdit>(&pantalla, u"txtpwdcontactos2"_s)->setText(confirmacion);
+        hijo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->setChecked(true);
+        QTest::mouseClick(hijo<QPushButton>(&pantalla, u"cmdAñadir"_s), Qt::LeftButton);
 
         const bool guardado = aviso.isEmpty();
         QCOMPARE(ui.boxes.size(), 1);
@@ -146,14 +140,14 @@ class TestGuiOpciones : public QObject {
         Conexion().exec(u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
         frmOpciones pantalla;
         for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
-            QCOMPARE(campo(&pantalla, caja)->text(), enCajas);
-            QCOMPARE(campo(&pantalla, caja)->echoMode(), QLineEdit::Password);
+            QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->text(), enCajas);
+            QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->echoMode(), QLineEdit::Password);
         }
-        QCOMPARE(campo(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
+        QCOMPARE(hijo<QLineEdit>(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
         QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
-        QCOMPARE(campo(&pantalla, u"txtmaxlote"_s)->text(), u"120"_s);
-        QCOMPARE(campo(&pantalla, u"txtimgfondo"_s)->text(), u"/x/y.jpg"_s);
-        QVERIFY(campo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->isChecked());
+        QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->text(), u"120"_s);
+        QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s)->text(), u"/x/y.jpg"_s);
+        QVERIFY(hijo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->isChecked());
         QVERIFY(ui.boxes.isEmpty());
     }
 
@@ -178,8 +172,8 @@ class TestGuiOpciones : public QObject {
         const QString ruta = world.root() + u"/o'neill.png"_s;
         QImage(40, 30, QImage::Format_RGB32).save(ruta);
         frmOpciones pantalla;
-        auto* txtimgfondo = campo(&pantalla, u"txtimgfondo"_s);
-        auto* examinar = campo<QPushButton>(&pantalla, u"cmdexaminar"_s);
+        auto* txtimgfondo = hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s);
+        auto* examinar = hijo<QPushButton>(&pantalla, u"cmdexaminar"_s);
         ui.fileNames = {ruta, QString()};
         QTest::mouseClick(examinar, Qt::LeftButton);
         QCOMPARE(txtimgfondo->text(), ruta);
@@ -216,14 +210,14 @@ class TestGuiOpciones : public QObject {
         frmpwd prompt;
         prompt.show();
         QCOMPARE(prompt.windowTitle(), u"Quelmo Mensajes SMS - Acceso Restringido"_s);
-        auto* text1 = campo(&prompt, u"Text1"_s);
+        auto* text1 = hijo<QLineEdit>(&prompt, u"Text1"_s);
         QCOMPARE(text1->echoMode(), QLineEdit::Password);
         text1->setFocus();
         QTest::keyClicks(text1, tecleado);
         if (enter)
             QTest::keyClick(text1, Qt::Key_Return);
         else
-            QTest::mouseClick(campo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
+            QTest::mouseClick(hijo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
         QVERIFY(!prompt.isVisible());
         QCOMPARE(appState().gsClaveIntroducida, introducida);
         // The key is taken by the prompt, not typed into the box.

@@ -22,6 +22,7 @@
 #include <QTreeView>
 
 using namespace Qt::StringLiterals;
+using prueba::hijo;
 
 namespace {
 QStringList lineasLog() {
@@ -48,22 +49,16 @@ class TestEnvio : public QObject {
   private:
     TestWorld& world;
 
-    template <class T>
-    static T* w(frmEnvio& f, const QString& nombre) {
-        T* x = f.findChild<T*>(nombre);
-        if (!x) qFatal("falta %s", qPrintable(nombre));
-        return x;
-    }
     static void escribir(frmEnvio& f, const QString& destinos, const QString& texto) {
-        w<QLineEdit>(f, u"Text1"_s)->setText(destinos);
-        w<QPlainTextEdit>(f, u"txtMensaje"_s)->setPlainText(texto);
+        hijo<QLineEdit>(f, u"Text1"_s)->setText(destinos);
+        hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->setPlainText(texto);
     }
     // What the 10-second timer does.
     static void refrescar(frmEnvio& f) {
         QVERIFY(QMetaObject::invokeMethod(f.findChild<QTimer*>(u"Timer1"_s), "timeout"));
     }
     static QString lista(frmEnvio& f, int fila, int col) {
-        auto* m = static_cast<ModeloListado*>(w<QTreeView>(f, u"ListView1"_s)->model());
+        auto* m = static_cast<ModeloListado*>(hijo<QTreeView>(f, u"ListView1"_s)->model());
         return m->texto(fila, col);
     }
 
@@ -127,34 +122,35 @@ class TestEnvio : public QObject {
         sql(u"UPDATE opciones SET solocontactos=?"_s, {solo ? 1 : 0});
         frmEnvio f;
         escribir(f, destinos, u"Hola\nqué tal"_s);
-        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+        hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
 
         QCOMPARE(abonadosEnBandeja(), filas);
-        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), queda);
+        QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), queda);
         QCOMPARE(lineasLog(), log);
         QVERIFY(ui.boxes.isEmpty());
         // The text goes only when every destination went.
-        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText().isEmpty(), queda.isEmpty());
+        QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText().isEmpty(),
+                 queda.isEmpty());
         const auto enviadas = Conexion().query(
             u"select count(*) from envios where mensaje=? and intento=2 and canal=1"_s,
             {u"Hola\nqué tal"_s});
         QCOMPARE(enviadas.value(0, 0).toInt(), filas.size());
-        QCOMPARE(w<QTreeView>(f, u"ListView1"_s)->model()->rowCount(), filas.size());
+        QCOMPARE(hijo<QTreeView>(f, u"ListView1"_s)->model()->rowCount(), filas.size());
     }
 
     void emptyTextOrNoDestinations() {
         ScriptedInterface ui;
         frmEnvio f;
         escribir(f, u"ana"_s, u"   "_s);
-        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+        hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
         QVERIFY(ui.boxes.isEmpty());
-        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana"_s);
+        QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), u"ana"_s);
         escribir(f, u"  "_s, u"hola"_s);
-        w<QPushButton>(f, u"cmdAñadir"_s)->click();
+        hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
         QCOMPARE(ui.boxes.size(), 1);
         QCOMPARE(ui.boxes[0].text, u"No seleccionó destinatarios para este mensaje .."_s);
         QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
-        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"hola"_s);
+        QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"hola"_s);
         QVERIFY(abonadosEnBandeja().isEmpty());
     }
 
@@ -180,14 +176,14 @@ class TestEnvio : public QObject {
         frmEnvio f;
         f.show();
         Q_EMIT Avisos::instancia().textoElegido(QString(largo, u'x'));
-        QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
-        QCOMPARE(w<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
+        QCOMPARE(hijo<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
+        QCOMPARE(hijo<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
     }
 
     void accountsCombo() {
         ScriptedInterface ui;
         frmEnvio f;
-        auto* combo = w<QComboBox>(f, u"ImageCombo1"_s);
+        auto* combo = hijo<QComboBox>(f, u"ImageCombo1"_s);
         QCOMPARE(combo->count(), 2);
         QCOMPARE(combo->currentText(), u"Cuenta_1   (12 Créditos)  Remitente: Juan"_s);
         QCOMPARE(combo->itemText(1), u"Otra   (3 Créditos)"_s);
@@ -212,7 +208,7 @@ class TestEnvio : public QObject {
         QCOMPARE(lista(f, 1, 1), u"05/03 00:00:00"_s);
         QCOMPARE(lista(f, 0, 2), u"0034600000009"_s);
         QCOMPARE(lista(f, 0, 3), u"Cuenta_1 (Juan)"_s);
-        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
         // Same count: the refresh leaves the list as drawn.
         sql(u"UPDATE envios SET Mensaje='cambiado'"_s);
         refrescar(f);
@@ -222,7 +218,7 @@ class TestEnvio : public QObject {
         refrescar(f);
         QCOMPARE(lista(f, 0, 4), u"cambiado"_s);
         QCOMPARE(lista(f, 2, 3), u"Otra"_s);
-        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), u"3 mensajes listos para enviar"_s);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"3 mensajes listos para enviar"_s);
     }
 
     void modifyDeleteAndDeleteAll() {
@@ -232,32 +228,32 @@ class TestEnvio : public QObject {
             u"('2026-03-04 05:06:08',1,'0034600000008','dos',2),"
             u"('2026-03-04 05:06:09',1,'0034600000007','tres',2)"_s);
         frmEnvio f;
-        auto* lv = w<QTreeView>(f, u"ListView1"_s);
+        auto* lv = hijo<QTreeView>(f, u"ListView1"_s);
         lv->setCurrentIndex(lv->model()->index(1, 0));
         ui.answers = {Msg::No, Msg::Yes};
-        w<QPushButton>(f, u"cmdModificar"_s)->click();
+        hijo<QPushButton>(f, u"cmdModificar"_s)->click();
         QCOMPARE(abonadosEnBandeja().size(), 3);
         QCOMPARE(ui.boxes[0].text,
                  u"Desea modificar el \nMensaje: Cuenta_1 (Juan)\nTerminal: "
                  u"0034600000008\nDe fecha : 04/03 05:06:08"_s);
         QCOMPARE(ui.boxes[0].style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
-        w<QPushButton>(f, u"cmdModificar"_s)->click();
+        hijo<QPushButton>(f, u"cmdModificar"_s)->click();
         QCOMPARE(abonadosEnBandeja(), (QStringList{u"0034600000009"_s, u"0034600000007"_s}));
-        QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"0034600000008"_s);
-        QCOMPARE(w<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"dos"_s);
+        QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), u"0034600000008"_s);
+        QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"dos"_s);
 
         lv->setCurrentIndex(lv->model()->index(0, 0));
         ui.answers = {Msg::Yes};
-        w<QPushButton>(f, u"cmdEliminar"_s)->click();
+        hijo<QPushButton>(f, u"cmdEliminar"_s)->click();
         QVERIFY(ui.boxes.last().text.startsWith(u"¿Realmente desea eliminar el \nMensaje: "_s));
         QCOMPARE(abonadosEnBandeja(), QStringList{u"0034600000007"_s});
         QCOMPARE(lv->model()->rowCount(), 1);
         ui.answers = {Msg::Yes};
-        w<QPushButton>(f, u"cmdEliminarTodos"_s)->click();
+        hijo<QPushButton>(f, u"cmdEliminarTodos"_s)->click();
         QCOMPARE(ui.boxes.last().text,
                  u"¿Realmente desea eliminar todos los mensajes de la Bandeja de Salida?\n"_s);
         QVERIFY(abonadosEnBandeja().isEmpty());
-        QCOMPARE(w<QLabel>(f, u"lblcont"_s)->text(), QString());
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
     }
 
     void pickerAndPredefinedTextReachTheScreen() {
@@ -269,14 +265,14 @@ class TestEnvio : public QObject {
         });
         {
             frmEnvio f;
-            w<QLineEdit>(f, u"Text1"_s)->setText(u"lo de antes"_s);
-            w<QPushButton>(f, u"cmdAbonados"_s)->click();
+            hijo<QLineEdit>(f, u"Text1"_s)->setText(u"lo de antes"_s);
+            hijo<QPushButton>(f, u"cmdAbonados"_s)->click();
             QCOMPARE(abiertos, 1);
-            QCOMPARE(w<QLineEdit>(f, u"Text1"_s)->text(), u"ana;pepe"_s);
+            QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), u"ana;pepe"_s);
             Q_EMIT Avisos::instancia().textoElegido(u"predefinido"_s);
-            auto* texto = w<QPlainTextEdit>(f, u"txtMensaje"_s);
+            auto* texto = hijo<QPlainTextEdit>(f, u"txtMensaje"_s);
             QCOMPARE(texto->toPlainText(), u"predefinido"_s);
-            QCOMPARE(w<QLabel>(f, u"lblCaracteres"_s)->text(), u"(11)"_s);
+            QCOMPARE(hijo<QLabel>(f, u"lblCaracteres"_s)->text(), u"(11)"_s);
 
             // Enter with nothing offered moves on to the text; F2 there opens
             // the predefined texts, Esc empties it.
@@ -285,8 +281,8 @@ class TestEnvio : public QObject {
             f.show();
             f.activateWindow();
             QVERIFY(QTest::qWaitForWindowActive(&f));
-            w<QLineEdit>(f, u"Text1"_s)->setFocus();
-            QTest::keyClick(w<QLineEdit>(f, u"Text1"_s), Qt::Key_Return);
+            hijo<QLineEdit>(f, u"Text1"_s)->setFocus();
+            QTest::keyClick(hijo<QLineEdit>(f, u"Text1"_s), Qt::Key_Return);
             QVERIFY(texto->hasFocus());
             QTest::keyClick(texto, Qt::Key_F2);
             QCOMPARE(predefinidos, 1);
@@ -321,13 +317,13 @@ class TestEnvio : public QObject {
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         frmEnvio f;
         f.show();
-        auto* lmt = w<QLabel>(f, u"lmt"_s);
+        auto* lmt = hijo<QLabel>(f, u"lmt"_s);
         QCOMPARE(lmt->text(), u"Envío de SMS Activado"_s);
-        QTest::mouseDClick(w<QLabel>(f, u"imgmt"_s), Qt::LeftButton);
+        QTest::mouseDClick(hijo<QLabel>(f, u"imgmt"_s), Qt::LeftButton);
         QCOMPARE(Settings::getSetting(u"Tr"_s, u"Activo"_s), u"0"_s);
         QCOMPARE(lmt->text(), u"Envío de SMS Desactivado"_s);
         QCOMPARE(lmt->palette().color(QPalette::WindowText), QColor(255, 0, 0));
-        QVERIFY(!w<QPushButton>(f, u"cmdEnviar"_s)->isEnabled());
+        QVERIFY(!hijo<QPushButton>(f, u"cmdEnviar"_s)->isEnabled());
     }
 };
 

@@ -1,7 +1,7 @@
 // End to end against the platform simulator: the balance button's three
 // outcomes, and a text typed to a contact and to a number sent with
 // "Enviar Todo", found in the history with the balance renewed.
-#include "../delivery/SimuladorPrueba.h"
+#include "SimuladorPrueba.h"
 #include "TestSupportGui.h"
 #include "app/Transmitter.h"
 #include "base/AppState.h"
@@ -35,11 +35,14 @@ class TestExtremo : public QObject {
             world.root(),
             u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\nclave=demo\n"
             u"saldo=100\nmovil=0034600123456\n"_s);
-        Conexion().exec(
-            u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
-            u"Principal,Remitente,remopc,imptextos) VALUES (1,'Cuenta_1',160,80,?,'demo',?,0,1,"
-            u"'',0,0)"_s,
-            {sim->host(), msCifrarClave(clave, true)});
+        prueba::cuenta(1, u"Cuenta_1"_s,
+                       {{u"Host"_s, sim->host()},
+                        {u"usuario"_s, u"demo"_s},
+                        {u"clave"_s, msCifrarClave(clave, true)},
+                        {u"Principal"_s, 1},
+                        {u"Remitente"_s, u""_s},
+                        {u"remopc"_s, 0},
+                        {u"imptextos"_s, 0}});
         return sim->listo();
     }
     static QString cuenta(frmEnvio& f) {

@@ -51,10 +51,18 @@ class TestDelivery : public QObject {
     }
     void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
                       const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
-        Conexion().exec(
-            u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
-            "remopc,tini,tfin,imptextos,movil) VALUES (1,'Principal',?,'demo',?,7,1,'Tienda',?,?,?,?,'')"_s,
-            {host, msCifrarClave(clave, true), remopc, tini, tfin, imptextos});
+        prueba::cuenta(1, u"Principal"_s,
+                       {{u"Host"_s, host},
+                        {u"usuario"_s, u"demo"_s},
+                        {u"clave"_s, msCifrarClave(clave, true)},
+                        {u"Saldo"_s, 7},
+                        {u"Principal"_s, 1},
+                        {u"Remitente"_s, u"Tienda"_s},
+                        {u"remopc"_s, remopc},
+                        {u"tini"_s, tini},
+                        {u"tfin"_s, tfin},
+                        {u"imptextos"_s, imptextos},
+                        {u"movil"_s, u""_s}});
     }
     void anadirFila(const QString& abonado, const QString& mensaje, int canal = 1,
                     const QVariant& id = {}) {

@@ -1,12 +1,13 @@
 // When a scheduled message runs next: every kind of recurrence, to the
 // minute and to the day, at the month's end and across rows.
-#include "Programas.h"
 #include "TestSupport.h"
 #include "base/Clock.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
 using namespace Qt::StringLiterals;
+using prueba::en;
+using prueba::programa;
 
 namespace {
 // case | columns over a daily 09:00 schedule | clock | 1 to the minute, 2 to

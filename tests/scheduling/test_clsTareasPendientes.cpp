@@ -1,6 +1,5 @@
 // Scheduled messages becoming outbox rows: at each tick, and at start-up
 // with one question.
-#include "Programas.h"
 #include "TestSupport.h"
 #include "base/Clock.h"
 #include "db/Conexion.h"
@@ -8,6 +7,8 @@
 #include "scheduling/clsTareasPendientes.h"
 
 using namespace Qt::StringLiterals;
+using prueba::en;
+using prueba::programa;
 
 namespace {
 Database& db() {

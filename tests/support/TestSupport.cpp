@@ -3,6 +3,7 @@
 #include "app/Startup.h"
 #include "base/AppState.h"
 #include "base/Clock.h"
+#include "base/Conversions.h"
 #include "base/Settings.h"
 #include "db/Conexion.h"
 #include "db/Database.h"
@@ -156,3 +157,80 @@ ProcessResult runProgram(const TestWorld& world, const QStringList& args, int ti
 void prepareTestApplication() {
     nombrarAplicacion();
 }
+
+namespace prueba {
+
+Database& bd() {
+    return Conexion();
+}
+
+void cuenta(int canal, const QString& nombre, const QVariantMap& columnas) {
+    QVariantMap v{{u"maxmen"_s, 160},     {u"Puerto"_s, 80},    {u"Host"_s, u"h"_s},
+                  {u"usuario"_s, u"u"_s}, {u"clave"_s, u"c"_s}, {u"Saldo"_s, 0},
+                  {u"Principal"_s, 0}};
+    v.insert(columnas);
+    QVariantList valores{canal, nombre};
+    valores.append(v.values());
+    bd().exec(u"INSERT INTO Canales (Canal,Nombre,%1) VALUES (?,?%2)"_s.arg(
+                  v.keys().join(u','), u",?"_s.repeated(v.size())),
+              valores);
+}
+
+void contacto(const QString& codigo, const QString& alias, int canal, const QString& comentario) {
+    bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,?,?)"_s,
+              {codigo, alias, comentario, canal});
+}
+
+void lista(int grupo, const QString& nombre) {
+    bd().exec(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (?,?)"_s, {grupo, nombre});
+}
+
+void miembro(const QString& codigo, int grupo) {
+    bd().exec(u"INSERT INTO AboGrup (Abonado,Grupo) VALUES (?,?)"_s, {codigo, grupo});
+}
+
+void programa(int codigo, const QString& columnas) {
+    QVariantMap v{{u"TareaProgramada"_s, 1},
+                  {u"Hora"_s, u"09:00"_s},
+                  {u"FechaIni"_s, u"2006-01-01"_s},
+                  {u"FechaFin"_s, u"9999-12-31"_s},
+                  {u"Cada"_s, 1}};
+    for (const QString& par : columnas.split(u' ', Qt::SkipEmptyParts))
+        v[par.section(u'=', 0, 0)] = par.section(u'=', 1);
+    v[u"Hora"_s] = QString(u"2006-01-02 " + v[u"Hora"_s].toString() + u":00");
+    for (const QString& c : {u"FechaIni"_s, u"FechaFin"_s})
+        v[c] = QString(v[c].toString() + u" 00:00:00");
+    QVariantList valores{codigo};
+    valores.append(v.values());
+    bd().exec(u"INSERT INTO Automaticos (Codigo,%1) VALUES (?%2)"_s.arg(v.keys().join(u','),
+                                                                        u",?"_s.repeated(v.size())),
+              valores);
+}
+
+QDateTime en(const QString& texto) {
+    const QDateTime d = QDateTime::fromString(texto, u"dd/MM/yyyy HH:mm:ss"_s);
+    return d.isValid() ? d : QDateTime::fromString(texto, u"dd/MM/yyyy HH:mm"_s);
+}
+
+QStringList columna(const QString& sql, const QVariantList& params) {
+    const QueryResult r = bd().query(sql, params);
+    QStringList valores;
+    for (int f = 0; f < r.recordCount(); ++f) valores.append(textoDe(r.value(f, 0)));
+    return valores;
+}
+
+long long cuantos(const QString& sql, const QVariantList& params) {
+    return numeroDe(bd().query(sql, params).value(0, 0));
+}
+
+QString caja(int estilo, const QString& texto) {
+    return QString::number(estilo) + u' ' + texto;
+}
+
+QStringList cajas(const ScriptedInterface& ui) {
+    QStringList t;
+    for (const ShownBox& b : ui.boxes) t << caja(b.style, b.text);
+    return t;
+}
+
+}  // namespace prueba

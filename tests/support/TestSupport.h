@@ -1,11 +1,16 @@
 #pragma once
 
+#include "base/AppState.h"
+#include "base/Conversions.h"
 #include "base/UserInterface.h"
+#include "db/Conexion.h"
+#include "db/Database.h"
 
 #include <QDateTime>
 #include <QList>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QVariantMap>
 #include <QtTest>
 #include <functional>
 #include <optional>
@@ -117,3 +122,35 @@ QString programPath();
 #define QUELMO_TEST_MAIN(TestClass) QUELMO_TEST_MAIN_WITH(TestClass, QCoreApplication)
 
 void prepareTestApplication();
+
+// Rows and readings of the shared connection that tests of every subsystem
+// need.
+namespace prueba {
+
+Database& bd();
+
+// Account `canal` named `nombre`: 160 characters a text, port 80, host "h",
+// user "u", key "c", no credit, not the main one; `columnas` change those
+// or fill others.
+void cuenta(int canal, const QString& nombre, const QVariantMap& columnas = {});
+void contacto(const QString& codigo, const QString& alias, int canal,
+              const QString& comentario = QString());
+void lista(int grupo, const QString& nombre);
+void miembro(const QString& codigo, int grupo);
+
+// Writes schedule `codigo`: on, at 09:00, started long ago and without an
+// end, changed by the "Column=value" pairs of `columnas` (dates yyyy-MM-dd,
+// Hora HH:mm). Hora is stored as the editor stores it, a full date and time.
+void programa(int codigo, const QString& columnas);
+// "dd/MM/yyyy HH:mm" or with seconds: a local date and time.
+QDateTime en(const QString& texto);
+
+// The first column of a query, as text.
+QStringList columna(const QString& sql, const QVariantList& params = {});
+long long cuantos(const QString& sql, const QVariantList& params = {});
+
+// Message boxes as "style text", so one comparison checks both.
+QString caja(int estilo, const QString& texto);
+QStringList cajas(const ScriptedInterface& ui);
+
+}  // namespace prueba
