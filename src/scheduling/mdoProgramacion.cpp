@@ -216,27 +216,35 @@ QString descripcionPrograma(const Programa& p) {
 
 LineasMenAuto leerMensajesProgramados() {
     LineasMenAuto l;
+    // The calculator's columns come first, so that each row is handed to it
+    // as read rather than read again row by row.
+    const int k = int(clsNextTarea::columnasFila().split(u',').size());
     const QueryResult r = bd().query(
-        u"SELECT Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
+        u"SELECT "_s + clsNextTarea::columnasFila() +
+        u", Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
         u"AboAuto.automatico = Automaticos.Codigo) FROM Automaticos ORDER BY Automaticos.codigo"_s);
     l.codigos.reserve(r.recordCount());
     l.celdas.reserve(qsizetype(r.recordCount()) * 4);
     clsNextTarea calculo;
-    const QDateTime nunca(QDate(1900, 1, 1), QTime(0, 0));
+    // Compared by its wall-clock parts: comparing local date-times looks up
+    // the time zone for each, and the list has thousands.
+    const auto yaEnviada = [](const QDateTime& ultima) {
+        return ultima.date() > QDate(1900, 1, 1) ||
+               (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
+    };
     for (int i = 0; i < r.recordCount(); ++i) {
-        const int32_t codigo = int32_t(numeroDe(r.value(i, 0)));
+        const int32_t codigo = int32_t(numeroDe(r.value(i, k)));
         QString programado = u"no"_s, ultimo;
-        if (numeroDe(r.value(i, 2)) != 0) {
+        if (numeroDe(r.value(i, k + 2)) != 0) {
             // A row whose calculation fails (a day its month lacks) shows no
             // next run rather than keep the whole list from opening.
             try {
-                calculo.setCodigo(codigo);
+                calculo.setFila(codigo, r, i);
                 calculo.CalcularProximaTarea();
                 if (calculo.HayTarea()) {
                     programado = clsNextTarea::textoFecha(calculo.FechaProximaTarea());
-                    ultimo = calculo.UltimaTarea() > nunca
-                                 ? clsNextTarea::textoFecha(calculo.UltimaTarea())
-                                 : u"nunca"_s;
+                    const QDateTime ultima = calculo.UltimaTarea();
+                    ultimo = yaEnviada(ultima) ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
                 } else {
                     programado = u"Finalizado"_s;
                 }
@@ -245,7 +253,8 @@ LineasMenAuto leerMensajesProgramados() {
             }
         }
         l.codigos.append(codigo);
-        l.celdas << textoDe(r.value(i, 1)) << textoDe(r.value(i, 3)) << programado << ultimo;
+        l.celdas << textoDe(r.value(i, k + 1)) << textoDe(r.value(i, k + 3)) << programado
+                 << ultimo;
     }
     return l;
 }
