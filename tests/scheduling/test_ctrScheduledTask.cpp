@@ -10,7 +10,6 @@
 #include <QDateEdit>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QRadioButton>
 #include <QSignalSpy>
 #include <QTimeEdit>
 #include <QToolButton>
@@ -162,6 +161,8 @@ class TestCtrScheduledTask : public QObject {
             << u"inicio"_s << dia(u"01/04/2006"_s) << dia(u"01/04/2006"_s) << QString();
         QTest::newRow("a start in the past is accepted")
             << u"inicio"_s << dia(u"01/01/2006"_s) << dia(u"22/03/2006"_s) << QString();
+        QTest::newRow("checking the end box keeps the end after the start")
+            << u"casilla"_s << QDate() << dia(u"20/03/2006"_s) << QString();
         QTest::newRow("calendar before today")
             << u"calendario"_s << dia(u"14/03/2006"_s) << dia(u"15/03/2006"_s) << antesHoy;
         QTest::newRow("calendar after today")
@@ -176,10 +177,14 @@ class TestCtrScheduledTask : public QObject {
         ScriptedInterface ui;
         ctrScheduledTask c;
         c.setP_Fecha_Ini(QDate(2006, 3, 20));
-        c.setP_Fecha_Fin(QDate(2006, 3, 22));
+        c.setP_Fecha_Fin(que == u"casilla" ? fechaMaxima() : QDate(2006, 3, 22));
         QSignalSpy cambios(&c, &ctrScheduledTask::Change);
         if (que == u"fin") {
             c.dpFechaFin->setDate(elegida);
+            QCOMPARE(c.p_Fecha_Fin(), queda);
+        } else if (que == u"casilla") {
+            c.chkFechaFin->click();
+            QVERIFY(c.dpFechaFin->isEnabled());
             QCOMPARE(c.p_Fecha_Fin(), queda);
         } else if (que == u"inicio") {
             c.dpFechaIni->setDate(elegida);
@@ -193,17 +198,6 @@ class TestCtrScheduledTask : public QObject {
         if (mensaje.isEmpty()) return;
         QCOMPARE(ui.boxes[0].text, mensaje);
         QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
-    }
-
-    void checkingTheEndKeepsItAfterTheStart() {
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
-        ctrScheduledTask c;
-        c.setP_Fecha_Ini(QDate(2006, 5, 1));
-        c.chkFechaFin->click();
-        QVERIFY(c.dpFechaFin->isEnabled());
-        QCOMPARE(c.p_Fecha_Fin(), QDate(2006, 5, 1));
-        c.chkFechaFin->click();
-        QCOMPARE(c.p_Fecha_Fin(), fechaMaxima());
     }
 
     void numberPickBounds_data() {
@@ -263,19 +257,6 @@ class TestCtrScheduledTask : public QObject {
         QCOMPARE(cambios.count(), 1);
         for (int i = 0; i < 5; ++i) QCOMPARE(c.frame1[i]->isVisible(), i == tipo);
         QCOMPARE(c.frameFechaIniFechaFin->isVisible(), tipo != 0);
-    }
-
-    void monthlyOptionsEnableTheirFields() {
-        ctrScheduledTask c;
-        QSignalSpy cambios(&c, &ctrScheduledTask::Change);
-        c.Option1[1]->click();
-        QVERIFY(!c.crtNumberPick3->isEnabled());
-        QVERIFY(c.cmbMesSemana->isEnabled() && c.cmbMesDia->isEnabled());
-        QVERIFY(!c.p_Mensual_Es_Dia());
-        c.Option1[0]->click();
-        QVERIFY(c.crtNumberPick3->isEnabled());
-        QVERIFY(!c.cmbMesSemana->isEnabled() && !c.cmbMesDia->isEnabled());
-        QCOMPARE(cambios.count(), 2);
     }
 
     void descriptionLines_data() {
