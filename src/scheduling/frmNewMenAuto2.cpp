@@ -1,0 +1,270 @@
+#include "scheduling/frmNewMenAuto2.h"
+
+#include "base/AppState.h"
+#include "scheduling/ctrScheduledTask.h"
+#include "scheduling/frmSeleccionMensaje.h"
+#include "scheduling/frmSeleccionMensaje2.h"
+#include "scheduling/mdoProgramacion.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+#include "widgets/Listado.h"
+
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int kColId = 2;  // the hidden column that holds id_AboAuto
+}
+
+frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmNewMenAuto2"_s);
+    setWindowTitle(u"Mantenimiento de Mensajes Programados"_s);
+    setWindowIcon(iconoQuelmo(u"programar"_s));
+    setModal(true);
+
+    tabs = new QTabWidget(this);
+    tabs->setObjectName(u"tabs"_s);
+
+    auto* general = new QWidget(tabs);
+    txtNombre = new QLineEdit(general);
+    txtNombre->setObjectName(u"txtNombre"_s);
+    txtNombre->setMaxLength(50);
+    lblTarea = new QLabel(general);
+    lblTarea->setObjectName(u"lblTarea"_s);
+    lblTarea->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    lblTarea->setMinimumHeight(140);
+    lblTarea->setFrameShape(QFrame::StyledPanel);
+    lblTarea->setMargin(6);
+    lblProximaTarea = new QLabel(general);
+    lblProximaTarea->setObjectName(u"lblProximaTarea"_s);
+    lblContactos = new QLabel(general);
+    lblContactos->setObjectName(u"lblContactos"_s);
+    auto* g = new QGridLayout(general);
+    g->addWidget(new QLabel(u"Descripción : "_s, general), 0, 0);
+    g->addWidget(txtNombre, 0, 1);
+    g->addWidget(lblTarea, 1, 0, 1, 2);
+    g->addWidget(lblProximaTarea, 2, 0, 1, 2);
+    g->addWidget(lblContactos, 3, 0, 1, 2);
+    g->setRowStretch(4, 1);
+    tabs->addTab(general, u"&General"_s);
+
+    auto* mensajes = new QWidget(tabs);
+    ListView1 =
+        new Listado(u"ListView1"_s, {u"Contacto"_s, u"Mensaje a enviar"_s, QString()}, mensajes);
+    ListView1->setColumnHidden(kColId, true);
+    ListView1->setColumnWidth(0, 160);
+    cmdAdd = botonConNombre(mensajes, u"cmdAdd"_s, u"Ag&regar Contactos"_s);
+    XPButton1 = botonConNombre(mensajes, u"XPButton1"_s, u"&Eliminar Contacto seleccionado"_s);
+    cmdDelete = botonConNombre(mensajes, u"cmdDelete"_s, u"E&liminar Todos los Contactos"_s);
+    XPButton3 = botonConNombre(mensajes, u"XPButton3"_s, u"&Modificar Mensajes"_s);
+    auto* botones = new QHBoxLayout;
+    for (QPushButton* b : {cmdAdd, XPButton1, cmdDelete, XPButton3}) botones->addWidget(b);
+    botones->addStretch(1);
+    auto* m = new QVBoxLayout(mensajes);
+    m->addWidget(ListView1, 1);
+    m->addLayout(botones);
+    tabs->addTab(mensajes, u"&Mensajes"_s);
+
+    auto* programar = new QWidget(tabs);
+    for (const QString& t : {u"No programar"_s, u"Programar tarea"_s}) {
+        auto* o = new QRadioButton(t, programar);
+        o->setObjectName(u"optTask(%1)"_s.arg(optTask.size()));
+        optTask.append(o);
+    }
+    optTask[0]->setChecked(true);
+    ctrScheduledTask1 = new ctrScheduledTask(programar);
+    ctrScheduledTask1->setObjectName(u"ctrScheduledTask1"_s);
+    ctrScheduledTask1->setEnabled(false);
+    auto* opciones = new QHBoxLayout;
+    opciones->addWidget(optTask[0]);
+    opciones->addWidget(optTask[1]);
+    opciones->addStretch(1);
+    auto* p = new QVBoxLayout(programar);
+    p->addLayout(opciones);
+    p->addWidget(ctrScheduledTask1, 1);
+    tabs->addTab(programar, u"&Programar"_s);
+
+    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Cerrar"_s);
+    auto* abajo = new QHBoxLayout;
+    abajo->addStretch(1);
+    abajo->addWidget(XPButton2);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(tabs, 1);
+    v->addLayout(abajo);
+    resize(640, 560);
+
+    // Lines show by contact name from the start, with the arrow on it.
+    ListView1->modelo()->sort(0, Qt::AscendingOrder);
+    lblTarea->setText(u"No hay ninguna tarea programada"_s);
+
+    connect(ctrScheduledTask1, &ctrScheduledTask::Change, this,
+            &frmNewMenAuto2::ctrScheduledTask1_Change);
+    for (int i = 0; i < optTask.size(); ++i)
+        connect(optTask[i], &QRadioButton::clicked, this, [this, i] { optTask_Click(i); });
+    connect(cmdAdd, &QPushButton::clicked, this, &frmNewMenAuto2::cmdAdd_Click);
+    connect(XPButton1, &QPushButton::clicked, this, &frmNewMenAuto2::XPButton1_Click);
+    connect(cmdDelete, &QPushButton::clicked, this, &frmNewMenAuto2::cmdDelete_Click);
+    connect(XPButton3, &QPushButton::clicked, this, &frmNewMenAuto2::XPButton3_Click);
+    connect(ListView1, &Listado::dobleClicFila, this, [this](int fila) {
+        if (!ListView1->modelo()->texto(fila, 0).isEmpty()) XPButton3_Click();
+    });
+    connect(XPButton2, &QPushButton::clicked, this, &frmNewMenAuto2::XPButton2_Click);
+}
+
+void frmNewMenAuto2::editar(int32_t codigo, QWidget* parent) {
+    frmNewMenAuto2 editor(parent);
+    editor.setCodigo(codigo);
+    editor.exec();
+}
+
+void frmNewMenAuto2::setCodigo(int32_t codigo) {
+    m_codigo = codigo;
+    m_cargado = false;
+    m_enCarga = true;
+    txtNombre->clear();
+    lblTarea->setText(u"No hay ninguna tarea programada"_s);
+    QueryResult fila;
+    try {
+        fila = leerAutomatico(codigo);
+    } catch (const QuelmoError&) {
+    }
+    if (fila.isEmpty()) {
+        m_enCarga = false;
+        mostrarProximaTarea();
+        return;
+    }
+    const int opcion = programaActivo(fila) ? 1 : 0;
+    optTask[opcion]->setChecked(true);
+    optTask_Click(opcion);
+
+    // A column that is null leaves its property as it was.
+    auto columna = [&fila](const QString& nombre) {
+        const int c = fila.columnIndex(nombre);
+        return c < 0 ? QVariant() : fila.value(0, c);
+    };
+    const QVariant tipo = valorDeColumna(Propiedad::Periodicidad, columna(u"Periodicidad"_s));
+    const QVariant esDia = valorDeColumna(Propiedad::MensualEsDia, columna(u"MensualEsDia"_s));
+    for (const auto& [prop, col] :
+         columnasAlCargar(tipo.isValid() ? tipo.toInt() : -1, esDia.isValid() && esDia.toBool())) {
+        const QVariant v = valorDeColumna(prop, columna(col));
+        if (v.isValid()) ctrScheduledTask1->setPropiedad(prop, v);
+    }
+    txtNombre->setText(columna(u"Nombre"_s).toString());
+    cargarDestinatarios();
+    m_cargado = true;
+    m_enCarga = false;
+    mostrarProximaTarea();
+}
+
+void frmNewMenAuto2::cargarDestinatarios() {
+    QVector<QString> celdas;
+    try {
+        celdas = leerDestinatarios(m_codigo);
+    } catch (const QuelmoError&) {
+    }
+    lblContactos->setText(u"Este envío tiene "_s + QString::number(celdas.size() / 3) +
+                          u" mensaje(s)"_s);
+    ListView1->modelo()->asignar(std::move(celdas));
+}
+
+void frmNewMenAuto2::ctrScheduledTask1_Change() {
+    // Loading writes the control too; only a change the user makes lets a
+    // changed schedule fire again today.
+    if (m_cargado) olvidarUltimaTarea(m_codigo);
+    if (optTask[0]->isChecked())
+        lblTarea->setText(u"No hay ninguna tera programada"_s);
+    else
+        lblTarea->setText(ctrScheduledTask1->Descripcion());
+    if (!m_enCarga) mostrarProximaTarea();
+}
+
+void frmNewMenAuto2::optTask_Click(int indice) {
+    ctrScheduledTask1->setEnabled(indice != 0);
+    ctrScheduledTask1_Change();
+}
+
+void frmNewMenAuto2::mostrarProximaTarea() {
+    lblProximaTarea->setText(u"Programado: "_s + proximaTareaDe(m_codigo, optTask[1]->isChecked(),
+                                                                ctrScheduledTask1->programa()));
+}
+
+void frmNewMenAuto2::frmAux_CambiaMensaje(const QString& Mensaje, bool Personalizar) {
+    m_mensaje = Mensaje;
+    m_saludo = Personalizar;
+}
+
+void frmNewMenAuto2::frmAux2_changeMensaje(long long Id_AboAuto, const QString& Mensaje) {
+    cambiarMensajeDestinatario(Id_AboAuto, Mensaje);
+    cargarDestinatarios();
+}
+
+void frmNewMenAuto2::cmdAdd_Click() {
+    appState().gsDestinos.clear();
+    const QString nombre = txtNombre->text();
+    try {
+        if (otroCodigoConNombre(m_codigo, nombre) >= 0) {
+            ui().msgBox(u"El nombre seleccionado para este Envío Múltiple ya existe..."_s,
+                        Msg::Critical);
+            return;
+        }
+    } catch (const QuelmoError& e) {
+        ui().msgBox(u"Error en Mantenimiento de Mensajes Programados\n"_s + e.description(),
+                    Msg::Critical);
+        return;
+    }
+    {
+        frmSeleccionMensaje picker(this);
+        connect(&picker, &frmSeleccionMensaje::CambiaMensaje, this,
+                &frmNewMenAuto2::frmAux_CambiaMensaje);
+        picker.exec();
+    }
+    const QString elegidos = appState().gsDestinos;
+    appState().gsDestinos.clear();
+    if (elegidos.isEmpty()) return;
+    anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo);
+    QCoreApplication::processEvents();
+    cargarDestinatarios();
+}
+
+void frmNewMenAuto2::XPButton1_Click() {
+    const int fila = ListView1->filaActual();
+    if (fila < 0) return;
+    if (quitarDestinatario(ListView1->modelo()->texto(fila, kColId).toLongLong()))
+        cargarDestinatarios();
+}
+
+void frmNewMenAuto2::cmdDelete_Click() {
+    if (ListView1->modelo()->rowCount() == 0) return;
+    if (ui().msgBox(
+            u"Esta seguro que desea eliminar todos los Contactos para este mensaje automático ?"_s,
+            Msg::YesNo | 32) != Msg::Yes)
+        return;
+    quitarTodosDestinatarios(m_codigo);
+    cargarDestinatarios();
+}
+
+void frmNewMenAuto2::XPButton3_Click() {
+    const int fila = ListView1->filaActual();
+    if (fila < 0) return;
+    frmSeleccionMensaje2 editor(this);
+    editor.setId_AboAuto(ListView1->modelo()->texto(fila, kColId).toLongLong());
+    editor.setMensaje(ListView1->modelo()->texto(fila, 1));
+    connect(&editor, &frmSeleccionMensaje2::changeMensaje, this,
+            &frmNewMenAuto2::frmAux2_changeMensaje);
+    editor.exec();
+}
+
+void frmNewMenAuto2::XPButton2_Click() {
+    guardarMensajeProgramado(m_codigo, txtNombre->text(), optTask[1]->isChecked(),
+                             ctrScheduledTask1->programa());
+    accept();
+}

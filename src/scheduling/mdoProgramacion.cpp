@@ -1,0 +1,491 @@
+#include "scheduling/mdoProgramacion.h"
+
+#include "base/AppState.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
+#include "scheduling/clsNextTarea.h"
+
+#include <QLocale>
+#include <QMap>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Database& bd() {
+    return Conexion();
+}
+
+QString textoDia(const QDate& d) {
+    return d.toString(u"dd/MM/yyyy"_s);
+}
+
+// The date that stands for a time of day alone, as the old engine stored it.
+const QDate kDiaDeLaHora(1899, 12, 30);
+
+}  // namespace
+
+// ---- The schedule as the control holds it ----------------------------------
+
+QVariant Programa::valor(Propiedad p) const {
+    switch (p) {
+        case Propiedad::Periodicidad:
+            return periodicidad;
+        case Propiedad::Hora:
+            return hora;
+        case Propiedad::UnaSolaVezFecha:
+            return unaSolaVezFecha;
+        case Propiedad::DiariaCada:
+            return diariaCada;
+        case Propiedad::SemanalCada:
+            return semanalCada;
+        case Propiedad::SemanalDias:
+            return semanalDias;
+        case Propiedad::MensualEsDia:
+            return mensualEsDia;
+        case Propiedad::MensualDiaMes:
+            return mensualDiaMes;
+        case Propiedad::MensualNumSemana:
+            return mensualNumSemana;
+        case Propiedad::MensualDiaSemana:
+            return mensualDiaSemana;
+        case Propiedad::AnualDia:
+            return anualDia;
+        case Propiedad::AnualMes:
+            return anualMes;
+        case Propiedad::FechaIni:
+            return fechaIni;
+        case Propiedad::FechaFin:
+            return fechaFin;
+    }
+    return {};
+}
+
+QList<std::pair<Propiedad, QString>> columnasAlCargar(int periodicidad, bool mensualEsDia) {
+    QList<std::pair<Propiedad, QString>> m{{Propiedad::Hora, u"Hora"_s},
+                                           {Propiedad::Periodicidad, u"Periodicidad"_s},
+                                           {Propiedad::FechaIni, u"FechaIni"_s},
+                                           {Propiedad::FechaFin, u"FechaFin"_s}};
+    switch (periodicidad) {
+        case 0:
+            m += {{Propiedad::UnaSolaVezFecha, u"FechaIni"_s},
+                  {Propiedad::FechaIni, u"FechaIni"_s},
+                  {Propiedad::FechaFin, u"FechaFin"_s}};
+            break;
+        case 1:
+            m += {Propiedad::DiariaCada, u"Cada"_s};
+            break;
+        case 2:
+            m += {{Propiedad::SemanalCada, u"Cada"_s}, {Propiedad::SemanalDias, u"DiasSemana"_s}};
+            break;
+        case 3:
+            m += {Propiedad::MensualEsDia, u"MensualEsDia"_s};
+            if (mensualEsDia)
+                m += {Propiedad::MensualDiaMes, u"MensualDiaMes"_s};
+            else
+                m += {{Propiedad::MensualNumSemana, u"MensualNumSemana"_s},
+                      {Propiedad::MensualDiaSemana, u"MensualDiaSemana"_s}};
+            break;
+        case 4:
+            m += {{Propiedad::AnualDia, u"AnualDia"_s}, {Propiedad::AnualMes, u"AnualMes"_s}};
+            break;
+        default:
+            break;
+    }
+    return m;
+}
+
+QList<std::pair<QString, Propiedad>> columnasAlGuardar(int periodicidad, bool mensualEsDia) {
+    QList<std::pair<QString, Propiedad>> m{{u"Hora"_s, Propiedad::Hora},
+                                           {u"Periodicidad"_s, Propiedad::Periodicidad},
+                                           {u"FechaIni"_s, Propiedad::FechaIni},
+                                           {u"FechaFin"_s, Propiedad::FechaFin}};
+    switch (periodicidad) {
+        case 0:
+            m +=
+                {{u"FechaIni"_s, Propiedad::UnaSolaVezFecha}, {u"FechaFin"_s, Propiedad::FechaFin}};
+            break;
+        case 1:
+            m += {u"Cada"_s, Propiedad::DiariaCada};
+            break;
+        case 2:
+            m += {{u"Cada"_s, Propiedad::SemanalCada}, {u"DiasSemana"_s, Propiedad::SemanalDias}};
+            break;
+        case 3:
+            m += {u"MensualEsDia"_s, Propiedad::MensualEsDia};
+            if (mensualEsDia)
+                m += {u"MensualDiaMes"_s, Propiedad::MensualDiaMes};
+            else
+                m += {{u"MensualNumSemana"_s, Propiedad::MensualNumSemana},
+                      {u"MensualDiaSemana"_s, Propiedad::MensualDiaSemana}};
+            break;
+        case 4:
+            m += {{u"AnualDia"_s, Propiedad::AnualDia}, {u"AnualMes"_s, Propiedad::AnualMes}};
+            break;
+        default:
+            break;
+    }
+    return m;
+}
+
+QVariant valorDeColumna(Propiedad p, const QVariant& columna) {
+    if (columna.isNull()) return {};
+    const QString texto = columna.toString().trimmed();
+    switch (p) {
+        case Propiedad::Hora: {
+            const QDateTime completa = deTextoBD(texto);
+            if (completa.isValid()) return completa.time();
+            for (const QString& f : {u"HH:mm:ss"_s, u"HH:mm"_s}) {
+                const QTime t = QTime::fromString(texto, f);
+                if (t.isValid()) return t;
+            }
+            return {};
+        }
+        case Propiedad::UnaSolaVezFecha:
+        case Propiedad::FechaIni:
+        case Propiedad::FechaFin: {
+            const QDateTime d = deTextoBD(texto);
+            return d.isValid() ? QVariant(d.date()) : QVariant();
+        }
+        case Propiedad::MensualEsDia:
+            try {
+                return aBooleano(texto);
+            } catch (const QuelmoError&) {
+                return {};
+            }
+        default:
+            try {
+                return int(aEntero16(columna));
+            } catch (const QuelmoError&) {
+                return {};
+            }
+    }
+}
+
+QString descripcionPrograma(const Programa& p) {
+    const QString nl = u"\n"_s;
+    QString t;
+    switch (p.periodicidad) {
+        case 0:
+            t = u"Una sola vez"_s + nl + textoDia(p.unaSolaVezFecha);
+            break;
+        case 1:
+            t = u"Diariamente"_s + nl + u"Cada "_s + QString::number(p.diariaCada) + u" día"_s;
+            break;
+        case 2: {
+            // Sunday first and shortened, as the users have always read it.
+            static const char16_t* const kDias[] = {
+                u"Lunes ", u"Martes ", u"Miercoles ", u"Jueves ", u"Viernes ", u"Sabado ", u"Dom "};
+            t = u"Semanalmente"_s + nl + u"Cada "_s + QString::number(p.semanalCada) +
+                u" semana"_s + nl + u"cada: "_s;
+            for (int i = 6; i >= 0; --i)
+                if (p.semanalDias & (1 << i)) t += QString::fromUtf16(kDias[i]);
+            break;
+        }
+        case 3:
+            if (p.mensualEsDia) {
+                t = nl + u"Mensualmente"_s + nl + u"cada "_s + QString::number(p.mensualDiaMes) +
+                    u" de cada mes"_s;
+            } else {
+                static const char16_t* const kSemanas[] = {u"primer ", u"segundo ", u"tercero ",
+                                                           u"cuarto ", u"último "};
+                static const char16_t* const kDias[] = {u"Lunes ",  u"Martes ",  u"Miercoles ",
+                                                        u"Jueves ", u"Viernes ", u"Sabado ",
+                                                        u"Domingo "};
+                const int s = qBound(1, p.mensualNumSemana, 5) - 1;
+                const int d = qBound(1, p.mensualDiaSemana, 7) - 1;
+                t = nl + u"Mensualmente"_s + nl + u"El "_s + QString::fromUtf16(kSemanas[s]) +
+                    QString::fromUtf16(kDias[d]) + u"de cada mes."_s;
+            }
+            break;
+        case 4:
+            t = u"Anualmente"_s + nl + u"Dia: "_s + QString::number(p.anualDia) + u" Mes:"_s +
+                QLocale(QLocale::Spanish).monthName(qBound(1, p.anualMes, 12), QLocale::LongFormat);
+            break;
+        default:
+            break;
+    }
+    if (p.periodicidad >= 1 && p.periodicidad <= 4)
+        t += nl + u"Fecha Inicio: "_s + textoDia(p.fechaIni) + nl + u"Fecha Fin: "_s +
+             textoDia(p.fechaFin) + nl;
+    return t + nl + u"HORA:"_s + p.hora.toString(u"HH:mm"_s);
+}
+
+// ---- The list of multi-sends -----------------------------------------------
+
+LineasMenAuto leerMensajesProgramados() {
+    LineasMenAuto l;
+    // The calculator's columns come first, so that each row is handed to it
+    // as read rather than read again row by row.
+    const int k = int(clsNextTarea::columnasFila().split(u',').size());
+    const QueryResult r = bd().query(
+        u"SELECT "_s + clsNextTarea::columnasFila() +
+        u", Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
+        u"AboAuto.automatico = Automaticos.Codigo) FROM Automaticos ORDER BY Automaticos.codigo"_s);
+    l.codigos.reserve(r.recordCount());
+    l.celdas.reserve(qsizetype(r.recordCount()) * 4);
+    clsNextTarea calculo;
+    // Compared by its wall-clock parts: comparing local date-times looks up
+    // the time zone for each, and the list has thousands.
+    const auto yaEnviada = [](const QDateTime& ultima) {
+        return ultima.date() > QDate(1900, 1, 1) ||
+               (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
+    };
+    for (int i = 0; i < r.recordCount(); ++i) {
+        const int32_t codigo = int32_t(numeroDe(r.value(i, k)));
+        QString programado = u"no"_s, ultimo;
+        if (numeroDe(r.value(i, k + 2)) != 0) {
+            // A row whose calculation fails (a day its month lacks) shows no
+            // next run rather than keep the whole list from opening.
+            try {
+                calculo.setFila(codigo, r, i);
+                calculo.CalcularProximaTarea();
+                if (calculo.HayTarea()) {
+                    programado = clsNextTarea::textoFecha(calculo.FechaProximaTarea());
+                    const QDateTime ultima = calculo.UltimaTarea();
+                    ultimo = yaEnviada(ultima) ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
+                } else {
+                    programado = u"Finalizado"_s;
+                }
+            } catch (const QuelmoError&) {
+                programado.clear();
+            }
+        }
+        l.codigos.append(codigo);
+        l.celdas << textoDe(r.value(i, k + 1)) << textoDe(r.value(i, k + 3)) << programado
+                 << ultimo;
+    }
+    return l;
+}
+
+int32_t codigoDeLinea(const LineasMenAuto& lineas, const QString& nombre) {
+    for (int i = 0; i < lineas.codigos.size(); ++i)
+        if (lineas.celdas.at(qsizetype(i) * 4) == nombre) return lineas.codigos.at(i);
+    return -1;
+}
+
+int32_t proximoCodigoAutomatico() {
+    const QueryResult r = bd().query(u"Select max(Codigo) + 1 from Automaticos"_s);
+    return r.isEmpty() || r.value(0, 0).isNull() ? 1 : int32_t(numeroDe(r.value(0, 0)));
+}
+
+bool borrarMensajeProgramado(int32_t codigo) {
+    Database& db = bd();
+    try {
+        db.begin();
+        db.exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
+        db.exec(u"Delete from Automaticos where codigo = ?"_s, {codigo});
+        db.commit();
+        return true;
+    } catch (const QuelmoError&) {
+        try {
+            db.rollback();
+        } catch (const QuelmoError&) {
+        }
+        return false;
+    }
+}
+
+// ---- One multi-send --------------------------------------------------------
+
+QueryResult leerAutomatico(int32_t codigo) {
+    return bd().query(u"SELECT * FROM Automaticos WHERE codigo=?"_s, {codigo});
+}
+
+bool programaActivo(const QueryResult& fila) {
+    if (fila.isEmpty()) return false;
+    const QVariant v = fila.value(0, u"TareaProgramada"_s);
+    try {
+        return !v.isNull() && aBooleano(v.toString());
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+QVector<QString> leerDestinatarios(int32_t codigo) {
+    return bd().queryTexts(
+        u"SELECT Abonados.Alias, AboAuto.Mensaje, AboAuto.id_AboAuto FROM AboAuto INNER JOIN "
+        u"Abonados ON AboAuto.Abonado = Abonados.Codigo WHERE automatico = ? ORDER BY Abonado"_s,
+        {codigo});
+}
+
+int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
+    const QueryResult r =
+        bd().query(u"Select codigo from Automaticos where nombre = ? order by codigo"_s, {nombre});
+    for (int i = 0; i < r.recordCount(); ++i) {
+        const int32_t c = int32_t(numeroDe(r.value(i, 0)));
+        if (c != codigo) return c;
+    }
+    return -1;
+}
+
+int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList& aliases,
+                        const QString& mensaje, bool saludo) {
+    Database& db = bd();
+    // Every contact that bears one of the chosen aliases, once, in the
+    // order of the contacts' table.
+    QMap<long long, std::pair<QString, QString>> contactos;
+    QStringList vistos;
+    for (const QString& a : aliases) {
+        const QString clave = a.toCaseFolded();
+        if (a.isEmpty() || vistos.contains(clave)) continue;
+        vistos.append(clave);
+        const QueryResult r =
+            db.query(u"select rowid, codigo, alias from abonados where alias = ?"_s, {a});
+        for (int i = 0; i < r.recordCount(); ++i)
+            contactos.insert(numeroDe(r.value(i, 0)),
+                             {textoDe(r.value(i, 1)), textoDe(r.value(i, 2))});
+    }
+    if (contactos.isEmpty()) return 0;
+
+    enum { kAlta, kCambio, kDestinatarios } paso = kAlta;
+    try {
+        db.begin();
+        const bool existe =
+            numeroDe(db.query(u"Select count(*) from Automaticos where codigo = ?"_s, {codigo})
+                         .value(0, 0)) > 0;
+        if (!existe) {
+            db.exec(u"Insert into Automaticos (Codigo, Nombre) Values (?, ?)"_s, {codigo, nombre});
+        } else {
+            paso = kCambio;
+            db.exec(u"update Automaticos set Nombre = ? where codigo = ?"_s, {nombre, codigo});
+        }
+        paso = kDestinatarios;
+        for (const auto& [numero, alias] : contactos) {
+            const QString texto = saludo ? alias + u", "_s + mensaje : mensaje;
+            db.exec(u"Insert into AboAuto (Automatico, Abonado, Mensaje) values (?, ?, ?)"_s,
+                    {codigo, numero, texto});
+        }
+        db.commit();
+        return int(contactos.size());
+    } catch (const QuelmoError& e) {
+        try {
+            db.rollback();
+        } catch (const QuelmoError&) {
+        }
+        ui().msgBox(paso == kAlta ? u"Imposible dar de Alta este Mensaje"_s
+                    : paso == kCambio
+                        ? u"Imposible Modificar este Mensaje"_s
+                        : u"Error en Mantenimiento de Mensajes Programados\n"_s + e.description(),
+                    Msg::Critical);
+        return 0;
+    }
+}
+
+bool quitarDestinatario(long long idAboAuto) {
+    try {
+        bd().exec(u"delete from aboauto where id_aboauto = ?"_s, {idAboAuto});
+        return true;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+bool quitarTodosDestinatarios(int32_t codigo) {
+    try {
+        bd().exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
+        return true;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+bool cambiarMensajeDestinatario(long long idAboAuto, const QString& mensaje) {
+    try {
+        bd().exec(u"Update AboAuto set mensaje = ? where id_aboauto = ?"_s, {mensaje, idAboAuto});
+        return true;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+QString recortarBlancos(const QString& texto) {
+    qsizetype desde = 0, hasta = texto.size();
+    while (desde < hasta && texto[desde] == u' ') ++desde;
+    while (hasta > desde && texto[hasta - 1] == u' ') --hasta;
+    return texto.mid(desde, hasta - desde);
+}
+
+void olvidarUltimaTarea(int32_t codigo) {
+    try {
+        bd().exec(u"update automaticos set ultimatarea = Null where codigo = ?"_s, {codigo});
+    } catch (const QuelmoError&) {
+    }
+}
+
+namespace {
+
+// The row's update: the name and the switch, and with it on the schedule's
+// columns for its kind. Throws on failure; returns the rows changed.
+int escribirPrograma(int32_t codigo, const QString& nombre, bool programada,
+                     const Programa& programa) {
+    QStringList columnas{u"Nombre = ?"_s, u"TareaProgramada = ?"_s};
+    QVariantList valores{nombre, programada ? 1 : 0};
+    if (programada) {
+        QMap<QString, QVariant> porColumna;
+        QStringList orden;
+        for (const auto& [col, prop] :
+             columnasAlGuardar(programa.periodicidad, programa.mensualEsDia)) {
+            QVariant v = programa.valor(prop);
+            if (prop == Propiedad::Hora)
+                v = QDateTime(kDiaDeLaHora, programa.hora);
+            else if (v.typeId() == QMetaType::QDate)
+                v = QDateTime(v.toDate(), QTime(0, 0));
+            else if (v.typeId() == QMetaType::Bool)
+                v = v.toBool() ? 1 : 0;
+            if (!porColumna.contains(col)) orden.append(col);
+            porColumna.insert(col, v);
+        }
+        for (const QString& col : orden) {
+            columnas.append(col + u" = ?"_s);
+            valores.append(porColumna.value(col));
+        }
+    }
+    valores.append(codigo);
+    return bd().exec(u"UPDATE Automaticos SET "_s + columnas.join(u", "_s) + u" WHERE codigo = ?"_s,
+                     valores);
+}
+
+}  // namespace
+
+bool guardarMensajeProgramado(int32_t codigo, const QString& nombre, bool programada,
+                              const Programa& programa) {
+    try {
+        return escribirPrograma(codigo, nombre, programada, programa) > 0;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+QString proximaTareaDe(int32_t codigo, bool programada, const Programa& programa) {
+    if (!programada) return u"no"_s;
+    // The schedule is written into the row for the calculator to read, and
+    // taken back at once: what is shown is what saving would store.
+    Database& db = bd();
+    const QString punto = u"vista_programa"_s;
+    QString texto;
+    try {
+        db.savepoint(punto);
+    } catch (const QuelmoError&) {
+        return texto;
+    }
+    try {
+        db.exec(u"INSERT OR IGNORE INTO Automaticos (Codigo) VALUES (?)"_s, {codigo});
+        escribirPrograma(codigo, textoDe(leerAutomatico(codigo).value(0, u"Nombre"_s)), true,
+                         programa);
+        clsNextTarea calculo;
+        calculo.setCodigo(codigo);
+        calculo.CalcularProximaTarea();
+        texto = calculo.HayTarea() ? clsNextTarea::textoFecha(calculo.FechaProximaTarea())
+                                   : u"Finalizado"_s;
+    } catch (const QuelmoError&) {
+        texto.clear();
+    }
+    try {
+        db.rollbackTo(punto);
+        db.release(punto);
+    } catch (const QuelmoError&) {
+    }
+    return texto;
+}

@@ -1,0 +1,328 @@
+// The schedule control: its properties as the widgets hold them, the checks
+// it makes on the user's input, its panels and the lines that describe it.
+#include "TestSupportGui.h"
+#include "scheduling/ctrNumberPick.h"
+#include "scheduling/ctrScheduledTask.h"
+
+#include <QCalendarWidget>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTimeEdit>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QDate dia(const QString& texto) {
+    return QDate::fromString(texto, u"dd/MM/yyyy"_s);
+}
+
+QString marcados(const ctrScheduledTask& c) {
+    QStringList t;
+    for (const QCheckBox* d : c.chkDay)
+        if (d->isChecked()) t << d->text();
+    return t.join(u' ');
+}
+
+}  // namespace
+
+class TestCtrScheduledTask : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestCtrScheduledTask(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void startsOnTheNextFullHourAndToday() {
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        ctrScheduledTask c;
+        QCOMPARE(c.Hora(), u"11:00"_s);
+        QCOMPARE(c.Periodicidad(), 0);
+        QCOMPARE(c.p_UnaSolaVez_Fecha(), QDate(2006, 3, 15));
+        QCOMPARE(c.p_Fecha_Ini(), QDate(2006, 3, 15));
+        QCOMPARE(c.p_Fecha_Fin(), fechaMaxima());
+        QCOMPARE(c.p_Anual_Mes(), 3);
+        QCOMPARE(c.cmbAnualMes->currentText(), u"Marzo"_s);
+        // Names of days and months in Spanish, capitalised.
+        QCOMPARE(c.chkDay[2]->text(), u"Miércoles"_s);
+        QCOMPARE(c.cmbMesDia->itemText(6), u"Domingo"_s);
+        QCOMPARE(c.cmbTipoTask->itemText(3), u"Mesualmente"_s);
+        QCOMPARE(c.cmbMesSemana->itemText(2), u"tercer"_s);
+        QVERIFY(!c.dpFechaFin->isEnabled());
+    }
+
+    void weekdayBitsBothWays_data() {
+        QTest::addColumn<int>("antes");
+        QTest::addColumn<int>("escrito");
+        QTest::addColumn<QString>("dias");
+        QTest::newRow("65: Monday and Sunday, the rest unchecked")
+            << 127 << 65 << u"Lunes Domingo"_s;
+        QTest::newRow("64: Sunday alone") << 1 << 64 << u"Domingo"_s;
+        QTest::newRow("17: Monday and Friday") << 0 << 17 << u"Lunes Viernes"_s;
+        QTest::newRow("127: every day")
+            << 0 << 127 << u"Lunes Martes Miércoles Jueves Viernes Sábado Domingo"_s;
+    }
+    void weekdayBitsBothWays() {
+        QFETCH(int, antes);
+        QFETCH(int, escrito);
+        QFETCH(QString, dias);
+        ScriptedInterface ui;
+        ctrScheduledTask c;
+        c.setP_Semanal_Dias(int16_t(antes));
+        c.setP_Semanal_Dias(int16_t(escrito));
+        QCOMPARE(marcados(c), dias);
+        QCOMPARE(c.p_Semanal_Dias(), escrito);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void theOnlyDayCannotBeUnchecked_data() {
+        QTest::addColumn<int>("dias");
+        QTest::addColumn<int>("clic");
+        QTest::addColumn<int>("despues");
+        QTest::addColumn<bool>("mensaje");
+        QTest::newRow("the only day") << 4 << 2 << 4 << true;
+        QTest::newRow("one of two") << 5 << 2 << 1 << false;
+        QTest::newRow("checking another") << 4 << 6 << 68 << false;
+    }
+    void theOnlyDayCannotBeUnchecked() {
+        QFETCH(int, dias);
+        QFETCH(int, clic);
+        QFETCH(int, despues);
+        QFETCH(bool, mensaje);
+        ScriptedInterface ui;
+        ctrScheduledTask c;
+        c.setPeriodicidad(2);
+        c.setP_Semanal_Dias(int16_t(dias));
+        QSignalSpy cambios(&c, &ctrScheduledTask::Change);
+        c.chkDay[clic]->click();
+        QCOMPARE(c.p_Semanal_Dias(), despues);
+        QCOMPARE(cambios.count(), 1);
+        QCOMPARE(ui.boxes.size(), mensaje ? 1 : 0);
+        if (!mensaje) return;
+        QCOMPARE(ui.boxes[0].text, u"Debe de seleccionar al menos un día de la semana"_s);
+        QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
+        QCOMPARE(ui.boxes[0].style, Msg::Critical);
+    }
+
+    void endDateAndItsBox_data() {
+        QTest::addColumn<QDate>("escrito");
+        QTest::addColumn<bool>("marcado");
+        QTest::addColumn<QDate>("enElSelector");
+        QTest::addColumn<QDate>("leido");
+        const QDate hoy(2006, 3, 15);
+        QTest::newRow("the maximum date: no end") << fechaMaxima() << false << hoy << fechaMaxima();
+        QTest::newRow("any other date checks the box")
+            << QDate(2006, 6, 30) << true << QDate(2006, 6, 30) << QDate(2006, 6, 30);
+        QTest::newRow("a past end is taken as it is, without a word")
+            << QDate(2005, 1, 1) << true << QDate(2005, 1, 1) << QDate(2005, 1, 1);
+        QTest::newRow("30/12/9999 is an end")
+            << QDate(9999, 12, 30) << true << QDate(9999, 12, 30) << QDate(9999, 12, 30);
+    }
+    void endDateAndItsBox() {
+        QFETCH(QDate, escrito);
+        QFETCH(bool, marcado);
+        QFETCH(QDate, enElSelector);
+        QFETCH(QDate, leido);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
+        ScriptedInterface ui;
+        ctrScheduledTask c;
+        c.setP_Fecha_Fin(QDate(2006, 4, 1));
+        c.setP_Fecha_Fin(escrito);
+        QCOMPARE(c.chkFechaFin->isChecked(), marcado);
+        QCOMPARE(c.p_Fecha_Es_Fin(), marcado);
+        QCOMPARE(c.dpFechaFin->isEnabled(), marcado);
+        QCOMPARE(c.dpFechaFin->date(), enElSelector);
+        QCOMPARE(c.p_Fecha_Fin(), leido);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void userDatesAreChecked_data() {
+        QTest::addColumn<QString>("que");
+        QTest::addColumn<QDate>("elegida");
+        QTest::addColumn<QDate>("queda");
+        QTest::addColumn<QString>("mensaje");
+        const QString antesInicio =
+            u"La fecha seleccionada, no debe ser anterior a la fecha de inicio."_s;
+        const QString antesHoy =
+            u"La fecha seleccionada, no debe ser anterior a la fecha actual."_s;
+        // The start is 20/03/2006, today 15/03/2006.
+        QTest::newRow("end before the start")
+            << u"fin"_s << dia(u"18/03/2006"_s) << dia(u"20/03/2006"_s) << antesInicio;
+        QTest::newRow("end after the start")
+            << u"fin"_s << dia(u"25/03/2006"_s) << dia(u"25/03/2006"_s) << QString();
+        QTest::newRow("start after the end drags it along")
+            << u"inicio"_s << dia(u"01/04/2006"_s) << dia(u"01/04/2006"_s) << QString();
+        QTest::newRow("a start in the past is accepted")
+            << u"inicio"_s << dia(u"01/01/2006"_s) << dia(u"22/03/2006"_s) << QString();
+        QTest::newRow("checking the end box keeps the end after the start")
+            << u"casilla"_s << QDate() << dia(u"20/03/2006"_s) << QString();
+        QTest::newRow("calendar before today")
+            << u"calendario"_s << dia(u"14/03/2006"_s) << dia(u"15/03/2006"_s) << antesHoy;
+        QTest::newRow("calendar after today")
+            << u"calendario"_s << dia(u"20/03/2006"_s) << dia(u"20/03/2006"_s) << QString();
+    }
+    void userDatesAreChecked() {
+        QFETCH(QString, que);
+        QFETCH(QDate, elegida);
+        QFETCH(QDate, queda);
+        QFETCH(QString, mensaje);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
+        ScriptedInterface ui;
+        ctrScheduledTask c;
+        c.setP_Fecha_Ini(QDate(2006, 3, 20));
+        c.setP_Fecha_Fin(que == u"casilla" ? fechaMaxima() : QDate(2006, 3, 22));
+        QSignalSpy cambios(&c, &ctrScheduledTask::Change);
+        if (que == u"fin") {
+            c.dpFechaFin->setDate(elegida);
+            QCOMPARE(c.p_Fecha_Fin(), queda);
+        } else if (que == u"casilla") {
+            c.chkFechaFin->click();
+            QVERIFY(c.dpFechaFin->isEnabled());
+            QCOMPARE(c.p_Fecha_Fin(), queda);
+        } else if (que == u"inicio") {
+            c.dpFechaIni->setDate(elegida);
+            QCOMPARE(c.p_Fecha_Fin(), queda);
+        } else {
+            c.mvFecha->setSelectedDate(elegida);
+            QCOMPARE(c.p_UnaSolaVez_Fecha(), queda);
+        }
+        QCOMPARE(cambios.count(), 1);
+        QCOMPARE(ui.boxes.size(), mensaje.isEmpty() ? 0 : 1);
+        if (mensaje.isEmpty()) return;
+        QCOMPARE(ui.boxes[0].text, mensaje);
+        QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
+    }
+
+    void numberPickBounds_data() {
+        QTest::addColumn<QString>("inicial");
+        QTest::addColumn<QString>("teclas");  // typed at the end; "+"/"-" spin
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<int>("cambios");
+        QTest::newRow("150 in 1..100 becomes 100") << u""_s << u"150"_s << u"100"_s << 3;
+        QTest::newRow("0 in 1..100 becomes 1") << u""_s << u"0"_s << u"1"_s << 1;
+        QTest::newRow("letters and backspace are swallowed") << u"5"_s << u"a\b-x"_s << u"4"_s << 1;
+        QTest::newRow("spin up at the top does nothing") << u"100"_s << u"+"_s << u"100"_s << 0;
+        QTest::newRow("spin down at the bottom does nothing") << u"1"_s << u"-"_s << u"1"_s << 0;
+        QTest::newRow("spin up") << u"7"_s << u"++"_s << u"9"_s << 2;
+        QTest::newRow("spin on an empty text does nothing") << u""_s << u"+"_s << u""_s << 0;
+    }
+    void numberPickBounds() {
+        QFETCH(QString, inicial);
+        QFETCH(QString, teclas);
+        QFETCH(QString, texto);
+        QFETCH(int, cambios);
+        ctrNumberPick n;
+        n.setMinValue(1);
+        n.setMaxValue(100);
+        n.setValor(inicial);
+        QSignalSpy spy(&n, &ctrNumberPick::Change);
+        for (QChar t : teclas) {
+            if (t == u'+')
+                n.arriba->click();
+            else if (t == u'-')
+                n.abajo->click();
+            else if (t == u'\b')
+                QTest::keyClick(n.txtNumber, Qt::Key_Backspace);
+            else {
+                n.txtNumber->end(false);
+                QTest::keyClicks(n.txtNumber, QString(t));
+            }
+        }
+        QCOMPARE(n.Valor(), texto);
+        QCOMPARE(spy.count(), cambios);
+    }
+
+    void panelsByKind_data() {
+        QTest::addColumn<int>("tipo");
+        QTest::newRow("Una vez") << 0;
+        QTest::newRow("Diariamente") << 1;
+        QTest::newRow("Semanalmente") << 2;
+        QTest::newRow("Mesualmente") << 3;
+        QTest::newRow("Anualmente") << 4;
+    }
+    void panelsByKind() {
+        QFETCH(int, tipo);
+        ctrScheduledTask c;
+        c.show();
+        c.cmbTipoTask->setCurrentIndex(tipo == 0 ? 4 : 0);
+        QSignalSpy cambios(&c, &ctrScheduledTask::Change);
+        c.cmbTipoTask->setCurrentIndex(tipo);
+        QCOMPARE(cambios.count(), 1);
+        for (int i = 0; i < 5; ++i) QCOMPARE(c.frame1[i]->isVisible(), i == tipo);
+        QCOMPARE(c.frameFechaIniFechaFin->isVisible(), tipo != 0);
+    }
+
+    void descriptionLines_data() {
+        QTest::addColumn<QString>("propiedades");
+        QTest::addColumn<QString>("texto");
+        QTest::newRow("weekly, 2 weeks, Monday and Sunday, no end")
+            << u"tipo=2 cada=2 dias=65 ini=01/03/2006 fin=31/12/9999 hora=09:00"_s
+            << u"Semanalmente\nCada 2 semana\ncada: Dom Lunes \nFecha Inicio: 01/03/2006\n"
+               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
+        QTest::newRow("weekly, Saturday and Wednesday")
+            << u"tipo=2 cada=1 dias=36 ini=01/03/2006 fin=30/06/2006 hora=18:30"_s
+            << u"Semanalmente\nCada 1 semana\ncada: Sabado Miercoles \nFecha Inicio: "
+               u"01/03/2006\nFecha Fin: 30/06/2006\n\nHORA:18:30"_s;
+        QTest::newRow("once") << u"tipo=0 fecha=20/03/2006 hora=10:00"_s
+                              << u"Una sola vez\n20/03/2006\nHORA:10:00"_s;
+        QTest::newRow("daily")
+            << u"tipo=1 cada=3 ini=15/03/2006 fin=31/12/9999 hora=07:05"_s
+            << u"Diariamente\nCada 3 día\nFecha Inicio: 15/03/2006\nFecha Fin: 31/12/9999\n"
+               u"\nHORA:07:05"_s;
+        QTest::newRow("monthly, a fixed day, begins with a line break")
+            << u"tipo=3 esdia=1 diames=15 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
+            << u"\nMensualmente\ncada 15 de cada mes\nFecha Inicio: 15/03/2006\n"
+               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
+        QTest::newRow("monthly, the third Wednesday reads tercero")
+            << u"tipo=3 esdia=0 semana=3 diasemana=3 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
+            << u"\nMensualmente\nEl tercero Miercoles de cada mes.\nFecha Inicio: 15/03/2006\n"
+               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
+        QTest::newRow("monthly, the last Sunday")
+            << u"tipo=3 esdia=0 semana=5 diasemana=7 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
+            << u"\nMensualmente\nEl último Domingo de cada mes.\nFecha Inicio: 15/03/2006\n"
+               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
+        QTest::newRow("yearly, the month in the locale")
+            << u"tipo=4 anualdia=20 anualmes=3 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
+            << u"Anualmente\nDia: 20 Mes:marzo\nFecha Inicio: 15/03/2006\n"
+               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
+    }
+    void descriptionLines() {
+        QFETCH(QString, propiedades);
+        QFETCH(QString, texto);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 1), QTime(8, 0)));
+        ScriptedInterface ui;
+        ctrScheduledTask c;
+        for (const QString& par : propiedades.split(u' ')) {
+            const QString k = par.section(u'=', 0, 0), v = par.section(u'=', 1);
+            const int n = v.toInt();
+            if (k == u"tipo") c.setPeriodicidad(n);
+            if (k == u"cada") {
+                c.setP_Diaria_Cada(int16_t(n));
+                c.setP_Semanal_Cada(int16_t(n));
+            }
+            if (k == u"dias") c.setP_Semanal_Dias(int16_t(n));
+            if (k == u"ini") c.setP_Fecha_Ini(dia(v));
+            if (k == u"fin") c.setP_Fecha_Fin(dia(v));
+            if (k == u"fecha") c.setP_UnaSolaVez_Fecha(dia(v));
+            if (k == u"hora") c.setHora(QTime::fromString(v, u"HH:mm"_s));
+            if (k == u"esdia") c.setP_Mensual_Es_Dia(n != 0);
+            if (k == u"diames") c.setP_Mensual_Dia_Mes(int16_t(n));
+            if (k == u"semana") c.setP_Mensual_Num_Semana(n);
+            if (k == u"diasemana") c.setP_Mensual_dia_Semana(n);
+            if (k == u"anualdia") c.setP_Anual_Dia(int16_t(n));
+            if (k == u"anualmes") c.setP_Anual_Mes(int16_t(n));
+        }
+        QCOMPARE(c.Descripcion(), texto);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestCtrScheduledTask)
+#include "test_ctrScheduledTask.moc"
