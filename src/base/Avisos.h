@@ -24,6 +24,8 @@ class Avisos : public QObject {
     void envioPedido();
     // The options set a new sending interval, in seconds, counted from now.
     void intervaloCambiado(int segundos);
+    // The options were saved: the background picture may be another.
+    void opcionesGuardadas();
 
   private:
     Avisos() = default;
