@@ -272,9 +272,9 @@ void frmEnvio::msCargarContactos() {
         const QStringList alias = leerAliasContactos();
         crtAutoComplete1->setDelimeter(u";"_s);
         crtAutoComplete1->setSearchList(alias.join(u';'));
-    } catch (const QuelmoError& e) {
-        // The box still takes numbers typed by hand.
-        msLog(u"No se pudieron leer los Contactos: "_s + e.description());
+    } catch (const QuelmoError&) {
+        // Silent: a database without contacts has had its box from the
+        // accounts, and the box still takes numbers typed by hand.
     }
 }
 
