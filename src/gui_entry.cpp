@@ -20,18 +20,18 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     // it ends only through the main window's closing rule.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(QIcon(u":/quelmo/iconos/aplicacion.png"_s));
-    // 2. A second instance for this user ends at once, silently.
+    // A second instance for this user ends at once, silently.
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
     prepararBaseInicial();
 
     GuiInterface interfaz;
     setUserInterface(&interfaz);
-    // 3-4. The title, then the main window with its load and first activation.
+    // The main window with its caption, its load and its first activation.
     mdiMain ventana;
     interfaz.setOwner(&ventana);
     ventana.show();
-    // 5. After the access gate, the compose screen; refused, the frame stays
+    // After the access gate, the compose screen; refused, the frame stays
     // without it and each command asks again.
     QObject::connect(&ventana, &mdiMain::primeraActivacionTerminada, &ventana, [] {
         if (msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);

@@ -3,8 +3,8 @@
 #include "addressbook/frmNewUser.h"
 #include "addressbook/mdoAgenda.h"
 #include "base/AppState.h"
+#include "base/Avisos.h"
 #include "base/Conversions.h"
-#include "db/Conexion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -55,6 +55,8 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     connect(cmdDelete, &QPushButton::clicked, this, &frmAbonados::cmdDelete_Click);
     connect(cmdDeletetodos, &QPushButton::clicked, this, &frmAbonados::cmdDeletetodos_Click);
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+    // A contact saved here or from another screen shows at once.
+    connect(&Avisos::instancia(), &Avisos::contactosCambiados, this, &frmAbonados::requery);
 
     requery();
 }
@@ -111,7 +113,6 @@ bool frmAbonados::msNuevoContacto(QWidget* padre) {
 
 void frmAbonados::cmdAdd_Click() {
     msNuevoContacto(this);
-    requery();
 }
 
 void frmAbonados::cmdEdit_Click() {
@@ -127,36 +128,15 @@ void frmAbonados::cmdEdit_Click() {
                            textoDe(adoPrimaryRS.value(f, u"Comentario"_s)));
     editor.msLoad();
     editor.exec();
-    requery();
 }
 
 void frmAbonados::borrarFilas(const QList<int>& filas) {
-    int borrados = 0;
-    int fallidos = 0;
-    // Each contact goes in its own nested transaction; the outer one only
-    // saves a disk sync per contact when thousands go at once.
-    Database& bd = Conexion();
-    const QString sp = u"borrarcontactos"_s;
-    bool exterior = true;
-    try {
-        bd.savepoint(sp);
-    } catch (const DbError&) {
-        exterior = false;
-    }
-    for (auto it = filas.crbegin(); it != filas.crend(); ++it) {
-        if (mbBorrarContacto(ListView1->modelo()->texto(*it, 1)))
-            ++borrados;
-        else
-            ++fallidos;
-    }
-    if (exterior) {
-        try {
-            bd.release(sp);
-        } catch (const DbError&) {
-        }
-    }
+    QStringList codigos;
+    codigos.reserve(filas.size());
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it)
+        codigos.append(ListView1->modelo()->texto(*it, 1));
     // Each failure has had its own box; the summary tells the successes only.
-    Q_UNUSED(fallidos);
+    const int borrados = msBorrarContactos(codigos);
     ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados), Msg::Information);
     requery();
 }

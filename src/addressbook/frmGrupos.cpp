@@ -3,7 +3,6 @@
 #include "addressbook/frmUserGroup.h"
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversions.h"
-#include "base/Pantallas.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -14,13 +13,6 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-frmGrupos::ListaElegida& elegida() {
-    static frmGrupos::ListaElegida l;
-    return l;
-}
-}  // namespace
 
 frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmGrupos"_s);
@@ -133,15 +125,11 @@ void frmGrupos::cmdUsuarios_Click() {
     msAbrirListas();
 }
 
-frmGrupos::ListaElegida frmGrupos::listaAPublicar() {
-    return elegida();
-}
-
 void frmGrupos::cmdPublicar_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    elegida() = {textoDe(adoPrimaryRS.value(f, u"Nombre"_s)),
-                 int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s)))};
-    Pantallas::abrir(u"frmPublicarLista"_s);
+    m_listaAPublicar = {textoDe(adoPrimaryRS.value(f, u"Nombre"_s)),
+                        int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s)))};
+    Q_EMIT publicacionPedida(m_listaAPublicar);
     msAbrirListas();
 }

@@ -20,12 +20,13 @@ class frmGrupos : public QWidget {
     void cmdUsuarios_Click();
     void cmdPublicar_Click();
 
-    // The list that the publication screen is to publish (set when it opens).
+    // The list that the publication screen is to publish.
     struct ListaElegida {
         QString nombre;
         int16_t grupo = -1;
     };
-    static ListaElegida listaAPublicar();
+    // The list of the last publication asked for here.
+    const ListaElegida& listaAPublicar() const { return m_listaAPublicar; }
 
     Listado* ListView1;
     QPushButton* cmdAdd;
@@ -35,6 +36,10 @@ class frmGrupos : public QWidget {
     QPushButton* cmdPublicar;
     QPushButton* cmdClose;
 
+  Q_SIGNALS:
+    // `cmdPublicar` on a list: the publication screen is to open for it.
+    void publicacionPedida(const frmGrupos::ListaElegida& lista);
+
   private:
     void msAbrirListas();
     void msPintarListas();
@@ -43,4 +48,5 @@ class frmGrupos : public QWidget {
     void abrirMiembros(const QString& nombre, int16_t grupo);
 
     QueryResult adoPrimaryRS;
+    ListaElegida m_listaAPublicar;
 };

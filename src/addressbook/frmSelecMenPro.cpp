@@ -1,10 +1,10 @@
 #include "addressbook/frmSelecMenPro.h"
 
+#include "addressbook/mdoAgenda.h"
 #include "base/AppState.h"
 #include "base/Avisos.h"
 #include "base/Conversions.h"
 #include "base/Pantallas.h"
-#include "db/Conexion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -44,14 +44,7 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     connect(lstMensajes, &QListView::doubleClicked, this, &frmSelecMenPro::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
 
-    // The texts in the table's own order.
-    QStringList textos;
-    try {
-        const QueryResult rs = Conexion().query(u"select * from MenPro"_s);
-        for (int f = 0; f < rs.recordCount(); ++f) textos.append(textoDe(rs.value(f, 1)));
-    } catch (const DbError&) {
-    }
-    m_textos->setStringList(textos);
+    m_textos->setStringList(leerTextosPredefinidos());
 }
 
 void frmSelecMenPro::showEvent(QShowEvent* event) {

@@ -93,6 +93,7 @@ void frmUserGroup::msCargarUsuariosParaGrupo() {
         miembros = abrirMiembrosLista(nCodGrupo);
         resto = abrirNoMiembrosLista(nCodGrupo);
     } catch (const DbError&) {
+        // Lists that can't be read show empty, like the other address book lists.
     }
     lstLista->modelo()->asignar(celdasDe(miembros));
     lblcont->setText(QString::number(miembros.recordCount()) + u" Contactos en la lista"_s);

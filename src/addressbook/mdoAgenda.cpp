@@ -1,6 +1,7 @@
 #include "addressbook/mdoAgenda.h"
 
 #include "base/AppState.h"
+#include "base/Avisos.h"
 #include "base/Conversions.h"
 #include "db/Conexion.h"
 
@@ -22,6 +23,7 @@ void deshacer(const QString& nombre) {
         bd().rollbackTo(nombre);
         bd().release(nombre);
     } catch (const DbError&) {
+        // Already told; a savepoint the engine no longer has leaves nothing to undo.
     }
 }
 
@@ -119,6 +121,7 @@ bool mbGuardarContacto(const FichaContacto& ficha) {
         ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
         return false;
     }
+    Q_EMIT Avisos::instancia().contactosCambiados();
     return true;
 }
 
@@ -165,6 +168,29 @@ bool mbBorrarContacto(const QString& codigo) {
         return false;
     }
     return true;
+}
+
+int msBorrarContactos(const QStringList& codigos) {
+    // The outer savepoint only saves a disk sync per contact when thousands
+    // go at once; without it each contact still goes on its own.
+    const QString sp = u"borrarcontactos"_s;
+    bool exterior = true;
+    try {
+        bd().savepoint(sp);
+    } catch (const DbError&) {
+        exterior = false;
+    }
+    int borrados = 0;
+    for (const QString& codigo : codigos)
+        if (mbBorrarContacto(codigo)) ++borrados;
+    if (exterior) {
+        try {
+            bd().release(sp);
+        } catch (const DbError& e) {
+            msLog(u"Error confirmando el borrado de Contactos: "_s + e.description());
+        }
+    }
+    return borrados;
 }
 
 QueryResult abrirContactos() {
@@ -242,7 +268,8 @@ void msRenombrarLista(int16_t grupo, const QString& actual) {
     }
     try {
         bd().exec(u"Update Grupos Set Nombre = ? where Grupo = ?"_s, {nombre, grupo});
-    } catch (const DbError&) {
+    } catch (const DbError& e) {
+        msLog(u"No se pudo renombrar la Lista "_s + actual + u": "_s + e.description());
     }
 }
 
@@ -303,6 +330,17 @@ bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros) {
 
 QueryResult abrirMensajesPredefinidos() {
     return bd().query(u"select * from MenPro order by Mensaje"_s);
+}
+
+QStringList leerTextosPredefinidos() {
+    QStringList textos;
+    try {
+        const QueryResult rs = bd().query(u"select * from MenPro"_s);
+        for (int f = 0; f < rs.recordCount(); ++f) textos.append(textoDe(rs.value(f, 1)));
+    } catch (const DbError& e) {
+        msLog(u"No se pudieron leer los Mensajes Predefinidos: "_s + e.description());
+    }
+    return textos;
 }
 
 bool msAltaMensaje() {

@@ -46,6 +46,10 @@ int16_t grupoDeEntrada(const QString& entrada);
 // Removes a contact with its memberships and multi-send rows; the outbox
 // and the history keep their rows for the number.
 bool mbBorrarContacto(const QString& codigo);
+// Removes the contacts one by one, each in its own nested transaction
+// (a failure has its box and leaves the others going); returns how many
+// went.
+int msBorrarContactos(const QStringList& codigos);
 
 // Contacts with their account: Codigo, Alias, nombre (of the account),
 // Comentario, Canal; ordered by alias.
@@ -81,6 +85,9 @@ bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros);
 inline constexpr int kMaxTextoPredefinido = 160;
 
 QueryResult abrirMensajesPredefinidos();
+// The texts in the table's own order: what the picker offers; empty when
+// they can't be read.
+QStringList leerTextosPredefinidos();
 // Asks for a text and adds it; true when a row was added.
 bool msAltaMensaje();
 // Asks for the new text of message `mensaje`; true when it was changed.

@@ -2,10 +2,6 @@
 
 #include "app/frmpwd.h"
 #include "base/AppState.h"
-#include "base/Pantallas.h"
-#include "base/Settings.h"
-#include "db/Conexion.h"
-#include "db/mdoDB.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -74,30 +70,6 @@ QString GuiInterface::inputBox(const QString& prompt, const QString& title,
 QString GuiInterface::openFileName(const QString& caption, const QString& dir,
                                    const QString& filter) {
     return QFileDialog::getOpenFileName(m_owner, caption, dir, filter);
-}
-
-void GuiInterface::showSelectDatabase() {
-    if (Pantallas::abrir(u"frmSelectDB"_s)) return;
-    // Until the selection screen is there, a plain file dialog chooses.
-    const QString actual = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
-    const QString elegido =
-        openFileName(u"Seleccione su Base de Datos"_s, QFileInfo(actual).absolutePath(),
-                     u"Bases de Datos (*.db);;Todos (*)"_s);
-    if (elegido.isEmpty()) return;
-    if (!msValidarBD(elegido)) msActualizarBD(elegido);
-    if (!msValidarBD(elegido)) {
-        msgBox(u"Base de datos no valida"_s, Msg::Exclamation, QString());
-        return;
-    }
-    if (!msAbrirBD(elegido)) {
-        msgBox(u"Imposible conectar con la base de datos"_s, Msg::Exclamation, QString());
-        return;
-    }
-    Settings::saveSetting(u"BD"_s, u"Path"_s, elegido);
-}
-
-void GuiInterface::showFirstRunSetup() {
-    Pantallas::abrir(u"frmTipoRegistro"_s);
 }
 
 void GuiInterface::openUrl(const QString& target) {

@@ -4,8 +4,8 @@
 
 class QWidget;
 
-// The user interface of the desktop: message boxes, the password prompt,
-// the database selection and the desktop's browser.
+// The user interface of the desktop: message boxes, input boxes, the file
+// dialog, the password prompt and the desktop's browser.
 class GuiInterface : public UserInterface {
   public:
     explicit GuiInterface(QWidget* owner = nullptr) : m_owner(owner) {}
@@ -17,8 +17,6 @@ class GuiInterface : public UserInterface {
                      const QString& defaultText) override;
     QString openFileName(const QString& caption, const QString& dir,
                          const QString& filter) override;
-    void showSelectDatabase() override;
-    void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
 

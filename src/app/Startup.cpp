@@ -33,5 +33,7 @@ void cargarClaveAcceso() {
         const QString guardada = Settings::getSetting(u"Tr"_s, u"pwc"_s);
         if (!guardada.isEmpty()) g.gsClaveAcceso = msCifrarClave(guardada, false);
     } catch (const QuelmoError&) {
+        // A stored password that can't be decoded leaves the gate open, as
+        // if none had been set.
     }
 }

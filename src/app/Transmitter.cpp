@@ -8,10 +8,6 @@
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
-#include <QCoreApplication>
-#include <QThread>
-#include <QTime>
-
 using namespace Qt::StringLiterals;
 
 Transmitter::Transmitter(QObject* parent) : QObject(parent) {
@@ -58,13 +54,12 @@ void Transmitter::establecerIntervalo(int segundos) {
 
 void Transmitter::Timer1_Timer() {
     if (m_detenido) return;
-    // 1. No tick can come while this one runs.
+    // No tick can come while this one runs.
     m_timer.stop();
-    // 2. Scheduled messages go into the outbox whatever the switch says.
+    // Scheduled messages go into the outbox whatever the switch says.
     clsTareasPendientes().ReLoad();
-    // 3.
     SendMessage();
-    // 4. A full interval from now.
+    // A full interval from now.
     if (!m_detenido) m_timer.start();
     Q_EMIT tickTerminado();
 }
@@ -72,12 +67,4 @@ void Transmitter::Timer1_Timer() {
 void Transmitter::detener() {
     m_detenido = true;
     m_timer.stop();
-}
-
-void Pausa(int seconds) {
-    const int inicio = QTime::currentTime().msecsSinceStartOfDay() / 1000;
-    while (QTime::currentTime().msecsSinceStartOfDay() / 1000 < inicio + seconds) {
-        if (QCoreApplication::instance()) QCoreApplication::processEvents();
-        QThread::msleep(20);
-    }
 }

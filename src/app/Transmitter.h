@@ -38,7 +38,3 @@ class Transmitter : public QObject {
 // `Tr`/`Interval` in seconds: below 15 or not a number means 60, and the
 // value is saved back; none when the number is too large for the setting.
 std::optional<int> leerIntervalo();
-
-// Waits `seconds` while the event loop goes on, by the seconds since
-// midnight: a wait across midnight lasts until the counter comes up again.
-void Pausa(int seconds);

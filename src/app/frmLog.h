@@ -1,24 +1,12 @@
 #pragma once
 
-#include <QDialog>
+#include "app/frmShowLineLog.h"
+
 #include <QDockWidget>
 #include <QPointer>
 
 class QListView;
-class QPlainTextEdit;
 class QModelIndex;
-
-// One log line in full, for lines longer than the panel is wide.
-class frmShowLineLog : public QDialog {
-    Q_OBJECT
-  public:
-    explicit frmShowLineLog(QWidget* parent = nullptr);
-    void mostrar(const QString& linea);
-    QPlainTextEdit* txtLog() const { return m_txtLog; }
-
-  private:
-    QPlainTextEdit* m_txtLog;
-};
 
 // The activity log along the lower edge of the frame. The list is a view
 // over the log itself, so thousands of lines cost no widget each; it

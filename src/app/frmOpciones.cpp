@@ -1,15 +1,9 @@
 #include "app/frmOpciones.h"
 
-#include "app/Transmitter.h"
-#include "app/frmweb.h"
+#include "app/mdoOpciones.h"
 #include "base/AppState.h"
-#include "base/Avisos.h"
-#include "base/Cifrado.h"
-#include "base/Conversions.h"
-#include "base/Settings.h"
 #include "db/Conexion.h"
 #include "widgets/Iconos.h"
-#include "widgets/PantallasHijas.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -23,8 +17,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <climits>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -38,10 +30,6 @@ QLabel* nota(const QString& texto, QWidget* parent) {
     l->setFont(f);
     l->setForegroundRole(QPalette::PlaceholderText);
     return l;
-}
-
-QString sinClave() {
-    return QString::fromUtf16(kSinClave);
 }
 
 }  // namespace
@@ -130,99 +118,25 @@ frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
 }
 
 void frmOpciones::cargar() {
-    try {
-        // 1. Below 15 or not a number means 60, and that is saved back.
-        const int intervalo = leerIntervalo().value_or(60);
-        txttimer->setText(QString::number(intervalo));
-        // 2. The sentinel and an empty setting both mean "no password".
-        const QString clave = msCifrarClave(Settings::getSetting(u"Tr"_s, u"pwc"_s), false);
-        if (!clave.isEmpty() && clave != sinClave()) {
-            txtpwdcontactos->setText(clave);
-            txtpwdcontactos2->setText(clave);
-        }
-        // 3.
-        const QueryResult r = Conexion().query(u"select * from opciones"_s);
-        if (!r.isEmpty()) {
-            txtmaxlote->setText(textoDe(r.value(0, u"maxlote"_s)));
-            txtimgfondo->setText(textoDe(r.value(0, u"imgfondo"_s)));
-            Chkcontactos->setChecked(numeroDe(r.value(0, u"solocontactos"_s)) == 1);
-        }
-    } catch (const QuelmoError&) {
-        // 4.
-        msBaseNoValida();
-    }
+    Opciones o;
+    const bool leidas = leerOpciones(o);
+    txttimer->setText(o.intervalo);
+    txtpwdcontactos->setText(o.clave);
+    txtpwdcontactos2->setText(o.clave);
+    txtmaxlote->setText(o.maxlote);
+    txtimgfondo->setText(o.imgfondo);
+    Chkcontactos->setChecked(o.soloContactos);
+    if (!leidas) msBaseNoValida();
 }
 
 bool frmOpciones::msGuardarOpciones() {
-    AppState& g = appState();
-    // 1.
-    const QString lote = txtmaxlote->text();
-    const QString loteNoValido = u"Valor no válido para Nº máximo de mensajes por Lote"_s;
-    if (!esNumerico(lote)) {
-        ui().msgBox(loteNoValido, Msg::Exclamation);
-        return false;
-    }
-    const double nLote = lote.trimmed().toDouble();
-    if (nLote < 1 || nLote > 500) {
-        ui().msgBox(loteNoValido + u"\nDebe se un número entre 1 y 500."_s, Msg::Exclamation);
-        return false;
-    }
-    // 2.
-    const QString intervalo = txttimer->text();
-    const QString intervaloNoValido =
-        u"Valor no válido para intervalo de envío de mensajes en Bandeja de Salida"_s;
-    if (!esNumerico(intervalo)) {
-        ui().msgBox(intervaloNoValido, Msg::Exclamation);
-        return false;
-    }
-    const double segundos = intervalo.trimmed().toDouble();
-    if (segundos < 15) {
-        ui().msgBox(intervaloNoValido + u"\nEl tiempo mínimo es de 15 Segundos."_s,
-                    Msg::Exclamation);
-        return false;
-    }
-    // 3. A filled confirmation with an empty first box is not looked at.
-    const QString clave = txtpwdcontactos->text();
-    if (!clave.isEmpty()) {
-        if (clave != txtpwdcontactos2->text()) {
-            ui().msgBox(u"Contraseña y confirmación de contraseña no son iguales"_s,
-                        Msg::Exclamation);
-            return false;
-        }
-        if (clave.size() < 4) {
-            ui().msgBox(u"La longitud mínima para la contraseña es de 4 caracteres."_s,
-                        Msg::Exclamation);
-            return false;
-        }
-    }
-    try {
-        // 4. The gate asks for the new password from now on.
-        const QString nueva = clave.isEmpty() ? sinClave() : clave;
-        g.gsClaveAcceso = nueva;
-        const QString cifrada = msCifrarClave(nueva, true);
-        // 5.
-        Conexion().exec(u"update opciones set maxlote=?, solocontactos=?, imgfondo=?"_s,
-                        {aEntero16(lote), Chkcontactos->isChecked() ? 1 : 0, txtimgfondo->text()});
-        // 6. The interval is stored as typed.
-        Settings::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
-        Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
-        // 7. A new interval starts counting now.
-        if (segundos * 1000 > INT_MAX) throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
-        Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));
-        // 8.
-        ui().msgBox(
-            u"Datos de Opciones  guardados correctamente.\n\nTiempo de envío de mensajes "
-            u"en bandeja de Salida establecido en "_s +
-                intervalo + u" Seg.\n\n"_s,
-            Msg::Information);
-        // 9.
-        if (auto* web = qobject_cast<frmweb*>(PantallasHijas::area())) web->cargarfondo();
-        return true;
-    } catch (const QuelmoError&) {
-        // 10.
-        ui().msgBox(u"Ha ocurrido un error guardando los Datos."_s, Msg::Critical);
-        return false;
-    }
+    Opciones o;
+    o.maxlote = txtmaxlote->text();
+    o.intervalo = txttimer->text();
+    o.clave = txtpwdcontactos->text();
+    o.soloContactos = Chkcontactos->isChecked();
+    o.imgfondo = txtimgfondo->text();
+    return ::msGuardarOpciones(o, txtpwdcontactos2->text());
 }
 
 void frmOpciones::cmdexaminar_Click() {

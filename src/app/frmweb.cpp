@@ -1,10 +1,8 @@
 #include "app/frmweb.h"
 
+#include "app/mdoOpciones.h"
 #include "base/AppState.h"
-#include "base/Conversions.h"
-#include "base/Despliegue.h"
-#include "base/UserInterface.h"
-#include "db/Conexion.h"
+#include "base/Avisos.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -30,6 +28,7 @@ frmweb::frmweb(QWidget* parent) : QMdiArea(parent) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     cargarfondo();
+    connect(&Avisos::instancia(), &Avisos::opcionesGuardadas, this, &frmweb::cargarfondo);
 }
 
 QImage frmweb::fondoIncluido() {
@@ -38,14 +37,8 @@ QImage frmweb::fondoIncluido() {
 }
 
 void frmweb::cargarfondo() {
-    // 1. No row, or no connection yet, counts as no picture.
-    QString imgfondo;
-    try {
-        const QueryResult r = Conexion().query(u"select imgfondo from opciones"_s);
-        if (!r.isEmpty()) imgfondo = textoDe(r.value(0, 0));
-    } catch (const QuelmoError&) {
-    }
-    // 2-3. The user's picture; otherwise (or if it can't be read) ours.
+    // The user's picture; otherwise (or if it can't be read) ours.
+    const QString imgfondo = leerImagenFondo();
     QImage propia;
     if (!imgfondo.isEmpty()) {
         QImageReader lector(imgfondo);
@@ -59,7 +52,6 @@ void frmweb::cargarfondo() {
     m_fondo = m_propio ? propia : fondoIncluido();
     m_escalado = QPixmap();
     viewport()->update();
-    // 4.
     ui().processEvents();
 }
 

@@ -21,6 +21,7 @@
 #include "import/mdoImport.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "widgets/Ayuda.h"
+#include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/PantallasHijas.h"
 
@@ -65,7 +66,6 @@ const QString kDesactivado = u"&Envío de SMS (Desactivado)"_s;
 
 mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     setObjectName(u"mdiMain"_s);
-    // 1. Caption and tray icon.
     setWindowTitle(tituloAplicacion());
     setWindowIcon(iconoQuelmo(u"aplicacion"_s));
     setMinimumSize(707, 538);
@@ -81,18 +81,13 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
 
     registrarTodas();
     crearBandeja();
-    // 2.
     msCrearMenu();
     crearBarra();
-    // 3. Never written counts as on.
     mostrarEstadoTransmisor(Interruptor::instancia().paraVentana());
     connect(&Interruptor::instancia(), &Interruptor::cambiado, this,
             &mdiMain::mostrarEstadoTransmisor);
-    // 4.
     m_transmisor.armarTemporizador();
-    // 5.
     cargarClaveAcceso();
-    // 6.
     QCoreApplication::processEvents();
 
     terminar = [] { QCoreApplication::exit(0); };
@@ -192,7 +187,7 @@ void mdiMain::msCrearMenu() {
         {u"keyUsuarios"_s, {true, pantalla(u"frmAbonados")}},
         {u"keyGrupos"_s, {true, pantalla(u"frmGrupos")}},
         {u"keyCanales"_s, {true, pantalla(u"frmCanales")}},
-        {u"keyBD"_s, {true, [] { ui().showSelectDatabase(); }}},
+        {u"keyBD"_s, {true, pantalla(u"frmSelectDB")}},
         {u"keyHelp"_s, {false, msAyuda}},
         {u"keyHome01"_s, {false, [this] { ::msRecarga(); }}},
         {u"keyHome02"_s, {false, web(Despliegue::web)}},
@@ -328,7 +323,7 @@ void mdiMain::mostrarEstadoTransmisor(bool activo) {
     m_keyTX->setText(activo ? kActivado : kDesactivado);
     m_mnutx->setChecked(activo);
     m_mnutx->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS desactivado"_s);
-    m_mnutx->setIcon(iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s));
+    m_mnutx->setIcon(EstadoTransmisor::icono(activo));
     m_keyTX->setIcon(m_mnutx->icon());
 }
 
@@ -369,6 +364,7 @@ void mdiMain::importacionManual() {
     try {
         anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
     } catch (const QuelmoError&) {
+        // A value mangled by hand adds no contacts, as if never set.
     }
     if (ruta.size() <= 3) return;
     msImportarFichero(ruta, false, false, lista, anadir);
@@ -421,7 +417,7 @@ void mdiMain::primeraActivacion() {
 
 void mdiMain::closeEvent(QCloseEvent* event) {
     AppState& g = appState();
-    // 1.
+    // Closing now would cut a batch in the middle of its exchange.
     if (g.gbEnviando) {
         ui().msgBox(
             u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
@@ -430,7 +426,7 @@ void mdiMain::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
-    // 2. Other screens get no say: the process ends here.
+    // Other screens get no say: the process ends here.
     m_transmisor.detener();
     Conexion().close();
     QCoreApplication::processEvents();

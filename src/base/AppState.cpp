@@ -24,6 +24,19 @@ QString identificacionAplicacion() {
     return u"Quelmo Mensajes SMS - "_s + QString::number(versionCodigo());
 }
 
+void AppState::reset() {
+    giMaxLote = 0;
+    gsClaveAcceso = QString::fromUtf16(kSinClave);
+    gsClaveIntroducida.clear();
+    gbEnviando = false;
+    gbImportado = false;
+    MovilCuenta.clear();
+    gsVersionPlataforma.clear();
+    gsSaldoCuenta.clear();
+    gsDestinos.clear();
+    log.clear();
+}
+
 AppState& appState() {
     static AppState s;
     return s;

@@ -27,7 +27,7 @@ inline constexpr char16_t kSinClave[] = u"sinclavedeentrada";
 // The shared state record: one per process, public to the whole program.
 struct AppState {
     int16_t giMaxLote = 0;
-    QString gsClaveAcceso;
+    QString gsClaveAcceso = QString::fromUtf16(kSinClave);
     QString gsClaveIntroducida;
     bool gbEnviando = false;
     bool gbImportado = false;
@@ -38,6 +38,11 @@ struct AppState {
 
     ActivityLog log;
     UserInterface* ui = nullptr;
+
+    // Back to the state of a run that has loaded nothing yet: no access
+    // password, nothing sending or imported, no account figures, an empty
+    // log. The interface in use stays.
+    void reset();
 };
 
 AppState& appState();

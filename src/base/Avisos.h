@@ -14,6 +14,8 @@ class Avisos : public QObject {
   Q_SIGNALS:
     // The accounts, their balances or the principal account changed.
     void cuentasCambiadas();
+    // A contact was added or changed.
+    void contactosCambiados();
     // Rows were added to or taken from the outbox.
     void bandejaCambiada();
     // A picker chose a text for the compose screen.
@@ -22,6 +24,8 @@ class Avisos : public QObject {
     void envioPedido();
     // The options set a new sending interval, in seconds, counted from now.
     void intervaloCambiado(int segundos);
+    // The options were saved: the background picture may be another.
+    void opcionesGuardadas();
 
   private:
     Avisos() = default;

@@ -3,16 +3,17 @@
 #include "base/UserInterface.h"
 
 // Without a window: every question takes its default answer, and where a
-// screen would be shown a clear line goes to standard error instead.
+// dialog would be shown a clear line goes to standard error instead.
 class HeadlessInterface : public UserInterface {
   public:
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;
-    void showSelectDatabase() override;
-    void showFirstRunSetup() override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
 };
 
 // The exit code of headless mode when no usable database is there.
 inline constexpr int kSalidaSinBaseDatos = 3;
+
+// A line on standard error where a window would have shown something.
+void avisoSinVentana(const QString& texto);

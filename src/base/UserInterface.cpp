@@ -1,6 +1,9 @@
 #include "base/UserInterface.h"
 
 #include "base/AppState.h"
+#include "base/HeadlessInterface.h"
+#include "base/Pantallas.h"
+#include "base/Settings.h"
 
 #include <QCoreApplication>
 
@@ -22,6 +25,22 @@ int defaultAnswer(int style) {
     }
 }
 }  // namespace Msg
+
+using namespace Qt::StringLiterals;
+
+void UserInterface::showSelectDatabase() {
+    if (Pantallas::abrir(u"frmSelectDB"_s)) return;
+    avisoSinVentana(u"[pantalla] No hay una base de datos utilizable (BD/Path: \""_s +
+                    Settings::getSetting(u"BD"_s, u"Path"_s) +
+                    u"\"). Sin ventana no se puede mostrar la selección de base de datos."_s);
+}
+
+void UserInterface::showFirstRunSetup() {
+    if (Pantallas::abrir(u"frmTipoRegistro"_s)) return;
+    avisoSinVentana(
+        u"[pantalla] No hay una cuenta principal utilizable; sin ventana no se puede "
+        u"configurar una cuenta."_s);
+}
 
 void UserInterface::processEvents() {
     if (QCoreApplication::instance()) QCoreApplication::processEvents();

@@ -22,9 +22,9 @@ inline constexpr int No = 7;
 int defaultAnswer(int style);
 }  // namespace Msg
 
-// Where the core must ask or tell the user, or show a screen, it goes
-// through this interface: the GUI implements it with dialogs, tests with
-// scripted answers, headless mode with default answers.
+// Where the core must ask or tell the user, it goes through this interface:
+// the GUI implements it with dialogs, tests with scripted answers, headless
+// mode with default answers.
 class UserInterface {
   public:
     virtual ~UserInterface() = default;
@@ -46,10 +46,13 @@ class UserInterface {
         (void)caption, (void)dir, (void)filter;
         return QString();
     }
-    // The database selection screen in database mode, shown modally.
-    virtual void showSelectDatabase() = 0;
-    // The first-run account set-up, shown modally.
-    virtual void showFirstRunSetup() {}
+    // Two screens the core needs: the database selection in database mode
+    // and the first-run account set-up, shown modally. They open the screen
+    // registered as "frmSelectDB" or "frmTipoRegistro"; with none registered
+    // (headless) a line on standard error says what could not be shown.
+    // Virtual only so that a test can stand in for the screens.
+    virtual void showSelectDatabase();
+    virtual void showFirstRunSetup();
     // Hands an address or a document to the desktop.
     virtual void openUrl(const QString& target) = 0;
     // The process can't go on without a usable database.

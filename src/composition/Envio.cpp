@@ -2,6 +2,7 @@
 
 #include "base/ActivityLog.h"
 #include "base/AppState.h"
+#include "base/Avisos.h"
 #include "base/Clock.h"
 #include "base/Conversions.h"
 #include "db/Conexion.h"
@@ -9,6 +10,33 @@
 #include <QHash>
 
 using namespace Qt::StringLiterals;
+
+QVector<CuentaEnvio> leerCuentasEnvio() {
+    const QueryResult r = Conexion().query(u"Select * From Canales "_s);
+    QVector<CuentaEnvio> cuentas;
+    cuentas.reserve(r.recordCount());
+    for (int i = 0; i < r.recordCount(); ++i) {
+        CuentaEnvio c;
+        c.canal = int(numeroDe(r.value(i, u"Canal"_s)));
+        c.texto = textoDe(r.value(i, u"Nombre"_s)) + u"   ("_s + textoDe(r.value(i, u"Saldo"_s)) +
+                  u" Créditos)"_s;
+        const QString remitente = textoDe(r.value(i, u"Remitente"_s)).trimmed();
+        if (!remitente.isEmpty()) c.texto += u"  Remitente: "_s + remitente;
+        c.largoTextos =
+            int(textoDe(r.value(i, u"tini"_s)).size() + textoDe(r.value(i, u"tfin"_s)).size());
+        c.principal = numeroDe(r.value(i, u"Principal"_s)) == 1;
+        cuentas.append(std::move(c));
+    }
+    return cuentas;
+}
+
+QStringList leerAliasContactos() {
+    const QueryResult r = Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
+    QStringList alias;
+    alias.reserve(r.recordCount());
+    for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
+    return alias;
+}
 
 bool leerSoloContactos() {
     try {
@@ -38,6 +66,7 @@ QString normalizarNumeroEnvio(const QString& numero) {
 QString agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
                         int64_t canal) {
     QString rechazados;
+    bool anadido = false;
     auto rechazar = [&rechazados](const QString& elemento) {
         if (!rechazados.isEmpty()) rechazados += u';';
         rechazados += elemento;
@@ -52,7 +81,8 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
                 elemento = codigo;
                 contacto = true;
             }
-        } catch (const QuelmoError&) {
+        } catch (const QuelmoError& e) {
+            msLog(u"Error buscando el contacto "_s + elemento + u": "_s + e.description());
         }
         if (!esNumerico(elemento)) {
             msLog(u"Contacto no encontrado --> "_s + elemento);
@@ -75,9 +105,12 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
             Conexion().exec(
                 u"Insert into envios (abonado,mensaje,intento,Registro,Canal) values (?,?,2,?,?)"_s,
                 {elemento, texto, Clock::now(), qlonglong(canal)});
-        } catch (const QuelmoError&) {
+            anadido = true;
+        } catch (const QuelmoError& e) {
+            msLog(u"Error añadiendo el mensaje para "_s + elemento + u": "_s + e.description());
         }
     }
+    if (anadido) Q_EMIT Avisos::instancia().bandejaCambiada();
     return rechazados;
 }
 
@@ -126,4 +159,24 @@ QVector<QString> leerBandeja() {
         celdas[i + 3] = cuentas.value(celdas.at(i + 3));
     }
     return celdas;
+}
+
+std::optional<MensajeRetirado> retirarDeBandeja(const QString& id) {
+    Database& db = Conexion();
+    const QueryResult r = db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
+    if (r.isEmpty()) return std::nullopt;
+    MensajeRetirado m{textoDe(r.value(0, 0)), textoDe(r.value(0, 1))};
+    db.exec(u"Delete from envios where id = ?"_s, {id});
+    Q_EMIT Avisos::instancia().bandejaCambiada();
+    return m;
+}
+
+void borrarDeBandeja(const QString& id) {
+    Conexion().exec(u"Delete from envios where id = ?"_s, {id});
+    Q_EMIT Avisos::instancia().bandejaCambiada();
+}
+
+void vaciarBandeja() {
+    Conexion().exec(u"Delete from envios"_s);
+    Q_EMIT Avisos::instancia().bandejaCambiada();
 }

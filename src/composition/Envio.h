@@ -1,11 +1,31 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <cstdint>
+#include <optional>
 
-// The compose screen's routines that work on the database alone: the add
-// loop with its destination rules, and the reading of the outbox.
+// The compose screen's routines that work on the database alone: the
+// accounts and contacts it offers, the add loop with its destination rules,
+// and the reading and changing of the outbox. A routine that changes the
+// outbox emits Avisos::bandejaCambiada.
+
+// One account as the compose screen's combo shows it.
+struct CuentaEnvio {
+    int canal = 0;
+    // "Nombre   (saldo Créditos)", then "  Remitente: x" when it has one.
+    QString texto;
+    // The characters that the account's opening and closing texts add.
+    int largoTextos = 0;
+    bool principal = false;
+};
+// Every account, in the table's order. Throws QuelmoError; ItemNotFound
+// means a database of another generation.
+QVector<CuentaEnvio> leerCuentasEnvio();
+
+// The aliases of all contacts, by alias: what the recipient box offers.
+QStringList leerAliasContactos();
 
 // The option that limits sending to contacts; false when it can't be read.
 bool leerSoloContactos();
@@ -35,3 +55,15 @@ int contarBandeja();
 // (with its sender in brackets), text.
 QVector<QString> leerBandeja();
 inline constexpr int kColumnasBandeja = 5;
+
+// An outbox row taken back to be composed again.
+struct MensajeRetirado {
+    QString destino;
+    QString texto;
+};
+// Reads outbox row `id` and deletes it; none when the row is gone. Throws
+// QuelmoError when reading or deleting fails (the row then stays).
+std::optional<MensajeRetirado> retirarDeBandeja(const QString& id);
+// Deletes outbox row `id`, or every row. Throw QuelmoError on failure.
+void borrarDeBandeja(const QString& id);
+void vaciarBandeja();

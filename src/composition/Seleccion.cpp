@@ -50,7 +50,7 @@ QString detalleLista(const QString& contactos) {
 QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
     QString resultado;
     try {
-        // 1-4. The members of the chosen lists, each number once.
+        // The members of the chosen lists, each number once.
         QStringList listas;
         QVariantList nombres;
         for (const DestinoElegido& d : destinos) {
@@ -75,7 +75,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
             }
         }
         if (resultado.startsWith(u';')) resultado.remove(0, 1);
-        // 5-8. The single contacts not already named by a list. The choice
+        // The single contacts not already named by a list. The choice
         // is matched here rather than in the statement, so that choosing
         // every contact of a large book stays within the engine's limits.
         QSet<QString> elegidos;

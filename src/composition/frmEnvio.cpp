@@ -1,6 +1,7 @@
 #include "composition/frmEnvio.h"
 
 #include "accounts/mdoCuentas.h"
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "base/Avisos.h"
 #include "base/Conversions.h"
@@ -12,6 +13,7 @@
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 #include "widgets/Boton.h"
+#include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -64,6 +66,7 @@ frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
     msCargarContactos();
     connect(&Avisos::instancia(), &Avisos::textoElegido, this, &frmEnvio::tomarTexto);
     connect(&Avisos::instancia(), &Avisos::cuentasCambiadas, this, &frmEnvio::msCargarCanales);
+    connect(&Avisos::instancia(), &Avisos::bandejaCambiada, this, &frmEnvio::msActualizaLista);
     connect(&Interruptor::instancia(), &Interruptor::cambiado, this, &frmEnvio::mostrarTransmisor);
 }
 
@@ -126,7 +129,7 @@ void frmEnvio::construir() {
     imgmt = etiqueta(this, u"imgmt"_s, QString());
     imgmt->setToolTip(u"Doble click para activar/desactivar envío"_s);
     imgmt->installEventFilter(this);
-    lmt = etiqueta(this, u"lmt"_s, u"Envío de SMS Activado"_s);
+    lmt = etiqueta(this, u"lmt"_s, EstadoTransmisor::texto(true));
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(u"Timer1"_s);
@@ -196,8 +199,8 @@ void frmEnvio::construir() {
 bool frmEnvio::msCargarCanales() {
     bool resultado = false;
     try {
-        const QueryResult r = Conexion().query(u"Select * From Canales "_s);
-        if (r.isEmpty()) {
+        const QVector<CuentaEnvio> cuentas = leerCuentasEnvio();
+        if (cuentas.isEmpty()) {
             msPrimeraVez();
         } else {
             // The selection survives the rebuilding.
@@ -205,22 +208,16 @@ bool frmEnvio::msCargarCanales() {
                 miCanal = int(canalElegido());
             ImageCombo1->clear();
             const QIcon icono = iconoQuelmo(u"cuentas"_s);
-            for (int i = 0; i < r.recordCount(); ++i) {
-                const int canal = int(numeroDe(r.value(i, u"Canal"_s)));
-                QString texto = textoDe(r.value(i, u"Nombre"_s)) + u"   ("_s +
-                                textoDe(r.value(i, u"Saldo"_s)) + u" Créditos)"_s;
-                const QString remitente = textoDe(r.value(i, u"Remitente"_s)).trimmed();
-                if (!remitente.isEmpty()) texto += u"  Remitente: "_s + remitente;
-                ImageCombo1->addItem(icono, texto, canal);
-                const int largo = int(textoDe(r.value(i, u"tini"_s)).size() +
-                                      textoDe(r.value(i, u"tfin"_s)).size());
-                if (numeroDe(r.value(i, u"Principal"_s)) == 1 && miCanal == -1) {
+            for (int i = 0; i < cuentas.size(); ++i) {
+                const CuentaEnvio& c = cuentas.at(i);
+                ImageCombo1->addItem(icono, c.texto, c.canal);
+                if (c.principal && miCanal == -1) {
                     ImageCombo1->setCurrentIndex(i);
-                    miCanal = canal;
-                    miLargoTextos = largo;
-                } else if (canal == miCanal) {
+                    miCanal = c.canal;
+                    miLargoTextos = c.largoTextos;
+                } else if (c.canal == miCanal) {
                     ImageCombo1->setCurrentIndex(i);
-                    miLargoTextos = largo;
+                    miLargoTextos = c.largoTextos;
                 }
             }
             resultado = true;
@@ -229,12 +226,10 @@ bool frmEnvio::msCargarCanales() {
         contador();
     } catch (const QuelmoError& e) {
         if (e.number() == ErrNum::ItemNotFound) {
-            ui().msgBox(
-                u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
-                u"de Datos correcta de Quelmo Mensajes"_s,
-                Msg::Critical);
+            // The screen can't work on this database: it goes, and the
+            // user picks another.
             close();
-            ui().showSelectDatabase();
+            msBaseNoValida();
         } else {
             ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
         }
@@ -274,45 +269,35 @@ void frmEnvio::cmdAbonados_Click() {
 
 void frmEnvio::msCargarContactos() {
     try {
-        const QueryResult r =
-            Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
-        QStringList alias;
-        alias.reserve(r.recordCount());
-        for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
+        const QStringList alias = leerAliasContactos();
         crtAutoComplete1->setDelimeter(u";"_s);
         crtAutoComplete1->setSearchList(alias.join(u';'));
     } catch (const QuelmoError&) {
+        // Silent: a database without contacts has had its box from the
+        // accounts, and the box still takes numbers typed by hand.
     }
 }
 
 void frmEnvio::cmdAnadir_Click() {
-    // 1.
     cmdAnadir->setCursor(Qt::BusyCursor);
     ui().processEvents();
-    // 2.
     txtDestinos->setText(crtAutoComplete1->Texto());
     lblCaracteres->clear();
-    // 3. An empty text is dropped without a word.
+    // An empty text is dropped without a word.
     if (txtMensaje->toPlainText().trimmed().isEmpty()) return;
-    // 4.
     if (txtDestinos->text().trimmed().isEmpty()) {
         ui().msgBox(u"No seleccionó destinatarios para este mensaje .."_s, Msg::Exclamation);
         cmdAnadir->unsetCursor();
         return;
     }
-    // 5-8.
-    const bool soloContactos = leerSoloContactos();
-    mlMensajes = ListView1->modelo()->rowCount();
+    // The list follows the new rows through the outbox notice.
     const QString rechazados = agregarMensajes(txtDestinos->text(), txtMensaje->toPlainText(),
-                                               soloContactos, canalElegido());
-    // 9.
-    msAbrirBandeja();
-    mlMensajes = -1;
-    // 10. What was refused stays, with the text, to be mended.
+                                               leerSoloContactos(), canalElegido());
+    ui().processEvents();
+    // What was refused stays, with the text, to be mended.
     txtDestinos->setText(rechazados);
     if (rechazados.isEmpty()) txtMensaje->clear();
     crtAutoComplete1->setTexto(rechazados);
-    // 11.
     msPintarBandeja();
     cmdAnadir->unsetCursor();
 }
@@ -344,6 +329,8 @@ void frmEnvio::msPintarBandeja() {
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
     } catch (const QuelmoError&) {
+        // Every ten seconds: the list stays as last drawn until the
+        // database answers again, rather than a box at each tick.
     }
 }
 
@@ -360,17 +347,15 @@ void frmEnvio::cmdModificar_Click() {
     const QString id = ListView1->modelo()->texto(fila, 0);
     if (id.isEmpty()) return;
     try {
-        Database& db = Conexion();
-        const QueryResult r = db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
-        if (r.isEmpty()) return;
         // Modifying takes the row back into the compose fields.
-        txtDestinos->setText(textoDe(r.value(0, 0)));
+        const std::optional<MensajeRetirado> m = retirarDeBandeja(id);
+        if (!m) return;
+        txtDestinos->setText(m->destino);
         crtAutoComplete1->setTexto(txtDestinos->text());
-        txtMensaje->setPlainText(textoDe(r.value(0, 1)));
-        db.exec(u"Delete from envios where id = ?"_s, {id});
-        msPintarBandeja();
+        txtMensaje->setPlainText(m->texto);
         ui().processEvents();
-    } catch (const QuelmoError&) {
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudo modificar el mensaje "_s + id + u": "_s + e.description());
     }
 }
 
@@ -379,12 +364,12 @@ void frmEnvio::cmdEliminar_Click() {
     if (fila < 0) return;
     if (ui().msgBox(preguntaFila(u"¿Realmente desea eliminar el "_s, fila), kPregunta) != Msg::Yes)
         return;
+    const QString id = ListView1->modelo()->texto(fila, 0);
     try {
-        Conexion().exec(u"Delete from envios where id = ?"_s,
-                        {ListView1->modelo()->texto(fila, 0)});
-        msPintarBandeja();
+        borrarDeBandeja(id);
         ui().processEvents();
-    } catch (const QuelmoError&) {
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudo eliminar el mensaje "_s + id + u": "_s + e.description());
     }
 }
 
@@ -393,19 +378,18 @@ void frmEnvio::cmdEliminarTodos_Click() {
                     kPregunta) != Msg::Yes)
         return;
     try {
-        Conexion().exec(u"Delete from envios"_s);
-        msPintarBandeja();
+        vaciarBandeja();
         ui().processEvents();
-    } catch (const QuelmoError&) {
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudo vaciar la Bandeja de Salida: "_s + e.description());
     }
 }
 
 // ---- sending, balance, recharge -------------------------------------------
 
 void frmEnvio::cmdEnviar_Click() {
-    // 1. A finished compose goes along.
+    // A finished compose goes along.
     cmdAnadir_Click();
-    // 2.
     if (!appState().gbEnviando) {
         cmdEnviar->setCursor(Qt::BusyCursor);
         setCursor(Qt::BusyCursor);
@@ -415,7 +399,6 @@ void frmEnvio::cmdEnviar_Click() {
         msPintarBandeja();
         msCargarCanales();
     }
-    // 3.
     cmdEnviar->setEnabled(Interruptor::instancia().paraVentana());
     unsetCursor();
     cmdEnviar->unsetCursor();
@@ -446,12 +429,11 @@ void frmEnvio::cmdRecarga_Click() {
 
 void frmEnvio::mostrarTransmisor(bool activo) {
     cmdEnviar->setEnabled(activo);
-    lmt->setText(activo ? u"Envío de SMS Activado"_s : u"Envío de SMS Desactivado"_s);
+    lmt->setText(EstadoTransmisor::texto(activo));
     QPalette p = lmt->palette();
-    p.setColor(QPalette::WindowText, activo ? QColor(0, 128, 0) : QColor(255, 0, 0));
+    p.setColor(QPalette::WindowText, EstadoTransmisor::color(activo));
     lmt->setPalette(p);
-    imgmt->setPixmap(
-        iconoQuelmo(activo ? u"transmisor-on"_s : u"transmisor-off"_s).pixmap(QSize(24, 24)));
+    imgmt->setPixmap(EstadoTransmisor::icono(activo).pixmap(QSize(24, 24)));
 }
 
 void frmEnvio::imgmt_DblClick() {

@@ -23,13 +23,6 @@ QMdiSubWindow* subWindowOf(QWidget* screen) {
     return qobject_cast<QMdiSubWindow*>(screen->parentWidget());
 }
 
-QWidget* activeScreen() {
-    QMdiArea* a = area();
-    if (!a) return nullptr;
-    QMdiSubWindow* sub = a->activeSubWindow();
-    return sub ? sub->widget() : nullptr;
-}
-
 void show(QWidget* screen) {
     QMdiArea* a = area();
     if (a && !subWindowOf(screen)) {

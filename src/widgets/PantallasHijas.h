@@ -15,9 +15,6 @@ QMdiArea* area();
 
 // The sub-window that holds `screen`, or null when it stands alone.
 QMdiSubWindow* subWindowOf(QWidget* screen);
-// The active child screen of the frame (the widget inside the active
-// sub-window), or null.
-QWidget* activeScreen();
 
 // Shows a screen as a child of the frame (or alone) and activates it.
 void show(QWidget* screen);

@@ -4,6 +4,7 @@
 #include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmNewUser.h"
+#include "addressbook/mdoAgenda.h"
 #include "base/Pantallas.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -229,6 +230,38 @@ class TestContactos : public QObject {
                          caja(Msg::Information, u"Se han borrado 1 Contactos con éxito.\n"_s)}));
         QCOMPARE(columna(u"select Alias from Abonados"_s), QStringList{u"Sin cuenta"_s});
         QCOMPARE(pantalla.lblcont->text(), u"0 Contactos"_s);
+    }
+
+    void deletingManyGoesOnPastAFailure() {
+        contacto(u"0034600000001"_s, u"Ana"_s, 0);
+        contacto(u"0034600000002"_s, u"Bloqueado"_s, 0);
+        contacto(u"0034600000003"_s, u"Carla"_s, 0);
+        miembro(u"0034600000002"_s, 1);
+        miembro(u"0034600000003"_s, 1);
+        bd().exec(
+            u"CREATE TRIGGER no_borrar BEFORE DELETE ON Abonados WHEN old.Codigo = "
+            u"'0034600000002' BEGIN SELECT RAISE(ABORT, 'bloqueado'); END"_s);
+        ScriptedInterface ui;
+        const int borrados =
+            msBorrarContactos({u"0034600000003"_s, u"0034600000002"_s, u"0034600000001"_s});
+        QCOMPARE(borrados, 2);
+        QCOMPARE(ui.boxes.size(), 1);  // the failure's own box
+        // The refused contact keeps its memberships; the others are gone whole.
+        QCOMPARE(columna(u"select Alias from Abonados"_s), QStringList{u"Bloqueado"_s});
+        QCOMPARE(columna(u"select Abonado from AboGrup"_s), QStringList{u"0034600000002"_s});
+    }
+
+    void contactSavedElsewhereShowsInTheList() {
+        ScriptedInterface ui;
+        frmAbonados pantalla;
+        QCOMPARE(pantalla.lblcont->text(), u"0 Contactos"_s);
+        FichaContacto ficha;
+        ficha.codigo = u"0034600000001"_s;
+        ficha.alias = u"Ana"_s;
+        ficha.cuenta = u"Principal"_s;
+        QVERIFY(mbGuardarContacto(ficha));
+        QCOMPARE(textosDe(pantalla.ListView1, 0), QStringList{u"Ana"_s});
+        QCOMPARE(pantalla.lblcont->text(), u"1 Contactos"_s);
     }
 
     void addWithoutAccountsShowsTheMessage() {

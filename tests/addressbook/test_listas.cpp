@@ -1,10 +1,12 @@
 // Lists: numbering and its limits, names, delete with members, and the
 // membership screen with its moves and its store.
 #include "TestSupportGui.h"
+#include "addressbook/PantallasAgenda.h"
 #include "addressbook/frmGrupos.h"
 #include "addressbook/frmUserGroup.h"
 #include "base/Pantallas.h"
 #include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -217,19 +219,27 @@ class TestListas : public QObject {
     void publicationGoesToItsScreen() {
         lista(5, u"Web"_s);
         ScriptedInterface ui;
+        registrarPantallasAgenda();
         int abierta = 0;
-        Pantallas::registrar(u"frmPublicarLista"_s, [&] {
-            ++abierta;
-            QCOMPARE(frmGrupos::listaAPublicar().nombre, u"Web"_s);
-            QCOMPARE(frmGrupos::listaAPublicar().grupo, int16_t(5));
-        });
-        frmGrupos pantalla;
-        pantalla.cmdPublicar->click();  // nothing selected
+        Pantallas::registrar(u"frmSubirListaWeb"_s, [&] { ++abierta; });
+        QVERIFY(Pantallas::abrir(u"frmGrupos"_s));
+        // Opened again, the one screen still asks for one publication a click.
+        QVERIFY(Pantallas::abrir(u"frmGrupos"_s));
+        frmGrupos* pantalla = PantallasHijas::instance<frmGrupos>();
+        QList<frmGrupos::ListaElegida> pedidas;
+        connect(pantalla, &frmGrupos::publicacionPedida, this,
+                [&](const frmGrupos::ListaElegida& l) { pedidas.append(l); });
+        pantalla->cmdPublicar->click();  // nothing selected
         QCOMPARE(abierta, 0);
-        pantalla.ListView1->seleccionarFila(0);
-        pantalla.cmdPublicar->click();
+        pantalla->ListView1->seleccionarFila(0);
+        pantalla->cmdPublicar->click();
         QCOMPARE(abierta, 1);
-        Pantallas::registrar(u"frmPublicarLista"_s, {});
+        QCOMPARE(pedidas.size(), 1);
+        QCOMPARE(pedidas[0].nombre, u"Web"_s);
+        QCOMPARE(pedidas[0].grupo, int16_t(5));
+        QCOMPARE(pantalla->listaAPublicar().nombre, u"Web"_s);
+        Pantallas::registrar(u"frmSubirListaWeb"_s, {});
+        delete pantalla;
     }
 };
 

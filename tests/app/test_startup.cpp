@@ -9,6 +9,8 @@
 #include "base/AppState.h"
 #include "base/Cifrado.h"
 #include "base/Error.h"
+#include "base/HeadlessInterface.h"
+#include "base/Pantallas.h"
 #include "base/Settings.h"
 #include "db/Conexion.h"
 #include "db/Database.h"
@@ -177,6 +179,49 @@ class TestStartup : public QObject {
         QVERIFY(msComprobarAcceso());
         QCOMPARE(ui.passwordPrompts, 2);
         QVERIFY(ui.boxes.isEmpty());
+    }
+
+    void coreScreensOpenThroughTheRegistry_data() {
+        QTest::addColumn<QString>("pantalla");
+        QTest::newRow("database selection") << u"frmSelectDB"_s;
+        QTest::newRow("first-run set-up") << u"frmTipoRegistro"_s;
+    }
+    void coreScreensOpenThroughTheRegistry() {
+        QFETCH(QString, pantalla);
+        // The interface of a run without windows, not a test's stand-in.
+        HeadlessInterface sinVentana;
+        setUserInterface(&sinVentana);
+        auto mostrar = [&] {
+            if (pantalla == u"frmSelectDB"_s)
+                ui().showSelectDatabase();
+            else
+                ui().showFirstRunSetup();
+        };
+        int abierta = 0;
+        Pantallas::registrar(pantalla, [&] { ++abierta; });
+        mostrar();
+        QCOMPARE(abierta, 1);
+        // Nothing registered: a line instead of a screen, and no failure.
+        Pantallas::registrar(pantalla, {});
+        mostrar();
+        QCOMPARE(abierta, 1);
+        setUserInterface(nullptr);
+    }
+
+    void resetForgetsTheRun() {
+        ScriptedInterface ui;
+        AppState& g = appState();
+        g.gsClaveAcceso = u"Clave"_s;
+        g.gbEnviando = g.gbImportado = true;
+        g.gsSaldoCuenta = u"12"_s;
+        msLog(u"antes"_s);
+        g.reset();
+        QVERIFY(msComprobarAcceso());
+        QCOMPARE(ui.passwordPrompts, 0);
+        QVERIFY(!g.gbEnviando && !g.gbImportado);
+        QVERIFY(g.gsSaldoCuenta.isEmpty());
+        QVERIFY(g.log.lines().isEmpty());
+        QCOMPARE(&::ui(), static_cast<UserInterface*>(&ui));
     }
 
     void logLines_data() {

@@ -6,6 +6,7 @@
 #include "base/Avisos.h"
 #include "base/Pantallas.h"
 #include "base/Settings.h"
+#include "composition/Envio.h"
 #include "composition/PantallasEnvio.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
@@ -19,6 +20,7 @@
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTreeView>
 
 using namespace Qt::StringLiterals;
@@ -254,6 +256,52 @@ class TestEnvio : public QObject {
                  u"¿Realmente desea eliminar todos los mensajes de la Bandeja de Salida?\n"_s);
         QVERIFY(abonadosEnBandeja().isEmpty());
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
+    }
+
+    void outboxRoutinesTellTheScreens_data() {
+        QTest::addColumn<QString>("accion");
+        QTest::addColumn<QStringList>("quedan");
+        QTest::addColumn<int>("avisos");
+        const QString a = u"0034600000009"_s, b = u"0034600000008"_s;
+        QTest::newRow("take back") << u"retirar 2"_s << QStringList{a} << 1;
+        QTest::newRow("take back a row already gone") << u"retirar 9"_s << QStringList{a, b} << 0;
+        QTest::newRow("delete one") << u"borrar 1"_s << QStringList{b} << 1;
+        QTest::newRow("empty") << u"vaciar"_s << QStringList() << 1;
+        QTest::newRow("add") << u"agregar ana"_s << QStringList{a, b, u"0034600000001"_s} << 1;
+        QTest::newRow("add, all refused") << u"agregar nadie"_s << QStringList{a, b} << 0;
+    }
+    void outboxRoutinesTellTheScreens() {
+        QFETCH(QString, accion);
+        QFETCH(QStringList, quedan);
+        QFETCH(int, avisos);
+        ScriptedInterface ui;
+        sql(u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"(1,'2026-03-04 05:06:07',1,'0034600000009','uno',2),"
+            u"(2,'2026-03-04 05:06:08',1,'0034600000008','dos',2)"_s);
+        QSignalSpy bandeja(&Avisos::instancia(), &Avisos::bandejaCambiada);
+        const QString orden = accion.section(u' ', 0, 0), arg = accion.section(u' ', 1);
+        if (orden == u"retirar"_s) {
+            const std::optional<MensajeRetirado> m = retirarDeBandeja(arg);
+            QCOMPARE(m.has_value(), avisos == 1);
+            if (m) QCOMPARE(m->destino + u' ' + m->texto, u"0034600000008 dos"_s);
+        } else if (orden == u"borrar"_s) {
+            borrarDeBandeja(arg);
+        } else if (orden == u"vaciar"_s) {
+            vaciarBandeja();
+        } else {
+            agregarMensajes(arg, u"hola"_s, false, 1);
+        }
+        QCOMPARE(abonadosEnBandeja(), quedan);
+        QCOMPARE(int(bandeja.count()), avisos);
+    }
+
+    void openScreenFollowsTheOutbox() {
+        ScriptedInterface ui;
+        frmEnvio f;
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
+        agregarMensajes(u"ana;pepe"_s, u"hola"_s, false, 1);
+        QCOMPARE(lista(f, 1, 2), u"0034600000002"_s);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
     }
 
     void pickerAndPredefinedTextReachTheScreen() {

@@ -2,7 +2,9 @@
 // way to choose in the recipient and message picker.
 #pragma once
 
-#include "../addressbook/AyudaAgenda.h"
+#include "TestSupportGui.h"
+
+#include "widgets/Listado.h"
 
 #include <QCheckBox>
 #include <QPlainTextEdit>
@@ -11,7 +13,7 @@
 namespace programacion_prueba {
 
 using namespace Qt::StringLiterals;
-using namespace agenda_prueba;
+using namespace prueba;
 
 // Chooses contacts (by alias) and lists (by name) in the picker once it is
 // up, types the text and accepts; a picker still open afterwards (a refused

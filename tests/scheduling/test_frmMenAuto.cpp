@@ -1,7 +1,6 @@
 // The list of multi-sends: what each line shows of its schedule, adding
 // with the proposed name, editing, deleting, and the entries that open it.
 #include "AyudaProgramacion.h"
-#include "Programas.h"
 #include "base/Pantallas.h"
 #include "scheduling/PantallasProgramacion.h"
 #include "scheduling/frmMenAuto.h"

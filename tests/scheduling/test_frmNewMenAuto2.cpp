@@ -2,7 +2,6 @@
 // the schedule control and what closing stores, the recipients with their
 // texts, and a schedule made on the screen that fires at its minute.
 #include "AyudaProgramacion.h"
-#include "Programas.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "scheduling/ctrNumberPick.h"
 #include "scheduling/ctrScheduledTask.h"
