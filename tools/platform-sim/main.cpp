@@ -12,6 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStringList>
 #include <QUrlQuery>
@@ -381,6 +382,21 @@ int main(int argc, char** argv) {
         } else if (fallo == u"malformado"_s) {
             res.set_content("<respuesta><autentificacion resultado=\"1\" saldo=",
                             "text/xml; charset=UTF-8");
+        } else if (fallo == u"enorme"_s) {
+            // A reply past any sane size: the client must refuse it.
+            res.set_content(doc.toStdString() + std::string(17 * 1024 * 1024, ' '),
+                            "text/xml; charset=UTF-8");
+        } else if (fallo == u"extraviado"_s) {
+            // One result more than the request had items.
+            QByteArray extra = doc;
+            extra.replace("</mensajes>",
+                          "<mensaje n=\"9999\" resultado=\"1\">Ajeno</mensaje></mensajes>");
+            res.set_content(extra.toStdString(), "text/xml; charset=UTF-8");
+        } else if (fallo == u"saldo_texto"_s) {
+            // A balance that is no number.
+            QString extra = QString::fromUtf8(doc);
+            extra.replace(QRegularExpression(u" saldo=\"[^\"]*\""_s), u" saldo=\"abc\""_s);
+            res.set_content(extra.toStdString(), "text/xml; charset=UTF-8");
         } else if (fallo == u"corte"_s) {
             // Headers go out, then the connection closes without a body.
             res.set_content_provider(1000, "text/xml; charset=UTF-8",
