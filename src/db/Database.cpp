@@ -69,6 +69,7 @@ Database::~Database() {
 bool Database::open(const QString& path, QString* error) {
     if (!QFileInfo(path).isFile()) {
         close();
+        m_ocupada = false;
         if (error) *error = u"No existe el fichero: "_s + path;
         return false;
     }
@@ -81,6 +82,7 @@ bool Database::create(const QString& path, QString* error) {
 
 bool Database::abrir(const QString& path, int flags, QString* error) {
     close();
+    m_ocupada = false;
     sqlite3* db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
@@ -105,6 +107,8 @@ bool Database::abrir(const QString& path, int flags, QString* error) {
         exec(u"PRAGMA synchronous=FULL"_s);
     } catch (const DbError& e) {
         if (error) *error = e.description();
+        const int codigo = sqlite3_errcode(m_db) & 0xff;
+        m_ocupada = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
         close();
         return false;
     }
