@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -77,6 +78,14 @@ bool Database::open(const QString& path, QString* error) {
 }
 
 bool Database::create(const QString& path, QString* error) {
+    // The file holds the platforms' passwords: readable by its owner only,
+    // from its first byte on. The engine gives its journal files the same
+    // permissions.
+    if (!QFileInfo::exists(path)) {
+        QFile nuevo(path);
+        if (nuevo.open(QIODevice::WriteOnly))
+            nuevo.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
     return abrir(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
 }
 

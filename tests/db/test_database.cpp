@@ -150,6 +150,20 @@ class TestDatabase : public QObject {
         siguiente.commit();
     }
 
+    // The database holds the platforms' passwords.
+    void newFilesAreTheOwnersOnly() {
+        Database nueva;
+        const QString ruta = world.root() + u"/nueva.db"_s;
+        QVERIFY(nueva.create(ruta));
+        nueva.exec(u"CREATE TABLE t (x)"_s);
+        const auto soloDueno = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+        for (const QString& f : QStringList{ruta, ruta + u"-wal"_s, ruta + u"-shm"_s}) {
+            QVERIFY2(QFile::exists(f), qPrintable(f));
+            QCOMPARE(QFile::permissions(f) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
+                     soloDueno);
+        }
+    }
+
   private:
     TestWorld& world;
     Database db;
