@@ -12,6 +12,7 @@
 #include "base/Settings.h"
 #include "base/UserInterface.h"
 #include "db/Conexion.h"
+#include "db/Identidad.h"
 #include "db/Transaccion.h"
 #include "delivery/Lote.h"
 #include "delivery/qmXMLSend.h"
@@ -212,6 +213,9 @@ struct Desenlace {
 Desenlace intercambiar(Database& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
                        int16_t canal, MedidaLote& medida) {
     Desenlace d;
+    // Kept apart from the results: a reference must survive a rolled-back
+    // exchange, or its resend would look new to the platform.
+    cliente.Origen = identidadBase(db);
     Transaccion transaccion(db);
     QString nn, ff;
     cliente.SendXML(nn, ff);

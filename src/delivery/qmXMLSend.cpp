@@ -87,6 +87,7 @@ QByteArray documentoPeticion(const XMLSendClass& c, bool lista) {
         w.writeAttribute(u"n"_s, QString::number(++n));
         w.writeAttribute(u"clave"_s, it.Key);
         w.writeAttribute(u"destino"_s, it.Destino);
+        if (!c.Origen.isEmpty()) w.writeAttribute(u"ref"_s, c.Origen + u'/' + it.Key);
         escribirTexto(w, it.Mensaje);
         w.writeEndElement();
     }

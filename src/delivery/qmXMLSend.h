@@ -66,6 +66,9 @@ class XMLSendClass {
     QString Remitente;
     QString App;
     QString url;
+    // The origin of the items' references: with an item's key, a reference
+    // that no other database gives. Empty: the items go without one.
+    QString Origen;
     bool EnviarTodo = true;
     QString SendParam = QStringLiteral("xml=");
     // List publication only.

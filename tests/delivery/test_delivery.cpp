@@ -427,6 +427,31 @@ class TestDelivery : public QObject {
         QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
     }
 
+    // A crash after the platform took a batch and before our commit leaves
+    // the rows to be sent again: they carry the same references, and the
+    // platform answers them without sending or charging twice.
+    void resentItemsReachNobodyTwice() {
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 2);
+        // The row as it was before the lost commit.
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 2);
+        QCOMPARE(sim->duplicados().size(), 2);
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 98);
+        // Another database's items with the same keys are new to the platform.
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/otra.db"_s));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 4);
+    }
+
     void strayResultIsPassedOver() {
         ScriptedInterface ui;
         auto sim = simulador(configuracion(u"fallo=extraviado"_s));
