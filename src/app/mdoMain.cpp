@@ -1,10 +1,12 @@
 #include "app/mdoMain.h"
 
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "base/Clock.h"
 #include "base/Conversions.h"
 #include "base/Error.h"
 #include "base/Settings.h"
+#include "base/UserInterface.h"
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
 
@@ -26,7 +28,7 @@ void msAbrirBaseInicial() {
     const QString guardada = Settings::getSetting(u"BD"_s, u"Path"_s);
 
     if (guardada.isEmpty()) {
-        // 1. First run: an old-schema default file is not upgraded here; it
+        // First run: an old-schema default file is not upgraded here; it
         // leads to the selection screen, which has its own upgrade path.
         if (msValidarBD(porDefecto)) {
             Settings::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
@@ -36,8 +38,19 @@ void msAbrirBaseInicial() {
         }
         return;
     }
-    if (msAbrirBD(guardada)) {
-        // 2. The saved file opened: upgrade it when it lacks a current column.
+    // A saved file held by another process is busy, not gone: wait for it
+    // while the user wants to, and never trade it for another file.
+    bool abierta = msAbrirBD(guardada);
+    while (!abierta && Conexion().aperturaOcupada()) {
+        msLog(u"La Base de Datos está bloqueada por otro programa: "_s + guardada);
+        if (ui().msgBox(u"La Base de Datos está siendo usada por otro programa:\n"_s + guardada +
+                            u"\n\n¿Desea volver a intentarlo?"_s,
+                        Msg::YesNo + Msg::Exclamation) != Msg::Yes)
+            ui().terminateWithoutDatabase();
+        abierta = msAbrirBD(guardada);
+    }
+    if (abierta) {
+        // The saved file opened: upgrade it when it lacks a current column.
         if (!msValidarBD(guardada)) {
             msActualizarBD(guardada);
             msLog(u"Proceso de actualización de Base de Datos completado."_s);
@@ -45,7 +58,7 @@ void msAbrirBaseInicial() {
         Settings::saveSetting(u"BD"_s, u"Path"_s, guardada);
         return;
     }
-    // 3. The saved file is gone or broken: silently the default file,
+    // The saved file is gone or broken: silently the default file,
     // neither tested nor upgraded.
     if (msAbrirBD(porDefecto)) {
         Settings::saveSetting(u"BD"_s, u"Path"_s, porDefecto);

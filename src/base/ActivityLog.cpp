@@ -57,5 +57,7 @@ void msLog(const QString& text) {
         // The yield that lets the user act during a transmitter run.
         ui().processEvents();
     } catch (...) {
+        // Silent by necessity: a line that can't be written has nowhere
+        // else to go, and logging must never stop the routine that logs.
     }
 }

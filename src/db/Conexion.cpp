@@ -48,7 +48,7 @@ bool prepararBaseInicial() {
 }
 
 bool msAbrirBD(const QString& path) {
-    // 1. The share mode: SQLite connections share the file anyway, the
+    // The share mode: SQLite connections share the file anyway, the
     // value is kept for what reads it.
     const QString modoTexto = Settings::getSetting(u"BD"_s, u"Mode"_s, u"16"_s);
     int32_t modo = 16;
@@ -59,12 +59,10 @@ bool msAbrirBD(const QString& path) {
             modo = 16;
         }
     }
-    // 3-6. Close the old connection and open the new one.
     Conexion().close();
     gsCadenaConexion() = u"Data Source="_s + path;
-    // 7. A failed open leaves the connection closed.
+    // A failed open leaves the connection closed.
     if (!Conexion().open(path)) return false;
-    // 8.
     Settings::saveSetting(u"BD"_s, u"Mode"_s, QString::number(modo));
     return true;
 }

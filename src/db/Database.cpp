@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -69,6 +70,7 @@ Database::~Database() {
 bool Database::open(const QString& path, QString* error) {
     if (!QFileInfo(path).isFile()) {
         close();
+        m_ocupada = false;
         if (error) *error = u"No existe el fichero: "_s + path;
         return false;
     }
@@ -76,11 +78,20 @@ bool Database::open(const QString& path, QString* error) {
 }
 
 bool Database::create(const QString& path, QString* error) {
+    // The file holds the platforms' passwords: readable by its owner only,
+    // from its first byte on. The engine gives its journal files the same
+    // permissions.
+    if (!QFileInfo::exists(path)) {
+        QFile nuevo(path);
+        if (nuevo.open(QIODevice::WriteOnly))
+            nuevo.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
     return abrir(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
 }
 
 bool Database::abrir(const QString& path, int flags, QString* error) {
     close();
+    m_ocupada = false;
     sqlite3* db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
@@ -105,6 +116,8 @@ bool Database::abrir(const QString& path, int flags, QString* error) {
         exec(u"PRAGMA synchronous=FULL"_s);
     } catch (const DbError& e) {
         if (error) *error = e.description();
+        const int codigo = sqlite3_errcode(m_db) & 0xff;
+        m_ocupada = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
         close();
         return false;
     }

@@ -56,6 +56,9 @@ class Database {
     // Creates a new, empty database file (for the build and for tests).
     bool create(const QString& path, QString* error = nullptr);
     void close();
+    // The last open failed because another connection (another process)
+    // held the file locked past the wait: the file is busy, not broken.
+    bool aperturaOcupada() const { return m_ocupada; }
     bool isOpen() const { return m_db != nullptr; }
     const QString& path() const { return m_path; }
 
@@ -90,5 +93,6 @@ class Database {
 
     sqlite3* m_db = nullptr;
     QString m_path;
+    bool m_ocupada = false;
     QHash<QString, sqlite3_stmt*> m_cache;
 };

@@ -71,13 +71,13 @@ CREATE INDEX IF NOT EXISTS AboAuto_Automatico ON AboAuto (Automatico);
 }
 
 void msActualizarBD(const QString& path) {
-    // 1-2. The upgrade's own connection; the shared one stays open on the
+    // The upgrade's own connection; the shared one stays open on the
     // same file. If it does not open, nothing is upgraded.
     Database ConexionUpgrade;
     if (!ConexionUpgrade.open(path)) return;
     Database& c = ConexionUpgrade;
 
-    // 3. Every step on its own; a failure is passed over.
+    // Every step on its own; a failure is passed over.
     msAddColumn(c, u"Canales"_s, u"Remitente"_s, u"Text(16)"_s, QString());
     msAddColumn(c, u"Canales"_s, u"remopc"_s, u"byte"_s, u"0"_s);
     msAddColumn(c, u"Canales"_s, u"tini"_s, u"Text(50)"_s, QString());
@@ -117,6 +117,4 @@ void msActualizarBD(const QString& path) {
     msAddColumn(c, u"HEnvios"_s, u"crem"_s, u"text(50)"_s, QString());
     // Alias and Comentario grow to 100 characters: the engine does not
     // limit text lengths, so there is nothing to alter.
-
-    // 4. The connection closes with the object.
 }

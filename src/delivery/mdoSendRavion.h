@@ -12,8 +12,20 @@ class XMLSendClass;
 // One run: with the switch on, the watched-file import and one batch for
 // each account that has rows in the outbox.
 void SendMessage();
-// Sends one batch of the account's outbox rows to the platform.
-void msEnviarLote(int16_t canal, bool importado);
+// Where a batch spent its time, in nanoseconds (for the benchmark).
+struct MedidaLote {
+    qint64 lectura = 0;    // reading the outbox rows and the account
+    qint64 carga = 0;      // texts, destinations and cuts into items
+    qint64 pausa = 0;      // the pacing of one exchange a second
+    qint64 documento = 0;  // the request document
+    qint64 http = 0;       // the exchange on the wire
+    qint64 respuesta = 0;  // reading the reply
+    qint64 escritura = 0;  // history rows, outbox and account updates
+};
+
+// Sends one batch of the account's outbox rows to the platform; `medida`,
+// when given, gets where the time went.
+void msEnviarLote(int16_t canal, bool importado, MedidaLote* medida = nullptr);
 // The batch size from the options: 1 to 500, else 25.
 int16_t msMaxLote();
 
@@ -31,15 +43,3 @@ void msAvisoVersionLog();
 // Sets the client's url for an account's host: the servlet path behind the
 // host, and "HTTP://" in front unless the value already starts with it.
 void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host);
-
-// Where the last batch spent its time, in nanoseconds (for the benchmark).
-struct MedidaLote {
-    qint64 lectura = 0;    // reading the outbox rows and the account
-    qint64 carga = 0;      // texts, destinations and cuts into items
-    qint64 pausa = 0;      // the pacing of one exchange a second
-    qint64 documento = 0;  // the request document
-    qint64 http = 0;       // the exchange on the wire
-    qint64 respuesta = 0;  // reading the reply
-    qint64 escritura = 0;  // history rows, outbox and account updates
-};
-const MedidaLote& medidaUltimoLote();

@@ -87,6 +87,7 @@ QByteArray documentoPeticion(const XMLSendClass& c, bool lista) {
         w.writeAttribute(u"n"_s, QString::number(++n));
         w.writeAttribute(u"clave"_s, it.Key);
         w.writeAttribute(u"destino"_s, it.Destino);
+        if (!c.Origen.isEmpty()) w.writeAttribute(u"ref"_s, c.Origen + u'/' + it.Key);
         escribirTexto(w, it.Mensaje);
         w.writeEndElement();
     }
@@ -106,6 +107,7 @@ namespace {
 
 void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
     Autentificacion a;
+    c.RXAvisos.clear();
     QVector<Item>& items = c.XMLMensajes.items();
     QXmlStreamReader r(respuesta);
     bool raiz = false, cabecera = false;
@@ -138,11 +140,18 @@ void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
                     continue;
                 }
                 bool ok = false;
-                const int n = r.attributes().value(u"n"_s).toInt(&ok);
+                const QString nTexto = r.attributes().value(u"n"_s).toString();
+                const int n = nTexto.toInt(&ok);
                 const bool aceptado = r.attributes().value(u"resultado"_s) == u"1"_s;
                 const QString comentario = r.readElementText();
-                if (!ok || n < 1 || n > items.size())
-                    respuestaNoValida(u"resultado de un mensaje que no se envió"_s);
+                // What we did not send can't be ours: the rest of the reply
+                // still stands.
+                if (!ok || n < 1 || n > items.size()) {
+                    c.RXAvisos
+                        << u"La plataforma devolvió el resultado de un mensaje que no se envió "
+                           u"(n=%1), se descarta"_s.arg(nTexto.left(20));
+                    continue;
+                }
                 items[n - 1].Resultado = aceptado;
                 items[n - 1].Comentario = comentario;
             }
@@ -165,8 +174,11 @@ void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
 
 namespace {
 
+// Stops the transfer (by taking fewer bytes than given) at the limit.
 size_t acumular(char* datos, size_t tam, size_t n, void* destino) {
-    static_cast<QByteArray*>(destino)->append(datos, qsizetype(tam * n));
+    auto* respuesta = static_cast<QByteArray*>(destino);
+    if (respuesta->size() + qsizetype(tam * n) > kMaximoRespuesta) return 0;
+    respuesta->append(datos, qsizetype(tam * n));
     return tam * n;
 }
 
@@ -187,6 +199,7 @@ class ClienteCurl : public XMLSendClass {
     void intercambio(bool lista, QString& nn, QString& ff) {
         RXAutentificacion = Autentificacion();
         RXXML.clear();
+        RXAvisos.clear();
         QElapsedTimer reloj;
         reloj.start();
         const QByteArray doc = documentoPeticion(*this, lista);
@@ -224,6 +237,10 @@ class ClienteCurl : public XMLSendClass {
         nn = QString::number(estado);
         ff = rc == CURLE_OK ? QString()
                             : QString::fromUtf8(error[0] ? error : curl_easy_strerror(rc));
+        if (rc == CURLE_WRITE_ERROR)
+            throw QuelmoError(u"La respuesta de la plataforma supera el límite de %1 MB"_s.arg(
+                                  kMaximoRespuesta / (1024 * 1024)),
+                              ErrNum::Platform);
         // No reply (refused, dropped, timed out): the caller sees an empty
         // Resultado and tells the user about the connection.
         if (rc != CURLE_OK) return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 #include <memory>
@@ -65,6 +66,9 @@ class XMLSendClass {
     QString Remitente;
     QString App;
     QString url;
+    // The origin of the items' references: with an item's key, a reference
+    // that no other database gives. Empty: the items go without one.
+    QString Origen;
     bool EnviarTodo = true;
     QString SendParam = QStringLiteral("xml=");
     // List publication only.
@@ -73,6 +77,9 @@ class XMLSendClass {
     Coleccion XMLMensajes;
     Autentificacion RXAutentificacion;
     QString RXXML;  // raw reply, for the debug lines
+    // What the reading of the reply passed over, one line each, for the
+    // caller to log once the results are written.
+    QStringList RXAvisos;
 
     // One exchange with the platform. Comes back normally with an empty
     // RXAutentificacion.Resultado when no connection could be made or it
@@ -87,6 +94,9 @@ class XMLSendClass {
     qint64 nsDocumento = 0, nsHttp = 0, nsRespuesta = 0;
 };
 
+// The largest reply read: a larger one fails the exchange.
+inline constexpr qsizetype kMaximoRespuesta = 16 * 1024 * 1024;
+
 // Creates a client; throws QuelmoError when none can be made.
 std::unique_ptr<XMLSendClass> crear();
 
@@ -94,7 +104,8 @@ std::unique_ptr<XMLSendClass> crear();
 // transport so that their cost can be measured on its own.
 QByteArray documentoPeticion(const XMLSendClass& cliente, bool lista);
 // Fills RXAutentificacion and the items' results; throws QuelmoError when
-// the reply is not a valid document.
+// the reply is not a valid document. A result for an item that was not
+// sent is passed over with a line in RXAvisos.
 void leerRespuesta(XMLSendClass& cliente, const QByteArray& respuesta);
 
 }  // namespace qmXMLSend

@@ -216,70 +216,165 @@ void clsNextTarea::CalcularProximaTarea2() {
     calcular(true);
 }
 
-void clsNextTarea::calcular(bool alDia) {
-    // No row, or its schedule is off.
-    if (m_fila.isEmpty()) {
-        m_hayTarea = false;
-        return;
-    }
-    const auto col = [this](Columna c) -> const QVariant& { return m_fila.at(int(c)); };
+namespace {
 
-    // A null last run, or an empty one, counts as never.
-    const QVariant& ultima = col(kUltimaTarea);
-    if (ultima.isNull() || ultima.toString().isEmpty()) {
-        m_ultimaTarea = ingenua(QDate(1900, 1, 1));
-    } else {
-        try {
-            m_ultimaTarea = fechaDe(ultima);
-        } catch (const QuelmoError&) {
-            // Unreadable: the member keeps what it held.
+// One calculation over one row: the clock read once, the row's columns read
+// when first needed, and the two results it assigns. A step that throws
+// leaves the results as the steps before it set them.
+class Calculo {
+  public:
+    Calculo(const QVector<QVariant>& fila, const QDateTime& reloj, bool alDia, QDateTime& proxima,
+            bool& hay)
+        : m_fila(fila),
+          m_reloj(reloj),
+          m_alDia(alDia),
+          m_proxima(proxima),
+          m_hay(hay),
+          m_horaTexto(textoHoraDe(col(kHora))),
+          m_hora(alDia ? u"00:00"_s : m_horaTexto),
+          m_base(dia(referencia())) {}
+
+    // A null or unknown kind is -1: it leaves both results as they were.
+    int periodicidad() const {
+        const QVariant& v = col(kPeriodicidad);
+        return v.isNull() ? -1 : enteroDe(v);
+    }
+
+    void unaVez() {
+        const QDateTime ini = fechaDe(col(kFechaIni));
+        m_proxima = unir(ini, m_hora);
+        m_hay = m_proxima > referencia() && ini >= dia(referencia());
+    }
+
+    void diaria() {
+        if (!antesDelFin()) return;
+        // Every day starts again from today; Cada only says how far the
+        // next run lies once today's has passed.
+        candidato(false);
+        if (referencia() >= m_c) m_c = m_c.addDays(enteroDe(col(kCada)));
+        publicar(m_c);
+    }
+
+    void semanal() {
+        // Every week: the number of weeks the editor keeps is not read.
+        if (!antesDelFin()) return;
+        candidato(true);
+        // Today is taken even when its time has passed; the final step
+        // moves on from it.
+        buscarEnSemana(m_c.addDays(-(m_c.date().dayOfWeek() - 1)));
+    }
+
+    void mensual() {
+        if (!antesDelFin()) return;
+        const QVariant& esDia = col(kMensualEsDia);
+        if (!esDia.isNull() && aBooleano(esDia.toString()))
+            mensualPorDia();
+        else
+            mensualPorSemana();
+    }
+
+    void anual() {
+        const QString diaAnual = QString::number(enteroDe(col(kAnualDia)));
+        const QString mesAnual = QString::number(enteroDe(col(kAnualMes)));
+        // No clamping: 29 February in a common year is no date.
+        const auto enElAnio = [&](const QDateTime& x) {
+            return leerFecha(diaAnual + u'/' + mesAnual + u'/' +
+                             QString::number(x.date().year()).rightJustified(4, u'0') + u' ' +
+                             m_hora);
+        };
+        candidato(true);
+        const QDateTime enBase = enElAnio(m_base);
+        if (enBase > m_c) {
+            m_c = enBase;
+        } else if (enBase == m_c) {
+            if (unir(m_base, m_hora) > m_c) m_c = enBase.addYears(1);
+        } else {
+            // The year of the reference, not of the base day: a schedule
+            // starting in a later year can be given a run before its first day.
+            m_c = enElAnio(referencia()).addYears(1);
+        }
+        publicar(m_c);
+    }
+
+    // Today's run whose minute has gone moves on, for the kinds that have a
+    // following run at hand.
+    void dejarAtrasLaPasada(int periodicidad) {
+        if (!m_hay || m_proxima.date() != referencia().date()) return;
+        QDateTime minuto = referencia();
+        minuto.setTime(QTime(minuto.time().hour(), minuto.time().minute()));
+        if (minuto < m_proxima) return;
+        if (periodicidad == int(Periodicidad::Anual)) {
+            // Not checked against the end again.
+            m_proxima = m_proxima.addYears(1);
+        } else if (periodicidad == int(Periodicidad::Semanal)) {
+            // Without a later day before the end, the passed run stays.
+            buscarEnSemana(m_proxima.addDays(1));
         }
     }
 
-    // The "now" of each calculator, and the reference instant one minute
-    // before it: a run stays the next run for its minute. One reading of
-    // the clock serves the whole calculation, which takes microseconds.
-    const QDateTime reloj = Clock::now();
-    m_reloj = ingenua(reloj.date(), reloj.time());
-    const auto N = [&]() -> QDateTime {
-        return alDia ? leerFecha(textoDia(m_reloj) + u" 00:00"_s) : m_reloj;
-    };
-    const auto R = [&N]() { return N().addSecs(-60); };
-    const auto dia = [](const QDateTime& x) { return leerFecha(textoDia(x)); };
-    const auto unir = [](const QDateTime& x, const QString& t) {
-        return leerFecha(textoDia(x) + u' ' + t);
-    };
-    const auto diaTexto = [](int d, const QString& mesAnio, const QString& t) {
-        return leerFecha(QString::number(d) + u'/' + mesAnio + u' ' + t);
-    };
-    const QString horaTexto = textoHoraDe(col(kHora));
-    const QString T = alDia ? u"00:00"_s : horaTexto;
+    // To the day, the result's day takes the time of Hora, also when there
+    // is no run. A value never assigned has no day: its text is a bare time,
+    // and with Hora behind it that is no date at all.
+    void ponerHora() {
+        m_proxima =
+            leerFecha(clsNextTarea::textoFecha(ingenua(m_proxima.date())) + u' ' + m_horaTexto);
+    }
 
-    // Columns read once each, when first needed: a kind never reads
-    // another kind's columns, so a null there does no harm.
-    std::optional<QDateTime> fin;
-    const auto fechaFin = [&]() -> const QDateTime& {
-        if (!fin) fin = fechaDe(col(kFechaFin));
-        return *fin;
-    };
-    std::optional<int16_t> mascara;
-    const auto enDiasSemana = [&](const QDateTime& x) {
-        if (!mascara) mascara = enteroDe(col(kDiasSemana));
-        return (*mascara & (1 << (x.date().dayOfWeek() - 1))) > 0;
-    };
-    const auto publicar = [&](const QDateTime& c) {
-        m_fechaProximaTarea = c;
-        m_hayTarea = c < fechaFin();
-    };
+  private:
+    static QDateTime leerFecha(const QString& t) { return clsNextTarea::leerFecha(t); }
+    static QDateTime dia(const QDateTime& x) { return leerFecha(textoDia(x)); }
+    static QDateTime unir(const QDateTime& x, const QString& hora) {
+        return leerFecha(textoDia(x) + u' ' + hora);
+    }
 
-    QDateTime B = dia(R());
-    // Day by day from `c` to the first day of the mask not before B;
-    // reaching the end leaves HayTarea false and the result as it was.
-    const auto buscarEnSemana = [&](QDateTime c) {
+    const QVariant& col(Columna c) const { return m_fila.at(int(c)); }
+
+    // The "now" of the calculation: the clock to the minute, or the start
+    // of today to the day.
+    QDateTime ahora() const {
+        return m_alDia ? leerFecha(textoDia(m_reloj) + u" 00:00"_s) : m_reloj;
+    }
+    // One minute before now: a run stays the next run for its minute.
+    QDateTime referencia() const { return ahora().addSecs(-60); }
+
+    // Read once, when first needed: a kind never reads another kind's
+    // columns, so a null there does no harm.
+    const QDateTime& fechaFin() {
+        if (!m_fin) m_fin = fechaDe(col(kFechaFin));
+        return *m_fin;
+    }
+    bool enDiasSemana(const QDateTime& x) {
+        if (!m_mascara) m_mascara = enteroDe(col(kDiasSemana));
+        return (*m_mascara & (1 << (x.date().dayOfWeek() - 1))) > 0;
+    }
+
+    bool antesDelFin() {
+        m_hay = referencia() < fechaFin();
+        return m_hay;
+    }
+    void publicar(const QDateTime& c) {
+        m_proxima = c;
+        m_hay = c < fechaFin();
+    }
+
+    // The candidate is today's run, or the first day's when the schedule
+    // starts later; `conBase` moves the base day to the first day as well.
+    void candidato(bool conBase) {
+        m_c = unir(referencia(), m_hora);
+        const QDateTime ini = fechaDe(col(kFechaIni));
+        if (ini > dia(referencia())) {
+            m_c = unir(ini, m_hora);
+            if (conBase) m_base = dia(ini);
+        }
+    }
+
+    // Day by day from `c` to the first day of the mask not before the base
+    // day; reaching the end leaves no run and the result as it was.
+    void buscarEnSemana(QDateTime c) {
         for (;;) {
-            m_hayTarea = c < fechaFin();
-            if (!m_hayTarea) return;
-            if (c.date() < B.date()) {
+            m_hay = c < fechaFin();
+            if (!m_hay) return;
+            if (c.date() < m_base.date()) {
                 c = c.addDays(1);
                 continue;
             }
@@ -288,142 +383,112 @@ void clsNextTarea::calcular(bool alDia) {
                 return;
             }
             c = c.addDays(1);
-            m_hayTarea = c < fechaFin();
+            m_hay = c < fechaFin();
         }
-    };
-    QDateTime C;
-    // C is today's run at T, or the first day's when the schedule starts
-    // later; `conBase` moves the base day to the first day as well.
-    const auto candidato = [&](bool conBase) {
-        C = unir(R(), T);
-        const QDateTime ini = fechaDe(col(kFechaIni));
-        if (ini > dia(R())) {
-            C = unir(ini, T);
-            if (conBase) B = dia(ini);
-        }
-    };
-    // A null or unknown kind leaves both results as they were.
-    const QVariant& perValor = col(kPeriodicidad);
-    const int periodicidad = perValor.isNull() ? -1 : enteroDe(perValor);
+    }
 
+    void mensualPorDia() {
+        const int16_t diaMes = enteroDe(col(kMensualDiaMes));
+        candidato(true);
+        const int d = m_c.date().day();
+        const QString mesAnio = textoDia(m_base).mid(3);
+        const auto enElMes = [&] {
+            return leerFecha(QString::number(diaMes) + u'/' + mesAnio + u' ' + m_hora);
+        };
+        // Ahead in this month the day is read as it stands, so a month
+        // without it is a failure; a month added to a valid day falls back
+        // to the shorter month's last day.
+        if (diaMes > d) {
+            m_c = enElMes();
+        } else if (diaMes == d) {
+            if (m_c < referencia()) m_c = enElMes().addMonths(1);
+        } else {
+            m_c = enElMes().addMonths(1);
+        }
+        publicar(m_c);
+    }
+
+    void mensualPorSemana() {
+        const int16_t semana = enteroDe(col(kMensualNumSemana));
+        const int16_t diaSemana = enteroDe(col(kMensualDiaSemana));
+        // The occurrence is pulled back a minute and rejoined with the hour:
+        // at 00:00 that moves it to the day before.
+        const auto ocurrencia = [&](const QDateTime& x) {
+            const QDate d = clsNextTarea::DayWeekOfMonth(
+                int16_t(x.date().month()), int16_t(x.date().year()), semana, diaSemana);
+            m_c = leerFecha(clsNextTarea::textoFecha(ingenua(d)) + u' ' + m_hora);
+            m_c = unir(m_c.addSecs(-60), m_hora);
+        };
+        ocurrencia(ahora());
+        if (m_c.addSecs(60) < ahora()) ocurrencia(ahora().addMonths(1));
+        const QDateTime ini = fechaDe(col(kFechaIni));
+        for (int i = 1; ini > m_c; ++i) ocurrencia(ahora().addMonths(i));
+        publicar(m_c);
+    }
+
+    const QVector<QVariant>& m_fila;
+    const QDateTime m_reloj;
+    const bool m_alDia;
+    QDateTime& m_proxima;
+    bool& m_hay;
+    const QString m_horaTexto;  // Hora's time of day
+    const QString m_hora;       // the time the candidates take
+    QDateTime m_base;           // the first day a run may fall on
+    QDateTime m_c;              // the candidate run
+    std::optional<QDateTime> m_fin;
+    std::optional<int16_t> m_mascara;
+};
+
+}  // namespace
+
+void clsNextTarea::calcular(bool alDia) {
+    // No row, or its schedule is off.
+    if (m_fila.isEmpty()) {
+        m_hayTarea = false;
+        return;
+    }
+    leerUltimaTarea();
+    // One reading of the clock serves the whole calculation, which takes
+    // microseconds.
+    const QDateTime reloj = Clock::now();
+    m_reloj = ingenua(reloj.date(), reloj.time());
+
+    Calculo calculo(m_fila, m_reloj, alDia, m_fechaProximaTarea, m_hayTarea);
+    const int periodicidad = calculo.periodicidad();
     switch (periodicidad) {
-        case int(Periodicidad::Una): {
-            const QDateTime ini = fechaDe(col(kFechaIni));
-            m_fechaProximaTarea = unir(ini, T);
-            m_hayTarea = m_fechaProximaTarea > R() && ini >= dia(R());
+        case int(Periodicidad::Una):
+            calculo.unaVez();
             break;
-        }
-        case int(Periodicidad::Diaria): {
-            m_hayTarea = R() < fechaFin();
-            if (!m_hayTarea) break;
-            // Every day starts again from today; Cada only says how far the
-            // next run lies once today's has passed.
-            candidato(false);
-            if (R() >= C) C = C.addDays(enteroDe(col(kCada)));
-            publicar(C);
+        case int(Periodicidad::Diaria):
+            calculo.diaria();
             break;
-        }
-        case int(Periodicidad::Semanal): {
-            // Every week: the number of weeks the editor keeps is not read.
-            m_hayTarea = R() < fechaFin();
-            if (!m_hayTarea) break;
-            candidato(true);
-            // Today is taken even when its time has passed; the final step
-            // moves on from it.
-            buscarEnSemana(C.addDays(-(C.date().dayOfWeek() - 1)));
+        case int(Periodicidad::Semanal):
+            calculo.semanal();
             break;
-        }
-        case int(Periodicidad::Mensual): {
-            m_hayTarea = R() < fechaFin();
-            if (!m_hayTarea) break;
-            const QVariant& esDia = col(kMensualEsDia);
-            if (!esDia.isNull() && aBooleano(esDia.toString())) {
-                const int16_t M = enteroDe(col(kMensualDiaMes));
-                candidato(true);
-                const int d = C.date().day();
-                const QString mesAnio = textoDia(B).mid(3);
-                // Ahead in this month the day is read as it stands, so a
-                // month without it is a failure; a month added to a valid
-                // day falls back to the shorter month's last day.
-                if (M > d) {
-                    C = diaTexto(M, mesAnio, T);
-                } else if (M == d) {
-                    if (C < R()) C = diaTexto(M, mesAnio, T).addMonths(1);
-                } else {
-                    C = diaTexto(M, mesAnio, T).addMonths(1);
-                }
-                publicar(C);
-            } else {
-                const int16_t W = enteroDe(col(kMensualNumSemana));
-                const int16_t D = enteroDe(col(kMensualDiaSemana));
-                // The occurrence is pulled back a minute and rejoined with
-                // T: at 00:00 that moves it to the day before.
-                const auto ocurrencia = [&](const QDateTime& X) {
-                    const QDate d =
-                        DayWeekOfMonth(int16_t(X.date().month()), int16_t(X.date().year()), W, D);
-                    C = leerFecha(textoFecha(ingenua(d)) + u' ' + T);
-                    C = unir(C.addSecs(-60), T);
-                };
-                ocurrencia(N());
-                if (C.addSecs(60) < N()) ocurrencia(N().addMonths(1));
-                const QDateTime ini = fechaDe(col(kFechaIni));
-                if (ini > C) {
-                    int i = 1;
-                    while (ini > C) {
-                        ocurrencia(N().addMonths(i));
-                        ++i;
-                    }
-                }
-                publicar(C);
-            }
+        case int(Periodicidad::Mensual):
+            calculo.mensual();
             break;
-        }
-        case int(Periodicidad::Anual): {
-            const QString diaAnual = QString::number(enteroDe(col(kAnualDia)));
-            const QString mesAnual = QString::number(enteroDe(col(kAnualMes)));
-            // No clamping: 29 February in a common year is no date.
-            const auto Y = [&](const QDateTime& x) {
-                return leerFecha(diaAnual + u'/' + mesAnual + u'/' +
-                                 QString::number(x.date().year()).rightJustified(4, u'0') + u' ' +
-                                 T);
-            };
-            candidato(true);
-            const QDateTime yB = Y(B);
-            if (yB > C) {
-                C = yB;
-            } else if (yB == C) {
-                if (unir(B, T) > C) C = yB.addYears(1);
-            } else {
-                // The year of R, not of B: a schedule starting in a later
-                // year can be given a run before its first day.
-                C = Y(R()).addYears(1);
-            }
-            publicar(C);
+        case int(Periodicidad::Anual):
+            calculo.anual();
             break;
-        }
         default:
             break;
     }
+    calculo.dejarAtrasLaPasada(periodicidad);
+    if (alDia) calculo.ponerHora();
+}
 
-    // Final step: today's run whose minute has gone moves on, for the
-    // kinds that have a following run at hand.
-    if (m_hayTarea && m_fechaProximaTarea.date() == R().date()) {
-        QDateTime Q = R();
-        Q.setTime(QTime(Q.time().hour(), Q.time().minute()));
-        if (!(Q < m_fechaProximaTarea)) {
-            if (periodicidad == int(Periodicidad::Anual)) {
-                // Not checked against the end again.
-                m_fechaProximaTarea = m_fechaProximaTarea.addYears(1);
-            } else if (periodicidad == int(Periodicidad::Semanal)) {
-                // Without a later day before the end, the passed run stays.
-                buscarEnSemana(m_fechaProximaTarea.addDays(1));
-            }
-        }
+void clsNextTarea::leerUltimaTarea() {
+    // A null last run, or an empty one, counts as never.
+    const QVariant& ultima = m_fila.at(int(kUltimaTarea));
+    if (ultima.isNull() || ultima.toString().isEmpty()) {
+        m_ultimaTarea = ingenua(QDate(1900, 1, 1));
+        return;
     }
-    // To the day, the result's day takes the time of Hora, also when there
-    // is no run. A value never assigned has no day: its text is a bare time,
-    // and with Hora behind it that is no date at all.
-    if (alDia)
-        m_fechaProximaTarea =
-            leerFecha(textoFecha(ingenua(m_fechaProximaTarea.date())) + u' ' + horaTexto);
+    try {
+        m_ultimaTarea = fechaDe(ultima);
+    } catch (const QuelmoError&) {
+        // Silence is the rule here: an unreadable last run keeps what the
+        // member held, and the calculation goes on.
+    }
 }

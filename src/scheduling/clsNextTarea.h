@@ -78,6 +78,7 @@ class clsNextTarea {
     friend class clsTareasPendientes;
 
     void calcular(bool alDia);
+    void leerUltimaTarea();
 
     int32_t m_codigo = 0;
     QVector<QVariant> m_fila;  // empty: no such row, or its schedule is off

@@ -34,6 +34,7 @@ void ejecutar(bool pasarFallos, F&& paso) {
     try {
         paso();
     } catch (const QuelmoError&) {
+        // Silent on purpose: the caller asked for this step to be passed over.
     }
 }
 

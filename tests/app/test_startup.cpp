@@ -15,6 +15,9 @@
 #include "db/Conexion.h"
 #include "db/Database.h"
 
+#include <sqlite3.h>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 class TestStartup : public QObject {
@@ -91,6 +94,47 @@ class TestStartup : public QObject {
         QVERIFY(ui.boxes.isEmpty());
         QCOMPARE(ui.selectDatabaseShown, 0);
         QVERIFY(appState().log.lines().isEmpty());
+    }
+
+    // Another process holds the saved file exclusively: the program says so
+    // and waits while the user wants, and never switches the saved database.
+    void busySavedFileIsWaitedFor_data() {
+        QTest::addColumn<int>("respuesta");
+        QTest::newRow("give up") << int(Msg::No);
+        QTest::newRow("try again once it is free") << int(Msg::Yes);
+    }
+    void busySavedFileIsWaitedFor() {
+        QFETCH(int, respuesta);
+        ScriptedInterface ui;
+        ui.answers << respuesta << int(Msg::No);
+        TestDb::createCurrent(rutaBaseDefecto());
+        const QString ocupada = TestDb::createCurrent(world.root() + u"/ocupada.db"_s);
+        Settings::saveSetting(u"BD"_s, u"Path"_s, ocupada);
+        sqlite3* otro = nullptr;
+        sqlite3_open(ocupada.toUtf8().constData(), &otro);
+        sqlite3_exec(otro, "PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; SELECT 1 FROM envios;",
+                     nullptr, nullptr, nullptr);
+        // Let go after the first wait of the open has run out.
+        std::thread soltar([otro] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(6000));
+            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
+            sqlite3_close(otro);
+        });
+        bool terminado = false;
+        try {
+            msAbrirBaseInicial();
+        } catch (const TerminatedWithoutDatabase&) {
+            terminado = true;
+        }
+        soltar.join();
+        QCOMPARE(terminado, respuesta == Msg::No);
+        QCOMPARE(guardado(), ocupada);
+        QCOMPARE(ui.boxes.size(), 1);
+        QVERIFY(
+            ui.boxes[0].text.startsWith(u"La Base de Datos está siendo usada por otro programa"_s));
+        QCOMPARE(ui.boxes[0].style, Msg::YesNo + Msg::Exclamation);
+        if (!terminado) QCOMPARE(Conexion().path(), ocupada);
+        QCOMPARE(ui.selectDatabaseShown, 0);
     }
 
     void oldSavedFileIsUpgradedAndLogged() {

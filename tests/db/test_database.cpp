@@ -2,6 +2,10 @@
 // expect, and failures say what failed.
 #include "TestSupport.h"
 #include "db/Database.h"
+#include "db/Transaccion.h"
+
+#include <sqlite3.h>
+#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -107,6 +111,57 @@ class TestDatabase : public QObject {
         QVERIFY(!otro.isOpen());
         QVERIFY(!otro.open(world.root() + u"/no-existe.db"_s));
         QVERIFY(!QFile::exists(world.root() + u"/no-existe.db"_s));
+    }
+
+    // A transaction ends on every way out: kept when committed, undone when
+    // the scope is left by any exception or when the commit is refused, and
+    // in every case the connection is free for the next one.
+    void transactionEndsOnEveryPath_data() {
+        QTest::addColumn<QString>("salida");
+        QTest::addColumn<int>("filas");
+        QTest::newRow("committed") << u"commit"_s << 1;
+        QTest::newRow("program's error") << u"error"_s << 0;
+        QTest::newRow("other exception") << u"excepcion"_s << 0;
+        QTest::newRow("commit refused") << u"rechazo"_s << 0;
+    }
+    void transactionEndsOnEveryPath() {
+        QFETCH(QString, salida);
+        QFETCH(int, filas);
+        db.exec(u"PRAGMA foreign_keys=ON"_s);
+        db.execScript(
+            u"CREATE TABLE padre (id INTEGER PRIMARY KEY);"
+            "CREATE TABLE hijo (p INTEGER REFERENCES padre(id) DEFERRABLE INITIALLY DEFERRED);"_s);
+        bool lanzada = false;
+        try {
+            Transaccion t(db);
+            db.exec(u"INSERT INTO MenPro VALUES (0,'uno')"_s);
+            // A child without its parent: refused only at the commit.
+            if (salida == u"rechazo"_s) db.exec(u"INSERT INTO hijo VALUES (5)"_s);
+            if (salida == u"error"_s) throw QuelmoError(u"fallo"_s, ErrNum::Platform);
+            if (salida == u"excepcion"_s) throw std::runtime_error("fallo");
+            t.commit();
+        } catch (...) {
+            lanzada = true;
+        }
+        QCOMPARE(lanzada, filas == 0);
+        QVERIFY(sqlite3_get_autocommit(db.handle()));
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
+        Transaccion siguiente(db);
+        siguiente.commit();
+    }
+
+    // The database holds the platforms' passwords.
+    void newFilesAreTheOwnersOnly() {
+        Database nueva;
+        const QString ruta = world.root() + u"/nueva.db"_s;
+        QVERIFY(nueva.create(ruta));
+        nueva.exec(u"CREATE TABLE t (x)"_s);
+        const auto soloDueno = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+        for (const QString& f : QStringList{ruta, ruta + u"-wal"_s, ruta + u"-shm"_s}) {
+            QVERIFY2(QFile::exists(f), qPrintable(f));
+            QCOMPARE(QFile::permissions(f) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
+                     soloDueno);
+        }
     }
 
   private:

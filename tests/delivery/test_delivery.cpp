@@ -12,6 +12,10 @@
 #include "delivery/mdoSendRavion.h"
 #include "delivery/qmXMLSend.h"
 
+#include <sqlite3.h>
+#include <atomic>
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -274,6 +278,10 @@ class TestDelivery : public QObject {
             << u"fallo=error500"_s
             << u"Se ha producido un error en el proceso de envio, Cod: 4000, Descripcion: La "
                "plataforma respondió con el estado HTTP 500"_s;
+        QTest::newRow("oversized reply")
+            << u"fallo=enorme"_s
+            << u"Se ha producido un error en el proceso de envio, Cod: 4000, Descripcion: La "
+               "respuesta de la plataforma supera el límite de 16 MB"_s;
     }
     void failedExchangesChangeNothing() {
         QFETCH(QString, fallo);
@@ -374,6 +382,163 @@ class TestDelivery : public QObject {
         msEnviarLote(1, false);
         QCOMPARE(registroContiene(u"Creando Objetos para el envio"_s), depura);
         QCOMPARE(appState().log.last().contains(u"<respuesta>"_s), depura);
+    }
+
+    // Another process takes the database's write lock: before our run, or
+    // while the platform is answering. Either way each item reaches the
+    // platform once and is written once.
+    void lockedDatabaseSendsNothingTwice_data() {
+        QTest::addColumn<bool>("antes");     // the lock is taken before the run
+        QTest::addColumn<int>("enPrimera");  // items the platform got in the first run
+        QTest::newRow("held before the run") << true << 0;
+        QTest::newRow("taken during the exchange") << false << 1;
+    }
+    void lockedDatabaseSendsNothingTwice() {
+        QFETCH(bool, antes);
+        QFETCH(int, enPrimera);
+        ScriptedInterface ui;
+        auto sim = simulador(configuracion(u"retraso_ms=1500"_s));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"hola"_s);
+        // Our side gives up on a lock after 0.3 s instead of 5.
+        sqlite3_busy_timeout(Conexion().handle(), 300);
+        const QByteArray ruta = Conexion().path().toUtf8();
+        const QString registro = world.root() + u"/registro.jsonl"_s;
+        std::atomic<bool> tomado = false;
+        std::thread otro([&] {
+            // Before the run at once; during it, once the platform has the batch.
+            if (!antes)
+                for (int i = 0; i < 200 && QFileInfo(registro).size() == 0; ++i)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+            sqlite3* h = nullptr;
+            sqlite3_open(ruta.constData(), &h);
+            sqlite3_busy_timeout(h, 10000);
+            sqlite3_exec(h, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+            tomado = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(antes ? 2500 : 1000));
+            sqlite3_exec(h, "COMMIT", nullptr, nullptr, nullptr);
+            sqlite3_close(h);
+        });
+        while (antes && !tomado) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        msEnviarLote(1, false);
+        otro.join();
+        QCOMPARE(int(sim->registro().size()), enPrimera);
+        if (antes)
+            QVERIFY2(registroContiene(u"Descripcion: database is locked"_s),
+                     qPrintable(appState().log.lines().join(u'\n')));
+        else
+            QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        // The next run finds nothing of the first one to send again.
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 1);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+    }
+
+    // A crash after the platform took a batch and before our commit leaves
+    // the rows to be sent again: they carry the same references, and the
+    // platform answers them without sending or charging twice.
+    void resentItemsReachNobodyTwice() {
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 2);
+        // The row as it was before the lost commit.
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 2);
+        QCOMPARE(sim->duplicados().size(), 2);
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 98);
+        // Another database's items with the same keys are new to the platform.
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/otra.db"_s));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        msEnviarLote(1, false);
+        QCOMPARE(sim->registro().size(), 4);
+    }
+
+    void strayResultIsPassedOver() {
+        ScriptedInterface ui;
+        auto sim = simulador(configuracion(u"fallo=extraviado"_s));
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"uno"_s);
+        anadirFila(u"629000001"_s, u"dos"_s);
+        msEnviarLote(1, false);
+        QVERIFY2(registroContiene(u"La plataforma devolvió el resultado de un mensaje que no se "
+                                  "envió (n=9999), se descarta"_s),
+                 qPrintable(appState().log.lines().join(u'\n')));
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 2);
+    }
+
+    // Rows another tool left without a usable account code wait; the other
+    // accounts are served and the run ends cleanly.
+    void rowsWithoutAUsableAccount_data() {
+        QTest::addColumn<QVariant>("canal");
+        QTest::addColumn<QString>("nombre");  // as the line names it
+        QTest::newRow("null") << QVariant() << u"vacía"_s;
+        QTest::newRow("above 255") << QVariant(300) << u"300"_s;
+        QTest::newRow("negative") << QVariant(-1) << u"-1"_s;
+        QTest::newRow("text") << QVariant(u"abc"_s) << u"abc"_s;
+    }
+    void rowsWithoutAUsableAccount() {
+        QFETCH(QVariant, canal);
+        QFETCH(QString, nombre);
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"sin cuenta"_s, 1);
+        Conexion().exec(u"update envios set Canal=?"_s, {canal});
+        anadirFila(u"629000001"_s, u"con cuenta"_s, 1);
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        SendMessage();
+        const QString linea = u"Hay mensajes sin una cuenta válida (cuenta: "_s + nombre +
+                              u"); se dejan en la bandeja de salida sin enviar"_s;
+        QCOMPARE(appState().log.lines().filter(linea).size(), 1);
+        QCOMPARE(Conexion().query(u"select Mensaje from envios"_s).value(0, 0).toString(),
+                 u"sin cuenta"_s);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QVERIFY(!appState().gbEnviando);
+    }
+
+    // The log's turns of the event loop let a timer tick again in the middle
+    // of a run; that tick must not start another.
+    void tickInsideATickSendsNothing() {
+        ScriptedInterface ui;
+        auto sim = simulador();
+        anadirCuenta(sim->host());
+        anadirFila(u"629000000"_s, u"hola"_s);
+        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        int anidados = 0;
+        ui.onProcessEvents = [&] {
+            if (anidados++ == 0) SendMessage();
+        };
+        SendMessage();
+        QVERIFY(anidados > 0);
+        QCOMPARE(sim->registro().size(), 1);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QVERIFY(!appState().gbEnviando);
+    }
+
+    // A balance the platform reports that is no number is never stored: a
+    // batch keeps its items' results, a query returns nothing.
+    void balanceThatIsNoNumber() {
+        ScriptedInterface ui;
+        auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
+        anadirCuenta(sim->host());
+        QCOMPARE(SendAutCuenta(1), QString());
+        QVERIFY2(registroContiene(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
+                                  "plataforma: 'abc'"_s),
+                 qPrintable(appState().log.lines().join(u'\n')));
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
+        anadirFila(u"629000000"_s, u"hola"_s);
+        msEnviarLote(1, false);
+        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
     }
 
     // A higher version announced asks the user; `respuesta` answers that box.

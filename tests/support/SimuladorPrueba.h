@@ -48,16 +48,24 @@ class SimuladorPrueba {
         m_proceso.waitForFinished(5000);
     }
     // Every item the simulator accepted, in order.
-    QList<QJsonObject> registro() const {
+    QList<QJsonObject> registro() const { return lineas(false); }
+    // Every repeat of an item it had taken, which it answered without
+    // sending again.
+    QList<QJsonObject> duplicados() const { return lineas(true); }
+
+  private:
+    QList<QJsonObject> lineas(bool duplicados) const {
         QList<QJsonObject> out;
         QFile f(m_registro);
         if (!f.open(QIODevice::ReadOnly)) return out;
-        for (const QByteArray& linea : f.readAll().split('\n'))
-            if (!linea.trimmed().isEmpty()) out << QJsonDocument::fromJson(linea).object();
+        for (const QByteArray& linea : f.readAll().split('\n')) {
+            if (linea.trimmed().isEmpty()) continue;
+            const QJsonObject o = QJsonDocument::fromJson(linea).object();
+            if (o.value(QStringLiteral("duplicado")).toBool() == duplicados) out << o;
+        }
         return out;
     }
 
-  private:
     QString m_registro;
     QProcess m_proceso;
     int m_puerto = 0;

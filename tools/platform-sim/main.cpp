@@ -12,6 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStringList>
 #include <QUrlQuery>
@@ -101,7 +102,7 @@ Configuracion leerConfiguracion(const QString& ruta) {
 struct Peticion {
     QString tipo, usuario, clave, remitente, app;
     struct Mensaje {
-        QString n, clave, destino, texto;
+        QString n, clave, destino, texto, ref;
     };
     QVector<Mensaje> mensajes;
     QString tag, nborrar, acc;
@@ -138,6 +139,7 @@ bool leerPeticion(const QByteArray& xml, Peticion& p, QString& error) {
                 m.n = r.attributes().value(u"n"_s).toString();
                 m.clave = r.attributes().value(u"clave"_s).toString();
                 m.destino = r.attributes().value(u"destino"_s).toString();
+                m.ref = r.attributes().value(u"ref"_s).toString();
                 m.texto = r.readElementText();
                 p.mensajes.append(m);
             }
@@ -225,6 +227,21 @@ class Plataforma {
             !m_conf.registro.isEmpty() && registro.open(QIODevice::Append | QIODevice::Text);
         for (const Peticion::Mensaje& m : p.mensajes) {
             Resultado res{m.n, false, QString()};
+            // A reference already taken for this account: the first outcome
+            // again, nothing sent or charged, the repeat recorded apart.
+            const QString visto = p.usuario + u'\n' + m.ref;
+            if (!m.ref.isEmpty() && m_tomados.contains(visto)) {
+                res = {m.n, true, m_tomados.value(visto)};
+                if (registrar) {
+                    QJsonObject o;
+                    o[u"duplicado"_s] = true;
+                    o[u"usuario"_s] = p.usuario;
+                    o[u"ref"_s] = m.ref;
+                    registro.write(QJsonDocument(o).toJson(QJsonDocument::Compact) + '\n');
+                }
+                r.resultados.append(res);
+                continue;
+            }
             if (m.destino == u"ENVIO_SIMULADO"_s) {
                 res = {m.n, true, u"Envío simulado"_s};
             } else if (!numeroValido(m.destino)) {
@@ -237,6 +254,7 @@ class Plataforma {
                 --cuenta.saldo;
                 res = {m.n, true, u"Mensaje aceptado"_s};
             }
+            if (res.aceptado && !m.ref.isEmpty()) m_tomados.insert(visto, res.comentario);
             if (res.aceptado && registrar) {
                 QJsonObject o;
                 o[u"hora"_s] = QDateTime::currentDateTime().toString(Qt::ISODate);
@@ -313,6 +331,8 @@ class Plataforma {
     std::mutex m_mutex;
     Configuracion m_conf;
     QHash<QString, ListaWeb> m_listas;
+    // Account and reference of every item taken, with its comment.
+    QHash<QString, QString> m_tomados;
     int m_peticiones = 0;
 };
 
@@ -381,6 +401,21 @@ int main(int argc, char** argv) {
         } else if (fallo == u"malformado"_s) {
             res.set_content("<respuesta><autentificacion resultado=\"1\" saldo=",
                             "text/xml; charset=UTF-8");
+        } else if (fallo == u"enorme"_s) {
+            // A reply past any sane size: the client must refuse it.
+            res.set_content(doc.toStdString() + std::string(17 * 1024 * 1024, ' '),
+                            "text/xml; charset=UTF-8");
+        } else if (fallo == u"extraviado"_s) {
+            // One result more than the request had items.
+            QByteArray extra = doc;
+            extra.replace("</mensajes>",
+                          "<mensaje n=\"9999\" resultado=\"1\">Ajeno</mensaje></mensajes>");
+            res.set_content(extra.toStdString(), "text/xml; charset=UTF-8");
+        } else if (fallo == u"saldo_texto"_s) {
+            // A balance that is no number.
+            QString extra = QString::fromUtf8(doc);
+            extra.replace(QRegularExpression(u" saldo=\"[^\"]*\""_s), u" saldo=\"abc\""_s);
+            res.set_content(extra.toStdString(), "text/xml; charset=UTF-8");
         } else if (fallo == u"corte"_s) {
             // Headers go out, then the connection closes without a body.
             res.set_content_provider(1000, "text/xml; charset=UTF-8",

@@ -1,0 +1,133 @@
+#include "delivery/Lote.h"
+
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "delivery/qmXMLSend.h"
+
+#include <QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace Lote {
+
+namespace {
+
+const QString kSimulado = u"ENVIO_SIMULADO"_s;
+// Numbers that reach no telephone: a user tries the program on them
+// without spending credit.
+const QStringList kNumerosSimulados = {u"0034111111111"_s, u"0034222222222"_s, u"0034333333333"_s,
+                                       u"0034444444444"_s, u"0034555555555"_s, u"0034666666666"_s,
+                                       u"0034777777777"_s, u"0034888888888"_s, u"0034999999999"_s};
+
+// Digits with an optional sign and blanks around them; "1e5" or "6.2"
+// are no telephone numbers.
+bool destinoNumerico(const QString& destino) {
+    const QString t = destino.trimmed();
+    int i = (t.startsWith(u'+') || t.startsWith(u'-')) ? 1 : 0;
+    if (i >= t.size()) return false;
+    for (; i < t.size(); ++i)
+        if (t[i] < u'0' || t[i] > u'9') return false;
+    return true;
+}
+
+constexpr qsizetype kLargoUnico = 160;
+constexpr qsizetype kLargoPieza = 150;
+
+}  // namespace
+
+QueryResult leerFilas(Database& db, int16_t canal, int maximo) {
+    return db.query(u"Select * from envios where canal = ? limit ?"_s, {canal, maximo});
+}
+
+std::optional<Cuenta> leerCuenta(Database& db, int16_t canal) {
+    const QueryResult r = db.query(u"Select * from canales where canal = ?"_s, {canal});
+    if (r.recordCount() < 1) return std::nullopt;
+    Cuenta c;
+    c.canal = r.value(0, 0);
+    // The stored sender carries a trailing blank.
+    c.remitente = textoDe(r.value(0, u"Remitente"_s)).trimmed();
+    c.tini = textoDe(r.value(0, u"tini"_s));
+    c.tfin = textoDe(r.value(0, u"tfin"_s));
+    c.imptextos = numeroDe(r.value(0, u"imptextos"_s)) != 0;
+    c.nombre = textoDe(r.value(0, u"Nombre"_s));
+    c.remopc = r.value(0, u"remopc"_s);
+    c.clave = textoDe(r.value(0, u"clave"_s));
+    c.usuario = textoDe(r.value(0, u"usuario"_s));
+    c.host = textoDe(r.value(0, u"Host"_s));
+    return c;
+}
+
+QString textoCompleto(const QString& mensaje, const Cuenta& cuenta, bool importado) {
+    return (importado && !cuenta.imptextos) ? mensaje : cuenta.tini + mensaje + cuenta.tfin;
+}
+
+QString normalizarDestino(const QString& abonado) {
+    QString destino = abonado.trimmed();
+    if (!destinoNumerico(destino)) return QString();
+    if (destino.startsWith(u'+')) destino = u"00"_s + destino.mid(1);
+    if (!destino.startsWith(u"00"_s)) destino = u"0034"_s + destino;
+    if (kNumerosSimulados.contains(destino)) destino = kSimulado;
+    return destino;
+}
+
+QVector<Pieza> cortarTexto(const QString& id, const QString& texto) {
+    const QList<uint> caracteres = texto.toUcs4();
+    const qsizetype largo = caracteres.size();
+    if (largo <= kLargoUnico) return {{id, texto}};
+    QVector<Pieza> piezas;
+    const qsizetype n = largo / kLargoPieza + (largo % kLargoPieza ? 1 : 0);
+    for (qsizetype i = 1, desde = 0; desde < largo; ++i, desde += kLargoPieza) {
+        const QList<uint> trozo = caracteres.mid(desde, kLargoPieza);
+        const QString parte =
+            u'(' + QString::number(i) + u'-' + QString::number(n) + u") "_s +
+            QString::fromUcs4(reinterpret_cast<const char32_t*>(trozo.constData()), trozo.size());
+        piezas.append({i == 1 ? id : u'X' + QString::number(i) + u'X' + id, parte});
+    }
+    return piezas;
+}
+
+QString remitenteHistorial(const Cuenta& cuenta) {
+    return cuenta.remitente.isEmpty() ? cuenta.nombre
+                                      : cuenta.nombre + u" ("_s + cuenta.remitente + u')';
+}
+
+QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, const QString& movil) {
+    const QString r = numeroDe(remopc) == 1 ? movil.right(9) : remitente;
+    return r + u' ';
+}
+
+void aplicarResultado(Database& db, const qmXMLSend::Item& item, const QVariant& canal,
+                      const QString& crem) {
+    const bool aceptado = item.Destino == kSimulado || item.Resultado;
+    // Later pieces have no outbox row of their own.
+    const bool primera = !item.Key.startsWith(u'X');
+    db.savepoint(u"item"_s);
+    try {
+        if (aceptado) {
+            db.exec(
+                u"insert into HEnvios (Abonado,Registro,Mensaje,Resultado,Canal,crem) Values (?,?,?,?,?,?)"_s,
+                {item.Destino, Clock::now(), item.Mensaje, item.Comentario, canal, crem});
+            if (primera) db.exec(u"delete from envios where id = ?"_s, {item.Key.toLongLong()});
+        } else if (primera) {
+            db.exec(u"Update envios set registro = ?, intento = intento-1 where id = ?"_s,
+                    {Clock::now(), item.Key.toLongLong()});
+        }
+        db.release(u"item"_s);
+    } catch (...) {
+        db.rollbackTo(u"item"_s);
+        db.release(u"item"_s);
+        throw;
+    }
+}
+
+void actualizarCuenta(Database& db, int16_t canal, const QString& saldo, const QString& remitente,
+                      const QString& movil) {
+    if (!esNumerico(saldo))
+        throw QuelmoError(u"Saldo no válido en la respuesta de la plataforma: '"_s + saldo + u'\'',
+                          ErrNum::Platform);
+    db.exec(u"Update canales set saldo=?, Remitente=?, movil=? Where canal = ?"_s,
+            {saldo.trimmed(), remitente, movil, canal});
+}
+
+}  // namespace Lote
