@@ -1,5 +1,6 @@
 #include "app/RegistroPantallas.h"
 
+#include "accounts/PantallasCuentas.h"
 #include "addressbook/PantallasAgenda.h"
 #include "app/condiciones.h"
 #include "base/Pantallas.h"
@@ -20,6 +21,7 @@ void registrarPantallasApp() {
 
 void registrarTodas() {
     registrarPantallasApp();
+    registrarPantallasCuentas();
     registrarPantallasAgenda();
     registrarPantallasEnvio();
 }
