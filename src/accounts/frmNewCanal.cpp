@@ -55,6 +55,7 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     txtUsuario = campo(this, u"txtUsuario"_s, 50);
     txtClave = campo(this, u"txtClave"_s, 50);
     txtClave->setEchoMode(QLineEdit::Password);
+    txtClave->setStyleSheet(u"lineedit-password-character: 42"_s);
     txtRemitente = campo(this, u"txtRemitente"_s, 11);
     txtRemitente->setToolTip(u"Lea las condiciones para Remitente personalizado"_s);
     txtRemitente->installEventFilter(this);

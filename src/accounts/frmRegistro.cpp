@@ -64,7 +64,6 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
     auto* datos = new Pagina(this);
     datos->setObjectName(u"pagDatos"_s);
     datos->setTitle(u"Sus datos"_s);
-    datos->setSubTitle(u"Regístrese gratis en la plataforma de mensajes."_s);
     txtNombre = campo(datos, u"txtNombre"_s, 100);
     txtEmail = campo(datos, u"txtEmail"_s, 100);
     txtMovil = campo(datos, u"txtMovil"_s, 16);

@@ -175,12 +175,6 @@ class TestCuentas : public QObject {
         QCOMPARE(avisos.count(), 1);
     }
 
-    void rechargeAddressEncodesUser() {
-        Settings::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.test/"_s);
-        QCOMPARE(msUrlRecarga(u"ana & josé"_s),
-                 u"https://pago.test/informacion/recarga_sms.php?u=ana%20%26%20jos%C3%A9"_s);
-    }
-
     // The editor's save: the platform is asked first, and its answer decides.
     void editorSaveAfterVerification_data() {
         QTest::addColumn<bool>("edicion");
@@ -250,20 +244,6 @@ class TestCuentas : public QObject {
         QTEST(int(msGuardarCuenta(d, edicion, 3)), "resultado");
         QTEST(fila(3), "guardada");
         QTEST(cajas(ui), "mensajes");
-    }
-
-    void editorReadsTheStoredAccount() {
-        cuenta(2, u"Tienda"_s, 1, u"ana"_s, u"secreta"_s);
-        Conexion().exec(
-            u"update canales set remopc = 1, Remitente = 'x', movil = '0034600123456', "
-            u"tini = null, tfin = 'Fin', imptextos = 1, Host = 'HTTP://h'"_s);
-        const DatosCuenta d = msLeerCuenta(2);
-        QCOMPARE(QStringList({d.nombre, d.host, d.puerto, d.usuario, d.clave, d.remitente, d.tini,
-                              d.tfin, d.movil}),
-                 QStringList({u"Tienda"_s, u"HTTP://h"_s, u"80"_s, u"ana"_s, u"secreta"_s,
-                              u"600123456"_s, QString(), u"Fin"_s, u"600123456"_s}));
-        QCOMPARE(d.remopc, 1);
-        QVERIFY(d.importacion);
     }
 
     // First run: the checks in their order, then the platform, then the row.

@@ -19,8 +19,8 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QKeyEvent>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -441,6 +441,53 @@ class TestPantallasCuentas : public QObject {
         s.cmdAdd->click();
         QVERIFY(!s.isVisible());
         QVERIFY(combo->currentText().startsWith(u"Beta"_s));
+    }
+    // Pictures of every account screen, for a look by eye: only when
+    // QUELMO_CAPTURAS names a folder (run under a real display server).
+    void capturas() {
+        const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
+        if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
+        ScriptedInterface ui;
+        tresCuentas();
+        auto guardar = [&dir](QWidget* w, const QString& nombre) {
+            w->show();
+            QVERIFY(QTest::qWaitForWindowExposed(w));
+            QTest::qWait(200);
+            QVERIFY(w->grab().save(dir + u'/' + nombre + u".png"_s));
+        };
+        frmCanales lista;
+        elegir(lista.ListView1, u"Beta"_s);
+        guardar(&lista, u"frmCanales"_s);
+        frmNewCanal editor;
+        editor.cargar(msLeerCuenta(5));
+        editor.Option1->button(2)->click();
+        editor.txtRemitente->setText(u"MiTienda"_s);
+        guardar(&editor, u"frmNewCanal"_s);
+        frmTipoRegistro aviso;
+        guardar(&aviso, u"frmTipoRegistro"_s);
+        aviso.cmdUR->click();
+        frmSCanal picker;
+        guardar(&picker, u"frmSCanal"_s);
+        frmRegistro asistente;
+        asistente.txtNombre->setText(u"Ana Pérez"_s);
+        asistente.txtEmail->setText(u"ana@correo.test"_s);
+        asistente.txtMovil->setText(u"612345678"_s);
+        guardar(&asistente, u"frmRegistro-datos"_s);
+        asistente.next();
+        asistente.chkAcepto->setChecked(true);
+        guardar(&asistente, u"frmRegistro-condiciones"_s);
+        asistente.next();
+        asistente.txtUsuario->setText(u"ana_captura"_s);
+        asistente.txtClave->setText(u"secreta"_s);
+        asistente.txtClave2->setText(u"secreta"_s);
+        guardar(&asistente, u"frmRegistro-usuario"_s);
+        asistente.button(QWizard::CommitButton)->click();
+        guardar(&asistente, u"frmRegistro-fin"_s);
+        alAbrirModal([&guardar](QDialog* d) {
+            guardar(d, u"frmIniCanal"_s);
+            d->reject();
+        });
+        Pantallas::abrir(u"frmIniCanal"_s);
     }
 };
 
