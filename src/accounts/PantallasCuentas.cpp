@@ -34,7 +34,8 @@ void registrarPantallasCuentas() {
         frmRegistro asistente(ventanaPadreModal());
         asistente.exec();
     });
-    msPonerEditorCuenta([](bool edicion, int16_t canal) {
-        frmNewCanal::editar(edicion, canal, ventanaPadreModal());
+    // The principal account, to complete its user and password.
+    Pantallas::registrar(u"frmNewCanal.Principal"_s, [] {
+        frmNewCanal::editar(true, msCanalPrincipal(), ventanaPadreModal());
     });
 }

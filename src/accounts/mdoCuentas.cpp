@@ -24,11 +24,6 @@ const QString kBaseNoValida =
     u"correcta de Quelmo Mensajes"_s;
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
-std::function<void(bool, int16_t)>& editor() {
-    static std::function<void(bool, int16_t)> abrir;
-    return abrir;
-}
-
 void avisarCambio() {
     msAvisarCuentas();
 }
@@ -105,7 +100,7 @@ void msPrimeraVez() {
         }
         // A principal account without its credentials is completed in the
         // editor; only if it stays unusable does the set-up come.
-        msAbrirEditorCuenta(true, aEntero16(r.value(0, u"canal"_s)));
+        Pantallas::abrir(u"frmNewCanal.Principal"_s);
         const QueryResult despues = Conexion().query(u"select * from canales where principal=1"_s);
         if (despues.isEmpty() || sinCredenciales(despues)) ui().showFirstRunSetup();
     } catch (const QuelmoError&) {
@@ -296,14 +291,6 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     }
     avisarCambio();
     return Guardado::Guardada;
-}
-
-void msPonerEditorCuenta(std::function<void(bool edicion, int16_t canal)> abrir) {
-    editor() = std::move(abrir);
-}
-
-void msAbrirEditorCuenta(bool edicion, int16_t canal) {
-    if (editor()) editor()(edicion, canal);
 }
 
 // ---- first-run set-up -------------------------------------------------------

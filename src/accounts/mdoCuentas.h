@@ -4,7 +4,6 @@
 
 #include <QString>
 #include <cstdint>
-#include <functional>
 
 // The routines of the accounts held on the platform: which exist, which is
 // principal, how one is stored after the platform was asked about it, and
@@ -83,11 +82,6 @@ enum class Guardado {
 // updates the account `canal`. In edit mode a host without scheme gains
 // "HTTP://", written back into `datos` as well.
 Guardado msGuardarCuenta(DatosCuenta& datos, bool edicion, int16_t canal);
-
-// How the core shows the account editor: the screens set it at start.
-// Without it (headless, logic tests) nothing opens.
-void msPonerEditorCuenta(std::function<void(bool edicion, int16_t canal)> abrir);
-void msAbrirEditorCuenta(bool edicion, int16_t canal);
 
 // ---- first-run set-up -------------------------------------------------------
 

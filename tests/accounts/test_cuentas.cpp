@@ -5,6 +5,7 @@
 #include "accounts/mdoCuentas.h"
 #include "base/AppState.h"
 #include "base/Avisos.h"
+#include "base/Pantallas.h"
 
 #include <QSignalSpy>
 
@@ -30,7 +31,6 @@ class TestCuentas : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/cuentas.db"_s));
         plataforma(*sim, true);
-        msPonerEditorCuenta({});
     }
 
     void principalAfterAddOrDelete_data() {
@@ -340,8 +340,8 @@ class TestCuentas : public QObject {
         QFETCH(bool, editorCompleta);
         ScriptedInterface ui;
         QStringList abierto;
-        msPonerEditorCuenta([&](bool edicion, int16_t canal) {
-            abierto << (edicion ? u"edit "_s : u"new "_s) + QString::number(canal);
+        Pantallas::registrar(u"frmNewCanal.Principal"_s, [&] {
+            abierto << u"edit "_s + QString::number(msCanalPrincipal());
             if (editorCompleta)
                 Conexion().exec(u"update canales set usuario='demo', clave=?"_s,
                                 {msCifrarClave(u"demo"_s, true)});
@@ -351,6 +351,7 @@ class TestCuentas : public QObject {
             Conexion().exec(u"update canales set Host = ?"_s, {sim->host()});
         }
         msPrimeraVez();
+        Pantallas::registrar(u"frmNewCanal.Principal"_s, [] {});
         QTEST(abierto.join(u','), "editor");
         QTEST(ui.firstRunShown, "avisos");
         QTEST(enteros(u"select saldo from canales"_s).isEmpty()
