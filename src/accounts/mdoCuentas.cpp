@@ -1,6 +1,8 @@
 #include "accounts/mdoCuentas.h"
 
 #include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Cifrado.h"
 #include "base/Conversions.h"
 #include "base/Despliegue.h"
 #include "base/Error.h"
@@ -13,6 +15,46 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString kDenegada =
+    u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté Activada."_s;
+const QString kBaseNoValida =
+    u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de Datos "
+    u"correcta de Quelmo Mensajes"_s;
+constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
+
+void avisarCambio() {
+    msAvisarCuentas();
+}
+
+bool sinCredenciales(const QueryResult& r) {
+    return textoDe(r.value(0, u"usuario"_s)).isEmpty() || textoDe(r.value(0, u"clave"_s)).isEmpty();
+}
+
+// What the editor's hidden message-count field writes: the default when
+// empty or zero.
+QVariant maxmenNuevo(const QString& maxmen) {
+    const QString t = maxmen.trimmed();
+    if (t.isEmpty() || (esNumerico(t) && t.toDouble() == 0)) return 160;
+    return t;
+}
+
+QString remitenteDe(const DatosCuenta& d) {
+    // Policy 1 sends from the mobile number the platform holds for the user.
+    if (d.remopc == 1) return appState().MovilCuenta.right(9);
+    return d.remitente;
+}
+
+// A stored host starts with its scheme from the first edit on; the test
+// ignores case so it is never put twice.
+QString conEsquema(const QString& host) {
+    if (host.toUpper().startsWith(u"HTTP://"_s)) return host;
+    return u"HTTP://"_s + host;
+}
+
+}  // namespace
+
 int16_t msCanalPrincipal() {
     try {
         const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
@@ -23,6 +65,14 @@ int16_t msCanalPrincipal() {
     }
 }
 
+QString msUrlRecarga(const QString& usuario) {
+    // A user name with "&" or a blank must reach the page whole.
+    QString web = Despliegue::webSegura();
+    while (web.endsWith(u'/')) web.chop(1);
+    return web + u"/informacion/recarga_sms.php?u="_s +
+           QString::fromLatin1(QUrl::toPercentEncoding(usuario));
+}
+
 void msRecarga() {
     try {
         const QueryResult r = Conexion().query(u"select * from canales where Principal=1"_s);
@@ -30,11 +80,7 @@ void msRecarga() {
             ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
             return;
         }
-        // A user name with "&" or a blank must reach the page whole.
-        QString web = Despliegue::webSegura();
-        while (web.endsWith(u'/')) web.chop(1);
-        msAbrirUrl(web + u"/informacion/recarga_sms.php?u="_s +
-                   QString::fromLatin1(QUrl::toPercentEncoding(textoDe(r.value(0, u"usuario"_s)))));
+        msAbrirUrl(msUrlRecarga(textoDe(r.value(0, u"usuario"_s))));
     } catch (const QuelmoError& e) {
         if (e.number() == ErrNum::ItemNotFound) msBaseNoValida();
     }
@@ -47,17 +93,289 @@ void msPrimeraVez() {
             ui().showFirstRunSetup();
             return;
         }
-        const QString usuario = textoDe(r.value(0, u"usuario"_s));
-        const QString clave = textoDe(r.value(0, u"clave"_s));
         // One exchange per start refreshes the balance.
-        if (!usuario.isEmpty() && !clave.isEmpty()) {
+        if (!sinCredenciales(r)) {
             SendAutCuenta(aEntero16(r.value(0, u"canal"_s)));
             return;
         }
-        // An account without its credentials: the set-up completes it.
-        Pantallas::abrir(u"frmNewCanal"_s);
-        ui().showFirstRunSetup();
+        // A principal account without its credentials is completed in the
+        // editor; only if it stays unusable does the set-up come.
+        Pantallas::abrir(u"frmNewCanal.Principal"_s);
+        const QueryResult despues = Conexion().query(u"select * from canales where principal=1"_s);
+        if (despues.isEmpty() || sinCredenciales(despues)) ui().showFirstRunSetup();
     } catch (const QuelmoError&) {
         // A database without the accounts table is caught by the start-up checks.
     }
+}
+
+// ---- the list of accounts ---------------------------------------------------
+
+QueryResult msAbrirCuentas() {
+    QueryResult r = Conexion().query(u"select * from canales order by canal asc"_s);
+    // Every column the list shows must be there, even with no row.
+    for (const QString& c :
+         {u"Nombre"_s, u"Remitente"_s, u"Principal"_s, u"saldo"_s, u"usuario"_s, u"canal"_s})
+        if (r.columnIndex(c) < 0) throw DbError(u"Falta la columna "_s + c, ErrNum::ItemNotFound);
+    return r;
+}
+
+int msFilaDeCuenta(const QueryResult& cuentas, const QString& nombre) {
+    if (nombre.isEmpty()) return -1;
+    const int col = cuentas.columnIndex(u"Nombre"_s);
+    if (col < 0) return -1;
+    for (int f = 0; f < cuentas.recordCount(); ++f)
+        if (textoDe(cuentas.value(f, col)) == nombre) return f;
+    return -1;
+}
+
+void msComprobarPrincipal() {
+    try {
+        Database& db = Conexion();
+        const long long cuentas = numeroDe(db.query(u"Select Count(*) from canales"_s).value(0, 0));
+        if (cuentas == 1) {
+            db.exec(u"Update canales set principal=1"_s);
+            return;
+        }
+        const long long principales =
+            numeroDe(db.query(u"Select Count(*) from canales where principal=1"_s).value(0, 0));
+        // More than one principal is left as it stands.
+        if (principales == 0 && cuentas >= 2)
+            db.exec(
+                u"UPDATE canales SET principal = 1 WHERE canal IN (select MIN(canal) from canales)"_s);
+    } catch (const QuelmoError&) {
+    }
+}
+
+void msAvisarCuentas() {
+    Q_EMIT Avisos::instancia().cuentasCambiadas();
+}
+
+int msSiguienteCanal() {
+    const QueryResult r = Conexion().query(u"select max(canal) from canales"_s);
+    if (r.isEmpty() || r.value(0, 0).isNull()) return 0;
+    return int(numeroDe(r.value(0, 0))) + 1;
+}
+
+void msHacerPrincipal(int16_t canal, const QString& nombre) {
+    if (ui().msgBox(
+            u"Quiere establecer la Cuenta '"_s + nombre + u"' como Cuenta Principal de Envío?"_s,
+            kPregunta) != Msg::Yes)
+        return;
+    try {
+        Conexion().exec(u"Update Canales set principal=0"_s);
+        Conexion().exec(u"Update Canales set principal=1 Where Canal = ?"_s, {canal});
+    } catch (const QuelmoError&) {
+    }
+    avisarCambio();
+}
+
+bool msEliminarCuenta(int16_t canal) {
+    // Only contacts hold an account back; outbox, history and schedules don't.
+    const long long contactos = numeroDe(
+        Conexion().query(u"Select Count(*) from abonados where canal = ?"_s, {canal}).value(0, 0));
+    if (contactos > 0) {
+        ui().msgBox(
+            u"Imposible eliminar esta Cuenta.\nPara eliminar una Cuenta, no deben de "
+            u"existir Contactos asociados a  la Cuenta ."_s,
+            Msg::Critical);
+        return false;
+    }
+    if (ui().msgBox(u"Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s,
+                    kPregunta) != Msg::Yes)
+        return false;
+    try {
+        Conexion().exec(u"delete from canales where canal = ?"_s, {canal});
+    } catch (const DbError& e) {
+        ui().msgBox(e.description());
+        return false;
+    }
+    msComprobarPrincipal();
+    avisarCambio();
+    return true;
+}
+
+void msVerSaldo(int16_t canal) {
+    const QString r = SendAutCuenta(canal);
+    const long long n = esNumerico(r) ? numeroDe(r) : 0;
+    if (n == -1)
+        ui().msgBox(kDenegada, Msg::Critical | Msg::DefaultButton2);
+    else if (n == -2)
+        ui().msgBox(
+            u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a "
+            u"Internet."_s,
+            Msg::Critical | Msg::DefaultButton2);
+    avisarCambio();
+}
+
+// ---- the account editor -----------------------------------------------------
+
+QString msHostPlataforma() {
+    QString h = Despliegue::plataforma().trimmed();
+    for (const QString& esquema : {u"http://"_s, u"https://"_s})
+        if (h.startsWith(esquema, Qt::CaseInsensitive)) h = h.mid(esquema.size());
+    while (h.endsWith(u'/')) h.chop(1);
+    return h;
+}
+
+DatosCuenta msCuentaNueva() {
+    DatosCuenta d;
+    d.host = msHostPlataforma();
+    return d;
+}
+
+DatosCuenta msLeerCuenta(int16_t canal) {
+    DatosCuenta d;
+    d.puerto.clear();
+    const QueryResult r = Conexion().query(u"select * from canales where canal = ?"_s, {canal});
+    if (r.isEmpty()) return d;
+    auto texto = [&](const QString& c) { return textoDe(r.value(0, c)); };
+    d.nombre = texto(u"Nombre"_s);
+    d.host = texto(u"host"_s);
+    d.puerto = texto(u"puerto"_s);
+    d.usuario = texto(u"usuario"_s);
+    d.clave = msCifrarClave(texto(u"clave"_s), false);
+    d.remopc = int(numeroDe(r.value(0, u"remopc"_s)));
+    d.movil = texto(u"Movil"_s).right(9);
+    d.remitente = d.remopc == 1 ? d.movil : texto(u"Remitente"_s);
+    d.tini = texto(u"tini"_s);
+    d.tfin = texto(u"tfin"_s);
+    d.importacion = numeroDe(r.value(0, u"imptextos"_s)) != 0;
+    // The message count is never read back: every save writes the default.
+    return d;
+}
+
+Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
+    // A number left from an earlier exchange must not be stored with this
+    // account when the platform can't be reached.
+    appState().MovilCuenta.clear();
+    QString host;
+    QString saldo = msConsultarSaldo(d.usuario, d.clave, host);
+    if (saldo == u"-1"_s) {
+        saldo = u"0"_s;
+        if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
+                        Msg::YesNo | Msg::Critical | Msg::DefaultButton2) != Msg::Yes)
+            return Guardado::Descartada;
+    }
+    if (d.puerto.isEmpty()) {
+        ui().msgBox(u"Valor no valido para el parametro PUERTO REMOTO"_s);
+        return Guardado::Incompleta;
+    }
+    if (d.host.isEmpty()) {
+        ui().msgBox(u"Valor no valido para el parametro HOST REMOTO"_s);
+        return Guardado::Incompleta;
+    }
+    const int remopc = d.remopc < 0 ? 0 : d.remopc;
+    try {
+        const QString clave = msCifrarClave(d.clave, true);
+        const QString movil = appState().MovilCuenta;
+        if (edicion) {
+            d.host = conEsquema(d.host);
+            Conexion().exec(
+                u"Update Canales set nombre = ?, MaxMen = ?, Host = ?, Puerto = 80, Usuario = ?, "
+                u"Clave = ?, Remitente = ?, remopc = ?, tini = ?, tfin = ?, imptextos = ?, "
+                u"Movil = ? Where canal = ?"_s,
+                {d.nombre, d.maxmen, QString(d.host).remove(u'\''), d.usuario, clave,
+                 remitenteDe(d), remopc, d.tini, d.tfin, d.importacion ? 1 : 0, movil, canal});
+        } else {
+            // A new account's host stays as typed until its first edit.
+            Conexion().exec(
+                u"Insert into Canales (Canal,Nombre,maxmen,Puerto,usuario,clave,Host,Saldo,"
+                u"Principal,Remitente,remopc,tini,tfin,imptextos,Movil) "
+                u"Values (?,?,?,80,?,?,?,?,0,?,?,?,?,?,?)"_s,
+                {canal, d.nombre, maxmenNuevo(d.maxmen), d.usuario, clave, d.host, saldo,
+                 remitenteDe(d), remopc, d.tini, d.tfin, d.importacion ? 1 : 0, movil});
+        }
+    } catch (const QuelmoError& e) {
+        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+        return Guardado::Incompleta;
+    }
+    avisarCambio();
+    return Guardado::Guardada;
+}
+
+// ---- first-run set-up -------------------------------------------------------
+
+QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
+                                  const QString& clave2) {
+    // The passwords are compared first: three empty fields pass it.
+    if (clave != clave2)
+        return u"Los datos insertados en los campos Contraseña no coinciden, inserte de nuevo la "
+               u"Contraseña"_s;
+    if (usuario.isEmpty()) return u"Debe dar valor al campo USUARIO"_s;
+    if (clave.isEmpty()) return u"Debe dar valor al campo CONTRASEÑA"_s;
+    return QString();
+}
+
+bool NewChannel(const QString& saldo, const QString& usuario, const QString& clave) {
+    try {
+        Database& db = Conexion();
+        const QueryResult r = db.query(u"Select max(canal)+1 from canales"_s);
+        const QVariant canal =
+            r.isEmpty() || r.value(0, 0).isNull() ? QVariant(0) : QVariant(numeroDe(r.value(0, 0)));
+        db.exec(
+            u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
+            u"Remitente,remopc,movil) Values (?,?,160,80,?,?,?,?,1,'',0,?)"_s,
+            {canal, QString(u"Cuenta_"_s + usuario), QString(u"HTTP://"_s + msHostPlataforma()),
+             usuario, msCifrarClave(clave, true), saldo, appState().MovilCuenta});
+        return true;
+    } catch (const DbError&) {
+        // A statement the file can't take means a database of the wrong kind.
+        ui().msgBox(kBaseNoValida, Msg::Critical);
+        return false;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QString& clave2) {
+    const QString falta = msComprobarDatosIniciales(usuario, clave, clave2);
+    if (!falta.isEmpty()) {
+        ui().msgBox(falta, Msg::Critical);
+        return AltaInicial::Invalida;
+    }
+    appState().MovilCuenta.clear();
+    QString host;
+    const QString saldo = msConsultarSaldo(usuario, clave, host);
+    // A failed connection is not told apart: the account is written.
+    if (saldo == u"-1"_s) {
+        ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
+        return AltaInicial::Invalida;
+    }
+    if (!NewChannel(saldo, usuario, clave)) {
+        ui().msgBox(u"No pudo completarse con éxito la configuración, verifique los datos"_s,
+                    Msg::Critical);
+        ui().showSelectDatabase();
+        return AltaInicial::FalloBase;
+    }
+    ui().msgBox(
+        u"Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
+        u"aplicación\nPuede acceder a la configuración de cuentas para personalizar su "
+        u"cuenta"_s,
+        Msg::Information);
+    avisarCambio();
+    return AltaInicial::Hecha;
+}
+
+QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
+    appState().MovilCuenta.clear();
+    QString host;
+    QString saldo = msConsultarSaldo(usuario, clave, host);
+    // Signed up a moment ago: a failed query only means the balance is not known yet.
+    if (!esNumerico(saldo) || numeroDe(saldo) < 0) saldo = u"0"_s;
+    try {
+        Database& db = Conexion();
+        const bool primera = db.query(u"select canal from canales where principal=1"_s).isEmpty();
+        db.exec(
+            u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
+            u"Remitente,remopc,tini,tfin,imptextos,movil) "
+            u"Values (?,?,160,80,?,?,?,?,?,'',0,'','',0,?)"_s,
+            {msSiguienteCanal(), QString(u"Cuenta_"_s + usuario),
+             QString(u"HTTP://"_s + msHostPlataforma()), usuario, msCifrarClave(clave, true), saldo,
+             primera ? 1 : 0, appState().MovilCuenta});
+    } catch (const QuelmoError& e) {
+        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+        return QString();
+    }
+    avisarCambio();
+    return saldo;
 }

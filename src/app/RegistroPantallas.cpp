@@ -1,5 +1,6 @@
 #include "app/RegistroPantallas.h"
 
+#include "accounts/PantallasCuentas.h"
 #include "addressbook/PantallasAgenda.h"
 #include "app/condiciones.h"
 #include "base/AppState.h"
@@ -51,6 +52,7 @@ void registrarTodas() {
     // First, so that a subsystem's own screen of the same name replaces
     // what stands in for it here.
     registrarPantallasApp();
+    registrarPantallasCuentas();
     registrarPantallasAgenda();
     registrarPantallasEnvio();
     registrarPantallasProgramacion();

@@ -18,6 +18,8 @@ class Avisos : public QObject {
     void contactosCambiados();
     // Rows were added to or taken from the outbox.
     void bandejaCambiada();
+    // The account picker chose the account of the compose screen.
+    void cuentaElegida(int canal);
     // A picker chose a text for the compose screen.
     void textoElegido(const QString& texto);
     // A screen asks for a transmitter run now ("send now").

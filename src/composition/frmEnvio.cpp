@@ -67,6 +67,7 @@ frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
     connect(&Avisos::instancia(), &Avisos::textoElegido, this, &frmEnvio::tomarTexto);
     connect(&Avisos::instancia(), &Avisos::cuentasCambiadas, this, &frmEnvio::msCargarCanales);
     connect(&Avisos::instancia(), &Avisos::bandejaCambiada, this, &frmEnvio::msActualizaLista);
+    connect(&Avisos::instancia(), &Avisos::cuentaElegida, this, &frmEnvio::tomarCuenta);
     connect(&Interruptor::instancia(), &Interruptor::cambiado, this, &frmEnvio::mostrarTransmisor);
 }
 
@@ -235,6 +236,14 @@ bool frmEnvio::msCargarCanales() {
         }
     }
     return resultado;
+}
+
+void frmEnvio::tomarCuenta(int canal) {
+    // The rebuilding keeps the selection, and renews the counter with the
+    // chosen account's start and end texts.
+    const int i = ImageCombo1->findData(canal);
+    if (i >= 0) ImageCombo1->setCurrentIndex(i);
+    msCargarCanales();
 }
 
 int64_t frmEnvio::canalElegido() const {

@@ -54,6 +54,7 @@ class frmEnvio : public QWidget {
     int64_t canalElegido() const;
     QString preguntaFila(const QString& inicio, int fila) const;
     void tomarTexto(const QString& texto);
+    void tomarCuenta(int canal);
 
     QComboBox* ImageCombo1 = nullptr;
     crtAutoComplete* crtAutoComplete1 = nullptr;

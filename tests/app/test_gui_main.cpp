@@ -35,8 +35,9 @@ class TestGuiMain : public QObject {
     std::unique_ptr<mdiMain> ventana() {
         auto w = std::make_unique<mdiMain>();
         w->terminar = [this] { ++terminado; };
-        for (const char16_t* n : {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto",
-                                  u"frmAbonados", u"frmGrupos", u"frmCanales", u"frmEmergencias"})
+        for (const char16_t* n :
+             {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto", u"frmAbonados", u"frmGrupos",
+              u"frmCanales", u"frmEmergencias", u"frmNewCanal.Principal"})
             Pantallas::registrar(QString::fromUtf16(n),
                                  [this, n] { abiertas << QString::fromUtf16(n); });
         QSignalSpy lista(w.get(), &mdiMain::primeraActivacionTerminada);

@@ -28,17 +28,19 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr char kRuta[] = "/servlet/quelmoMessage.servlet.Servlet";
+constexpr char kRutaRegistro[] = "/registro/alta";
 
 const char kAyuda[] =
     "Uso: sms-platform-sim [--port PUERTO] [--config FICHERO] [--registro FICHERO]\n"
     "\n"
     "Simula la plataforma de mensajería en http://127.0.0.1:PUERTO/servlet/\n"
-    "quelmoMessage.servlet.Servlet para las pruebas y la demostración.\n"
+    "quelmoMessage.servlet.Servlet para las pruebas y la demostración, y el alta\n"
+    "de usuarios nuevos en http://127.0.0.1:PUERTO/registro/alta.\n"
     "\n"
     "  --port PUERTO        puerto de escucha (0 = uno libre; por defecto 8080)\n"
     "  --config FICHERO     configuración: cuentas, versión anunciada, números\n"
     "                       rechazados, fallos (ver tools/platform-sim/ejemplo.ini)\n"
-    "  --registro FICHERO   añade cada mensaje aceptado como una línea JSON\n"
+    "  --registro FICHERO   añade cada mensaje aceptado y cada alta como una línea JSON\n"
     "                       (sustituye a la clave 'registro' de la configuración)\n"
     "  --help               muestra esta ayuda\n"
     "\n"
@@ -60,6 +62,8 @@ struct Configuracion {
     QString version;
     QStringList rechazados;
     QString registro;
+    // The balance a new user gets at sign-up.
+    long long saldoRegistro = 10;
     // Fault injection: ninguno | corte | malformado | error500, for the first
     // `veces` requests (0 = all); `retrasoMs` before every answer.
     QString fallo = u"ninguno"_s;
@@ -84,6 +88,7 @@ Configuracion leerConfiguracion(const QString& ruta) {
             c.fallo = s.value(u"fallo"_s, u"ninguno"_s).toString().trimmed();
             c.veces = s.value(u"veces"_s, 0).toInt();
             c.retrasoMs = s.value(u"retraso_ms"_s, 0).toInt();
+            c.saldoRegistro = s.value(u"saldo_registro"_s, 10).toLongLong();
         } else if (grupo.startsWith(u"cuenta"_s)) {
             Cuenta k;
             const QString usuario = s.value(u"usuario"_s).toString();
@@ -328,6 +333,62 @@ class Plataforma {
         return doc;
     }
 
+  public:
+    // A sign-up form: creates the account in memory, or says why not.
+    QByteArray registrar(const QHash<QString, QString>& f) {
+        std::lock_guard<std::mutex> bloqueo(m_mutex);
+        const QString usuario = f.value(u"usuario"_s).trimmed();
+        const QString movil = movilEspanol(f.value(u"movil"_s));
+        if (f.value(u"condiciones"_s) != u"1"_s)
+            return respuestaRegistro(u"condiciones"_s,
+                                     u"Debe aceptar las condiciones del servicio"_s);
+        if (usuario.isEmpty() || f.value(u"clave"_s).isEmpty())
+            return respuestaRegistro(u"datos"_s, u"Faltan el usuario o la contraseña"_s);
+        if (m_conf.cuentas.contains(usuario))
+            return respuestaRegistro(u"usuario"_s,
+                                     u"El nombre de usuario ya está en uso, elija otro"_s);
+        if (movil.isEmpty())
+            return respuestaRegistro(u"movil"_s,
+                                     u"El número de móvil no es un móvil español válido"_s);
+        Cuenta c;
+        c.clave = f.value(u"clave"_s);
+        c.movil = movil;
+        c.saldo = m_conf.saldoRegistro;
+        m_conf.cuentas.insert(usuario, c);
+        QFile registro(m_conf.registro);
+        if (!m_conf.registro.isEmpty() && registro.open(QIODevice::Append | QIODevice::Text)) {
+            QJsonObject o;
+            o.insert(u"alta"_s, usuario);
+            o.insert(u"nombre"_s, f.value(u"nombre"_s));
+            o.insert(u"email"_s, f.value(u"email"_s));
+            o.insert(u"movil"_s, movil);
+            registro.write(QJsonDocument(o).toJson(QJsonDocument::Compact) + '\n');
+        }
+        return respuestaRegistro(QString(), u"Alta realizada"_s);
+    }
+
+  private:
+    // A Spanish mobile number in international form, empty if it is none.
+    static QString movilEspanol(QString n) {
+        n.remove(u' ');
+        if (n.startsWith(u'+')) n = u"00"_s + n.mid(1);
+        if (n.size() == 9) n = u"0034"_s + n;
+        static const QRegularExpression movil(u"^0034[67][0-9]{8}$"_s);
+        return movil.match(n).hasMatch() ? n : QString();
+    }
+    static QByteArray respuestaRegistro(const QString& motivo, const QString& comentario) {
+        QByteArray doc;
+        QXmlStreamWriter w(&doc);
+        w.writeStartDocument();
+        w.writeStartElement(u"registro"_s);
+        w.writeAttribute(u"resultado"_s, motivo.isEmpty() ? u"1"_s : u"0"_s);
+        if (!motivo.isEmpty()) w.writeAttribute(u"motivo"_s, motivo);
+        w.writeTextElement(u"comentario"_s, comentario);
+        w.writeEndElement();
+        w.writeEndDocument();
+        return doc;
+    }
+
     std::mutex m_mutex;
     Configuracion m_conf;
     QHash<QString, ListaWeb> m_listas;
@@ -342,6 +403,19 @@ QByteArray parametroXml(QByteArray cuerpo) {
     for (const QByteArray& par : cuerpo.split('&'))
         if (par.startsWith("xml=")) return QByteArray::fromPercentEncoding(par.mid(4));
     return QByteArray();
+}
+
+// The fields of a url-encoded form.
+QHash<QString, QString> formulario(QByteArray cuerpo) {
+    QHash<QString, QString> f;
+    cuerpo.replace('+', ' ');
+    for (const QByteArray& par : cuerpo.split('&')) {
+        const qsizetype igual = par.indexOf('=');
+        if (igual < 0) continue;
+        f.insert(QString::fromUtf8(QByteArray::fromPercentEncoding(par.left(igual))),
+                 QString::fromUtf8(QByteArray::fromPercentEncoding(par.mid(igual + 1))));
+    }
+    return f;
 }
 
 }  // namespace
@@ -423,6 +497,17 @@ int main(int argc, char** argv) {
         } else {
             res.set_content(doc.toStdString(), "text/xml; charset=UTF-8");
         }
+    });
+
+    servidor.Post(kRutaRegistro, [&](const httplib::Request&, httplib::Response& res,
+                                     const httplib::ContentReader& lector) {
+        QByteArray cuerpo;
+        lector([&](const char* datos, size_t n) {
+            cuerpo.append(datos, qsizetype(n));
+            return true;
+        });
+        res.set_content(plataforma.registrar(formulario(cuerpo)).toStdString(),
+                        "text/xml; charset=UTF-8");
     });
 
     const int real = puerto == 0 ? servidor.bind_to_any_port("127.0.0.1")

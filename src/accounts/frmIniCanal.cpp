@@ -1,0 +1,64 @@
+#include "accounts/frmIniCanal.h"
+
+#include "accounts/mdoCuentas.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmIniCanal"_s);
+    setWindowTitle(u"Configuración"_s);
+    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+
+    Label1 = new QLabel(
+        u"Usted ya dispone de una cuenta en la plataforma de mensajes, inserte su nombre de "
+        u"usuario y contraseña para completar la instalación"_s,
+        this);
+    Label1->setObjectName(u"Label1"_s);
+    Label1->setWordWrap(true);
+    auto campo = [this](const QString& nombre, bool clave) {
+        auto* e = new QLineEdit(this);
+        e->setObjectName(nombre);
+        e->setMaxLength(50);
+        if (clave) e->setEchoMode(QLineEdit::Password);
+        return e;
+    };
+    txtUsuario = campo(u"txtUsuario"_s, false);
+    txtClave = campo(u"txtClave"_s, true);
+    txtClave2 = campo(u"txtClave2"_s, true);
+    cmdAceptar = botonConNombre(this, u"cmdAceptar"_s, u"&Aceptar"_s);
+    cmdCancelar = botonConNombre(this, u"cmdCancelar"_s, u"&Cancelar"_s);
+    cmdAceptar->setDefault(true);
+
+    auto* campos = new QFormLayout;
+    campos->addRow(u"Usuario :"_s, txtUsuario);
+    campos->addRow(u"Contraseña :"_s, txtClave);
+    campos->addRow(u"Repita la Contraseña :"_s, txtClave2);
+    auto* botones = new QHBoxLayout;
+    botones->addStretch();
+    botones->addWidget(cmdAceptar);
+    botones->addWidget(cmdCancelar);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(Label1);
+    v->addLayout(campos);
+    v->addLayout(botones);
+    setMinimumWidth(460);
+
+    connect(cmdAceptar, &QPushButton::clicked, this, &frmIniCanal::cmdAceptar_Click);
+    connect(cmdCancelar, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void frmIniCanal::cmdAceptar_Click() {
+    // Refused or not written, the user stays here to correct.
+    if (msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text()) ==
+        AltaInicial::Hecha)
+        accept();
+}

@@ -1,0 +1,289 @@
+#include "accounts/frmNewCanal.h"
+
+#include "base/AppState.h"
+#include "base/Pantallas.h"
+#include "base/UserInterface.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QLineEdit* campo(QWidget* padre, const QString& nombre, int limite) {
+    auto* e = new QLineEdit(padre);
+    e->setObjectName(nombre);
+    e->setMaxLength(limite);
+    return e;
+}
+
+QLabel* etiqueta(QWidget* padre, const QString& texto, QWidget* para = nullptr) {
+    auto* l = new QLabel(texto, padre);
+    if (para) l->setBuddy(para);
+    return l;
+}
+
+// The characters a sender may hold at the platform.
+bool caracterRemitente(QChar c) {
+    return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || (c >= u'0' && c <= u'9') ||
+           QStringView(u" +_-.*#").contains(c);
+}
+
+const QString kTituloInfo = u"Información sobre los elementos de la Cuenta"_s;
+
+}  // namespace
+
+frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmNewCanal"_s);
+    setWindowTitle(u"Mantenimiento de Cuenta"_s);
+    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+
+    txtNombre = campo(this, u"txtNombre"_s, 50);
+    txtUsuario = campo(this, u"txtUsuario"_s, 50);
+    txtClave = campo(this, u"txtClave"_s, 50);
+    txtClave->setEchoMode(QLineEdit::Password);
+    txtClave->setStyleSheet(u"lineedit-password-character: 42"_s);
+    txtRemitente = campo(this, u"txtRemitente"_s, 11);
+    txtRemitente->setToolTip(u"Lea las condiciones para Remitente personalizado"_s);
+    txtRemitente->installEventFilter(this);
+    txtMovil = new QLabel(this);
+    txtMovil->setObjectName(u"txtMovil"_s);
+    txtinicio = campo(this, u"txtinicio"_s, 50);
+    txtfinal = campo(this, u"txtfinal"_s, 50);
+    importacion = new QCheckBox(u"Incluir textos inicio/final en importación de mensajes"_s, this);
+    importacion->setObjectName(u"importacion"_s);
+
+    // Fixed values the user never reaches: only their defaults are saved.
+    txtMaxMen = campo(this, u"txtMaxMen"_s, 3);
+    txtMaxMen->setText(u"160"_s);
+    txtSMSPort = campo(this, u"txtSMSPort"_s, 5);
+    txtSMSPort->setText(u"80"_s);
+    txtSMSHost = campo(this, u"txtSMSHost"_s, 255);
+    txtSMSHost->setText(msHostPlataforma());
+    for (QWidget* oculto : {txtMaxMen, txtSMSPort, txtSMSHost}) oculto->hide();
+
+    Option1 = new QButtonGroup(this);
+    Option1->setObjectName(u"Option1"_s);
+    const QStringList opciones{u"Predeterminado Quelmo Mensajes"_s,
+                               u"Mi número de móvil registrado: "_s, u"Personalizado"_s};
+    for (int i = 0; i < opciones.size(); ++i) {
+        auto* r = new QRadioButton(opciones[i], this);
+        r->setObjectName(u"Option1_%1"_s.arg(i));
+        Option1->addButton(r, i);
+    }
+    // None is set until an account is loaded or the user chooses.
+    Option1->setExclusive(true);
+
+    L1 = new QLabel(u"Para activar su remitente envíe al 5303 el mensaje"_s, this);
+    L1->setObjectName(u"L1"_s);
+    L2 = new QLabel(this);
+    L2->setObjectName(u"L2"_s);
+    L2->setStyleSheet(u"font-weight: bold"_s);
+    L1->hide();
+    L2->hide();
+
+    auto info = [this](int i, const QString& ayuda = QString()) {
+        auto* b = new QToolButton(this);
+        b->setObjectName(u"Image4_%1"_s.arg(i));
+        b->setIcon(iconoQuelmo(u"info"_s));
+        b->setAutoRaise(true);
+        if (!ayuda.isEmpty()) b->setToolTip(ayuda);
+        connect(b, &QToolButton::clicked, this, [this, i] { Image4_Click(i); });
+        return b;
+    };
+
+    cmdAceptar = botonConNombre(this, u"cmdAceptar"_s, u"&Guardar"_s);
+    CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
+    XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Recargar Saldo para esta Cuenta"_s);
+    // Enter in the fields has rules of its own, no default button.
+    for (QPushButton* b : {cmdAceptar, CmdSalir, XPButton1}) b->setAutoDefault(false);
+
+    auto* cuenta = new QGridLayout;
+    cuenta->addWidget(etiqueta(this, u"Nombre de la Cuenta"_s, txtNombre), 0, 0);
+    cuenta->addWidget(txtNombre, 0, 1);
+    cuenta->addWidget(etiqueta(this, u"Usuario"_s, txtUsuario), 1, 0);
+    cuenta->addWidget(txtUsuario, 1, 1);
+    cuenta->addWidget(etiqueta(this, u"Contraseña"_s, txtClave), 2, 0);
+    cuenta->addWidget(txtClave, 2, 1);
+
+    auto* remitente = new QGroupBox(u"Remitente de los mensajes"_s, this);
+    auto* r = new QGridLayout(remitente);
+    r->addWidget(Option1->button(0), 0, 0, 1, 3);
+    r->addWidget(Option1->button(1), 1, 0);
+    r->addWidget(txtMovil, 1, 1, 1, 2);
+    r->addWidget(Option1->button(2), 2, 0);
+    auto* fila = new QHBoxLayout;
+    fila->addWidget(etiqueta(this, u"Remitente Personalizado"_s, txtRemitente));
+    fila->addWidget(txtRemitente);
+    fila->addWidget(info(4, u"Ver Condiciones de Remittente"_s));
+    r->addLayout(fila, 2, 1, 1, 2);
+    r->addWidget(L1, 3, 0, 1, 3);
+    r->addWidget(L2, 4, 0, 1, 3);
+    r->setColumnStretch(2, 1);
+
+    auto* textos = new QGridLayout;
+    textos->addWidget(etiqueta(this, u"Texto inicio de mensaje"_s, txtinicio), 0, 0);
+    textos->addWidget(txtinicio, 0, 1);
+    textos->addWidget(info(0), 0, 2);
+    textos->addWidget(etiqueta(this, u"Texto final de mensaje"_s, txtfinal), 1, 0);
+    textos->addWidget(txtfinal, 1, 1);
+    textos->addWidget(info(1), 1, 2);
+    textos->addWidget(importacion, 2, 0, 1, 3);
+
+    auto* botones = new QHBoxLayout;
+    botones->addWidget(XPButton1);
+    botones->addStretch();
+    botones->addWidget(cmdAceptar);
+    botones->addWidget(CmdSalir);
+
+    auto* v = new QVBoxLayout(this);
+    v->addLayout(cuenta);
+    v->addWidget(remitente);
+    v->addLayout(textos);
+    v->addLayout(botones);
+    setMinimumWidth(560);
+
+    connect(Option1, &QButtonGroup::idClicked, this, &frmNewCanal::Option1_Click);
+    connect(txtRemitente, &QLineEdit::textChanged, this, &frmNewCanal::actualizarActivacion);
+    connect(txtUsuario, &QLineEdit::textChanged, this, &frmNewCanal::actualizarActivacion);
+    connect(txtNombre, &QLineEdit::returnPressed, txtUsuario,
+            [this] { txtUsuario->setFocus(Qt::TabFocusReason); });
+    connect(txtUsuario, &QLineEdit::returnPressed, txtClave,
+            [this] { txtClave->setFocus(Qt::TabFocusReason); });
+    connect(txtClave, &QLineEdit::returnPressed, cmdAceptar, &QPushButton::click);
+    connect(cmdAceptar, &QPushButton::clicked, this, &frmNewCanal::cmdAceptar_Click);
+    connect(CmdSalir, &QPushButton::clicked, this, &QDialog::reject);
+    connect(XPButton1, &QPushButton::clicked, this,
+            [this] { msAbrirUrl(msUrlRecarga(txtUsuario->text())); });
+    actualizarActivacion();
+}
+
+void frmNewCanal::editar(bool edicion, int16_t canal, QWidget* padre) {
+    frmNewCanal editor(padre);
+    editor.setEdicion(edicion);
+    editor.setCanal(canal);
+    if (edicion) {
+        try {
+            editor.cargar(msLeerCuenta(canal));
+        } catch (const QuelmoError& e) {
+            ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+            return;
+        }
+    }
+    editor.exec();
+}
+
+void frmNewCanal::cargar(const DatosCuenta& d) {
+    txtNombre->setText(d.nombre);
+    txtSMSHost->setText(d.host);
+    txtSMSPort->setText(d.puerto);
+    txtUsuario->setText(d.usuario);
+    txtClave->setText(d.clave);
+    txtMovil->setText(d.movil);
+    if (QAbstractButton* b = Option1->button(d.remopc < 0 ? 0 : d.remopc)) b->setChecked(true);
+    txtRemitente->setText(d.remitente);
+    txtinicio->setText(d.tini);
+    txtfinal->setText(d.tfin);
+    importacion->setChecked(d.importacion);
+    txtRemitente->setEnabled(Option1->checkedId() == 2);
+}
+
+DatosCuenta frmNewCanal::datos() const {
+    DatosCuenta d;
+    d.nombre = txtNombre->text();
+    d.host = txtSMSHost->text();
+    d.puerto = txtSMSPort->text();
+    d.usuario = txtUsuario->text();
+    d.clave = txtClave->text();
+    d.remopc = Option1->checkedId();
+    d.remitente = txtRemitente->text();
+    d.tini = txtinicio->text();
+    d.tfin = txtfinal->text();
+    d.movil = txtMovil->text();
+    d.importacion = importacion->isChecked();
+    d.maxmen = txtMaxMen->text();
+    return d;
+}
+
+void frmNewCanal::Option1_Click(int indice) {
+    txtRemitente->setEnabled(indice == 2);
+    if (indice == 1)
+        txtRemitente->setText(txtMovil->text());
+    else
+        txtRemitente->clear();
+    L1->setVisible(indice == 2);
+    L2->setVisible(indice == 2);
+    if (indice == 2) txtRemitente->setFocus(Qt::OtherFocusReason);
+    actualizarActivacion();
+}
+
+void frmNewCanal::actualizarActivacion() {
+    // The text the user sends to the short number to activate the sender.
+    if (Option1->checkedId() == 2) {
+        L1->show();
+        L2->show();
+    }
+    L2->setText(u"REMITENTE  "_s + txtUsuario->text() + u"  "_s + txtRemitente->text());
+}
+
+bool frmNewCanal::eventFilter(QObject* objeto, QEvent* evento) {
+    if (objeto == txtRemitente && evento->type() == QEvent::KeyPress) {
+        auto* tecla = static_cast<QKeyEvent*>(evento);
+        const QString t = tecla->text();
+        // Editing and moving keys carry no text, or a control character.
+        if (t.size() == 1 && t[0].isPrint() && !caracterRemitente(t[0])) return true;
+    }
+    return QDialog::eventFilter(objeto, evento);
+}
+
+void frmNewCanal::Image4_Click(int indice) {
+    switch (indice) {
+        case 0:
+            ui().msgBox(
+                u"Texto inicio de mensaje:\n\nTexto a añadir al inicio de todos los "
+                u"mensajes enviados por esta cuenta.\nDéjelo en blanco si no quiere "
+                u"ningún texto al inicio."_s,
+                Msg::Information, kTituloInfo);
+            break;
+        case 1:
+            ui().msgBox(
+                u"Texto final de mensaje:\n\nTexto a añadir al final de todos los "
+                u"mensajes enviados por esta cuenta.\nDéjelo en blanco si no quiere "
+                u"ningún texto al final."_s,
+                Msg::Information, kTituloInfo);
+            break;
+        case 4:
+            Pantallas::abrir(u"condiciones"_s);
+            break;
+        default:
+            break;
+    }
+}
+
+void frmNewCanal::cmdAceptar_Click() {
+    DatosCuenta d = datos();
+    switch (msGuardarCuenta(d, m_edicion, m_canal)) {
+        case Guardado::Guardada:
+            txtSMSHost->setText(d.host);
+            accept();
+            break;
+        case Guardado::Descartada:
+            reject();
+            break;
+        case Guardado::Incompleta:
+            break;
+    }
+}

@@ -1,0 +1,178 @@
+#include "accounts/frmRegistro.h"
+
+#include "accounts/mdoCuentas.h"
+#include "base/AppState.h"
+#include "base/Pantallas.h"
+#include "delivery/Registro.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QWizardPage>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QLineEdit* campo(QWidget* padre, const QString& nombre, int limite, bool clave = false) {
+    auto* e = new QLineEdit(padre);
+    e->setObjectName(nombre);
+    e->setMaxLength(limite);
+    if (clave) e->setEchoMode(QLineEdit::Password);
+    return e;
+}
+
+QLabel* explicacion(QWidget* padre, const QString& texto) {
+    auto* l = new QLabel(texto, padre);
+    l->setWordWrap(true);
+    return l;
+}
+
+}  // namespace
+
+namespace {
+// A page whose fields the wizard registers, and whose "Siguiente" may run a
+// check first.
+class Pagina : public QWizardPage {
+  public:
+    using QWizardPage::QWizardPage;
+    using QWizardPage::registerField;
+    std::function<bool()> validar;
+    bool validatePage() override { return validar ? validar() : true; }
+};
+}  // namespace
+
+frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
+    setObjectName(u"frmRegistro"_s);
+    setWindowTitle(u"Registro de una nueva cuenta"_s);
+    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    setWizardStyle(QWizard::ClassicStyle);
+    setOption(QWizard::NoBackButtonOnLastPage);
+    // Going back to correct a field keeps what was typed on the later pages.
+    setOption(QWizard::IndependentPages);
+    setButtonText(QWizard::BackButton, u"< &Atrás"_s);
+    setButtonText(QWizard::NextButton, u"&Siguiente >"_s);
+    setButtonText(QWizard::FinishButton, u"&Finalizar"_s);
+    setButtonText(QWizard::CancelButton, u"&Cancelar"_s);
+
+    auto* datos = new Pagina(this);
+    datos->setObjectName(u"pagDatos"_s);
+    datos->setTitle(u"Sus datos"_s);
+    txtNombre = campo(datos, u"txtNombre"_s, 100);
+    txtEmail = campo(datos, u"txtEmail"_s, 100);
+    txtMovil = campo(datos, u"txtMovil"_s, 16);
+    auto* fd = new QFormLayout(datos);
+    fd->addRow(explicacion(datos,
+                           u"Regístrese gratis en la plataforma de mensajes. Indíquenos "
+                           u"su nombre, su correo electrónico y su número de móvil."_s));
+    fd->addRow(u"Nombre y apellidos :"_s, txtNombre);
+    fd->addRow(u"Correo electrónico :"_s, txtEmail);
+    fd->addRow(u"Número de móvil :"_s, txtMovil);
+    datos->registerField(u"nombre*"_s, txtNombre);
+    datos->registerField(u"email*"_s, txtEmail);
+    datos->registerField(u"movil*"_s, txtMovil);
+    setPage(Datos, datos);
+
+    auto* condiciones = new Pagina(this);
+    condiciones->setObjectName(u"pagCondiciones"_s);
+    condiciones->setTitle(u"Condiciones del servicio"_s);
+    cmdCondiciones =
+        botonConNombre(condiciones, u"cmdCondiciones"_s, u"&Ver las condiciones del servicio"_s);
+    chkAcepto = new QCheckBox(u"He leído y acepto las condiciones del servicio"_s, condiciones);
+    chkAcepto->setObjectName(u"chkAcepto"_s);
+    auto* vc = new QVBoxLayout(condiciones);
+    vc->addWidget(explicacion(condiciones,
+                              u"Para darse de alta debe aceptar las condiciones del servicio. "
+                              u"Léalas antes de continuar."_s));
+    vc->addWidget(cmdCondiciones, 0, Qt::AlignLeft);
+    vc->addWidget(chkAcepto);
+    vc->addStretch();
+    condiciones->registerField(u"acepto*"_s, chkAcepto);
+    setPage(Condiciones, condiciones);
+    connect(cmdCondiciones, &QPushButton::clicked, this,
+            [] { Pantallas::abrir(u"condiciones"_s); });
+
+    auto* usuario = new Pagina(this);
+    usuario->validar = [this] { return registrar(); };
+    usuario->setObjectName(u"pagUsuario"_s);
+    usuario->setTitle(u"Usuario y contraseña"_s);
+    txtUsuario = campo(usuario, u"txtUsuario"_s, 50);
+    txtClave = campo(usuario, u"txtClave"_s, 50, true);
+    txtClave2 = campo(usuario, u"txtClave2"_s, 50, true);
+    auto* fu = new QFormLayout(usuario);
+    fu->addRow(explicacion(usuario,
+                           u"Elija el nombre de usuario y la contraseña con los que "
+                           u"enviará sus mensajes."_s));
+    fu->addRow(u"Usuario :"_s, txtUsuario);
+    fu->addRow(u"Contraseña :"_s, txtClave);
+    fu->addRow(u"Repita la Contraseña :"_s, txtClave2);
+    usuario->registerField(u"usuario*"_s, txtUsuario);
+    usuario->registerField(u"clave*"_s, txtClave);
+    usuario->registerField(u"clave2*"_s, txtClave2);
+    usuario->setCommitPage(true);
+    setButtonText(QWizard::CommitButton, u"&Registrarme"_s);
+    setPage(Usuario, usuario);
+
+    auto* fin = new QWizardPage(this);
+    fin->setObjectName(u"pagFin"_s);
+    fin->setTitle(u"Cuenta dada de alta"_s);
+    auto* lblFin = explicacion(fin, QString());
+    lblFin->setObjectName(u"lblFin"_s);
+    (new QVBoxLayout(fin))->addWidget(lblFin);
+    setPage(Fin, fin);
+    connect(this, &QWizard::currentIdChanged, this, [this, lblFin](int id) {
+        if (id != Fin) return;
+        lblFin->setText(u"Su cuenta '"_s + m_usuario +
+                        u"' está dada de alta en la plataforma y en la aplicación, con un saldo "
+                        u"de "_s +
+                        m_saldo +
+                        u" SMS.\n\nYa puede enviar mensajes. En Configurar > Cuentas puede "
+                        u"personalizar su cuenta."_s);
+    });
+    setMinimumSize(560, 400);
+}
+
+bool frmRegistro::registrar() {
+    if (txtClave->text() != txtClave2->text()) {
+        ui().msgBox(
+            u"Los datos insertados en los campos Contraseña no coinciden, inserte de "
+            u"nuevo la Contraseña"_s,
+            Msg::Critical);
+        return false;
+    }
+    SolicitudRegistro s;
+    s.nombre = txtNombre->text().trimmed();
+    s.email = txtEmail->text().trimmed();
+    s.movil = txtMovil->text().trimmed();
+    s.usuario = txtUsuario->text().trimmed();
+    s.clave = txtClave->text();
+    s.condiciones = chkAcepto->isChecked();
+    const RespuestaRegistro r = msRegistrarUsuario(s);
+    if (!r.conectado) {
+        ui().msgBox(
+            u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
+            u"conexión a Internet."_s,
+            Msg::Critical);
+        return false;
+    }
+    if (!r.aceptado) {
+        // The user corrects here, or goes back to the page at fault.
+        QString texto = u"La plataforma no ha aceptado el registro: "_s + r.comentario;
+        if (r.motivo == u"movil"_s)
+            texto += u"\nVuelva a la primera página para corregir el número de móvil."_s;
+        else if (r.motivo == u"condiciones"_s)
+            texto += u"\nVuelva atrás para aceptar las condiciones del servicio."_s;
+        ui().msgBox(texto, Msg::Exclamation);
+        return false;
+    }
+    m_saldo = msAnadirCuentaRegistrada(s.usuario, s.clave);
+    if (m_saldo.isNull()) return false;
+    m_usuario = s.usuario;
+    return true;
+}

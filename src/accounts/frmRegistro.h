@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWizard>
+
+class QCheckBox;
+class QLineEdit;
+class QPushButton;
+
+// The sign-up of a new user on the platform: personal data, the
+// conditions of the service, the user name and password wanted. Accepted,
+// the new account is added to the program at once.
+class frmRegistro : public QWizard {
+    Q_OBJECT
+  public:
+    explicit frmRegistro(QWidget* parent = nullptr);
+
+    enum Paginas { Datos, Condiciones, Usuario, Fin };
+
+    QLineEdit* txtNombre;
+    QLineEdit* txtEmail;
+    QLineEdit* txtMovil;
+    QPushButton* cmdCondiciones;
+    QCheckBox* chkAcepto;
+    QLineEdit* txtUsuario;
+    QLineEdit* txtClave;
+    QLineEdit* txtClave2;
+
+    // The user name that was signed up, empty until then.
+    const QString& usuarioRegistrado() const { return m_usuario; }
+
+  private:
+    // Posts the sign-up; true when the platform took it and the account
+    // was added.
+    bool registrar();
+
+    QString m_usuario;
+    QString m_saldo;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+// What the accounts' tests share: the platform simulator with one account
+// (demo/demo, balance 100), accounts put straight into the database, and
+// an account row read back as one line.
+#include "SimuladorPrueba.h"
+#include "TestSupport.h"
+#include "base/Cifrado.h"
+#include "base/Conversions.h"
+#include "base/Settings.h"
+#include "db/Conexion.h"
+
+namespace cuentas_prueba {
+
+using namespace Qt::StringLiterals;
+
+inline const QString kSimulador =
+    u"[plataforma]\nversion=\n[cuenta1]\nusuario=demo\nclave=demo\nsaldo=100\n"
+    u"movil=0034600123456\n"_s;
+inline const QString kDenegada =
+    u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté Activada."_s;
+
+// Points the platform's default address at the simulator, or at a port
+// where nothing listens.
+inline void plataforma(const SimuladorPrueba& sim, bool conectar) {
+    Settings::saveSetting(u"Despliegue"_s, u"Plataforma"_s,
+                          conectar ? sim.host() : u"http://127.0.0.1:1"_s);
+}
+
+inline void cuenta(int canal, const QString& nombre, int principal = 0,
+                   const QString& usuario = u"demo"_s, const QString& clave = u"demo"_s) {
+    Conexion().exec(
+        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
+        u"Remitente,remopc,movil) VALUES (?,?,160,80,'h',?,?,7,?,'',0,'')"_s,
+        {canal, nombre, usuario, msCifrarClave(clave, true), principal});
+}
+
+inline QList<int> enteros(const QString& sql, const QVariantList& params = {}) {
+    const QueryResult r = Conexion().query(sql, params);
+    QList<int> v;
+    for (int f = 0; f < r.recordCount(); ++f) v << int(numeroDe(r.value(f, 0)));
+    return v;
+}
+
+inline QList<int> principales() {
+    return enteros(u"select canal from canales where principal=1 order by canal"_s);
+}
+
+// "Nombre|Host|usuario|clave in clear|Saldo|Principal|Remitente|remopc|movil|maxmen"
+// of one account, or "-" when there is none.
+inline QString fila(int canal) {
+    const QueryResult r = Conexion().query(u"select * from canales where canal = ?"_s, {canal});
+    if (r.isEmpty()) return u"-"_s;
+    QStringList c;
+    for (const QString& n : {u"Nombre"_s, u"Host"_s, u"usuario"_s}) c << textoDe(r.value(0, n));
+    c << msCifrarClave(textoDe(r.value(0, u"clave"_s)), false);
+    for (const QString& n :
+         {u"Saldo"_s, u"Principal"_s, u"Remitente"_s, u"remopc"_s, u"movil"_s, u"maxmen"_s})
+        c << textoDe(r.value(0, n));
+    return c.join(u'|');
+}
+
+inline QStringList cajas(const ScriptedInterface& ui) {
+    QStringList t;
+    for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
+    return t;
+}
+
+}  // namespace cuentas_prueba

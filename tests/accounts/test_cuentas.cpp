@@ -1,0 +1,365 @@
+// The accounts' rules: one principal account, new codes, deletion, the
+// editor's save after asking the platform, the first-run account and the
+// start-up's first-run logic, against the platform simulator.
+#include "AyudaCuentas.h"
+#include "accounts/mdoCuentas.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Pantallas.h"
+
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+using namespace cuentas_prueba;
+
+class TestCuentas : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestCuentas(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+    std::unique_ptr<SimuladorPrueba> sim;
+
+  private Q_SLOTS:
+    void initTestCase() {
+        sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador);
+        QVERIFY(sim->listo());
+    }
+    void cleanupTestCase() { sim.reset(); }
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/cuentas.db"_s));
+        plataforma(*sim, true);
+    }
+
+    void principalAfterAddOrDelete_data() {
+        QTest::addColumn<QList<int>>("codigos");
+        QTest::addColumn<QList<int>>("antes");  // principal codes before
+        QTest::addColumn<int>("borrar");        // -1: none deleted
+        QTest::addColumn<int>("anadir");        // -1: none added
+        QTest::addColumn<QList<int>>("despues");
+        QTest::newRow("delete the principal of three")
+            << QList<int>{1, 2, 3} << QList<int>{1} << 1 << -1 << QList<int>{2};
+        QTest::newRow("delete the principal of three, lowest left wins")
+            << QList<int>{4, 9, 2} << QList<int>{2} << 2 << -1 << QList<int>{4};
+        QTest::newRow("delete one of two: the other is principal")
+            << QList<int>{1, 2} << QList<int>{1} << 1 << -1 << QList<int>{2};
+        QTest::newRow("delete the last account")
+            << QList<int>{5} << QList<int>{5} << 5 << -1 << QList<int>{};
+        QTest::newRow("add the first") << QList<int>{} << QList<int>{} << -1 << 0 << QList<int>{0};
+        QTest::newRow("add a second: the first stays")
+            << QList<int>{0} << QList<int>{0} << -1 << 1 << QList<int>{0};
+        QTest::newRow("two principals are left as they are")
+            << QList<int>{1, 2} << QList<int>{1, 2} << -1 << 3 << QList<int>{1, 2};
+        QTest::newRow("only account was not principal")
+            << QList<int>{7, 8} << QList<int>{} << 8 << -1 << QList<int>{7};
+    }
+    void principalAfterAddOrDelete() {
+        QFETCH(QList<int>, codigos);
+        QFETCH(QList<int>, antes);
+        QFETCH(int, borrar);
+        QFETCH(int, anadir);
+        ScriptedInterface ui;
+        for (int c : codigos) cuenta(c, u"Cuenta %1"_s.arg(c), antes.contains(c) ? 1 : 0);
+        if (borrar >= 0) {
+            ui.answers = {Msg::Yes};
+            QVERIFY(msEliminarCuenta(int16_t(borrar)));
+        }
+        if (anadir >= 0) {
+            // A new account is written with Principal 0; the rule settles it.
+            cuenta(anadir, u"Nueva"_s, 0);
+            msComprobarPrincipal();
+        }
+        QTEST(principales(), "despues");
+    }
+
+    void nextCode_data() {
+        QTest::addColumn<QList<int>>("codigos");
+        QTest::addColumn<int>("siguiente");
+        QTest::newRow("none: 0") << QList<int>{} << 0;
+        QTest::newRow("after 0") << QList<int>{0} << 1;
+        QTest::newRow("after 1 and 5 the gap stays") << QList<int>{1, 5} << 6;
+    }
+    void nextCode() {
+        QFETCH(QList<int>, codigos);
+        for (int c : codigos) cuenta(c, u"c"_s);
+        QTEST(msSiguienteCanal(), "siguiente");
+    }
+
+    void deletionAskedAndRefused_data() {
+        QTest::addColumn<QString>("tabla");  // table holding a row of the account
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<bool>("borrada");
+        QTest::addColumn<QStringList>("mensajes");
+        const QString pregunta =
+            u"308 Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s;
+        QTest::newRow("a contact holds it back")
+            << u"Abonados"_s << Msg::Yes << false
+            << QStringList{
+                   u"16 Imposible eliminar esta Cuenta.\nPara eliminar una Cuenta, no "
+                   u"deben de existir Contactos asociados a  la Cuenta ."_s};
+        QTest::newRow("outbox rows don't")
+            << u"envios"_s << Msg::Yes << true << QStringList{pregunta};
+        QTest::newRow("history rows don't")
+            << u"HEnvios"_s << Msg::Yes << true << QStringList{pregunta};
+        QTest::newRow("answered no") << QString() << Msg::No << false << QStringList{pregunta};
+    }
+    void deletionAskedAndRefused() {
+        QFETCH(QString, tabla);
+        QFETCH(int, respuesta);
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        cuenta(1, u"Uno"_s, 1);
+        cuenta(2, u"Dos"_s);
+        if (tabla == u"Abonados"_s)
+            Conexion().exec(
+                u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','a',2)"_s);
+        else if (tabla == u"envios"_s)
+            Conexion().exec(
+                u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
+        else if (tabla == u"HEnvios"_s)
+            Conexion().exec(u"INSERT INTO HEnvios (Canal,Abonado,Mensaje) VALUES (2,'x','m')"_s);
+        QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
+        QTEST(msEliminarCuenta(2), "borrada");
+        QTEST(cajas(ui), "mensajes");
+        QFETCH(bool, borrada);
+        QCOMPARE(fila(2) == u"-"_s, borrada);
+        QCOMPARE(avisos.count(), borrada ? 1 : 0);
+    }
+
+    void makePrincipal_data() {
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<QList<int>>("despues");
+        QTest::newRow("yes") << Msg::Yes << QList<int>{2};
+        QTest::newRow("no changes nothing") << Msg::No << QList<int>{1};
+    }
+    void makePrincipal() {
+        QFETCH(int, respuesta);
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        cuenta(1, u"Uno"_s, 1);
+        cuenta(2, u"L'Hospitalet"_s);
+        msHacerPrincipal(2, u"L'Hospitalet"_s);
+        QCOMPARE(cajas(ui), QStringList{u"308 Quiere establecer la Cuenta 'L'Hospitalet' como "
+                                        u"Cuenta Principal de Envío?"_s});
+        QTEST(principales(), "despues");
+    }
+
+    // The balance from the list: stored by the exchange, or told in a box.
+    void balanceOutcomes_data() {
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<QString>("saldo");
+        QTest::addColumn<QStringList>("mensajes");
+        QTest::newRow("accepted") << u"demo"_s << true << u"100"_s << QStringList{};
+        QTest::newRow("refused") << u"mala"_s << true << u"7"_s
+                                 << QStringList{u"272 "_s + kDenegada};
+        QTest::newRow("no connection")
+            << u"demo"_s << false << u"7"_s
+            << QStringList{
+                   u"272 Error de conexión. Imposible conectar con Quelmo Mensajes, "
+                   u"revise su conexión a Internet."_s};
+    }
+    void balanceOutcomes() {
+        QFETCH(QString, clave);
+        QFETCH(bool, conectar);
+        ScriptedInterface ui;
+        cuenta(1, u"Uno"_s, 1, u"demo"_s, clave);
+        Conexion().exec(u"update canales set Host = ?"_s,
+                        {conectar ? sim->host() : u"http://127.0.0.1:1"_s});
+        QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
+        msVerSaldo(1);
+        QTEST(textoDe(Conexion().query(u"select saldo from canales"_s).value(0, 0)), "saldo");
+        QTEST(cajas(ui), "mensajes");
+        QCOMPARE(avisos.count(), 1);
+    }
+
+    // The editor's save: the platform is asked first, and its answer decides.
+    void editorSaveAfterVerification_data() {
+        QTest::addColumn<bool>("edicion");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<int>("remopc");
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QList<int>>("respuestas");
+        QTest::addColumn<int>("resultado");  // Guardado
+        QTest::addColumn<QString>("guardada");
+        QTest::addColumn<QStringList>("mensajes");
+        const QString pregunta =
+            u"276 "_s + kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s;
+        const int ok = int(Guardado::Guardada);
+        QTest::newRow("new, accepted, sender from the mobile")
+            << false << u"demo"_s << true << 1 << u"sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|sms.test|demo|demo|100|0|600123456|1|0034600123456|160"_s
+            << QStringList{};
+        QTest::newRow("new, refused and kept with balance 0")
+            << false << u"mala"_s << true << 2 << u"sms.test"_s << QList<int>{Msg::Yes} << ok
+            << u"L'Hospitalet|sms.test|demo|mala|0|0|MiTienda|2||160"_s << QStringList{pregunta};
+        QTest::newRow("new, refused and dropped")
+            << false << u"mala"_s << true << 2 << u"sms.test"_s << QList<int>{Msg::No}
+            << int(Guardado::Descartada) << u"-"_s << QStringList{pregunta};
+        QTest::newRow("new, no connection: saved with the answer as balance")
+            << false << u"demo"_s << false << 0 << u"sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|sms.test|demo|demo|-2|0|MiTienda|0||160"_s << QStringList{};
+        QTest::newRow("new, empty host stays open")
+            << false << u"demo"_s << true << 0 << QString() << QList<int>{}
+            << int(Guardado::Incompleta) << u"-"_s
+            << QStringList{u"0 Valor no valido para el parametro HOST REMOTO"_s};
+        QTest::newRow("edit gains the scheme, balance untouched, maxmen back to 160")
+            << true << u"demo"_s << true << 0 << u"sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|HTTP://sms.test|demo|demo|7|1|MiTienda|0|0034600123456|160"_s
+            << QStringList{};
+        QTest::newRow("edit keeps a scheme in any case")
+            << true << u"demo"_s << true << 0 << u"http://sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|http://sms.test|demo|demo|7|1|MiTienda|0|0034600123456|160"_s
+            << QStringList{};
+        QTest::newRow("edit refused and kept empties the mobile")
+            << true << u"mala"_s << true << 1 << u"sms.test"_s << QList<int>{Msg::Yes} << ok
+            << u"L'Hospitalet|HTTP://sms.test|demo|mala|7|1||1||160"_s << QStringList{pregunta};
+    }
+    void editorSaveAfterVerification() {
+        QFETCH(bool, edicion);
+        QFETCH(QString, clave);
+        QFETCH(bool, conectar);
+        QFETCH(int, remopc);
+        QFETCH(QString, host);
+        QFETCH(QList<int>, respuestas);
+        ScriptedInterface ui;
+        ui.answers = respuestas;
+        plataforma(*sim, conectar);
+        // A number from an earlier exchange never reaches this account.
+        appState().MovilCuenta = u"0034699999999"_s;
+        if (edicion) {
+            cuenta(3, u"Vieja"_s, 1, u"otro"_s, u"otra"_s);
+            Conexion().exec(u"update canales set maxmen = 90, movil = '0034611111111'"_s);
+        }
+        DatosCuenta d = msCuentaNueva();
+        d.nombre = u"L'Hospitalet"_s;
+        d.host = host;
+        d.usuario = u"demo"_s;
+        d.clave = clave;
+        d.remopc = remopc;
+        d.remitente = u"MiTienda"_s;
+        QTEST(int(msGuardarCuenta(d, edicion, 3)), "resultado");
+        QTEST(fila(3), "guardada");
+        QTEST(cajas(ui), "mensajes");
+    }
+
+    // First run: the checks in their order, then the platform, then the row.
+    void firstRunAccount_data() {
+        QTest::addColumn<QString>("usuario");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<QString>("clave2");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<bool>("existente");  // a principal account without user
+        QTest::addColumn<int>("resultado");   // AltaInicial
+        QTest::addColumn<QString>("mensaje");
+        QTest::addColumn<int>("canal");
+        QTest::addColumn<QString>("guardada");
+        const int mal = int(AltaInicial::Invalida);
+        const QString exito =
+            u"64 Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
+            u"aplicación\nPuede acceder a la configuración de cuentas para personalizar su "
+            u"cuenta"_s;
+        QTest::newRow("passwords differ, checked first")
+            << QString() << u"a"_s << u"b"_s << true << false << mal
+            << u"16 Los datos insertados en los campos Contraseña no coinciden, inserte de "
+               u"nuevo la Contraseña"_s
+            << 0 << u"-"_s;
+        QTest::newRow("all empty: the user is missing")
+            << QString() << QString() << QString() << true << false << mal
+            << u"16 Debe dar valor al campo USUARIO"_s << 0 << u"-"_s;
+        QTest::newRow("empty password")
+            << u"demo"_s << QString() << QString() << true << false << mal
+            << u"16 Debe dar valor al campo CONTRASEÑA"_s << 0 << u"-"_s;
+        QTest::newRow("refused by the platform")
+            << u"demo"_s << u"mala"_s << u"mala"_s << true << false << mal
+            << u"16 "_s + kDenegada.chopped(1) + u", verifique sus datos"_s << 0 << u"-"_s;
+        QTest::newRow("the first account has code 0")
+            << u"demo"_s << u"demo"_s << u"demo"_s << true << false << int(AltaInicial::Hecha)
+            << exito << 0 << u"Cuenta_demo|HTTP://%1|demo|demo|100|1||0|0034600123456|160"_s;
+        QTest::newRow("beside an unusable principal: next code, a second principal")
+            << u"demo"_s << u"demo"_s << u"demo"_s << true << true << int(AltaInicial::Hecha)
+            << exito << 5 << u"Cuenta_demo|HTTP://%1|demo|demo|100|1||0|0034600123456|160"_s;
+        QTest::newRow("no connection is not told apart")
+            << u"demo"_s << u"demo"_s << u"demo"_s << false << false << int(AltaInicial::Hecha)
+            << exito << 0 << u"Cuenta_demo|HTTP://127.0.0.1:1|demo|demo|-2|1||0||160"_s;
+    }
+    void firstRunAccount() {
+        QFETCH(QString, usuario);
+        QFETCH(QString, clave);
+        QFETCH(QString, clave2);
+        QFETCH(bool, conectar);
+        QFETCH(bool, existente);
+        QFETCH(int, canal);
+        QFETCH(QString, guardada);
+        ScriptedInterface ui;
+        plataforma(*sim, conectar);
+        if (existente) cuenta(4, u"Vacía"_s, 1, QString(), QString());
+        QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
+        QTEST(int(msAltaInicial(usuario, clave, clave2)), "resultado");
+        QTEST(cajas(ui).join(u" / "_s), "mensaje");
+        QCOMPARE(fila(canal), QString(guardada).replace(u"%1"_s, sim->host().mid(7)));
+        QCOMPARE(principales().size(), guardada == u"-"_s ? int(existente) : 1 + int(existente));
+        QCOMPARE(avisos.count(), guardada == u"-"_s ? 0 : 1);
+    }
+
+    void firstRunInsertRefusedOpensSelection() {
+        ScriptedInterface ui;
+        Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
+        QCOMPARE(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s), AltaInicial::FalloBase);
+        QCOMPARE(cajas(ui),
+                 (QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor favor "
+                              u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s,
+                              u"16 No pudo completarse con éxito la configuración, verifique "
+                              u"los datos"_s}));
+        QCOMPARE(ui.selectDatabaseShown, 1);
+    }
+
+    // At start: set-up, the editor, or one balance exchange.
+    void startupFirstRunLogic_data() {
+        QTest::addColumn<QString>("usuario");  // of the principal; null: no account
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("editorCompleta");  // the editor stores the credentials
+        QTest::addColumn<QString>("editor");       // what opened, "" none
+        QTest::addColumn<int>("avisos");           // first-run set-up shown
+        QTest::addColumn<QString>("saldo");
+        QTest::newRow("no account: the set-up")
+            << QString() << QString() << false << QString() << 1 << QString();
+        QTest::newRow("usable: one exchange refreshes the balance")
+            << u"demo"_s << u"demo"_s << false << QString() << 0 << u"100"_s;
+        QTest::newRow("no password: the editor, completed")
+            << u"demo"_s << u""_s << true << u"edit 1"_s << 0 << u"7"_s;
+        QTest::newRow("no user: the editor, left, then the set-up")
+            << u""_s << u"demo"_s << false << u"edit 1"_s << 1 << u"7"_s;
+    }
+    void startupFirstRunLogic() {
+        QFETCH(QString, usuario);
+        QFETCH(QString, clave);
+        QFETCH(bool, editorCompleta);
+        ScriptedInterface ui;
+        QStringList abierto;
+        Pantallas::registrar(u"frmNewCanal.Principal"_s, [&] {
+            abierto << u"edit "_s + QString::number(msCanalPrincipal());
+            if (editorCompleta)
+                Conexion().exec(u"update canales set usuario='demo', clave=?"_s,
+                                {msCifrarClave(u"demo"_s, true)});
+        });
+        if (!usuario.isNull()) {
+            cuenta(1, u"Uno"_s, 1, usuario, clave);
+            Conexion().exec(u"update canales set Host = ?"_s, {sim->host()});
+        }
+        msPrimeraVez();
+        Pantallas::registrar(u"frmNewCanal.Principal"_s, [] {});
+        QTEST(abierto.join(u','), "editor");
+        QTEST(ui.firstRunShown, "avisos");
+        QTEST(enteros(u"select saldo from canales"_s).isEmpty()
+                  ? QString()
+                  : QString::number(enteros(u"select saldo from canales"_s).first()),
+              "saldo");
+    }
+};
+
+QUELMO_TEST_MAIN(TestCuentas)
+#include "test_cuentas.moc"
