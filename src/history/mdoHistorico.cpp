@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -50,10 +51,16 @@ const std::array<uint32_t, 0x10000>& pesos() {
 // Walks a UTF-8 text as the UTF-16 units that the rule weighs.
 class Unidades {
   public:
-    Unidades(const char* p, const char* fin)
+    Unidades(const char* p, const char* fin, char16_t pendiente = 0)
         : m_p(reinterpret_cast<const unsigned char*>(p)),
           m_fin(reinterpret_cast<const unsigned char*>(fin)),
-          m_pesos(pesos().data()) {}
+          m_pesos(pesos().data()),
+          m_pendiente(pendiente) {}
+
+    // Where the walk stands: the next byte, and the second half of a
+    // character outside the basic plane still to come.
+    const char* posicion() const { return reinterpret_cast<const char*>(m_p); }
+    char16_t pendiente() const { return m_pendiente; }
 
     // The next unit's weight; 0 at the end.
     uint32_t siguiente() {
@@ -89,7 +96,7 @@ class Unidades {
     const unsigned char* m_p;
     const unsigned char* m_fin;
     const uint32_t* m_pesos;
-    char16_t m_pendiente = 0;
+    char16_t m_pendiente;
 };
 
 int comparar(const char* a, const char* finA, const char* b, const char* finB) {
@@ -101,12 +108,47 @@ int comparar(const char* a, const char* finA, const char* b, const char* finB) {
     }
 }
 
-// The first three weights in one number: most comparisons end there.
-uint64_t prefijo(const char* a, const char* fin) {
-    Unidades x(a, fin);
+// A text sorts by pieces of three weights packed in one number: the rows
+// are sorted by the first piece, then each run of equal pieces by the next
+// one, so no comparison ever walks a long shared beginning again.
+constexpr int kBitsPeso = 18;
+constexpr uint64_t kUltimoPeso = (uint64_t(1) << kBitsPeso) - 1;
+
+struct Trozo {
+    uint64_t k;
+    const char* resto;  // what the pieces so far left of the text
+    const char* fin;
+    uint32_t pos;  // the row's place before the sort: equal texts keep it
+    char16_t pendiente;
+};
+
+void siguienteTrozo(Trozo& t) {
+    Unidades x(t.resto, t.fin, t.pendiente);
     uint64_t k = 0;
-    for (int i = 0; i < 3; ++i) k = (k << 18) | x.siguiente();
-    return k;
+    for (int i = 0; i < 3; ++i) k = (k << kBitsPeso) | x.siguiente();
+    t.k = k;
+    t.resto = x.posicion();
+    t.pendiente = x.pendiente();
+}
+
+void ordenarTrozos(Trozo* b, Trozo* e, bool descendente) {
+    const auto antes = [descendente](const Trozo& x, const Trozo& y) {
+        if (x.k != y.k) return descendente ? x.k > y.k : x.k < y.k;
+        return x.pos < y.pos;
+    };
+    // Texts that share a long beginning come here many times already in
+    // order: only a check then.
+    if (!std::is_sorted(b, e, antes)) std::sort(b, e, antes);
+    for (Trozo* i = b; i < e;) {
+        Trozo* j = i + 1;
+        while (j < e && j->k == i->k) ++j;
+        // A piece that ends in 0 ended its text: the run is of equal texts.
+        if (j - i > 1 && (i->k & kUltimoPeso) != 0) {
+            for (Trozo* t = i; t < j; ++t) siguienteTrozo(*t);
+            ordenarTrozos(i, j, descendente);
+        }
+        i = j;
+    }
 }
 
 // "yyyy-MM-dd HH:mm:ss" (or a bare date) as yyyyMMddhhmmss; 0 for
@@ -168,16 +210,29 @@ void Historico::limpiar() {
     m_cuenta.clear();
     m_resultado.clear();
     m_distintos.clear();
+    m_utf8.clear();
     m_indice.clear();
+    m_recientes.fill(UINT32_MAX);
 }
 
 uint32_t Historico::internar(const char* t, int n) {
+    // Neighbouring rows mostly repeat a recent value: look there first.
+    for (uint32_t id : m_recientes)
+        if (id < m_utf8.size() && m_utf8[id].size() == n &&
+            std::memcmp(m_utf8[id].constData(), t, size_t(n)) == 0)
+            return id;
     const QByteArray clave = QByteArray::fromRawData(t, n);
     const auto it = m_indice.constFind(clave);
-    if (it != m_indice.cend()) return *it;
-    const auto id = uint32_t(m_distintos.size());
-    m_distintos.append(QString::fromUtf8(t, n));
-    m_indice.insert(QByteArray(t, n), id);
+    uint32_t id;
+    if (it != m_indice.cend()) {
+        id = *it;
+    } else {
+        id = uint32_t(m_distintos.size());
+        m_distintos.append(QString::fromUtf8(t, n));
+        m_utf8.push_back(QByteArray(t, n));
+        m_indice.insert(m_utf8.back(), id);
+    }
+    m_recientes[m_siguienteReciente++ % m_recientes.size()] = id;
     return id;
 }
 
@@ -195,8 +250,7 @@ void Historico::cargar() {
     sqlite3* h = bd.handle();
     sqlite3_stmt* s = nullptr;
     const char* sql =
-        "SELECT Registro, Abonado, coalesce(crem, Canal), Mensaje, Resultado "
-        "FROM HEnvios ORDER BY Registro DESC";
+        "SELECT Registro, Abonado, coalesce(crem, Canal), Mensaje, Resultado FROM HEnvios";
     if (!h || sqlite3_prepare_v2(h, sql, -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
         throw DbError(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
@@ -228,8 +282,17 @@ void Historico::cargar() {
         limpiar();
         throw DbError(error, ErrNum::Database);
     }
-    m_orden.resize(m_fecha.size());
-    for (uint32_t i = 0; i < m_orden.size(); ++i) m_orden[i] = i;
+    // The table is read in its own order, which is the order of delivery,
+    // faster than through the date's index; newest first is then mostly a
+    // reversal. Of equal dates the later row comes first.
+    const auto filas = uint32_t(m_fecha.size());
+    m_orden.resize(filas);
+    for (uint32_t i = 0; i < filas; ++i) m_orden[i] = filas - 1 - i;
+    const auto masReciente = [this](uint32_t a, uint32_t b) {
+        return m_fecha[a] != m_fecha[b] ? m_fecha[a] > m_fecha[b] : a > b;
+    };
+    if (!std::is_sorted(m_orden.begin(), m_orden.end(), masReciente))
+        std::sort(m_orden.begin(), m_orden.end(), masReciente);
 }
 
 QString Historico::textoPropio(uint32_t i, int columna) const {
@@ -286,45 +349,35 @@ std::vector<uint32_t> Historico::rangosInternados() const {
 
 void Historico::ordenar(int columna, bool descendente) {
     const size_t n = m_orden.size();
-    struct Clave {
-        uint64_t k;
-        uint32_t pos;
-    };
-    std::vector<Clave> claves(n);
-    const bool porTexto = columna == Numero || columna == Mensaje;
-    const size_t desplazamiento = columna == Mensaje ? 1 : 0;
-    const char* base = m_textos.constData();
-    auto extremos = [&](uint32_t i) {
-        const size_t k = size_t(i) * 2 + desplazamiento;
-        return std::pair{base + m_cortes[k], base + m_cortes[k + 1]};
-    };
-    std::vector<uint32_t> rango;
-    if (columna == Cuenta || columna == Resultado) rango = rangosInternados();
-    for (uint32_t pos = 0; pos < n; ++pos) {
-        const uint32_t i = m_orden[pos];
-        uint64_t k = 0;
-        if (columna == Enviado || columna == Id)
-            k = uint64_t(m_fecha[i]);
-        else if (columna == Cuenta)
-            k = rango[m_cuenta[i]];
-        else if (columna == Resultado)
-            k = rango[m_resultado[i]];
-        else if (porTexto) {
-            const auto [a, fin] = extremos(i);
-            k = prefijo(a, fin);
+    std::vector<Trozo> claves(n);
+    if (columna == Numero || columna == Mensaje) {
+        const size_t desplazamiento = columna == Mensaje ? 1 : 0;
+        const char* base = m_textos.constData();
+        for (uint32_t pos = 0; pos < n; ++pos) {
+            const size_t k = size_t(m_orden[pos]) * 2 + desplazamiento;
+            claves[pos] = {0, base + m_cortes[k], base + m_cortes[k + 1], pos, 0};
+            siguienteTrozo(claves[pos]);
         }
-        claves[pos] = {k, pos};
+        ordenarTrozos(claves.data(), claves.data() + n, descendente);
+    } else {
+        std::vector<uint32_t> rango;
+        if (columna == Cuenta || columna == Resultado) rango = rangosInternados();
+        for (uint32_t pos = 0; pos < n; ++pos) {
+            const uint32_t i = m_orden[pos];
+            uint64_t k = 0;
+            if (columna == Cuenta)
+                k = rango[m_cuenta[i]];
+            else if (columna == Resultado)
+                k = rango[m_resultado[i]];
+            else
+                k = uint64_t(m_fecha[i]);
+            claves[pos] = {k, nullptr, nullptr, pos, 0};
+        }
+        std::sort(claves.begin(), claves.end(), [descendente](const Trozo& x, const Trozo& y) {
+            if (x.k != y.k) return descendente ? x.k > y.k : x.k < y.k;
+            return x.pos < y.pos;
+        });
     }
-    std::sort(claves.begin(), claves.end(), [&](const Clave& x, const Clave& y) {
-        if (x.k != y.k) return descendente ? x.k > y.k : x.k < y.k;
-        if (porTexto) {
-            const auto [a, finA] = extremos(m_orden[x.pos]);
-            const auto [b, finB] = extremos(m_orden[y.pos]);
-            const int r = comparar(a, finA, b, finB);
-            if (r != 0) return descendente ? r > 0 : r < 0;
-        }
-        return x.pos < y.pos;
-    });
     std::vector<uint32_t> orden(n);
     for (size_t f = 0; f < n; ++f) orden[f] = m_orden[claves[f].pos];
     m_orden = std::move(orden);

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -47,7 +48,10 @@ class Historico {
     std::vector<uint32_t> m_cortes;
     std::vector<uint32_t> m_cuenta, m_resultado;  // into m_distintos
     QStringList m_distintos;
+    std::vector<QByteArray> m_utf8;  // the same, as stored
     QHash<QByteArray, uint32_t> m_indice;
+    std::array<uint32_t, 4> m_recientes{UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX};
+    size_t m_siguienteReciente = 0;
 };
 
 // The sort key of the date column: "yyyymmddhhnnss".
