@@ -4,7 +4,9 @@
 // needs, from the same run.
 #include "TestSupportGui.h"
 #include "db/Conexion.h"
+#include "history/frmEmergencias.h"
 #include "history/frmHEnvios.h"
+#include "widgets/Listado.h"
 
 #include <sqlite3.h>
 #include <QApplication>
@@ -182,5 +184,33 @@ int main(int argc, char** argv) {
     cifra("delete older than + list back", borrarYRecargar, sqlBorrar, "(DELETE, rolled back)");
     cifra("  of which the list back", recargar, sqlRecargar, "(rows left, table order)");
     delete pantalla;
+
+    // 2,000 multi-sends of every kind of schedule, ten recipients each.
+    bd.begin();
+    bd.exec(
+        u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+        u"INSERT INTO Automaticos (Codigo, Nombre, TareaProgramada, Hora, Periodicidad, "
+        u"FechaIni, FechaFin, Cada, DiasSemana, MensualEsDia, MensualDiaMes, MensualNumSemana, "
+        u"MensualDiaSemana, AnualDia, AnualMes, UltimaTarea) "
+        u"SELECT i, 'Programado ' || i, i % 7 <> 0, '2006-01-02 09:00:00', i % 5, "
+        u"'2023-01-01 00:00:00', '9999-12-31 00:00:00', 1 + i % 3, 1 + i % 127, i % 2, "
+        u"1 + i % 28, 1 + i % 5, 1 + i % 7, 1 + i % 28, 1 + i % 12, "
+        u"CASE WHEN i % 3 = 0 THEN NULL ELSE '2024-05-01 09:00:00' END FROM n"_s);
+    bd.exec(
+        u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 19999) "
+        u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) "
+        u"SELECT 1 + i / 10, '0034' || (600000000 + i), 'Aviso ' || i FROM n"_s);
+    bd.commit();
+    const Medida sqlEmergencias = sqlDesnudo(
+        "SELECT *, (SELECT count(Automatico) FROM AboAuto WHERE Automatico = "
+        "Automaticos.Codigo) FROM Automaticos ORDER BY Codigo");
+    r.reiniciar();
+    auto* emergencias = new frmEmergencias;
+    emergencias->show();
+    QCoreApplication::processEvents();
+    cifra("frmEmergencias open (2,000 multi-sends)", medir(r), sqlEmergencias,
+          "(rows with their counts)");
+    std::printf("  %d lines\n", emergencias->ListView1->modelo()->rowCount());
+    delete emergencias;
     return 0;
 }

@@ -78,6 +78,7 @@ frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
     v->addWidget(Frame1);
     v->addWidget(Label2);
     v->addWidget(Label7);
+    v->addStretch(1);
     v->addLayout(botones);
     resize(520, 400);
 

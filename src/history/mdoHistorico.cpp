@@ -322,26 +322,21 @@ QString Historico::texto(int fila, int columna) const {
 }
 
 std::vector<uint32_t> Historico::rangosInternados() const {
-    std::vector<uint32_t> orden(size_t(m_distintos.size()));
-    std::vector<QByteArray> utf8;
-    utf8.reserve(orden.size());
-    for (uint32_t i = 0; i < orden.size(); ++i) {
-        orden[i] = i;
-        utf8.push_back(m_distintos.at(i).toUtf8());
-    }
+    std::vector<uint32_t> orden(m_utf8.size());
+    for (uint32_t i = 0; i < orden.size(); ++i) orden[i] = i;
+    auto comparados = [this](uint32_t a, uint32_t b) {
+        const QByteArray &x = m_utf8[a], &y = m_utf8[b];
+        return comparar(x.cbegin(), x.cend(), y.cbegin(), y.cend());
+    };
     std::sort(orden.begin(), orden.end(), [&](uint32_t a, uint32_t b) {
-        const QByteArray &x = utf8[a], &y = utf8[b];
-        const int r = comparar(x.cbegin(), x.cend(), y.cbegin(), y.cend());
+        const int r = comparados(a, b);
         return r != 0 ? r < 0 : a < b;
     });
     // Equal texts under the rule share a rank, so the sort keeps their order.
     std::vector<uint32_t> rango(orden.size());
     uint32_t r = 0;
     for (size_t k = 0; k < orden.size(); ++k) {
-        if (k > 0) {
-            const QByteArray &x = utf8[orden[k - 1]], &y = utf8[orden[k]];
-            if (comparar(x.cbegin(), x.cend(), y.cbegin(), y.cend()) != 0) ++r;
-        }
+        if (k > 0 && comparados(orden[k - 1], orden[k]) != 0) ++r;
         rango[orden[k]] = r;
     }
     return rango;
