@@ -4,6 +4,7 @@
 #include "addressbook/frmGrupos.h"
 #include "addressbook/frmMenPro.h"
 #include "addressbook/frmSelecMenPro.h"
+#include "addressbook/frmSubirListaWeb.h"
 #include "base/Pantallas.h"
 #include "widgets/PantallasHijas.h"
 
@@ -12,12 +13,16 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// The publication screen opens with the list it publishes. Its registry
-// name opens it until the screen exists; the screen then takes the list
-// here, in its constructor or a preparing call, before it is shown.
+// The publication screen opens on the list the lists screen chose; through
+// the registry, so the lists screen knows nothing of it.
 void abrirPublicacionLista(const frmGrupos::ListaElegida& lista) {
-    Q_UNUSED(lista);
-    Pantallas::abrir(u"frmSubirListaWeb"_s);
+    Pantallas::abrir(u"frmSubirListaWeb"_s, QVariant(int(lista.grupo)));
+}
+
+void publicarLista(int16_t grupo) {
+    frmSubirListaWeb pantalla(ventanaPadreModal());
+    pantalla.msCargarDatos(grupo);
+    pantalla.exec();
 }
 }  // namespace
 
@@ -35,6 +40,10 @@ void registrarPantallasAgenda() {
                          [] { PantallasHijas::show(PantallasHijas::instance<frmMenPro>()); });
     Pantallas::registrar(u"frmNewUser"_s,
                          [] { frmAbonados::msNuevoContacto(ventanaPadreModal()); });
+    // The publication opens on a list's code.
+    Pantallas::registrarConDato(u"frmSubirListaWeb"_s, [](const QVariant& grupo) {
+        publicarLista(int16_t(grupo.toInt()));
+    });
     Pantallas::registrar(u"frmSelecMenPro"_s, [] {
         frmSelecMenPro picker(ventanaPadreModal());
         picker.exec();

@@ -10,6 +10,7 @@
 #include "composition/PantallasEnvio.h"
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
+#include "history/PantallasHistorico.h"
 #include "scheduling/PantallasProgramacion.h"
 
 #include <QApplication>
@@ -56,4 +57,5 @@ void registrarTodas() {
     registrarPantallasAgenda();
     registrarPantallasEnvio();
     registrarPantallasProgramacion();
+    registrarPantallasHistorico();
 }

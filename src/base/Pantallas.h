@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <functional>
 
 // The screens of the subsystems, reached by name. The frame's menu and the
@@ -17,5 +18,13 @@ void registrar(const QString& nombre, Abridor abrir);
 // Opens the screen; false when no screen of that name is registered.
 bool abrir(const QString& nombre);
 bool existe(const QString& nombre);
+
+// A screen that opens on one item (e.g. the scheduled message editor on a
+// multi-send's code) registers with a datum; `abrir(nombre, dato)` hands
+// it over. Opened by name alone it gets a null datum, and a screen
+// registered without one ignores the datum.
+using AbridorConDato = std::function<void(const QVariant& dato)>;
+void registrarConDato(const QString& nombre, AbridorConDato abrir);
+bool abrir(const QString& nombre, const QVariant& dato);
 
 }  // namespace Pantallas

@@ -1,0 +1,128 @@
+#include "addressbook/frmSubirListaWeb.h"
+
+#include "addressbook/mdoPublicar.h"
+#include "base/AppState.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateTime>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QThread>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmSubirListaWeb"_s);
+    setWindowTitle(u"Publicar Lista Web"_s);
+    setWindowIcon(iconoQuelmo(u"listas"_s));
+
+    Frame1 = new QGroupBox(u"Datos de Lista"_s, this);
+    Frame1->setObjectName(u"Frame1"_s);
+    auto campo = [this](const QString& nombre, bool soloLectura) {
+        auto* e = new QLineEdit(Frame1);
+        e->setObjectName(nombre);
+        e->setReadOnly(soloLectura);
+        return e;
+    };
+    Nombre = campo(u"Nombre"_s, true);
+    contactos = campo(u"contactos"_s, true);
+    ltag = campo(u"ltag"_s, false);
+    // The platform takes keywords of plain letters and digits only.
+    ltag->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(u"[A-Za-z0-9]*"_s), ltag));
+    ImageCombo1 = new QComboBox(Frame1);
+    ImageCombo1->setObjectName(u"ImageCombo1"_s);
+    ImageCombo1->setPlaceholderText(u"No hay Cuentas"_s);
+    ImageCombo1->setMinimumWidth(260);
+    nborrar = new QCheckBox(u"Borrar números de lista Web antes de publicar **"_s, Frame1);
+    nborrar->setObjectName(u"nborrar"_s);
+
+    auto* formulario = new QFormLayout(Frame1);
+    formulario->addRow(u"Nombre de Lista Local"_s, Nombre);
+    formulario->addRow(u"Numero de Contactos"_s, contactos);
+    formulario->addRow(u"Nombre de Lista Web *"_s, ltag);
+    formulario->addRow(u"Cuenta"_s, ImageCombo1);
+    formulario->addRow(nborrar);
+
+    auto nota = [this](const QString& nombre, const QString& texto) {
+        auto* l = new QLabel(texto, this);
+        l->setObjectName(nombre);
+        l->setWordWrap(true);
+        return l;
+    };
+    Label2 =
+        nota(u"Label2"_s,
+             u"* Introduza un nombre para su lista Web. Si ya existe alguna lista con esta "
+             u"palabra clave en sus Listas Web esta se actualizará, sino se creará una nueva."_s);
+    Label7 = nota(u"Label7"_s,
+                  u"** Marque esta opción si desea borrar el contenido actual de la Lista Web. Si "
+                  u"esta opción está desmarcada la lista Web se actualizará."_s);
+
+    cmdPublicar = botonConNombre(this, u"cmdPublicar"_s, u"Publicar Lista Web"_s);
+    XPButton1 = botonConNombre(this, u"XPButton1"_s, u"Cerrar"_s);
+    auto* botones = new QHBoxLayout;
+    botones->addStretch(1);
+    botones->addWidget(cmdPublicar);
+    botones->addWidget(XPButton1);
+
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(Frame1);
+    v->addWidget(Label2);
+    v->addWidget(Label7);
+    v->addStretch(1);
+    v->addLayout(botones);
+    resize(520, 400);
+
+    connect(cmdPublicar, &QPushButton::clicked, this, &frmSubirListaWeb::cmdPublicar_Click);
+    connect(XPButton1, &QPushButton::clicked, this, &QDialog::reject);
+    msCargarCanales();
+}
+
+void frmSubirListaWeb::msCargarCanales() {
+    ImageCombo1->clear();
+    for (const CuentaPublicacion& c : msCuentasPublicacion()) {
+        ImageCombo1->addItem(iconoQuelmo(u"cuentas"_s), c.texto, c.clave);
+        if (c.principal) ImageCombo1->setCurrentIndex(ImageCombo1->count() - 1);
+    }
+}
+
+void frmSubirListaWeb::msCargarDatos(int16_t grupo) {
+    m_grupo = grupo;
+    QString nombre, cuantos;
+    if (!msDatosLista(grupo, &nombre, &cuantos)) return;
+    Nombre->setText(nombre);
+    contactos->setText(cuantos);
+}
+
+void frmSubirListaWeb::cmdPublicar_Click() {
+    if (ltag->text().isEmpty()) {
+        ui().msgBox(u"Escriba un nombre para publicar su Lista Web"_s, Msg::Exclamation,
+                    u"Publicación Lista Web"_s);
+        return;
+    }
+    // Without an account there is nothing to publish through.
+    if (ImageCombo1->currentIndex() < 0) return;
+    const int16_t canal = int16_t(ImageCombo1->currentData().toString().mid(1).toInt());
+
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    setEnabled(false);
+    ui().processEvents();
+    const qint64 inicio = QDateTime::currentSecsSinceEpoch();
+    msPublicarLista(u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked());
+    // Not again within the same second: a double click publishes once.
+    while (QDateTime::currentSecsSinceEpoch() <= inicio) {
+        ui().processEvents();
+        QThread::msleep(20);
+    }
+    setEnabled(true);
+    QApplication::restoreOverrideCursor();
+}

@@ -1,0 +1,129 @@
+#include "addressbook/mdoPublicar.h"
+
+#include "base/AppState.h"
+#include "base/Cifrado.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
+#include "delivery/qmXMLSend.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString& tituloPublicacion() {
+    static const QString t = u"Publicación de lista"_s;
+    return t;
+}
+
+struct DatosCuenta {
+    QString usuario, clave, host;
+};
+
+bool leerCuenta(int16_t canal, DatosCuenta* c) {
+    const QueryResult r = Conexion().query(
+        u"SELECT canal, host, puerto, usuario, clave FROM Canales WHERE canal = ?"_s, {canal});
+    if (r.isEmpty()) return false;
+    c->usuario = textoDe(r.value(0, u"usuario"_s));
+    c->clave = textoDe(r.value(0, u"clave"_s));
+    c->host = textoDe(r.value(0, u"host"_s));
+    return true;
+}
+
+}  // namespace
+
+QList<CuentaPublicacion> msCuentasPublicacion() {
+    QList<CuentaPublicacion> cuentas;
+    try {
+        const QueryResult r = Conexion().query(u"SELECT * FROM Canales"_s);
+        for (int i = 0; i < r.recordCount(); ++i)
+            cuentas.append({textoDe(r.value(i, u"Nombre"_s)) + u" ("_s +
+                                textoDe(r.value(i, u"saldo"_s)) + u" SMS)"_s,
+                            u"c"_s + textoDe(r.value(i, u"canal"_s)),
+                            numeroDe(r.value(i, u"Principal"_s)) == 1});
+    } catch (const QuelmoError& e) {
+        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+    }
+    return cuentas;
+}
+
+bool msDatosLista(int16_t grupo, QString* nombre, QString* contactos) {
+    try {
+        const QueryResult r = Conexion().query(
+            u"SELECT Grupos.*, (SELECT count(*) FROM AboGrup WHERE AboGrup.Grupo = Grupos.Grupo) "
+            u"AS Contactos FROM Grupos WHERE Grupo = ?"_s,
+            {grupo});
+        if (r.isEmpty()) return false;
+        *nombre = textoDe(r.value(0, u"Nombre"_s));
+        *contactos = textoDe(r.value(0, u"Contactos"_s));
+        return true;
+    } catch (const QuelmoError& e) {
+        if (e.number() == ErrNum::ItemNotFound)
+            msBaseNoValida();
+        else
+            ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+        return false;
+    }
+}
+
+bool esPalabraClaveValida(const QString& ltag) {
+    for (const QChar c : ltag) {
+        const char16_t u = c.unicode();
+        if (!((u >= u'A' && u <= u'Z') || (u >= u'a' && u <= u'z') || (u >= u'0' && u <= u'9')))
+            return false;
+    }
+    return true;
+}
+
+ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const QString& ltag,
+                                     int16_t canal, bool nborrar) {
+    ResultadoPublicacion resultado;
+    try {
+        DatosCuenta cuenta;
+        leerCuenta(canal, &cuenta);
+        auto cliente = qmXMLSend::crear();
+        cliente->clave = msCifrarClave(cuenta.clave, false);
+        cliente->usuario = cuenta.usuario;
+        cliente->url = cuenta.host + u"/servlet/quelmoMessage.servlet.Servlet"_s;
+        cliente->EnviarTodo = true;
+        cliente->App = QCoreApplication::applicationName();
+        cliente->Remitente = QString();
+        cliente->ltag = ltag;
+        cliente->Lpass = QString();
+        cliente->Lborrar = u"0"_s;
+        cliente->nborrar = nborrar ? u"1"_s : u"0"_s;
+        cliente->Lresp = u"1"_s;
+        cliente->Lpri = u"D"_s;
+        cliente->Lacc = Lacc;
+        if (Lacc == u"U"_s || Lacc == u"S"_s) {
+            const QueryResult r = Conexion().query(
+                u"SELECT Abonados.Codigo, Abonados.Alias, Abonados.Comentario FROM Abonados "
+                u"INNER JOIN AboGrup ON Abonados.Codigo = AboGrup.Abonado "
+                u"WHERE AboGrup.Grupo = ?"_s,
+                {grupo});
+            for (int i = 0; i < r.recordCount(); ++i)
+                cliente->XMLMensajes.AddContacto(QString::number(i), textoDe(r.value(i, 0)),
+                                                 textoDe(r.value(i, 1)), textoDe(r.value(i, 2)));
+        }
+        cliente->SendParam = u"xml="_s;
+        QString nn, ff;
+        cliente->SendXMLLista(nn, ff);
+        ui().processEvents();
+        const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
+        resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
+    } catch (const QuelmoError&) {
+        // A failed exchange is the platform's failure to the user.
+        resultado = ResultadoPublicacion();
+    }
+    if (resultado.correcta)
+        ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
+                        resultado.CADD + u"\nContactos Actualizados: "_s + resultado.CUP +
+                        u"\nErrores : "_s + resultado.CERR +
+                        u"\n\nPuede comprobar sus listas en el menú /Contactos y Listas/Listas "
+                        u"Web."_s,
+                    Msg::Information, tituloPublicacion());
+    else
+        ui().msgBox(u"FALLO en la Publicación de Lista"_s, Msg::Critical, tituloPublicacion());
+    return resultado;
+}

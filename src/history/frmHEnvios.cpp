@@ -1,0 +1,181 @@
+#include "history/frmHEnvios.h"
+
+#include "base/Clock.h"
+#include "db/Database.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+#include "widgets/PantallasHijas.h"
+
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QRadioButton>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QStringList& cabeceras() {
+    static const QStringList c{u"Enviado      "_s, u"Número"_s,    u"Cuenta (Remitente)"_s,
+                               u"Mensaje"_s,       u"Resultado"_s, u"id"_s};
+    return c;
+}
+}  // namespace
+
+ModeloHistorico::ModeloHistorico(QObject* parent) : QAbstractTableModel(parent) {}
+
+int ModeloHistorico::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : m_historico.filas();
+}
+
+int ModeloHistorico::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : Historico::kColumnas;
+}
+
+QVariant ModeloHistorico::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || role != Qt::DisplayRole) return {};
+    return m_historico.texto(index.row(), index.column());
+}
+
+QVariant ModeloHistorico::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 &&
+        section < cabeceras().size())
+        return cabeceras().at(section);
+    return {};
+}
+
+void ModeloHistorico::cargar() {
+    beginResetModel();
+    try {
+        m_historico.cargar();
+    } catch (const DbError&) {
+        m_historico.limpiar();
+    }
+    endResetModel();
+}
+
+void ModeloHistorico::ordenar(int columna, bool descendente) {
+    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    m_historico.ordenar(columna, descendente);
+    // The selection is not carried over: a million persistent indexes
+    // would cost more than the sort.
+    changePersistentIndexList(persistentIndexList(), QModelIndexList(persistentIndexList().size()));
+    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+}
+
+frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHistorico(this)) {
+    setObjectName(u"frmHEnvios"_s);
+    setWindowTitle(u"Mensajes Enviados"_s);
+    setWindowIcon(iconoQuelmo(u"enviados"_s));
+
+    ListView1 = new QTreeView(this);
+    ListView1->setObjectName(u"ListView1"_s);
+    ListView1->setModel(m_modelo);
+    ListView1->setRootIsDecorated(false);
+    ListView1->setItemsExpandable(false);
+    ListView1->setUniformRowHeights(true);
+    ListView1->setAllColumnsShowFocus(true);
+    ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
+    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    QHeaderView* h = ListView1->header();
+    h->setSectionsClickable(true);
+    h->setSectionsMovable(false);
+    h->setStretchLastSection(false);
+    h->setSortIndicatorShown(true);
+    ListView1->setColumnWidth(Historico::Enviado, 140);
+    ListView1->setColumnWidth(Historico::Numero, 120);
+    ListView1->setColumnWidth(Historico::Cuenta, 130);
+    ListView1->setColumnWidth(Historico::Mensaje, 300);
+    ListView1->setColumnWidth(Historico::Resultado, 160);
+    // The date's sort key is there for the sort, not to be read.
+    ListView1->setColumnHidden(Historico::Id, true);
+
+    Frame1 = new QGroupBox(u"Eliminación de Mensajes Enviados"_s, this);
+    Frame1->setObjectName(u"Frame1"_s);
+    Option1_0 = new QRadioButton(u"Todos"_s, Frame1);
+    Option1_0->setObjectName(u"Option1_0"_s);
+    Option1_1 = new QRadioButton(u"Fecha anterior a:"_s, Frame1);
+    Option1_1->setObjectName(u"Option1_1"_s);
+    txtfecha = new QDateEdit(Clock::today(), Frame1);
+    txtfecha->setObjectName(u"txtfecha"_s);
+    txtfecha->setDisplayFormat(u"dd/MM/yyyy"_s);
+    txtfecha->setCalendarPopup(true);
+    XPButton1 = botonConNombre(Frame1, u"XPButton1"_s, u"Eliminar mensajes segun selección"_s);
+    auto* marco = new QHBoxLayout(Frame1);
+    marco->addWidget(Option1_0);
+    marco->addSpacing(12);
+    marco->addWidget(Option1_1);
+    marco->addWidget(txtfecha);
+    marco->addSpacing(12);
+    marco->addWidget(XPButton1);
+    marco->addStretch(1);
+
+    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Reenviar Mensaje Seleccionado"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
+    auto* botones = new QHBoxLayout;
+    botones->addWidget(XPButton2);
+    botones->addStretch(1);
+    botones->addWidget(cmdClose);
+
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(ListView1, 1);
+    v->addWidget(Frame1);
+    v->addLayout(botones);
+    resize(900, 520);
+
+    connect(Option1_1, &QRadioButton::toggled, txtfecha, &QDateEdit::setEnabled);
+    Option1_1->setChecked(true);
+    connect(h, &QHeaderView::sectionClicked, this, &frmHEnvios::ordenarPorColumna);
+    connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
+        if (i.isValid()) XPButton2_Click();
+    });
+    connect(XPButton1, &QPushButton::clicked, this, &frmHEnvios::XPButton1_Click);
+    connect(XPButton2, &QPushButton::clicked, this, &frmHEnvios::XPButton2_Click);
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+
+    msCargarHistorico();
+}
+
+void frmHEnvios::msCargarHistorico() {
+    m_modelo->cargar();
+    // The table comes newest first: that is the date's order, descending.
+    m_columna = Historico::Id;
+    m_descendente = true;
+    pintarCabecera();
+}
+
+void frmHEnvios::ordenarPorColumna(int columna) {
+    // The date shows day first: its header sorts by the hidden key.
+    const int clave = columna == Historico::Enviado ? Historico::Id : columna;
+    m_descendente = clave == m_columna ? !m_descendente : false;
+    m_columna = clave;
+    m_modelo->ordenar(m_columna, m_descendente);
+    pintarCabecera();
+}
+
+void frmHEnvios::pintarCabecera() {
+    const int visible = m_columna == Historico::Id ? int(Historico::Enviado) : m_columna;
+    ListView1->header()->setSortIndicator(visible,
+                                          m_descendente ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+int frmHEnvios::filaElegida() const {
+    const QModelIndexList filas = ListView1->selectionModel()->selectedRows();
+    return filas.isEmpty() ? -1 : filas.first().row();
+}
+
+void frmHEnvios::XPButton2_Click() {
+    const int f = filaElegida();
+    if (f < 0) return;
+    msReenviarMensaje(m_modelo->texto(f, Historico::Numero), m_modelo->texto(f, Historico::Mensaje),
+                      m_modelo->texto(f, Historico::Enviado));
+}
+
+void frmHEnvios::XPButton1_Click() {
+    const bool alcanzado =
+        Option1_0->isChecked() ? msBorrarTodos() : msBorrarAnteriores(txtfecha->text());
+    if (alcanzado) msCargarHistorico();
+}

@@ -1,0 +1,124 @@
+#include "history/mdoEmergencias.h"
+
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Pantallas.h"
+#include "db/Conexion.h"
+#include "scheduling/clsNextTarea.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QDateTime& nuncaEnviado() {
+    static const QDateTime d(QDate(1900, 1, 1), QTime(0, 0));
+    return d;
+}
+
+}  // namespace
+
+QList<FilaEmergencia> msCargarEmergencias(bool* completa) {
+    QList<FilaEmergencia> filas;
+    if (completa) *completa = false;
+    try {
+        // One read for all: the calculator's columns first, then ours.
+        const QueryResult r = Conexion().query(
+            u"SELECT "_s + clsNextTarea::columnasFila() +
+            u", Codigo, Nombre, (TareaProgramada = true) AS activa, "
+            u"(SELECT count(Automatico) FROM AboAuto WHERE Automatico = Automaticos.Codigo) "
+            u"AS n FROM Automaticos ORDER BY Codigo"_s);
+        const int cCodigo = r.columnIndex(u"Codigo"_s), cNombre = r.columnIndex(u"Nombre"_s),
+                  cActiva = r.columnIndex(u"activa"_s), cN = r.columnIndex(u"n"_s);
+        filas.reserve(r.recordCount());
+        clsNextTarea tarea;
+        for (int i = 0; i < r.recordCount(); ++i) {
+            FilaEmergencia f;
+            f.codigo = int32_t(numeroDe(r.value(i, cCodigo)));
+            f.nombre = textoDe(r.value(i, cNombre));
+            f.mensajes = QString::number(numeroDe(r.value(i, cN)));
+            if (numeroDe(r.value(i, cActiva)) == 0) {
+                f.programado = u"no"_s;
+            } else {
+                tarea.setFila(f.codigo, r, i);
+                tarea.CalcularProximaTarea();
+                if (!tarea.HayTarea()) {
+                    f.programado = u"Finalizado"_s;
+                } else {
+                    f.programado = tarea.FechaProximaTarea().toString(u"dd/MM/yyyy"_s);
+                    const QDateTime ultima = tarea.UltimaTarea();
+                    f.ultimo =
+                        ultima <= nuncaEnviado() ? u"nunca"_s : ultima.toString(u"dd/MM/yyyy"_s);
+                }
+            }
+            filas.append(f);
+        }
+        if (completa) *completa = true;
+    } catch (const QuelmoError&) {
+        // The list stays as far as it came.
+    }
+    return filas;
+}
+
+int32_t codigoDeNombre(const QString& nombre) {
+    try {
+        const QueryResult r = Conexion().query(
+            u"SELECT Codigo FROM Automaticos WHERE Nombre = ? ORDER BY Codigo LIMIT 1"_s, {nombre});
+        return r.isEmpty() ? -1 : int32_t(numeroDe(r.value(0, 0)));
+    } catch (const DbError&) {
+        return -1;
+    }
+}
+
+QString numeroEmergencia(const QString& abonado) {
+    if (abonado.startsWith(u'+')) return u"00"_s + abonado.mid(1);
+    if (!abonado.startsWith(u"00"_s)) return u"0034"_s + abonado;
+    return abonado;
+}
+
+int msEnviarEmergencia(int32_t codigo) {
+    Database& bd = Conexion();
+    int puestos = 0;
+    try {
+        const QueryResult destinos =
+            bd.query(u"SELECT Abonado, Mensaje FROM AboAuto WHERE Automatico = ? ORDER BY rowid"_s,
+                     {codigo});
+        if (destinos.isEmpty()) {
+            ui().msgBox(u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s,
+                        Msg::Critical);
+            return -1;
+        }
+        // All the recipients or none: a failure halfway must not leave half
+        // of them queued, to go twice when the user tries again.
+        bd.begin();
+        try {
+            const QDateTime ahora = Clock::now();
+            for (int i = 0; i < destinos.recordCount(); ++i) {
+                const QString abonado = textoDe(destinos.value(i, 0));
+                // The account is the contact's; a deleted contact is left out.
+                const QueryResult contacto =
+                    bd.query(u"SELECT Canal FROM Abonados WHERE Codigo = ?"_s, {abonado});
+                if (contacto.isEmpty()) continue;
+                const QString numero = numeroEmergencia(abonado);
+                if (numero.isEmpty()) continue;
+                puestos += bd.exec(
+                    u"INSERT INTO envios (Abonado,Mensaje,intento,Registro,Canal) "
+                    u"VALUES (?,?,2,?,?)"_s,
+                    {numero, textoDe(destinos.value(i, 1)), ahora, numeroDe(contacto.value(0, 0))});
+            }
+            bd.commit();
+        } catch (...) {
+            bd.rollback();
+            throw;
+        }
+    } catch (const DbError& e) {
+        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Critical);
+        return -1;
+    }
+    Pantallas::abrir(u"frmEnvio"_s);
+    ui().processEvents();
+    ui().processEvents();
+    Q_EMIT Avisos::instancia().bandejaCambiada();
+    return puestos;
+}

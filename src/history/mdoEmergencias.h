@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <cstdint>
+
+// Emergency sends: a saved multi-send put into the outbox at once, outside
+// its schedule, which stays as it was.
+
+// One line of the emergency list.
+struct FilaEmergencia {
+    int32_t codigo = 0;
+    QString nombre;
+    QString mensajes;    // recipients of the multi-send
+    QString programado;  // next run, "Finalizado" or "no"
+    QString ultimo;      // last run or "nunca"; empty unless a next run exists
+};
+
+// Every multi-send by code with its recipients' count and its next and
+// last run. A failure (of the database or of a schedule that names no
+// date) ends the list where it came; `completa` then reads false.
+QList<FilaEmergencia> msCargarEmergencias(bool* completa = nullptr);
+
+// The multi-send that a line names: the first by code whose name equals
+// `nombre` (case not counted, as the names are stored); -1 when none.
+int32_t codigoDeNombre(const QString& nombre);
+
+// The number of a multi-send's recipient as it goes to the outbox: "+"
+// becomes "00", a number without "00" gets Spain's "0034" in front.
+QString numeroEmergencia(const QString& abonado);
+
+// Puts every recipient's own text of multi-send `codigo` into the outbox,
+// through the account of the recipient's contact (recipients no longer in
+// the address book are left out), then shows the compose screen with its
+// outbox redrawn. Says so when the multi-send has no recipients. The
+// number of rows queued, -1 when nothing was sent.
+int msEnviarEmergencia(int32_t codigo);

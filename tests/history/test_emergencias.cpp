@@ -1,0 +1,210 @@
+// Emergency sends: the list of multi-sends with their next and last run,
+// the send of every recipient with its own text and its contact's
+// account, and a schedule that stays as it was.
+#include "TestSupport.h"
+#include "TestSupportGui.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Conversions.h"
+#include "base/Pantallas.h"
+#include "history/PantallasHistorico.h"
+#include "history/frmEmergencias.h"
+#include "widgets/Listado.h"
+#include "widgets/PantallasHijas.h"
+
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+using prueba::en;
+using prueba::programa;
+
+namespace {
+
+Database& bd() {
+    return Conexion();
+}
+
+void nombre(int codigo, const QString& n) {
+    bd().exec(u"UPDATE Automaticos SET Nombre = ? WHERE Codigo = ?"_s, {n, codigo});
+}
+
+void destinatario(int codigo, const QString& abonado, const QString& mensaje) {
+    bd().exec(u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (?,?,?)"_s,
+              {codigo, abonado, mensaje});
+}
+
+void contacto(const QString& codigo, int canal) {
+    bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',?)"_s,
+              {codigo, QString(u"Alias "_s + codigo), canal});
+}
+
+QStringList filasDe(const QString& sql) {
+    QStringList t;
+    const QueryResult r = bd().query(sql);
+    for (int f = 0; f < r.recordCount(); ++f) {
+        QStringList celdas;
+        for (int c = 0; c < r.columnCount(); ++c) celdas << textoDe(r.value(f, c));
+        t << celdas.join(u'|');
+    }
+    return t;
+}
+
+QStringList lineas(const Listado* l) {
+    QStringList t;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) t << l->modelo()->fila(f).join(u'|');
+    return t;
+}
+
+}  // namespace
+
+class TestEmergencias : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestEmergencias(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/emergencias.db"_s));
+        registrarPantallasHistorico();
+    }
+
+    void listShowsNextAndLastRun() {
+        // Wednesday 15/03/2006 10:00:30.
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        programa(1, u"Periodicidad=1 Hora=11:00"_s);
+        nombre(1, u"Diario sin enviar"_s);
+        programa(2, u"Periodicidad=1 Hora=11:00"_s);
+        bd().exec(u"UPDATE Automaticos SET UltimaTarea = '2006-03-14 11:00:00' WHERE Codigo=2"_s);
+        nombre(2, u"Diario"_s);
+        programa(3, u"Periodicidad=0 FechaIni=2006-03-01"_s);
+        nombre(3, u"Una vez, pasado"_s);
+        programa(4, u"Periodicidad=1 TareaProgramada=0"_s);
+        nombre(4, u"Sin programar"_s);
+        destinatario(4, u"0034600000001"_s, u"a"_s);
+        destinatario(4, u"0034600000002"_s, u"b"_s);
+        ScriptedInterface ui;
+        QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
+        frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
+        QCOMPARE(pantalla->windowTitle(),
+                 u"Selección de Mensajes Programados para envío inmediato"_s);
+        QCOMPARE(lineas(pantalla->ListView1),
+                 (QStringList{u"Diario sin enviar|0|15/03/2006|nunca"_s,
+                              u"Diario|0|15/03/2006|14/03/2006"_s,
+                              u"Una vez, pasado|0|Finalizado|"_s, u"Sin programar|2|no|"_s}));
+        QVERIFY(ui.boxes.isEmpty());
+        delete pantalla;
+    }
+
+    void nothingToShowClosesTheScreen() {
+        ScriptedInterface ui;
+        QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text, u"No existen Mensajes Programados"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!PantallasHijas::isLoaded<frmEmergencias>());
+    }
+
+    void send_data() {
+        QTest::addColumn<QStringList>("destinos");   // number|text
+        QTest::addColumn<QStringList>("contactos");  // number|account
+        QTest::addColumn<QStringList>("bandeja");    // number|text|intento|account
+        QTest::newRow("number forms")
+            << QStringList{u"+34600123456|uno"_s, u"600123456|dos"_s, u"00447700900123|tres"_s}
+            << QStringList{u"+34600123456|1"_s, u"600123456|2"_s, u"00447700900123|3"_s}
+            << QStringList{u"0034600123456|uno|2|1"_s, u"0034600123456|dos|2|2"_s,
+                           u"00447700900123|tres|2|3"_s};
+        QTest::newRow("a deleted contact is left out, the others go")
+            << QStringList{u"0034600000001|a"_s, u"0034600000002|b"_s, u"0034600000003|c'est"_s}
+            << QStringList{u"0034600000001|4"_s, u"0034600000003|5"_s}
+            << QStringList{u"0034600000001|a|2|4"_s, u"0034600000003|c'est|2|5"_s};
+        QTest::newRow("a malformed stored number goes as it is")
+            << QStringList{u"00abc|x"_s} << QStringList{u"00abc|1"_s}
+            << QStringList{u"00abc|x|2|1"_s};
+    }
+    void send() {
+        QFETCH(QStringList, destinos);
+        QFETCH(QStringList, contactos);
+        QFETCH(QStringList, bandeja);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        programa(7, u"Periodicidad=1 Hora=11:00"_s);
+        nombre(7, u"Aviso"_s);
+        for (const QString& d : destinos)
+            destinatario(7, d.section(u'|', 0, 0), d.section(u'|', 1));
+        for (const QString& c : contactos)
+            contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
+        const QStringList programaAntes = filasDe(u"SELECT * FROM Automaticos"_s);
+        ScriptedInterface ui;
+        int envioAbierto = 0, bandejaAlAbrir = -1;
+        QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
+        Pantallas::registrar(u"frmEnvio"_s, [&] {
+            ++envioAbierto;
+            bandejaAlAbrir = int(redibujo.count());
+        });
+        frmEmergencias pantalla;
+        pantalla.cmdEnviar->click();  // nothing chosen
+        QCOMPARE(envioAbierto, 0);
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdEnviar->click();
+        QCOMPARE(filasDe(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
+                 bandeja);
+        QCOMPARE(filasDe(u"SELECT DISTINCT Registro FROM envios"_s),
+                 QStringList{u"2006-03-15 10:00:30"_s});
+        QVERIFY(ui.boxes.isEmpty());
+        // The compose screen comes up first, then redraws its outbox.
+        QCOMPARE(envioAbierto, 1);
+        QCOMPARE(bandejaAlAbrir, 0);
+        QCOMPARE(redibujo.count(), 1);
+        // The schedule and the list stay as they were.
+        QCOMPARE(filasDe(u"SELECT * FROM Automaticos"_s), programaAntes);
+        QCOMPARE(pantalla.ListView1->modelo()->texto(0, 3), u"nunca"_s);
+        Pantallas::registrar(u"frmEnvio"_s, {});
+    }
+
+    void twoRecordsOfOneNameSendTheFirst() {
+        programa(3, u"Periodicidad=1"_s);
+        nombre(3, u"Club d'Amics"_s);
+        programa(5, u"Periodicidad=1"_s);
+        nombre(5, u"club d'amics"_s);
+        contacto(u"0034600000001"_s, 1);
+        destinatario(3, u"0034600000001"_s, u"del tres"_s);
+        destinatario(5, u"0034600000001"_s, u"del cinco"_s);
+        ScriptedInterface ui;
+        QVariant abierto;
+        Pantallas::registrarConDato(u"frmNewMenAuto2"_s, [&](const QVariant& d) {
+            abierto = d;
+            // The editor changes the name; the list shows it afterwards.
+            nombre(3, u"Renombrado"_s);
+        });
+        frmEmergencias pantalla;
+        pantalla.ListView1->seleccionarFila(1);
+        pantalla.cmdEnviar->click();
+        QCOMPARE(filasDe(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
+        Q_EMIT pantalla.ListView1->dobleClicFila(1);
+        QCOMPARE(abierto, QVariant(3));
+        QCOMPARE(pantalla.ListView1->modelo()->texto(0, 0), u"Renombrado"_s);
+        Pantallas::registrar(u"frmNewMenAuto2"_s, {});
+    }
+
+    void noRecipientsIsTold() {
+        programa(2, u"Periodicidad=1"_s);
+        nombre(2, u"Vacío"_s);
+        ScriptedInterface ui;
+        frmEmergencias pantalla;
+        pantalla.ListView1->seleccionarFila(0);
+        pantalla.cmdEnviar->click();
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes.at(0).text,
+                 u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s);
+        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCOMPARE(bd().query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 0);
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestEmergencias)
+#include "test_emergencias.moc"

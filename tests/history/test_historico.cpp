@@ -1,0 +1,309 @@
+// The sent history: what the list shows and in which order, the header
+// rule of the date column, resend through today's principal account, and
+// the two deletions with their questions.
+#include "TestSupportGui.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Conversions.h"
+#include "base/Pantallas.h"
+#include "db/Conexion.h"
+#include "history/PantallasHistorico.h"
+#include "history/frmHEnvios.h"
+#include "widgets/PantallasHijas.h"
+
+#include <QDateEdit>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTreeView>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Database& bd() {
+    return Conexion();
+}
+
+void enviado(const QString& registro, const QString& numero, const QString& mensaje, int canal = 1,
+             const QVariant& crem = u"Tienda"_s, const QString& resultado = u"Mensaje aceptado"_s) {
+    bd().exec(
+        u"INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal,crem) "
+        u"VALUES (?,?,?,?,?,?)"_s,
+        {numero, registro, mensaje, resultado, canal, crem});
+}
+
+void cuenta(int canal, bool principal) {
+    bd().exec(
+        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal) "
+        u"VALUES (?,?,160,80,'h','u','c',0,?)"_s,
+        {canal, u"Cuenta %1"_s.arg(canal), principal ? 1 : 0});
+}
+
+QStringList columna(const QAbstractItemModel* m, int c) {
+    QStringList t;
+    for (int f = 0; f < m->rowCount(); ++f) t << m->index(f, c).data().toString();
+    return t;
+}
+
+QStringList filasDe(const QString& sql) {
+    QStringList t;
+    const QueryResult r = bd().query(sql);
+    for (int f = 0; f < r.recordCount(); ++f) {
+        QStringList celdas;
+        for (int c = 0; c < r.columnCount(); ++c) celdas << textoDe(r.value(f, c));
+        t << celdas.join(u'|');
+    }
+    return t;
+}
+
+QStringList cajas(const ScriptedInterface& ui) {
+    QStringList t;
+    for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
+    return t;
+}
+
+constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
+
+// Three messages around a day's boundary, stored out of order.
+void tresMensajes() {
+    enviado(u"2006-03-15 00:00:05"_s, u"0034600000002"_s, u"Ábaco"_s, 2, QVariant());
+    enviado(u"2006-03-14 23:59:59"_s, u"0034600000001"_s, u"zorro"_s);
+    enviado(u"2006-03-16 10:00:00"_s, u"0034600000003"_s, u"ñu"_s);
+}
+
+}  // namespace
+
+class TestHistorico : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestHistorico(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/historico.db"_s));
+    }
+
+    void listShowsSixColumnsNewestFirst() {
+        tresMensajes();
+        ScriptedInterface ui;
+        registrarPantallasHistorico();
+        QVERIFY(Pantallas::abrir(u"frmHEnvios"_s));
+        frmHEnvios* pantalla = PantallasHijas::instance<frmHEnvios>();
+        QCOMPARE(pantalla->windowTitle(), u"Mensajes Enviados"_s);
+        const QAbstractItemModel* m = pantalla->ListView1->model();
+        QStringList cabeceras;
+        for (int c = 0; c < m->columnCount(); ++c)
+            cabeceras << m->headerData(c, Qt::Horizontal).toString();
+        QCOMPARE(cabeceras, (QStringList{u"Enviado      "_s, u"Número"_s, u"Cuenta (Remitente)"_s,
+                                         u"Mensaje"_s, u"Resultado"_s, u"id"_s}));
+        QVERIFY(pantalla->ListView1->isColumnHidden(5));
+        QCOMPARE(columna(m, 0), (QStringList{u"16/03/2006 10:00:00"_s, u"15/03/2006 00:00:05"_s,
+                                             u"14/03/2006 23:59:59"_s}));
+        QCOMPARE(columna(m, 5),
+                 (QStringList{u"20060316100000"_s, u"20060315000005"_s, u"20060314235959"_s}));
+        // An older row without a sender text shows its account's code.
+        QCOMPARE(columna(m, 2), (QStringList{u"Tienda"_s, u"2"_s, u"Tienda"_s}));
+        QCOMPARE(columna(m, 4), QStringList(3, u"Mensaje aceptado"_s));
+        QCOMPARE(pantalla->ListView1->header()->sortIndicatorSection(), 0);
+        QCOMPARE(pantalla->ListView1->header()->sortIndicatorOrder(), Qt::DescendingOrder);
+        // The date picker goes with "Fecha anterior a:", chosen at load.
+        QVERIFY(pantalla->Option1_1->isChecked());
+        QVERIFY(pantalla->txtfecha->isEnabled());
+        pantalla->Option1_0->setChecked(true);
+        QVERIFY(!pantalla->txtfecha->isEnabled());
+        pantalla->Option1_1->setChecked(true);
+        QVERIFY(pantalla->txtfecha->isEnabled());
+        delete pantalla;
+    }
+
+    void headerClicks_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::addColumn<int>("columnaMirada");
+        QTest::addColumn<QStringList>("orden");
+        QTest::addColumn<int>("flecha");
+        QTest::addColumn<Qt::SortOrder>("sentido");
+        const QStringList antiguos{u"0034600000001"_s, u"0034600000002"_s, u"0034600000003"_s};
+        const QStringList recientes{antiguos.at(2), antiguos.at(1), antiguos.at(0)};
+        QTest::newRow("first header: oldest first")
+            << QList<int>{0} << 1 << antiguos << 0 << Qt::AscendingOrder;
+        QTest::newRow("first header twice: newest first again")
+            << QList<int>{0, 0} << 1 << recientes << 0 << Qt::DescendingOrder;
+        QTest::newRow("another header, then the first: ascending")
+            << QList<int>{3, 0} << 1 << antiguos << 0 << Qt::AscendingOrder;
+        // Accents and case don't count, "ñ" comes after "n".
+        QTest::newRow("message header")
+            << QList<int>{3} << 3 << QStringList{u"Ábaco"_s, u"ñu"_s, u"zorro"_s} << 3
+            << Qt::AscendingOrder;
+        QTest::newRow("message header twice")
+            << QList<int>{3, 3} << 3 << QStringList{u"zorro"_s, u"ñu"_s, u"Ábaco"_s} << 3
+            << Qt::DescendingOrder;
+        QTest::newRow("account header: a code before a name")
+            << QList<int>{2} << 2 << QStringList{u"2"_s, u"Tienda"_s, u"Tienda"_s} << 2
+            << Qt::AscendingOrder;
+    }
+    void headerClicks() {
+        QFETCH(QList<int>, clics);
+        QFETCH(int, columnaMirada);
+        QFETCH(QStringList, orden);
+        QFETCH(int, flecha);
+        QFETCH(Qt::SortOrder, sentido);
+        tresMensajes();
+        ScriptedInterface ui;
+        frmHEnvios pantalla;
+        for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
+        QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
+        QCOMPARE(pantalla.ListView1->header()->sortIndicatorSection(), flecha);
+        QCOMPARE(pantalla.ListView1->header()->sortIndicatorOrder(), sentido);
+    }
+
+    void resend_data() {
+        QTest::addColumn<int>("principal");  // 0: none
+        QTest::addColumn<QString>("mensaje");
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<bool>("dobleClic");
+        QTest::addColumn<QString>("esperado");  // the outbox row, empty: none
+        QTest::newRow("sent by 3, principal 1: goes by 1")
+            << 1 << u"Hola"_s << Msg::Yes << false << u"0034600000009|Hola|2|1"_s;
+        QTest::newRow("no principal account: account 0")
+            << 0 << u"Hola"_s << Msg::Yes << false << u"0034600000009|Hola|2|0"_s;
+        QTest::newRow("apostrophe kept, by double click")
+            << 1 << u"L'Hospitalet, d'acord"_s << Msg::Yes << true
+            << u"0034600000009|L'Hospitalet, d'acord|2|1"_s;
+        QTest::newRow("answer no") << 1 << u"Hola"_s << Msg::No << false << QString();
+    }
+    void resend() {
+        QFETCH(int, principal);
+        QFETCH(QString, mensaje);
+        QFETCH(int, respuesta);
+        QFETCH(bool, dobleClic);
+        QFETCH(QString, esperado);
+        cuenta(3, false);
+        if (principal) cuenta(principal, true);
+        enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, mensaje, 3, u"Otra"_s);
+        FixedClock reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        QSignalSpy bandeja(&Avisos::instancia(), &Avisos::bandejaCambiada);
+        frmHEnvios pantalla;
+        // Nothing selected: nothing asked.
+        pantalla.XPButton2->click();
+        QVERIFY(ui.boxes.isEmpty());
+        const QModelIndex fila = pantalla.ListView1->model()->index(0, 1);
+        pantalla.ListView1->selectionModel()->select(
+            fila, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        if (dobleClic)
+            Q_EMIT pantalla.ListView1->doubleClicked(fila);
+        else
+            pantalla.XPButton2->click();
+        QStringList vistas{QString::number(kPregunta) +
+                           u" ¿Seguro que desea Reenviar el Mensaje Seleccionado? \n\nMensaje: "_s +
+                           mensaje + u"\nNúmero: 0034600000009\nDe fecha : 14/03/2006 09:30:00"_s};
+        if (!esperado.isEmpty())
+            vistas << QString::number(Msg::Information) +
+                          u" El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene "
+                          u"activado el Modo Transmisor el mensaje se enviará en unos segundos."_s;
+        QCOMPARE(cajas(ui), vistas);
+        QCOMPARE(filasDe(u"SELECT Abonado, Mensaje, intento, Canal FROM envios"_s),
+                 esperado.isEmpty() ? QStringList() : QStringList{esperado});
+        if (!esperado.isEmpty())
+            QCOMPARE(filasDe(u"SELECT Registro FROM envios"_s),
+                     QStringList{u"2006-03-20 12:00:00"_s});
+        QCOMPARE(bandeja.count(), esperado.isEmpty() ? 0 : 1);
+        // The history keeps its row.
+        QCOMPARE(pantalla.ListView1->model()->rowCount(), 1);
+    }
+
+    void resendFailureIsTold() {
+        enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, u"Hola"_s);
+        bd().exec(u"DROP TABLE envios"_s);
+        ScriptedInterface ui;
+        ui.answers = {Msg::Yes};
+        frmHEnvios pantalla;
+        pantalla.ListView1->selectionModel()->select(
+            pantalla.ListView1->model()->index(0, 0),
+            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        pantalla.XPButton2->click();
+        QCOMPARE(ui.boxes.size(), 2);
+        QCOMPARE(ui.boxes.at(1).text, u"No se ha podido reenviar el mensaje"_s);
+        QCOMPARE(ui.boxes.at(1).style, Msg::Exclamation);
+    }
+
+    void deletion_data() {
+        QTest::addColumn<bool>("todos");
+        QTest::addColumn<QString>("fecha");  // typed into the picker
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<QStringList>("preguntas");
+        QTest::addColumn<QStringList>("quedan");  // dates of the rows left, as shown
+        const QStringList todas{u"16/03/2006 10:00:00"_s, u"15/03/2006 00:00:05"_s,
+                                u"14/03/2006 23:59:59"_s};
+        const QString anterior =
+            QString::number(kPregunta) +
+            u" Se van a elminar todos los mensajes con fecha anterior a 15/03/2006\n\n"
+            u"¿Está seguro de elminar estos mensajes?"_s;
+        const QString todo =
+            QString::number(kPregunta) +
+            u" Está seguro de querer eliminar todos los mensajes enviados del histórico?"_s;
+        QTest::newRow("older than a day: the day itself stays")
+            << false << u"15/03/2006"_s << Msg::Yes << QStringList{anterior} << todas.mid(0, 2);
+        QTest::newRow("older than a day, answer no")
+            << false << u"15/03/2006"_s << Msg::No << QStringList{anterior} << todas;
+        QTest::newRow("the picker emptied")
+            << false << QString() << Msg::Yes
+            << QStringList{QString::number(Msg::Exclamation) +
+                           u" Fecha no válida, por favor introduzca la fecha en formato "
+                           u"dd/mm/yyyy"_s}
+            << todas;
+        QTest::newRow("everything")
+            << true << QString() << Msg::Yes << QStringList{todo} << QStringList();
+        QTest::newRow("everything, answer no")
+            << true << QString() << Msg::No << QStringList{todo} << todas;
+    }
+    void deletion() {
+        QFETCH(bool, todos);
+        QFETCH(QString, fecha);
+        QFETCH(int, respuesta);
+        QFETCH(QStringList, preguntas);
+        QFETCH(QStringList, quedan);
+        tresMensajes();
+        ScriptedInterface ui;
+        ui.answers = {respuesta};
+        frmHEnvios pantalla;
+        if (todos) {
+            pantalla.Option1_0->setChecked(true);
+        } else {
+            // Typed as the user types it: the picker may hold no date.
+            pantalla.txtfecha->findChild<QLineEdit*>()->setText(fecha);
+        }
+        // A row added behind the screen's back shows only after a reload.
+        enviado(u"2006-03-17 08:00:00"_s, u"0034600000004"_s, u"nuevo"_s);
+        pantalla.XPButton1->click();
+        QCOMPARE(cajas(ui), preguntas);
+        // A delete that ran shows the list read anew, with the late row.
+        const bool alcanzado = respuesta == Msg::Yes && (todos || !fecha.isEmpty());
+        if (alcanzado && !todos) quedan.prepend(u"17/03/2006 08:00:00"_s);
+        QCOMPARE(columna(pantalla.ListView1->model(), 0), quedan);
+        QCOMPARE(bd().query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toInt(),
+                 int(quedan.size()) + (alcanzado ? 0 : 1));
+    }
+
+    void emptyHistory() {
+        ScriptedInterface ui;
+        ui.answers = {Msg::Yes};
+        frmHEnvios pantalla;
+        QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
+        pantalla.txtfecha->setDate(QDate(2006, 3, 15));
+        pantalla.XPButton1->click();
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestHistorico)
+#include "test_historico.moc"
