@@ -4,6 +4,7 @@
 #include "app/condiciones.h"
 #include "base/Pantallas.h"
 #include "composition/PantallasEnvio.h"
+#include "import/PantallasImportacion.h"
 
 #include <QApplication>
 
@@ -22,4 +23,5 @@ void registrarTodas() {
     registrarPantallasApp();
     registrarPantallasAgenda();
     registrarPantallasEnvio();
+    registrarPantallasImportacion();
 }

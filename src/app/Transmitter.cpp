@@ -22,6 +22,7 @@ Transmitter::Transmitter(QObject* parent) : QObject(parent) {
     connect(&Avisos::instancia(), &Avisos::envioPedido, this, &Transmitter::msForzarEnvio);
     connect(&Avisos::instancia(), &Avisos::intervaloCambiado, this,
             &Transmitter::establecerIntervalo);
+    connect(&Avisos::instancia(), &Avisos::cicloDetenido, &m_timer, &QTimer::stop);
 }
 
 std::optional<int> leerIntervalo() {

@@ -22,6 +22,9 @@ class Avisos : public QObject {
     void envioPedido();
     // The options set a new sending interval, in seconds, counted from now.
     void intervaloCambiado(int segundos);
+    // The import's selection screen ended the watch: the cycle stops until
+    // the switch or a restart starts it again.
+    void cicloDetenido();
 
   private:
     Avisos() = default;

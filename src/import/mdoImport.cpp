@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QLocale>
 #include <QStringDecoder>
 #include <cerrno>
@@ -40,18 +41,31 @@ void punto(const char* nombre) {
 // here: they reach the log only once their rows are committed, and nothing
 // yields to the event loop while the transaction is open, so whatever the
 // user does meanwhile commits on its own and never joins the import's.
-QStringList* g_pendientes = nullptr;
+// A stretch lasts a few milliseconds: its rows and log lines share one
+// "now", and the accounts it found stay found, since no other writer can
+// change them while its transaction is open.
+struct Tramo {
+    QStringList pendientes;
+    QString sello;
+    QString ahora;
+    QHash<QString, bool> cuentas;
+};
+Tramo* g_tramo = nullptr;
 
 void registrar(const QString& texto) {
-    if (g_pendientes)
-        g_pendientes->append(marcaTiempoLog() + u" - "_s + texto);
+    if (g_tramo)
+        g_tramo->pendientes.append(g_tramo->sello + texto);
     else
         msLog(texto);
 }
 
 struct Diferir {
-    explicit Diferir(QStringList* destino) { g_pendientes = destino; }
-    ~Diferir() { g_pendientes = nullptr; }
+    explicit Diferir(Tramo* tramo) {
+        tramo->sello = marcaTiempoLog() + u" - "_s;
+        tramo->ahora = aTextoBD(Clock::now());
+        g_tramo = tramo;
+    }
+    ~Diferir() { g_tramo = nullptr; }
 };
 
 void volcar(QStringList& pendientes) {
@@ -112,9 +126,16 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         return Linea::Mal;
     }
     try {
-        const QueryResult r = Conexion().query(u"Select count(*) from canales where canal =?"_s,
-                                               {valorCuenta(cuenta)});
-        if (numeroDe(r.value(0, 0)) < 1) {
+        bool existe = false;
+        if (g_tramo && g_tramo->cuentas.contains(cuenta)) {
+            existe = g_tramo->cuentas.value(cuenta);
+        } else {
+            const QueryResult r = Conexion().query(u"Select count(*) from canales where canal =?"_s,
+                                                   {valorCuenta(cuenta)});
+            existe = numeroDe(r.value(0, 0)) >= 1;
+            if (g_tramo) g_tramo->cuentas.insert(cuenta, existe);
+        }
+        if (!existe) {
             registrar(u"Error en Campo Cuenta, No existe una Cuenta definida con el codigo "_s +
                       cuenta);
             return Linea::Mal;
@@ -137,7 +158,8 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         try {
             Conexion().exec(
                 u"Insert Into envios (Registro,Canal,Abonado,Mensaje,intento) values (?,?,?,?,2)"_s,
-                {Clock::now(), valorCuenta(cuenta), numero, texto});
+                {g_tramo ? QVariant(g_tramo->ahora) : QVariant(Clock::now()), valorCuenta(cuenta),
+                 numero, texto});
             registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " + texto);
             resultado = Linea::Bien;
         } catch (const QuelmoError&) {
@@ -331,12 +353,12 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             // A database chosen meanwhile gets none of this file's rows.
             if (bd.path() != baseDatos)
                 throw DbError(u"La base de datos cambió durante la importación"_s);
-            QStringList pendientes;
+            Tramo tramo;
             bd.begin();
             QElapsedTimer reloj;
             reloj.start();
             {
-                Diferir diferir(&pendientes);
+                Diferir diferir(&tramo);
                 try {
                     int enTramo = 0;
                     while (reloj.elapsed() < kTramoMs &&
@@ -384,7 +406,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
                     throw;
                 }
             }
-            volcar(pendientes);
+            volcar(tramo.pendientes);
             punto("tramo");
             ui().processEvents();
         }
