@@ -14,7 +14,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGridLayout>
+#include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -76,15 +76,11 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     Label1->setBuddy(lista);
     lblIntervalo->setBuddy(cmbIntervalo);
 
-    auto* opciones = new QGridLayout;
-    opciones->addWidget(Chkcontactos, 0, 0, 1, 2);
-    opciones->addWidget(lbllista, 1, 0);
-    opciones->addWidget(Cmblista, 1, 1);
-    opciones->addWidget(Label1, 2, 0);
-    opciones->addWidget(lista, 2, 1);
-    opciones->addWidget(lblIntervalo, 3, 0);
-    opciones->addWidget(cmbIntervalo, 3, 1);
-    opciones->setColumnStretch(1, 1);
+    m_opciones = new QFormLayout;
+    m_opciones->addRow(Chkcontactos);
+    m_opciones->addRow(lbllista, Cmblista);
+    m_opciones->addRow(Label1, lista);
+    m_opciones->addRow(lblIntervalo, cmbIntervalo);
 
     XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Probar conexión"_s);
     XPButton2 = botonConNombre(this, u"XPButton2"_s, u"Anular Importación"_s);
@@ -101,8 +97,9 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     auto* todo = new QVBoxLayout(this);
     todo->addWidget(Frame2);
     todo->addWidget(Frame1);
-    todo->addLayout(opciones);
+    todo->addLayout(m_opciones);
     todo->addStretch(1);
+    todo->addSpacing(8);
     todo->addLayout(botones);
 
     connect(Cmblista, &QComboBox::currentIndexChanged, this, [this] { Cmblista_Click(); });
@@ -169,20 +166,16 @@ void frmSelectDB::activar() {
     lblFichero->setText(ruta);
     XPButton1->setVisible(!mbImportacion);
     XPButton2->setVisible(mbImportacion);
-    Chkcontactos->setVisible(mbImportacion);
-    lbllista->setVisible(mbImportacion);
-    Cmblista->setVisible(mbImportacion);
+    m_opciones->setRowVisible(Chkcontactos, mbImportacion);
+    m_opciones->setRowVisible(Cmblista, mbImportacion);
     Cmblista_Click();
-    const bool vigilancia = mbImportacion && msSeccion == u"ImportA"_s;
-    lblIntervalo->setVisible(vigilancia);
-    cmbIntervalo->setVisible(vigilancia);
+    m_opciones->setRowVisible(cmbIntervalo, mbImportacion && msSeccion == u"ImportA"_s);
     adjustSize();
 }
 
 void frmSelectDB::Cmblista_Click() {
     const bool nueva = Cmblista->isVisibleTo(this) && Cmblista->currentIndex() == 1;
-    lista->setVisible(nueva);
-    Label1->setVisible(nueva);
+    m_opciones->setRowVisible(lista, nueva);
 }
 
 void frmSelectDB::cmdexaminar_Click() {

@@ -4,6 +4,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QFormLayout;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -46,6 +47,7 @@ class frmSelectDB : public QDialog {
     bool m_cerrando = false;
     QString m_tituloDialogo;
     QString m_filtroDialogo;
+    QFormLayout* m_opciones;
 
     QGroupBox* Frame1;
     QGroupBox* Frame2;

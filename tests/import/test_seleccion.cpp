@@ -169,6 +169,8 @@ class TestSeleccion : public QObject {
             QCOMPARE(hijo<QPushButton>(d, u"cmdAdd"_s)->isEnabled(), aceptarActivo);
             QCOMPARE(hijo<QPushButton>(d, u"cmdAdd"_s)->text(), u"&Aceptar selección"_s);
             QCOMPARE(hijo<QPushButton>(d, u"cmdClose"_s)->text(), u"&Cancelar"_s);
+            if (!qEnvironmentVariableIsEmpty("QUELMO_CAPTURAS"))
+                d->grab().save(u"/tmp/"_s + nombre + u".png"_s);
             // "Nueva Lista" shows the name of the new list.
             auto* listas = hijo<QComboBox>(d, u"Cmblista"_s);
             QCOMPARE(listas->itemText(0), u"No Añadir a Lista"_s);
@@ -179,8 +181,6 @@ class TestSeleccion : public QObject {
             pulsar(d, u"cmdexaminar"_s);
             QCOMPARE(hijo<QLabel>(d, u"lblFichero"_s)->text(), world.root() + u"/otro.txt"_s);
             QCOMPARE(hijo<QLabel>(d, u"lblactual"_s)->text(), ruta);
-            if (!qEnvironmentVariableIsEmpty("QUELMO_CAPTURAS"))
-                d->grab().save(u"/tmp/"_s + nombre + u".png"_s);
             d->reject();
         });
         QCOMPARE(ui->dialogos, QStringList{dialogo});
