@@ -132,7 +132,7 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     }
     cmbIntervalo->setCurrentIndex(linea);
     Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(kSegundos[linea]));
-    Q_EMIT Avisos::instancia().intervaloCambiado(kSegundos[linea]);
+    Q_EMIT Avisos::instancia().intervaloLeido(kSegundos[linea]);
     msSeccion.clear();
 }
 
