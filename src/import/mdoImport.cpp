@@ -632,7 +632,7 @@ void msImportarFichero(const QString& path, bool contactos, bool borrar, const Q
     // The import yields between its stretches; a second import started
     // from there (a menu, a forced run) would read the same claims.
     if (g_enCurso) {
-        msLog(u"Ya hay una importación en curso; "_s + path + u" queda para más tarde");
+        msLog(u"Hay otra importación en curso; el fichero "_s + path + u" no se ha importado");
         return;
     }
     g_enCurso = true;

@@ -282,8 +282,8 @@ class TestDriver : public QObject {
             if (QLatin1String(p) == QLatin1String("linea") && ++lineas == 450) throw Muerte{};
         });
         QVERIFY_THROWS_EXCEPTION(Muerte, vigilar());
-        QVERIFY(import_prueba::registro().contains(u"Ya hay una importación en curso; "_s +
-                                                   vigilado() + u" queda para más tarde"_s));
+        QVERIFY(import_prueba::registro().contains(u"Hay otra importación en curso; el fichero "_s +
+                                                   vigilado() + u" no se ha importado"_s));
         ui->onProcessEvents = {};
         reabrir();
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios WHERE Mensaje='del usuario'"_s), 1);
