@@ -309,6 +309,26 @@ QStringList partir(const QString& linea) {
     return partes;
 }
 
+// A non-empty line of a file: two fields lack the account, one the text.
+Linea importarTexto(const QString& linea, const QString& principal, int16_t lista, bool contactos,
+                    bool addContactos) {
+    const QStringList partes = partir(linea);
+    switch (partes.size()) {
+        case 3:
+            return importarLinea(partes.at(0), partes.at(1), partes.at(2), lista, contactos,
+                                 addContactos);
+        case 2:
+            return importarLinea(principal, partes.at(0), partes.at(1), lista, contactos,
+                                 addContactos);
+        case 1:
+            return importarLinea(principal, partes.at(0), QString(), lista, contactos,
+                                 addContactos);
+        default:
+            registrar(u"Línea incorrecta, no existen los campos esperados. ["_s + linea + u']');
+            return Linea::Mal;
+    }
+}
+
 struct Progreso {
     qint64 lineas = 0;  // lines of the file done, empty ones included
     qint64 vistas = 0;
@@ -345,8 +365,9 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
         QString linea;
         for (qint64 i = 0; i < p.lineas; ++i)
             if (!lector.siguiente(linea)) break;
-        const int16_t principal = canalPrincipal();
-        const QVariant cuentaPrincipal = int(principal);
+        // Read once: a line without an account goes to the account that
+        // was principal when the file began.
+        const QString principal = QString::number(canalPrincipal());
         bool ultima = false;
         bool mas = true;
         while (mas) {
@@ -370,27 +391,8 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
                         }
                         ++p.lineas;
                         if (linea.isEmpty()) continue;
-                        const QStringList partes = partir(linea);
-                        Linea r = Linea::Mal;
-                        switch (partes.size()) {
-                            case 3:
-                                r = importarLinea(partes.at(0), partes.at(1), partes.at(2),
-                                                  listaCodigo, contactos, addContactos);
-                                break;
-                            case 2:
-                                r = importarLinea(cuentaPrincipal.toString(), partes.at(0),
-                                                  partes.at(1), listaCodigo, contactos,
-                                                  addContactos);
-                                break;
-                            case 1:
-                                r = importarLinea(cuentaPrincipal.toString(), partes.at(0),
-                                                  QString(), listaCodigo, contactos, addContactos);
-                                break;
-                            default:
-                                registrar(
-                                    u"Línea incorrecta, no existen los campos esperados. ["_s +
-                                    linea + u']');
-                        }
+                        const Linea r =
+                            importarTexto(linea, principal, listaCodigo, contactos, addContactos);
                         // A line abandoned on a database failure counts as
                         // the line before it did.
                         if (r != Linea::Abandonada) ultima = r == Linea::Bien;
