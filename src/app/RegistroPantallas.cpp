@@ -11,6 +11,7 @@
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
 #include "history/PantallasHistorico.h"
+#include "import/PantallasImportacion.h"
 #include "scheduling/PantallasProgramacion.h"
 
 #include <QApplication>
@@ -58,4 +59,5 @@ void registrarTodas() {
     registrarPantallasEnvio();
     registrarPantallasProgramacion();
     registrarPantallasHistorico();
+    registrarPantallasImportacion();
 }

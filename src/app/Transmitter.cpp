@@ -18,6 +18,9 @@ Transmitter::Transmitter(QObject* parent) : QObject(parent) {
     connect(&Avisos::instancia(), &Avisos::envioPedido, this, &Transmitter::msForzarEnvio);
     connect(&Avisos::instancia(), &Avisos::intervaloCambiado, this,
             &Transmitter::establecerIntervalo);
+    connect(&Avisos::instancia(), &Avisos::cicloDetenido, &m_timer, &QTimer::stop);
+    connect(&Avisos::instancia(), &Avisos::intervaloLeido, this,
+            [this](int segundos) { m_timer.setInterval(segundos * 1000); });
 }
 
 std::optional<int> leerIntervalo() {

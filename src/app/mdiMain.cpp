@@ -358,27 +358,12 @@ void mdiMain::Toolbar1_ButtonClick(const QString& key) {
 void mdiMain::importacionManual() {
     // The selection screen chooses and saves the file and its options.
     if (!Pantallas::abrir(u"frmSelectDB.Import"_s)) return;
-    const QString ruta = Settings::getSetting(u"Import"_s, u"Path"_s);
-    const QString lista = Settings::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
-    bool anadir = false;
-    try {
-        anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
-    } catch (const QuelmoError&) {
-        // A value mangled by hand adds no contacts, as if never set.
-    }
-    if (ruta.size() <= 3) return;
-    msImportarFichero(ruta, false, false, lista, anadir);
-    appState().gbImportado = true;
-    if (msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
+    if (msImportarManual() && msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
 }
 
 void mdiMain::importacionContactos() {
     if (!Pantallas::abrir(u"frmSelectDB.ImportUser"_s)) return;
-    const QString ruta = Settings::getSetting(u"ImportUser"_s, u"Path"_s);
-    const QString lista = Settings::getSetting(u"ImportUser"_s, u"Lista"_s);
-    if (ruta.size() <= 3) return;
-    msImportarFichero(ruta, true, false, lista, true);
-    Pantallas::abrir(u"frmAbonados"_s);
+    if (msImportarContactos()) Pantallas::abrir(u"frmAbonados"_s);
 }
 
 void mdiMain::ocultar() {

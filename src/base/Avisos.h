@@ -28,6 +28,12 @@ class Avisos : public QObject {
     void intervaloCambiado(int segundos);
     // The options were saved: the background picture may be another.
     void opcionesGuardadas();
+    // The import's selection screen ended the watch: the cycle stops until
+    // the switch or a restart starts it again.
+    void cicloDetenido();
+    // A screen read the interval: the cycle takes it, counted from now if
+    // it runs; a stopped cycle stays stopped.
+    void intervaloLeido(int segundos);
 
   private:
     Avisos() = default;

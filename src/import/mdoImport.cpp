@@ -1,4 +1,731 @@
 #include "import/mdoImport.h"
 
-void msImportarFichero(const QString& /*path*/, bool /*contactos*/, bool /*borrar*/,
-                       const QString& /*lista*/, bool /*addContactos*/) {}
+#include "base/ActivityLog.h"
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Clock.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "base/Settings.h"
+#include "base/UserInterface.h"
+#include "db/Conexion.h"
+
+#include <fcntl.h>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QLocale>
+#include <QStringDecoder>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::function<void(const char*)>& puntoDeFallo() {
+    static std::function<void(const char*)> f;
+    return f;
+}
+void punto(const char* nombre) {
+    if (puntoDeFallo()) puntoDeFallo()(nombre);
+}
+
+// While a stretch of lines is inside an open transaction its log lines wait
+// here: they reach the log only once their rows are committed, and nothing
+// yields to the event loop while the transaction is open, so whatever the
+// user does meanwhile commits on its own and never joins the import's.
+// A stretch lasts a few milliseconds: its rows and log lines share one
+// "now", and the accounts it found stay found, since no other writer can
+// change them while its transaction is open.
+struct Tramo {
+    QStringList pendientes;
+    QString sello;
+    QString ahora;
+    QHash<QString, bool> cuentas;
+};
+Tramo* g_tramo = nullptr;
+
+void registrar(const QString& texto) {
+    if (g_tramo)
+        g_tramo->pendientes.append(g_tramo->sello + texto);
+    else
+        msLog(texto);
+}
+
+struct Diferir {
+    explicit Diferir(Tramo* tramo) {
+        tramo->sello = marcaTiempoLog() + u" - "_s;
+        tramo->ahora = aTextoBD(Clock::now());
+        g_tramo = tramo;
+    }
+    ~Diferir() { g_tramo = nullptr; }
+};
+
+void volcar(QStringList& pendientes) {
+    for (const QString& l : std::as_const(pendientes)) appState().log.append(l);
+    pendientes.clear();
+}
+
+QString clase(bool contactos) {
+    return contactos ? u"Contactos"_s : u"Mensajes"_s;
+}
+
+// An account code as the engine compares it: whole numbers as integers.
+QVariant valorCuenta(const QString& cuenta) {
+    const double v = QLocale::c().toDouble(cuenta);
+    if (std::floor(v) == v && std::fabs(v) < 1e15) return qlonglong(v);
+    return v;
+}
+
+int16_t canalPrincipal() {
+    try {
+        const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
+        if (!r.isEmpty()) return aEntero16(r.value(0, 0));
+    } catch (const QuelmoError&) {
+    }
+    return 0;
+}
+
+QString normalizarNumero(const QString& numero) {
+    if (numero.startsWith(u"34"_s)) return u"00"_s + numero;
+    if (!numero.startsWith(u"00"_s)) return u"0034"_s + numero;
+    return numero;
+}
+
+bool insertarContacto(const QString& cuenta, const QString& numero, const QString& alias) {
+    try {
+        Conexion().exec(u"Insert Into Abonados (Canal,Codigo,alias,Comentario) values (?,?,?,'')"_s,
+                        {valorCuenta(cuenta), numero, alias});
+        return true;
+    } catch (const QuelmoError&) {
+        return false;
+    }
+}
+
+enum class Linea { Bien, Mal, Abandonada };
+
+Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
+                    const QString& textoCampo, int16_t lista, bool contactos, bool addContactos) {
+    const QString cuenta = cuentaCampo.trimmed();
+    QString numero = numeroCampo.trimmed();
+    const QString texto = textoCampo.trimmed();
+
+    if (!esNumerico(cuenta)) {
+        registrar(u"Error en el formato de la Cuenta, no es numerico"_s);
+        return Linea::Mal;
+    }
+    if (QLocale::c().toDouble(cuenta) > 255) {
+        registrar(u"Error en el formato de la Cuenta, Valor superior a 255"_s);
+        return Linea::Mal;
+    }
+    try {
+        bool existe = false;
+        if (g_tramo && g_tramo->cuentas.contains(cuenta)) {
+            existe = g_tramo->cuentas.value(cuenta);
+        } else {
+            const QueryResult r = Conexion().query(u"Select count(*) from canales where canal =?"_s,
+                                                   {valorCuenta(cuenta)});
+            existe = numeroDe(r.value(0, 0)) >= 1;
+            if (g_tramo) g_tramo->cuentas.insert(cuenta, existe);
+        }
+        if (!existe) {
+            registrar(u"Error en Campo Cuenta, No existe una Cuenta definida con el codigo "_s +
+                      cuenta);
+            return Linea::Mal;
+        }
+    } catch (const QuelmoError&) {
+        return Linea::Abandonada;
+    }
+
+    numero = normalizarNumero(numero);
+    if (numero.startsWith(u"0034"_s) && (numero.size() != 13 || numero.at(4) != u'6')) {
+        registrar(u"ERROR en número de movil para el Destino : "_s + numero);
+        return Linea::Mal;
+    }
+
+    Linea resultado = Linea::Mal;
+    QString alias = texto;
+    if (!contactos) {
+        // A contact made from a message line is named by its number.
+        alias = numero;
+        try {
+            Conexion().exec(
+                u"Insert Into envios (Registro,Canal,Abonado,Mensaje,intento) values (?,?,?,?,2)"_s,
+                {g_tramo ? QVariant(g_tramo->ahora) : QVariant(Clock::now()), valorCuenta(cuenta),
+                 numero, texto});
+            registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " + texto);
+            resultado = Linea::Bien;
+        } catch (const QuelmoError&) {
+            registrar(u"Mensaje NO Importado para el Destino : "_s + numero + u", Texto: " + texto);
+            resultado = Linea::Mal;
+        }
+    }
+
+    if (addContactos) {
+        if (alias.isEmpty()) alias = numero;
+        bool hecho = insertarContacto(cuenta, numero, alias);
+        if (!hecho) {
+            QString otro = alias;
+            try {
+                const QueryResult r = Conexion().query(
+                    u"Select count(*) from Abonados where upper(alias) = upper(?)"_s, {alias});
+                if (numeroDe(r.value(0, 0)) >= 1) otro = aliasConSufijo(alias);
+            } catch (const QuelmoError&) {
+            }
+            hecho = insertarContacto(cuenta, numero, otro);
+            if (!hecho) {
+                registrar(u"ERROR: Contacto: "_s + alias + u" NO Importado, Número: " + numero);
+                resultado = Linea::Mal;
+            }
+        }
+        if (hecho) {
+            registrar(u"Contacto: "_s + alias + u" Importado, Número: " + numero);
+            resultado = Linea::Bien;
+        }
+        // An already known number still joins the list.
+        if (lista != -1) {
+            try {
+                Conexion().exec(u"Insert into AboGrup (Abonado,Grupo) Values(?,?)"_s,
+                                {numero, int(lista)});
+                registrar(u"Contacto: "_s + alias + u" Añadido a lista: " +
+                          u"%1"_s.arg(int(lista), 3, 10, QChar(u'0')));
+            } catch (const QuelmoError&) {
+            }
+        }
+    }
+    return resultado;
+}
+
+// Creates the list; `alCrear` runs in the same transaction as the insert,
+// so a record of the new code can't be lost or doubled against the list.
+int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear) {
+    const QueryResult r = Conexion().query(u"Select Max(Grupo) From Grupos"_s);
+    int16_t codigo = 0;
+    if (r.value(0, 0).isNull()) {
+        if (nombre.isEmpty()) nombre = u"Lista de Contactos Importada Nº 0"_s;
+    } else {
+        const long long maximo = numeroDe(r.value(0, 0));
+        codigo = int16_t(maximo + 1);
+        if (nombre.isEmpty())
+            nombre = u"Lista de Contactos Importada Nº"_s + QString::number(codigo);
+        if (maximo > 250) {
+            ui().msgBox(u"No es posible añadir mas Listas"_s, Msg::Critical);
+            if (alCrear) alCrear(0);
+            return 0;
+        }
+    }
+    Database& bd = Conexion();
+    bd.begin();
+    try {
+        bd.exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {int(codigo), nombre});
+    } catch (const QuelmoError&) {
+    }
+    try {
+        if (alCrear) alCrear(codigo);
+        bd.commit();
+    } catch (...) {
+        bd.rollback();
+        throw;
+    }
+    return codigo;
+}
+
+// The list code a file's lines join, from the list text the caller gave.
+int16_t resolverLista(QString& lista, bool addContactos,
+                      const std::function<void(int16_t)>& alResolver) {
+    int16_t codigo = 0;
+    const bool numerico = esNumerico(lista);
+    if (numerico) {
+        try {
+            codigo = aEntero16(lista);
+        } catch (const QuelmoError&) {
+        }
+    }
+    bool crear = !numerico;
+    if (numerico && codigo != -1 && addContactos) {
+        const QueryResult r =
+            Conexion().query(u"Select count(*) from grupos where grupo =?"_s, {int(codigo)});
+        crear = numeroDe(r.value(0, 0)) == 0;
+    }
+    if (crear) {
+        msLog(u"Creando Nueva lista de Contactos"_s);
+        // The code asked for isn't honoured: the list takes the next free one.
+        return crearLista(lista, alResolver);
+    }
+    if (alResolver) alResolver(codigo);
+    return codigo;
+}
+
+// A text file read line by line in its own encoding: UTF-8 when the whole
+// file is valid UTF-8 (a byte-order mark is dropped), else Windows-1252.
+class LectorLineas {
+  public:
+    bool abrir(const QString& path) {
+        m_f.setFileName(path);
+        if (!m_f.open(QIODevice::ReadOnly)) return false;
+        QStringDecoder prueba(QStringDecoder::Utf8);
+        while (!m_f.atEnd() && !prueba.hasError()) {
+            const QString trozo = prueba(m_f.read(1 << 16));
+            (void)trozo;
+        }
+        const bool utf8 = !prueba.hasError();
+        m_f.seek(0);
+        m_dec = utf8 ? QStringDecoder(QStringDecoder::Utf8) : QStringDecoder("windows-1252");
+        return true;
+    }
+
+    bool siguiente(QString& linea) {
+        if (m_f.atEnd()) return false;
+        QByteArray b = m_f.readLine();
+        if (b.endsWith('\n')) b.chop(1);
+        if (b.endsWith('\r')) b.chop(1);
+        linea = m_dec(b);
+        return true;
+    }
+
+  private:
+    QFile m_f;
+    QStringDecoder m_dec;
+};
+
+// At most three fields: a text to send may hold semicolons.
+QStringList partir(const QString& linea) {
+    QStringList partes;
+    qsizetype desde = 0;
+    while (partes.size() < 2) {
+        const qsizetype i = linea.indexOf(u';', desde);
+        if (i < 0) break;
+        partes.append(linea.mid(desde, i - desde));
+        desde = i + 1;
+    }
+    partes.append(linea.mid(desde));
+    return partes;
+}
+
+// A non-empty line of a file: two fields lack the account, one the text.
+Linea importarTexto(const QString& linea, const QString& principal, int16_t lista, bool contactos,
+                    bool addContactos) {
+    const QStringList partes = partir(linea);
+    switch (partes.size()) {
+        case 3:
+            return importarLinea(partes.at(0), partes.at(1), partes.at(2), lista, contactos,
+                                 addContactos);
+        case 2:
+            return importarLinea(principal, partes.at(0), partes.at(1), lista, contactos,
+                                 addContactos);
+        case 1:
+            return importarLinea(principal, partes.at(0), QString(), lista, contactos,
+                                 addContactos);
+        default:
+            registrar(u"Línea incorrecta, no existen los campos esperados. ["_s + linea + u']');
+            return Linea::Mal;
+    }
+}
+
+struct Progreso {
+    qint64 lineas = 0;  // lines of the file done, empty ones included
+    qint64 vistas = 0;
+    qint64 correctas = 0;
+};
+
+enum class Final { NoAbierto, SinLineas, Completa, Interrumpida };
+
+struct Ganchos {
+    std::function<void(int16_t)> alResolverLista;
+    // Inside the transaction of a stretch, before its commit.
+    std::function<void(const Progreso&, bool ultimo)> alCerrarTramo;
+};
+
+// How long the lines of one transaction may take: the window gets a turn
+// that often, and a commit costs one disk sync per stretch, not per line.
+constexpr int kTramoMs = 50;
+int g_lineasPorTramo = 0;
+
+Final leerFichero(const QString& path, bool contactos, QString& lista,
+                  std::optional<int16_t> listaResuelta, bool addContactos, Progreso& p,
+                  const Ganchos& g) {
+    LectorLineas lector;
+    if (!lector.abrir(path)) {
+        msLog(u"Error Abriendo fichero : "_s + path);
+        return Final::NoAbierto;
+    }
+    Database& bd = Conexion();
+    const QString baseDatos = bd.path();
+    bool alguna = p.vistas > 0;
+    try {
+        const int16_t listaCodigo =
+            listaResuelta ? *listaResuelta : resolverLista(lista, addContactos, g.alResolverLista);
+        QString linea;
+        for (qint64 i = 0; i < p.lineas; ++i)
+            if (!lector.siguiente(linea)) break;
+        // Read once: a line without an account goes to the account that
+        // was principal when the file began.
+        const QString principal = QString::number(canalPrincipal());
+        bool ultima = false;
+        bool mas = true;
+        while (mas) {
+            // A database chosen meanwhile gets none of this file's rows.
+            if (bd.path() != baseDatos)
+                throw DbError(u"La base de datos cambió durante la importación"_s);
+            Tramo tramo;
+            bd.begin();
+            QElapsedTimer reloj;
+            reloj.start();
+            {
+                Diferir diferir(&tramo);
+                try {
+                    int enTramo = 0;
+                    while (reloj.elapsed() < kTramoMs &&
+                           (g_lineasPorTramo == 0 || enTramo < g_lineasPorTramo)) {
+                        ++enTramo;
+                        if (!lector.siguiente(linea)) {
+                            mas = false;
+                            break;
+                        }
+                        ++p.lineas;
+                        if (linea.isEmpty()) continue;
+                        const Linea r =
+                            importarTexto(linea, principal, listaCodigo, contactos, addContactos);
+                        // A line abandoned on a database failure counts as
+                        // the line before it did.
+                        if (r != Linea::Abandonada) ultima = r == Linea::Bien;
+                        alguna = true;
+                        ++p.vistas;
+                        if (ultima) ++p.correctas;
+                        punto("linea");
+                    }
+                    if (g.alCerrarTramo) g.alCerrarTramo(p, !mas && alguna);
+                    bd.commit();
+                } catch (const QuelmoError&) {
+                    bd.rollback();
+                    throw;
+                }
+            }
+            volcar(tramo.pendientes);
+            punto("tramo");
+            ui().processEvents();
+        }
+    } catch (const QuelmoError& e) {
+        msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
+        return Final::Interrumpida;
+    }
+    msLog(u"Importados "_s + QString::number(p.correctas) + u' ' + clase(contactos) + u" de " +
+          QString::number(p.vistas));
+    if (p.correctas > 0 && !contactos) Q_EMIT Avisos::instancia().bandejaCambiada();
+    return alguna ? Final::Completa : Final::SinLineas;
+}
+
+// ---- The watched file, taken exactly once ----
+
+// The claim of a watched file: stored before the file is renamed and
+// updated in the transaction of every stretch, so a restart knows which
+// lines of which file are done.
+struct Reclamo {
+    QString fichero;
+    QString origen;
+    bool contactos = false;
+    QString lista;
+    bool addContactos = false;
+    std::optional<int16_t> listaCodigo;
+    Progreso p;
+    bool terminado = false;
+};
+
+void asegurarTabla() {
+    Conexion().exec(
+        u"CREATE TABLE IF NOT EXISTS ImportReclamado (Fichero TEXT PRIMARY KEY, Origen TEXT, "
+        u"Contactos INTEGER, Lista TEXT, AddContactos INTEGER, ListaCodigo INTEGER, "
+        u"Lineas INTEGER, Vistas INTEGER, Correctas INTEGER, Terminado INTEGER)"_s);
+}
+
+void olvidar(const Reclamo& r) {
+    Conexion().exec(u"DELETE FROM ImportReclamado WHERE Fichero=?"_s, {r.fichero});
+}
+
+QString errorDeSistema() {
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+// Renames without replacing a file at the destination.
+bool renombrarSinPisar(const QString& de, const QString& a) {
+    const QByteArray origen = QFile::encodeName(de);
+    const QByteArray destino = QFile::encodeName(a);
+    if (::renameat2(AT_FDCWD, origen.constData(), AT_FDCWD, destino.constData(),
+                    RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    // A file system without the flag: a new name that nobody else uses.
+    if (QFileInfo::exists(a)) {
+        errno = EEXIST;
+        return false;
+    }
+    return std::rename(origen.constData(), destino.constData()) == 0;
+}
+
+// A claimed file without any line goes back where it was, unless a new file
+// stands there already; it held nothing, so then it simply goes.
+void devolver(const Reclamo& r) {
+    if (!renombrarSinPisar(r.fichero, r.origen)) QFile::remove(r.fichero);
+}
+
+void importarReclamo(Reclamo& r) {
+    if (r.terminado) {
+        QFile::remove(r.fichero);
+        punto("borrado");
+        olvidar(r);
+        return;
+    }
+    if (!QFileInfo::exists(r.fichero)) {
+        // Never renamed, or already given back: nothing of it was imported.
+        olvidar(r);
+        return;
+    }
+    Ganchos g;
+    g.alResolverLista = [&r](int16_t codigo) {
+        Conexion().exec(u"UPDATE ImportReclamado SET ListaCodigo=? WHERE Fichero=?"_s,
+                        {int(codigo), r.fichero});
+    };
+    g.alCerrarTramo = [&r](const Progreso& p, bool terminado) {
+        Conexion().exec(
+            u"UPDATE ImportReclamado SET Lineas=?, Vistas=?, Correctas=?, Terminado=? "
+            u"WHERE Fichero=?"_s,
+            {p.lineas, p.vistas, p.correctas, terminado ? 1 : 0, r.fichero});
+    };
+    switch (leerFichero(r.fichero, r.contactos, r.lista, r.listaCodigo, r.addContactos, r.p, g)) {
+        case Final::Completa:
+            punto("terminado");
+            QFile::remove(r.fichero);
+            punto("borrado");
+            olvidar(r);
+            break;
+        case Final::NoAbierto:
+        case Final::SinLineas:
+            devolver(r);
+            olvidar(r);
+            break;
+        case Final::Interrumpida:
+            // The claim stays; the next cycle goes on from its last commit.
+            break;
+    }
+}
+
+void reanudarReclamos() {
+    const QueryResult q = Conexion().query(
+        u"SELECT Fichero,Origen,Contactos,Lista,AddContactos,ListaCodigo,Lineas,Vistas,"
+        u"Correctas,Terminado FROM ImportReclamado ORDER BY Fichero"_s);
+    for (int i = 0; i < q.recordCount(); ++i) {
+        Reclamo r;
+        r.fichero = textoDe(q.value(i, 0));
+        r.origen = textoDe(q.value(i, 1));
+        r.contactos = numeroDe(q.value(i, 2)) != 0;
+        r.lista = textoDe(q.value(i, 3));
+        r.addContactos = numeroDe(q.value(i, 4)) != 0;
+        if (!q.value(i, 5).isNull()) r.listaCodigo = int16_t(numeroDe(q.value(i, 5)));
+        r.p.lineas = numeroDe(q.value(i, 6));
+        r.p.vistas = numeroDe(q.value(i, 7));
+        r.p.correctas = numeroDe(q.value(i, 8));
+        r.terminado = numeroDe(q.value(i, 9)) != 0;
+        if (!r.terminado && QFileInfo::exists(r.fichero))
+            msLog(u"Reanudando la importación del fichero "_s + r.origen + u" en la línea " +
+                  QString::number(r.p.lineas + 1));
+        importarReclamo(r);
+    }
+}
+
+// A file still being written is left for a later cycle: its writer holds
+// "{file}.LOCK", or it changed within the last two seconds.
+bool enEscritura(const QString& path) {
+    if (QFileInfo::exists(path + u".LOCK"_s)) return true;
+    const qint64 edad = QFileInfo(path).lastModified().msecsTo(QDateTime::currentDateTime());
+    return std::abs(edad) < 2000;
+}
+
+QString nombreReclamo(const QString& path) {
+    const QFileInfo fi(path);
+    return fi.absolutePath() + u"/."_s + fi.fileName() + u".importando."_s +
+           QString::number(QDateTime::currentMSecsSinceEpoch());
+}
+
+void importarVigilado(const QString& path, bool contactos, const QString& lista,
+                      bool addContactos) {
+    try {
+        asegurarTabla();
+        reanudarReclamos();
+    } catch (const QuelmoError& e) {
+        msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
+        return;
+    }
+    if (!QFileInfo(path).isFile()) {
+        msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
+        return;
+    }
+    if (enEscritura(path)) {
+        msLog(u"El fichero "_s + path + u" se está escribiendo; se importará en el próximo ciclo");
+        return;
+    }
+    Reclamo r;
+    r.fichero = nombreReclamo(path);
+    r.origen = path;
+    r.contactos = contactos;
+    r.lista = lista;
+    r.addContactos = addContactos;
+    try {
+        Conexion().exec(
+            u"INSERT INTO ImportReclamado (Fichero,Origen,Contactos,Lista,AddContactos,Lineas,"
+            u"Vistas,Correctas,Terminado) VALUES (?,?,?,?,?,0,0,0,0)"_s,
+            {r.fichero, r.origen, contactos ? 1 : 0, lista, addContactos ? 1 : 0});
+        punto("reclamar");
+        if (!renombrarSinPisar(path, r.fichero)) {
+            msLog(u"Error copiando fichero "_s + path + u" :: " + errorDeSistema());
+            olvidar(r);
+            return;
+        }
+        punto("reclamado");
+        msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
+        importarReclamo(r);
+    } catch (const QuelmoError& e) {
+        msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
+    }
+}
+
+bool g_enCurso = false;
+
+}  // namespace
+
+bool msLeerFicheroImport(const QString& path, bool contactos, QString& lista, bool addContactos) {
+    Progreso p;
+    const Final f = leerFichero(path, contactos, lista, std::nullopt, addContactos, p, {});
+    return p.vistas > 0 && f != Final::NoAbierto;
+}
+
+bool msImportarLinea(const QVariant& cuenta, const QString& numero, const QString& texto,
+                     int16_t lista, bool contactos, bool addContactos) {
+    const bool r = importarLinea(cuenta.toString(), numero, texto, lista, contactos,
+                                 addContactos) == Linea::Bien;
+    ui().processEvents();
+    return r;
+}
+
+int16_t msCrearListaImportada(QString& nombre) {
+    try {
+        return crearLista(nombre, {});
+    } catch (const QuelmoError&) {
+        return 0;
+    }
+}
+
+QString aliasConSufijo(const QString& alias) {
+    const QueryResult r =
+        Conexion().query(u"Select count(*) from Abonados where upper(alias) like upper(?)"_s,
+                         {QString(alias + u"_%"_s)});
+    return alias + u'_' + QString::number(numeroDe(r.value(0, 0)) + 1);
+}
+
+void msImportarFichero(const QString& path, bool contactos, bool borrar, const QString& lista,
+                       bool addContactos) {
+    if (path.isEmpty()) return;
+    // The import yields between its stretches; a second import started
+    // from there (a menu, a forced run) would read the same claims.
+    if (g_enCurso) {
+        msLog(u"Hay otra importación en curso; el fichero "_s + path + u" no se ha importado");
+        return;
+    }
+    g_enCurso = true;
+    struct Fin {
+        ~Fin() { g_enCurso = false; }
+    } fin;
+
+    msLog(contactos ? u"Preparando importacion de Usuarios"_s
+                    : u"Preparando importacion de Mensajes"_s);
+    if (borrar) {
+        importarVigilado(path, contactos, lista, addContactos);
+        return;
+    }
+    const QString copia = directorioAplicacion() + u"/Import_"_s +
+                          Clock::now().toString(u"yyMMddHHmmss"_s) + u".txt"_s;
+    if (!QFileInfo::exists(path)) {
+        msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
+        return;
+    }
+    QFile::remove(copia);
+    QFile origen(path);
+    if (!origen.copy(copia)) {
+        msLog(u"Error copiando fichero "_s + path + u" :: " + origen.errorString());
+        return;
+    }
+    msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
+    QString listaTexto = lista;
+    msLeerFicheroImport(copia, contactos, listaTexto, addContactos);
+    QFile::remove(copia);
+}
+
+bool msImportarManual() {
+    const QString ruta = Settings::getSetting(u"Import"_s, u"Path"_s);
+    // The list goes through a number and back: a name becomes the empty
+    // text, which asks for a list with a default name.
+    const QString listaGuardada = Settings::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    QString lista;
+    if (esNumerico(listaGuardada)) {
+        try {
+            lista = QString::number(aEntero16(listaGuardada));
+        } catch (const QuelmoError&) {
+        }
+    }
+    bool anadir = false;
+    try {
+        anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+    } catch (const QuelmoError&) {
+    }
+    if (ruta.size() <= 3) return false;
+    msImportarFichero(ruta, false, false, lista, anadir);
+    appState().gbImportado = true;
+    return true;
+}
+
+bool msImportarContactos() {
+    const QString ruta = Settings::getSetting(u"ImportUser"_s, u"Path"_s);
+    const QString lista = Settings::getSetting(u"ImportUser"_s, u"Lista"_s);
+    if (ruta.size() <= 3) return false;
+    msImportarFichero(ruta, true, false, lista, true);
+    return true;
+}
+
+QStringList msListasSeleccion() {
+    QStringList lineas;
+    try {
+        const QueryResult r = Conexion().query(
+            u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) "
+            u"AS Contactos FROM Grupos order by nombre"_s);
+        for (int i = 0; i < r.recordCount(); ++i)
+            lineas.append(u"%1"_s.arg(numeroDe(r.value(i, u"Grupo"_s)), 3, 10, QChar(u'0')) +
+                          u" - "_s + textoDe(r.value(i, u"Nombre"_s)));
+    } catch (const QuelmoError&) {
+    }
+    return lineas;
+}
+
+QString msCodigoListaPorNombre(const QString& nombre) {
+    try {
+        const QueryResult r =
+            Conexion().query(u"select grupo from grupos where nombre=?"_s, {nombre});
+        if (!r.isEmpty()) return textoDe(r.value(0, 0));
+    } catch (const QuelmoError&) {
+    }
+    return QString();
+}
+
+namespace ImportPruebas {
+void establecerPuntoDeFallo(std::function<void(const char*)> f) {
+    puntoDeFallo() = std::move(f);
+}
+void establecerLineasPorTramo(int lineas) {
+    g_lineasPorTramo = lineas;
+}
+}  // namespace ImportPruebas

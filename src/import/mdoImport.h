@@ -1,8 +1,57 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <cstdint>
+#include <functional>
 
-// Imports a file of messages or contacts through a time-stamped working
-// copy; every outcome goes to the activity log.
+// Import of semicolon-separated text files of messages or contacts: by hand
+// through a working copy, or from the watched file, which is claimed by a
+// rename and imported exactly once even across a crash.
+
+// Reads a file of messages (or of contacts when `contactos`) line by line
+// and imports each non-empty line. `lista` is "-1" (no list), a list code,
+// or a name for a new list; it is rewritten when a new list gets a default
+// name. True when at least one non-empty line was read.
+bool msLeerFicheroImport(const QString& path, bool contactos, QString& lista, bool addContactos);
+
+// One line's three fields (account, number, text or alias): queues the
+// message and/or adds the contact and its list row, logging every outcome.
+bool msImportarLinea(const QVariant& cuenta, const QString& numero, const QString& texto,
+                     int16_t lista, bool contactos, bool addContactos);
+
+// Creates a list under the next free code; an empty `nombre` becomes the
+// default name. Returns the code, 0 when no more lists fit.
+int16_t msCrearListaImportada(QString& nombre);
+
+// The alias that a contact whose alias is taken is retried under: the alias
+// followed by "_" and one more than the aliases that begin with it.
+QString aliasConSufijo(const QString& alias);
+
+// Imports `path`. `borrar` marks the watched file: it is claimed, imported
+// exactly once and removed when a line was read.
 void msImportarFichero(const QString& path, bool contactos, bool borrar, const QString& lista,
                        bool addContactos);
+
+// The two user commands, after their selection screen closed: read the
+// section's settings and run the driver when the path is longer than three
+// characters. True when the driver ran.
+bool msImportarManual();
+bool msImportarContactos();
+
+// The list choices of the selection screen: "000 - name" per list, by name.
+QStringList msListasSeleccion();
+// The code of the first list of that name, as text; empty when none.
+QString msCodigoListaPorNombre(const QString& nombre);
+
+namespace ImportPruebas {
+// Called at the points where a crash would leave the most to recover:
+// "reclamar" (record stored, file not yet renamed), "reclamado", "linea"
+// (inside an open transaction), "tramo" (after a commit), "terminado"
+// (last commit done), "borrado" (claimed file removed). A test throws from
+// it to stop the import there as a kill would.
+void establecerPuntoDeFallo(std::function<void(const char*)> punto);
+// Ends each transaction after this many lines as well (0: by time only).
+void establecerLineasPorTramo(int lineas);
+}  // namespace ImportPruebas

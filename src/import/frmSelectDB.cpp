@@ -1,0 +1,282 @@
+#include "import/frmSelectDB.h"
+
+#include "base/AppState.h"
+#include "base/Avisos.h"
+#include "base/Conversions.h"
+#include "base/Error.h"
+#include "base/Settings.h"
+#include "base/UserInterface.h"
+#include "db/Conexion.h"
+#include "db/mdoDB.h"
+#include "import/mdoImport.h"
+#include "widgets/Boton.h"
+#include "widgets/Iconos.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kSegundos[] = {5, 10, 20, 30, 45, 60};
+
+template <class W>
+W* nombrado(W* w, const QString& nombre) {
+    w->setObjectName(nombre);
+    return w;
+}
+
+QLabel* etiquetaRuta(QWidget* padre, const QString& nombre) {
+    auto* l = nombrado(new QLabel(padre), nombre);
+    l->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    l->setWordWrap(true);
+    l->setMinimumWidth(420);
+    return l;
+}
+
+}  // namespace
+
+int frmSelectDB::segundosDeLinea(int linea) {
+    return linea >= 0 && linea < 6 ? kSegundos[linea] : 60;
+}
+
+frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"frmSelectDB"_s);
+    setWindowIcon(iconoQuelmo(u"basedatos"_s));
+
+    Frame2 = nombrado(new QGroupBox(u"Selección Actual"_s, this), u"Frame2"_s);
+    lblactual = etiquetaRuta(Frame2, u"lblactual"_s);
+    (new QVBoxLayout(Frame2))->addWidget(lblactual);
+
+    Frame1 = nombrado(new QGroupBox(u"Nueva selección"_s, this), u"Frame1"_s);
+    lblFichero = etiquetaRuta(Frame1, u"lblFichero"_s);
+    cmdexaminar = botonConNombre(Frame1, u"cmdexaminar"_s, u"Examinar"_s);
+    auto* nueva = new QHBoxLayout(Frame1);
+    nueva->addWidget(lblFichero, 1);
+    nueva->addWidget(cmdexaminar);
+
+    Chkcontactos =
+        nombrado(new QCheckBox(u"Importar Contactos de Mensajes"_s, this), u"Chkcontactos"_s);
+    lbllista = nombrado(new QLabel(u"Añadir Contactos a Lista"_s, this), u"lbllista"_s);
+    Cmblista = nombrado(new QComboBox(this), u"Cmblista"_s);
+    Label1 = nombrado(new QLabel(u"Nombre de lista"_s, this), u"Label1"_s);
+    lista = nombrado(new QLineEdit(this), u"lista"_s);
+    lblIntervalo = nombrado(new QLabel(u"Intervalo de chequeo "_s, this), u"lblIntervalo"_s);
+    cmbIntervalo = nombrado(new QComboBox(this), u"cmbIntervalo"_s);
+    lbllista->setBuddy(Cmblista);
+    Label1->setBuddy(lista);
+    lblIntervalo->setBuddy(cmbIntervalo);
+
+    m_opciones = new QFormLayout;
+    m_opciones->addRow(Chkcontactos);
+    m_opciones->addRow(lbllista, Cmblista);
+    m_opciones->addRow(Label1, lista);
+    m_opciones->addRow(lblIntervalo, cmbIntervalo);
+
+    XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Probar conexión"_s);
+    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"Anular Importación"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar selección"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
+    cmdAdd->setDefault(true);
+    auto* botones = new QHBoxLayout;
+    botones->addWidget(XPButton1);
+    botones->addWidget(XPButton2);
+    botones->addStretch(1);
+    botones->addWidget(cmdAdd);
+    botones->addWidget(cmdClose);
+
+    auto* todo = new QVBoxLayout(this);
+    todo->addWidget(Frame2);
+    todo->addWidget(Frame1);
+    todo->addLayout(m_opciones);
+    todo->addStretch(1);
+    todo->addSpacing(8);
+    todo->addLayout(botones);
+
+    connect(Cmblista, &QComboBox::currentIndexChanged, this, [this] { Cmblista_Click(); });
+    connect(cmdexaminar, &QPushButton::clicked, this, [this] { cmdexaminar_Click(); });
+    connect(XPButton1, &QPushButton::clicked, this, [this] { XPButton1_Click(); });
+    connect(XPButton2, &QPushButton::clicked, this, [this] { XPButton2_Click(); });
+    connect(cmdAdd, &QPushButton::clicked, this, [this] { cerrarCon(true); });
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarCon(false); });
+
+    // Load.
+    cmbIntervalo->addItems({u" 5 Segundos"_s, u"10 Segundos"_s, u"20 Segundos"_s, u"30 Segundos"_s,
+                            u"45 Segundos"_s, u"60 Segundos"_s});
+    Cmblista->addItems({u"No Añadir a Lista"_s, u"Nueva Lista"_s});
+    Cmblista->addItems(msListasSeleccion());
+    Cmblista->setCurrentIndex(0);
+    Cmblista_Click();
+
+    // Only the six lines of the combo are kept; anything else is 60.
+    const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s);
+    int linea = 5;
+    if (esNumerico(leido)) {
+        int valor = 0;
+        try {
+            valor = aEntero16(leido);
+        } catch (const QuelmoError&) {
+        }
+        if (valor < 2) valor = 60;
+        for (int i = 0; i < 6; ++i)
+            if (kSegundos[i] == valor) linea = i;
+    }
+    cmbIntervalo->setCurrentIndex(linea);
+    Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(kSegundos[linea]));
+    Q_EMIT Avisos::instancia().intervaloLeido(kSegundos[linea]);
+    msSeccion.clear();
+}
+
+QString frmSelectDB::seccion() const {
+    return msSeccion.isEmpty() ? u"Import"_s : msSeccion;
+}
+
+void frmSelectDB::showEvent(QShowEvent* event) {
+    if (!m_activada) {
+        m_activada = true;
+        activar();
+    }
+    QDialog::showEvent(event);
+}
+
+void frmSelectDB::activar() {
+    QString ruta;
+    if (mbImportacion) {
+        ruta = Settings::getSetting(seccion(), u"Path"_s,
+                                    directorioAplicacion() + u"/intercambio.txt"_s);
+        m_tituloDialogo = u"Seleccione Fichero de intercambio"_s;
+        m_filtroDialogo = u"Ficheros (*.txt);;Todos (*)"_s;
+    } else {
+        ruta = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
+        setWindowTitle(u"Seleccionar Base de Datos"_s);
+        cmdAdd->setEnabled(false);
+        m_tituloDialogo = u"Seleccione su Base de Datos"_s;
+        m_filtroDialogo = u"Bases de Datos (*.db);;Todos (*)"_s;
+    }
+    lblactual->setText(ruta);
+    lblFichero->setText(ruta);
+    XPButton1->setVisible(!mbImportacion);
+    XPButton2->setVisible(mbImportacion);
+    m_opciones->setRowVisible(Chkcontactos, mbImportacion);
+    m_opciones->setRowVisible(Cmblista, mbImportacion);
+    Cmblista_Click();
+    m_opciones->setRowVisible(cmbIntervalo, mbImportacion && msSeccion == u"ImportA"_s);
+    adjustSize();
+}
+
+void frmSelectDB::Cmblista_Click() {
+    const bool nueva = Cmblista->isVisibleTo(this) && Cmblista->currentIndex() == 1;
+    m_opciones->setRowVisible(lista, nueva);
+}
+
+void frmSelectDB::cmdexaminar_Click() {
+    const QString actual = lblactual->text();
+    const QString desde = actual.isEmpty() ? directorioAplicacion() : actual;
+    const QString elegido = ui().openFileName(m_tituloDialogo, desde, m_filtroDialogo);
+    if (!elegido.isEmpty()) lblFichero->setText(elegido);
+}
+
+void frmSelectDB::XPButton1_Click() {
+    const QString ruta = lblFichero->text();
+    if (msValidarBD(ruta)) {
+        ui().msgBox(u"Base de datos aceptada, pulse Aceptar Selección"_s, Msg::Information);
+    } else {
+        // A file that fails the test is upgraded; what that did shows at
+        // acceptance.
+        msActualizarBD(ruta);
+        ui().msgBox(u"Base de datos actualizada y aceptada, pulse Aceptar Selección"_s,
+                    Msg::Information);
+    }
+    cmdAdd->setEnabled(true);
+    cmdAdd->setFocus();
+}
+
+void frmSelectDB::XPButton2_Click() {
+    if (mbImportacion) {
+        lblFichero->clear();
+        Settings::saveSetting(seccion(), u"Path"_s, QString());
+        // Until the program restarts or the switch starts it again.
+        Q_EMIT Avisos::instancia().cicloDetenido();
+    } else {
+        msAceptarBD();
+    }
+    m_cerrando = true;
+    msSeccion.clear();
+    QDialog::done(QDialog::Rejected);
+}
+
+void frmSelectDB::reject() {
+    // The window's close box and Escape are the "Cancelar" button.
+    if (m_cerrando) {
+        QDialog::reject();
+        return;
+    }
+    cerrarCon(false);
+}
+
+void frmSelectDB::cerrarCon(bool aceptar) {
+    if (m_cerrando) return;
+    if (mbImportacion)
+        msAceptarImportacion(aceptar);
+    else
+        msAceptarBD();
+    m_cerrando = true;
+    msSeccion.clear();
+    QDialog::done(aceptar ? QDialog::Accepted : QDialog::Rejected);
+}
+
+void frmSelectDB::msAceptarBD() {
+    const QString ruta = lblFichero->text();
+    if (!msValidarBD(ruta)) {
+        ui().msgBox(u"Base de datos no valida"_s, Msg::Exclamation);
+        return;
+    }
+    if (!msAbrirBD(ruta)) {
+        ui().msgBox(u"Imposible conectar con la base de datos"_s, Msg::Exclamation);
+        return;
+    }
+    Settings::saveSetting(u"BD"_s, u"Path"_s, ruta);
+    // Every open screen shows the other file's accounts and outbox.
+    Q_EMIT Avisos::instancia().cuentasCambiadas();
+    Q_EMIT Avisos::instancia().bandejaCambiada();
+}
+
+void frmSelectDB::msAceptarImportacion(bool aceptar) {
+    const QString s = seccion();
+    if (!aceptar) {
+        // Cancelling ends the choice; for the watch it ends the watch.
+        Settings::saveSetting(s, u"Path"_s, QString());
+        return;
+    }
+    const QString ruta = lblFichero->text();
+    if (ruta.isEmpty()) return;
+    Settings::saveSetting(s, u"Path"_s, ruta);
+    QString textoLista;
+    if (Cmblista->currentIndex() == 0)
+        textoLista = u"-1"_s;
+    else if (Cmblista->currentIndex() == 1)
+        textoLista = lista->text();
+    else
+        textoLista = msCodigoListaPorNombre(Cmblista->currentText().mid(6));
+    Settings::saveSetting(s, u"Lista"_s, textoLista);
+    Settings::saveSetting(s, u"AddContactos"_s, Chkcontactos->isChecked() ? u"1"_s : u"0"_s);
+    guardarIntervalo();
+}
+
+void frmSelectDB::guardarIntervalo() {
+    // Every section stores it, also where the combo is hidden: it then
+    // repeats the value stored before.
+    const int segundos = segundosDeLinea(cmbIntervalo->currentIndex());
+    Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
+    // The new interval counts from now.
+    Q_EMIT Avisos::instancia().intervaloCambiado(segundos);
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+// What the import tests share: a database with accounts 5 (principal) and
+// 7, files written byte for byte, and the log without its time stamps.
+#include "TestSupport.h"
+#include "base/AppState.h"
+#include "base/Conversions.h"
+#include "db/Conexion.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace import_prueba {
+
+using namespace Qt::StringLiterals;
+
+inline Database& bd() {
+    return Conexion();
+}
+
+inline void cuenta(int canal, bool principal) {
+    bd().exec(
+        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
+        u"Principal) VALUES (?,?,160,1,'127.0.0.1','u','c',0,?)"_s,
+        {canal, QString(u"Cuenta "_s + QString::number(canal)), principal ? 1 : 0});
+}
+
+// A fresh database as the shared connection, with accounts 5 and 7.
+inline QString baseConCuentas(TestWorld& world) {
+    world.reset();
+    const QString ruta = TestDb::createCurrent(world.root() + u"/import.db"_s);
+    TestDb::openShared(ruta);
+    cuenta(5, true);
+    cuenta(7, false);
+    return ruta;
+}
+
+inline void escribir(const QString& ruta, const QByteArray& bytes) {
+    QFile f(ruta);
+    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(bytes);
+}
+
+inline QByteArray leer(const QString& ruta) {
+    QFile f(ruta);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The log's texts, without "{date time} - ".
+inline QStringList registro() {
+    QStringList t;
+    for (const QString& l : appState().log.lines()) t.append(l.mid(l.indexOf(u" - "_s) + 3));
+    return t;
+}
+
+// Every row of a query as "a|b|c".
+inline QStringList filas(const QString& sql, const QVariantList& params = {}) {
+    const QueryResult r = bd().query(sql, params);
+    QStringList t;
+    for (int f = 0; f < r.recordCount(); ++f) {
+        QStringList celdas;
+        for (int c = 0; c < r.columnCount(); ++c) celdas.append(textoDe(r.value(f, c)));
+        t.append(celdas.join(u'|'));
+    }
+    return t;
+}
+
+inline long long cuantos(const QString& sql, const QVariantList& params = {}) {
+    return numeroDe(bd().query(sql, params).value(0, 0));
+}
+
+}  // namespace import_prueba
