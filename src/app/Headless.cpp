@@ -32,6 +32,27 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
 
+    Transmitter transmisor;
+    bool pararPedido = false;
+    // SIGINT and SIGTERM stop between runs: the tick runs to its end first.
+    // Caught from the start, so a signal while the database opens is not
+    // the default action that kills the process mid-write.
+    ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_senal);
+    QSocketNotifier notificador(g_senal[0], QSocketNotifier::Read);
+    QObject::connect(&notificador, &QSocketNotifier::activated, &app, [&] {
+        char c;
+        [[maybe_unused]] const auto n = ::read(g_senal[0], &c, 1);
+        pararPedido = true;
+        transmisor.detener();
+        QCoreApplication::quit();
+    });
+    struct sigaction sa {};
+    sa.sa_handler = alRecibirSenal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &sa, nullptr);
+    sigaction(SIGTERM, &sa, nullptr);
+
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
 
@@ -50,7 +71,6 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
 
     // What the main window's load and first activation do, without screens
     // and without the balance exchange of the first-run logic.
-    Transmitter transmisor;
     transmisor.armarTemporizador();
     cargarClaveAcceso();
     msAbrirBaseInicial();
@@ -63,22 +83,11 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
         return 0;
     }
 
-    // SIGINT and SIGTERM stop between runs: the tick runs to its end first.
-    ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_senal);
-    QSocketNotifier notificador(g_senal[0], QSocketNotifier::Read);
-    QObject::connect(&notificador, &QSocketNotifier::activated, &app, [&] {
-        char c;
-        [[maybe_unused]] const auto n = ::read(g_senal[0], &c, 1);
-        transmisor.detener();
-        QCoreApplication::quit();
-    });
-    struct sigaction sa {};
-    sa.sa_handler = alRecibirSenal;
-    sigemptyset(&sa.sa_mask);
-    sa.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &sa, nullptr);
-    sigaction(SIGTERM, &sa, nullptr);
-
+    // A stop asked for during start-up or the first run ends here.
+    if (pararPedido) {
+        Conexion().close();
+        return 0;
+    }
     const int codigo = app.exec();
     Conexion().close();
     return codigo;
