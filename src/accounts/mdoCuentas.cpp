@@ -1,5 +1,6 @@
 #include "accounts/mdoCuentas.h"
 
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "base/Avisos.h"
 #include "base/Cifrado.h"
@@ -9,6 +10,7 @@
 #include "base/Pantallas.h"
 #include "base/UserInterface.h"
 #include "db/Conexion.h"
+#include "db/Transaccion.h"
 #include "delivery/mdoSendRavion.h"
 
 #include <QUrl>
@@ -54,16 +56,6 @@ QString conEsquema(const QString& host) {
 }
 
 }  // namespace
-
-int16_t msCanalPrincipal() {
-    try {
-        const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
-        if (r.isEmpty()) return 0;
-        return aEntero16(r.value(0, 0));
-    } catch (const QuelmoError&) {
-        return 0;
-    }
-}
 
 QString msUrlRecarga(const QString& usuario) {
     // A user name with "&" or a blank must reach the page whole.
@@ -143,6 +135,8 @@ void msComprobarPrincipal() {
             db.exec(
                 u"UPDATE canales SET principal = 1 WHERE canal IN (select MIN(canal) from canales)"_s);
     } catch (const QuelmoError&) {
+        // The rule is retried at the next change of accounts; the change
+        // itself already stands.
     }
 }
 
@@ -162,9 +156,13 @@ void msHacerPrincipal(int16_t canal, const QString& nombre) {
             kPregunta) != Msg::Yes)
         return;
     try {
+        // Both or neither: a failure half-way must not leave no principal.
+        Transaccion t(Conexion());
         Conexion().exec(u"Update Canales set principal=0"_s);
         Conexion().exec(u"Update Canales set principal=1 Where Canal = ?"_s, {canal});
-    } catch (const QuelmoError&) {
+        t.commit();
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudo establecer la Cuenta Principal: "_s + e.description());
     }
     avisarCambio();
 }

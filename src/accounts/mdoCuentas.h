@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/Conexion.h"
 #include "db/Database.h"
 
 #include <QString>
@@ -10,8 +11,6 @@
 // how the first one comes about. The account screens call these and hold
 // no SQL of their own.
 
-// The code of the principal account; 0 when there is none.
-int16_t msCanalPrincipal();
 // Opens the platform's recharge page for the principal account's user.
 void msRecarga();
 // At start and when the compose screen finds no account: leads a user

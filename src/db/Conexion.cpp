@@ -90,3 +90,13 @@ void msBaseNoValida() {
         Msg::Critical);
     ui().showSelectDatabase();
 }
+
+int16_t msCanalPrincipal() {
+    try {
+        const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
+        if (r.isEmpty()) return 0;
+        return aEntero16(r.value(0, 0));
+    } catch (const QuelmoError&) {
+        return 0;
+    }
+}

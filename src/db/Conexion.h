@@ -3,6 +3,7 @@
 #include "db/Database.h"
 
 #include <QString>
+#include <cstdint>
 
 // The one connection of the process and the files it can be opened on.
 
@@ -26,3 +27,6 @@ bool msValidarBD(const QString& path);
 // selection. What a routine does when the open file lacks a table or column
 // it needs.
 void msBaseNoValida();
+
+// The code of the principal account; 0 when there is none (or no table).
+int16_t msCanalPrincipal();

@@ -1,6 +1,7 @@
 #include "history/mdoHistorico.h"
 
 #include "accounts/mdoCuentas.h"
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "base/Avisos.h"
 #include "base/Clock.h"
@@ -423,7 +424,8 @@ bool msBorrarAnteriores(const QString& fecha) {
     try {
         Conexion().exec(u"DELETE FROM HEnvios WHERE Registro < ?"_s,
                         {dia.toString(u"yyyy-MM-dd"_s)});
-    } catch (const DbError&) {
+    } catch (const DbError& e) {
+        msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;
 }
@@ -434,7 +436,8 @@ bool msBorrarTodos() {
         return false;
     try {
         Conexion().exec(u"DELETE FROM HEnvios"_s);
-    } catch (const DbError&) {
+    } catch (const DbError& e) {
+        msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;
 }

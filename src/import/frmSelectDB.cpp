@@ -125,6 +125,7 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
         try {
             valor = aEntero16(leido);
         } catch (const QuelmoError&) {
+            // Too large to be an interval: the default below takes over.
         }
         if (valor < 2) valor = 60;
         for (int i = 0; i < 6; ++i)

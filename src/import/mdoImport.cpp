@@ -84,15 +84,6 @@ QVariant valorCuenta(const QString& cuenta) {
     return v;
 }
 
-int16_t canalPrincipal() {
-    try {
-        const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
-        if (!r.isEmpty()) return aEntero16(r.value(0, 0));
-    } catch (const QuelmoError&) {
-    }
-    return 0;
-}
-
 QString normalizarNumero(const QString& numero) {
     if (numero.startsWith(u"34"_s)) return u"00"_s + numero;
     if (!numero.startsWith(u"00"_s)) return u"0034"_s + numero;
@@ -178,6 +169,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                     u"Select count(*) from Abonados where upper(alias) = upper(?)"_s, {alias});
                 if (numeroDe(r.value(0, 0)) >= 1) otro = aliasConSufijo(alias);
             } catch (const QuelmoError&) {
+                // Without the count the alias is tried as it is; a refusal is logged below.
             }
             hecho = insertarContacto(cuenta, numero, otro);
             if (!hecho) {
@@ -197,6 +189,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                 registrar(u"Contacto: "_s + alias + u" Añadido a lista: " +
                           u"%1"_s.arg(int(lista), 3, 10, QChar(u'0')));
             } catch (const QuelmoError&) {
+                // Already a member of the list: nothing to add, nothing to say.
             }
         }
     }
@@ -226,6 +219,7 @@ int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear)
     try {
         bd.exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {int(codigo), nombre});
     } catch (const QuelmoError&) {
+        // A list of that code already stands: the lines join it.
     }
     try {
         if (alCrear) alCrear(codigo);
@@ -246,6 +240,7 @@ int16_t resolverLista(QString& lista, bool addContactos,
         try {
             codigo = aEntero16(lista);
         } catch (const QuelmoError&) {
+            // Too large for a list code: list 0, as for no number at all.
         }
     }
     bool crear = !numerico;
@@ -367,7 +362,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             if (!lector.siguiente(linea)) break;
         // Read once: a line without an account goes to the account that
         // was principal when the file began.
-        const QString principal = QString::number(canalPrincipal());
+        const QString principal = QString::number(msCanalPrincipal());
         bool ultima = false;
         bool mas = true;
         while (mas) {
@@ -676,12 +671,14 @@ bool msImportarManual() {
         try {
             lista = QString::number(aEntero16(listaGuardada));
         } catch (const QuelmoError&) {
+            // A stored value too large for a list code means no list.
         }
     }
     bool anadir = false;
     try {
         anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
     } catch (const QuelmoError&) {
+        // A value mangled by hand adds no contacts, as if never set.
     }
     if (ruta.size() <= 3) return false;
     msImportarFichero(ruta, false, false, lista, anadir);
@@ -707,6 +704,7 @@ QStringList msListasSeleccion() {
             lineas.append(u"%1"_s.arg(numeroDe(r.value(i, u"Grupo"_s)), 3, 10, QChar(u'0')) +
                           u" - "_s + textoDe(r.value(i, u"Nombre"_s)));
     } catch (const QuelmoError&) {
+        // A database without lists offers none to choose.
     }
     return lineas;
 }
@@ -717,6 +715,7 @@ QString msCodigoListaPorNombre(const QString& nombre) {
             Conexion().query(u"select grupo from grupos where nombre=?"_s, {nombre});
         if (!r.isEmpty()) return textoDe(r.value(0, 0));
     } catch (const QuelmoError&) {
+        // A database without lists knows no list by that name.
     }
     return QString();
 }

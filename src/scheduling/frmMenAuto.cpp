@@ -66,6 +66,7 @@ void frmMenAuto::cmdAdd_Click() {
     try {
         codigo = proximoCodigoAutomatico();
     } catch (const QuelmoError&) {
+        // Unreadable codes: the first one is proposed, the save checks it.
     }
     {
         frmNewMenAuto2 editor(ventanaPadreModal());

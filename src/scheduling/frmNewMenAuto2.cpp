@@ -1,5 +1,6 @@
 #include "scheduling/frmNewMenAuto2.h"
 
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "scheduling/ctrScheduledTask.h"
 #include "scheduling/frmSeleccionMensaje.h"
@@ -136,6 +137,7 @@ void frmNewMenAuto2::setCodigo(int32_t codigo) {
     try {
         fila = leerAutomatico(codigo);
     } catch (const QuelmoError&) {
+        // An unreadable row opens as a new one, below.
     }
     if (fila.isEmpty()) {
         m_enCarga = false;
@@ -169,7 +171,8 @@ void frmNewMenAuto2::cargarDestinatarios() {
     QVector<QString> celdas;
     try {
         celdas = leerDestinatarios(m_codigo);
-    } catch (const QuelmoError&) {
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudieron leer los destinatarios: "_s + e.description());
     }
     lblContactos->setText(u"Este envío tiene "_s + QString::number(celdas.size() / 3) +
                           u" mensaje(s)"_s);

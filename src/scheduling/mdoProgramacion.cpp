@@ -1,5 +1,6 @@
 #include "scheduling/mdoProgramacion.h"
 
+#include "base/ActivityLog.h"
 #include "base/AppState.h"
 #include "base/Clock.h"
 #include "base/Conversions.h"
@@ -282,6 +283,7 @@ bool borrarMensajeProgramado(int32_t codigo) {
         try {
             db.rollback();
         } catch (const QuelmoError&) {
+            // The failed statement already ended the transaction.
         }
         return false;
     }
@@ -363,6 +365,7 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
         try {
             db.rollback();
         } catch (const QuelmoError&) {
+            // The failed statement already ended the transaction.
         }
         ui().msgBox(paso == kAlta ? u"Imposible dar de Alta este Mensaje"_s
                     : paso == kCambio
@@ -410,7 +413,8 @@ QString recortarBlancos(const QString& texto) {
 void olvidarUltimaTarea(int32_t codigo) {
     try {
         bd().exec(u"update automaticos set ultimatarea = Null where codigo = ?"_s, {codigo});
-    } catch (const QuelmoError&) {
+    } catch (const QuelmoError& e) {
+        msLog(u"No se pudo borrar la última ejecución: "_s + e.description());
     }
 }
 
@@ -486,6 +490,7 @@ QString proximaTareaDe(int32_t codigo, bool programada, const Programa& programa
         db.rollbackTo(punto);
         db.release(punto);
     } catch (const QuelmoError&) {
+        // Nothing was written under the savepoint that could be kept.
     }
     return texto;
 }
