@@ -122,7 +122,10 @@ void frmEnvio::construir() {
     ListView1 = new Listado(
         u"ListView1"_s,
         {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
-    ListView1->setColumnWidth(0, 2);
+    // The Id is what the lines are loaded in order of and what modify and
+    // delete act on; the user has no use for it, and even at the smallest
+    // width its header would show clipped.
+    ListView1->hideColumn(0);
     ListView1->setColumnWidth(1, 110);
     ListView1->setColumnWidth(2, 120);
     ListView1->setColumnWidth(3, 170);

@@ -231,6 +231,9 @@ class TestEnvio : public QObject {
             u"('2026-03-04 05:06:09',1,'0034600000007','tres',2)"_s);
         frmEnvio f;
         auto* lv = hijo<QTreeView>(f, u"ListView1"_s);
+        // The Id stays out of sight, still there for the lines' order and
+        // for what modify and delete act on.
+        QVERIFY(lv->isColumnHidden(0));
         lv->setCurrentIndex(lv->model()->index(1, 0));
         ui.answers = {Msg::No, Msg::Yes};
         hijo<QPushButton>(f, u"cmdModificar"_s)->click();
