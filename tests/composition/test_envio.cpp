@@ -363,6 +363,36 @@ class TestEnvio : public QObject {
         PantallasHijas::setArea(nullptr);
     }
 
+    // The first start's frame leaves less than the screen's usual size:
+    // there it opens whole, nearer the corner, and still at 100,100 across
+    // when that leaves room.
+    void fitsASmallFrame_data() {
+        QTest::addColumn<QSize>("marco");
+        QTest::addColumn<QPoint>("posicion");
+        QTest::newRow("default frame's area") << QSize(1000, 480) << QPoint(100, 0);
+        QTest::newRow("narrow and low") << QSize(760, 450) << QPoint(36, 0);
+    }
+    void fitsASmallFrame() {
+        QFETCH(QSize, marco);
+        QFETCH(QPoint, posicion);
+        ScriptedInterface ui;
+        QMdiArea area;
+        area.resize(marco);
+        area.show();
+        PantallasHijas::setArea(&area);
+        registrarPantallasEnvio();
+        QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
+        QMdiSubWindow* sub = area.subWindowList().first();
+        QVERIFY2(
+            area.viewport()->rect().contains(sub->geometry()),
+            qPrintable(
+                u"%1,%2 %3x%4"_s.arg(sub->x()).arg(sub->y()).arg(sub->width()).arg(sub->height())));
+        QCOMPARE(sub->pos(), posicion);
+        auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);
+        QVERIFY(lista->height() >= 3 * lista->sizeHintForRow(0));
+        PantallasHijas::setArea(nullptr);
+    }
+
     void transmitterSwitch() {
         ScriptedInterface ui;
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
