@@ -369,7 +369,7 @@ class TestEnvio : public QObject {
     void fitsASmallFrame_data() {
         QTest::addColumn<QSize>("marco");
         QTest::addColumn<QPoint>("posicion");
-        QTest::newRow("default frame's area") << QSize(1000, 480) << QPoint(100, 0);
+        QTest::newRow("default frame's area") << QSize(1000, 460) << QPoint(100, 0);
         QTest::newRow("narrow and low") << QSize(760, 450) << QPoint(36, 0);
     }
     void fitsASmallFrame() {
