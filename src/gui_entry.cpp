@@ -6,6 +6,7 @@
 #include "base/AppState.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
+#include "widgets/Traduccion.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -16,6 +17,7 @@ using namespace Qt::StringLiterals;
 extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, char** argv) {
     QApplication app(argc, argv);
     nombrarAplicacion();
+    cargarTraduccionQt();
     // Hidden in the tray, the program has no window and goes on sending;
     // it ends only through the main window's closing rule.
     QApplication::setQuitOnLastWindowClosed(false);

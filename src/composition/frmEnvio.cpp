@@ -122,7 +122,10 @@ void frmEnvio::construir() {
     ListView1 = new Listado(
         u"ListView1"_s,
         {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
-    ListView1->setColumnWidth(0, 2);
+    // The Id is what the lines are loaded in order of and what modify and
+    // delete act on; the user has no use for it, and even at the smallest
+    // width its header would show clipped.
+    ListView1->hideColumn(0);
     ListView1->setColumnWidth(1, 110);
     ListView1->setColumnWidth(2, 120);
     ListView1->setColumnWidth(3, 170);
@@ -499,7 +502,15 @@ void frmEnvio::colocarEnMarco(bool activacion) {
     QMdiArea* area = sub ? sub->mdiArea() : nullptr;
     if (!area) return;
     if (activacion) {
-        sub->move(100, 100);
+        // At 100,100 while the frame has room for it; a smaller frame (the
+        // first start's, with the log below) would hide the outbox and the
+        // buttons, so there the screen shrinks to the frame, down to what
+        // its layout needs, and moves up and left until it shows whole.
+        const QSize libre = area->viewport()->size();
+        const QSize tam = sub->size().boundedTo(libre).expandedTo(sub->minimumSizeHint());
+        if (tam != sub->size()) sub->resize(tam);
+        sub->move(qMin(100, qMax(0, libre.width() - tam.width())),
+                  qMin(100, qMax(0, libre.height() - tam.height())));
     } else {
         sub->move(qMax(0, (area->width() - sub->width()) / 2),
                   qMax(0, (area->height() - sub->height()) / 4));

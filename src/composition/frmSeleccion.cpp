@@ -38,10 +38,15 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     auto* cmdTodoslista = botonConNombre(this, u"cmdTodoslista"_s, u"Todos >>"_s);
     auto* cmdVaciarLista = botonConNombre(this, u"cmdVaciarLista"_s, u"<<<<"_s);
     cmdVaciarLista->setToolTip(u"Vaciar Lista"_s);
-    // Enter in the search field searches; it presses no button.
-    for (QPushButton* b : findChildren<QPushButton*>()) b->setAutoDefault(false);
     auto* cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
     auto* cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
+    // The search runs as the text changes, so Enter in the search field or
+    // in a list has nothing to do; were any button a dialog's default, Enter
+    // would press it, and "Aceptar" would close the picker half chosen.
+    for (QPushButton* b : findChildren<QPushButton*>()) {
+        b->setAutoDefault(false);
+        b->setDefault(false);
+    }
 
     auto* izquierda = new QVBoxLayout();
     izquierda->addWidget(new QLabel(u"Buscar Contactos"_s, this));

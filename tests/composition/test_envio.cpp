@@ -231,6 +231,9 @@ class TestEnvio : public QObject {
             u"('2026-03-04 05:06:09',1,'0034600000007','tres',2)"_s);
         frmEnvio f;
         auto* lv = hijo<QTreeView>(f, u"ListView1"_s);
+        // The Id stays out of sight, still there for the lines' order and
+        // for what modify and delete act on.
+        QVERIFY(lv->isColumnHidden(0));
         lv->setCurrentIndex(lv->model()->index(1, 0));
         ui.answers = {Msg::No, Msg::Yes};
         hijo<QPushButton>(f, u"cmdModificar"_s)->click();
@@ -357,6 +360,36 @@ class TestEnvio : public QObject {
         // A resize centres it across and puts it a quarter down.
         sub->resize(600, 500);
         QCOMPARE(sub->pos(), QPoint(300, 100));
+        PantallasHijas::setArea(nullptr);
+    }
+
+    // The first start's frame leaves less than the screen's usual size:
+    // there it opens whole, nearer the corner, and still at 100,100 across
+    // when that leaves room.
+    void fitsASmallFrame_data() {
+        QTest::addColumn<QSize>("marco");
+        QTest::addColumn<QPoint>("posicion");
+        QTest::newRow("default frame's area") << QSize(1000, 460) << QPoint(100, 0);
+        QTest::newRow("narrow and low") << QSize(760, 450) << QPoint(36, 0);
+    }
+    void fitsASmallFrame() {
+        QFETCH(QSize, marco);
+        QFETCH(QPoint, posicion);
+        ScriptedInterface ui;
+        QMdiArea area;
+        area.resize(marco);
+        area.show();
+        PantallasHijas::setArea(&area);
+        registrarPantallasEnvio();
+        QVERIFY(Pantallas::abrir(u"frmEnvio"_s));
+        QMdiSubWindow* sub = area.subWindowList().first();
+        QVERIFY2(
+            area.viewport()->rect().contains(sub->geometry()),
+            qPrintable(
+                u"%1,%2 %3x%4"_s.arg(sub->x()).arg(sub->y()).arg(sub->width()).arg(sub->height())));
+        QCOMPARE(sub->pos(), posicion);
+        auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);
+        QVERIFY(lista->height() >= 3 * lista->sizeHintForRow(0));
         PantallasHijas::setArea(nullptr);
     }
 

@@ -137,6 +137,38 @@ class TestSeleccion : public QObject {
         QCOMPARE(destinos->rowCount(), 0);
         QCOMPARE(contactos->rowCount(), 4);
     }
+
+    // The search runs as the text changes; Enter there or in a list must
+    // not take the picker's answer half made.
+    void enterDoesNotAccept_data() {
+        QTest::addColumn<QString>("campo");
+        QTest::addColumn<int>("tecla");
+        QTest::newRow("search, Return") << u"txtBuscar"_s << int(Qt::Key_Return);
+        QTest::newRow("search, keypad Enter") << u"txtBuscar"_s << int(Qt::Key_Enter);
+        QTest::newRow("contacts") << u"lstcontactos"_s << int(Qt::Key_Return);
+        QTest::newRow("lists") << u"lstlistas"_s << int(Qt::Key_Return);
+        QTest::newRow("chosen") << u"lstdestinos"_s << int(Qt::Key_Return);
+    }
+    void enterDoesNotAccept() {
+        QFETCH(QString, campo);
+        QFETCH(int, tecla);
+        ScriptedInterface ui;
+        appState().gsDestinos = u"antes"_s;
+        frmSeleccion f;
+        f.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f));
+        f.findChild<QLineEdit*>(u"txtBuscar"_s)->setText(u"b"_s);
+        f.findChild<QPushButton*>(u"Command1"_s)->click();
+        QWidget* w = prueba::hijo<QWidget>(f, campo);
+        w->setFocus();
+        QTest::keyClick(w, Qt::Key(tecla));
+        QVERIFY(f.isVisible());
+        QCOMPARE(f.result(), int(QDialog::Rejected));
+        QCOMPARE(appState().gsDestinos, u"antes"_s);
+        QCOMPARE(textosDe(modelo(f, u"lstdestinos"_s), 0), QStringList{u"bea"_s});
+        for (QPushButton* b : f.findChildren<QPushButton*>())
+            QVERIFY2(!b->isDefault(), qPrintable(b->objectName()));
+    }
 };
 
 QUELMO_GUI_TEST_MAIN(TestSeleccion)
