@@ -21,9 +21,7 @@ using prueba::programa;
 
 namespace {
 
-Database& bd() {
-    return Conexion();
-}
+using prueba::bd;
 
 void nombre(int codigo, const QString& n) {
     bd().exec(u"UPDATE Automaticos SET Nombre = ? WHERE Codigo = ?"_s, {n, codigo});
@@ -37,17 +35,6 @@ void destinatario(int codigo, const QString& abonado, const QString& mensaje) {
 void contacto(const QString& codigo, int canal) {
     bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',?)"_s,
               {codigo, QString(u"Alias "_s + codigo), canal});
-}
-
-QStringList filasDe(const QString& sql) {
-    QStringList t;
-    const QueryResult r = bd().query(sql);
-    for (int f = 0; f < r.recordCount(); ++f) {
-        QStringList celdas;
-        for (int c = 0; c < r.columnCount(); ++c) celdas << textoDe(r.value(f, c));
-        t << celdas.join(u'|');
-    }
-    return t;
 }
 
 QStringList lineas(const Listado* l) {
@@ -138,7 +125,7 @@ class TestEmergencias : public QObject {
             destinatario(7, d.section(u'|', 0, 0), d.section(u'|', 1));
         for (const QString& c : contactos)
             contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
-        const QStringList programaAntes = filasDe(u"SELECT * FROM Automaticos"_s);
+        const QStringList programaAntes = prueba::filas(u"SELECT * FROM Automaticos"_s);
         ScriptedInterface ui;
         int envioAbierto = 0, bandejaAlAbrir = -1;
         QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
@@ -151,9 +138,10 @@ class TestEmergencias : public QObject {
         QCOMPARE(envioAbierto, 0);
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(filasDe(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
-                 bandeja);
-        QCOMPARE(filasDe(u"SELECT DISTINCT Registro FROM envios"_s),
+        QCOMPARE(
+            prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
+            bandeja);
+        QCOMPARE(prueba::filas(u"SELECT DISTINCT Registro FROM envios"_s),
                  QStringList{u"2006-03-15 10:00:30"_s});
         QVERIFY(ui.boxes.isEmpty());
         // The compose screen comes up first, then redraws its outbox.
@@ -161,7 +149,7 @@ class TestEmergencias : public QObject {
         QCOMPARE(bandejaAlAbrir, 0);
         QCOMPARE(redibujo.count(), 1);
         // The schedule and the list stay as they were.
-        QCOMPARE(filasDe(u"SELECT * FROM Automaticos"_s), programaAntes);
+        QCOMPARE(prueba::filas(u"SELECT * FROM Automaticos"_s), programaAntes);
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 3), u"nunca"_s);
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
@@ -184,7 +172,7 @@ class TestEmergencias : public QObject {
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(1);
         pantalla.cmdEnviar->click();
-        QCOMPARE(filasDe(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
+        QCOMPARE(prueba::filas(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
         Q_EMIT pantalla.ListView1->dobleClicFila(1);
         QCOMPARE(abierto, QVariant(3));
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 0), u"Renombrado"_s);

@@ -23,9 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Database& bd() {
-    return Conexion();
-}
+using prueba::bd;
 
 void enviado(const QString& registro, const QString& numero, const QString& mensaje, int canal = 1,
              const QVariant& crem = u"Tienda"_s, const QString& resultado = u"Mensaje aceptado"_s) {
@@ -45,17 +43,6 @@ void cuenta(int canal, bool principal) {
 QStringList columna(const QAbstractItemModel* m, int c) {
     QStringList t;
     for (int f = 0; f < m->rowCount(); ++f) t << m->index(f, c).data().toString();
-    return t;
-}
-
-QStringList filasDe(const QString& sql) {
-    QStringList t;
-    const QueryResult r = bd().query(sql);
-    for (int f = 0; f < r.recordCount(); ++f) {
-        QStringList celdas;
-        for (int c = 0; c < r.columnCount(); ++c) celdas << textoDe(r.value(f, c));
-        t << celdas.join(u'|');
-    }
     return t;
 }
 
@@ -210,10 +197,10 @@ class TestHistorico : public QObject {
                           u" El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene "
                           u"activado el Modo Transmisor el mensaje se enviará en unos segundos."_s;
         QCOMPARE(cajas(ui), vistas);
-        QCOMPARE(filasDe(u"SELECT Abonado, Mensaje, intento, Canal FROM envios"_s),
+        QCOMPARE(prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios"_s),
                  esperado.isEmpty() ? QStringList() : QStringList{esperado});
         if (!esperado.isEmpty())
-            QCOMPARE(filasDe(u"SELECT Registro FROM envios"_s),
+            QCOMPARE(prueba::filas(u"SELECT Registro FROM envios"_s),
                      QStringList{u"2006-03-20 12:00:00"_s});
         QCOMPARE(bandeja.count(), esperado.isEmpty() ? 0 : 1);
         // The history keeps its row.

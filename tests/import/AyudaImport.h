@@ -14,9 +14,9 @@ namespace import_prueba {
 
 using namespace Qt::StringLiterals;
 
-inline Database& bd() {
-    return Conexion();
-}
+using prueba::bd;
+using prueba::cuantos;
+using prueba::filas;
 
 inline void cuenta(int canal, bool principal) {
     bd().exec(
@@ -51,22 +51,6 @@ inline QStringList registro() {
     QStringList t;
     for (const QString& l : appState().log.lines()) t.append(l.mid(l.indexOf(u" - "_s) + 3));
     return t;
-}
-
-// Every row of a query as "a|b|c".
-inline QStringList filas(const QString& sql, const QVariantList& params = {}) {
-    const QueryResult r = bd().query(sql, params);
-    QStringList t;
-    for (int f = 0; f < r.recordCount(); ++f) {
-        QStringList celdas;
-        for (int c = 0; c < r.columnCount(); ++c) celdas.append(textoDe(r.value(f, c)));
-        t.append(celdas.join(u'|'));
-    }
-    return t;
-}
-
-inline long long cuantos(const QString& sql, const QVariantList& params = {}) {
-    return numeroDe(bd().query(sql, params).value(0, 0));
 }
 
 }  // namespace import_prueba

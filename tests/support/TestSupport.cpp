@@ -219,6 +219,17 @@ QStringList columna(const QString& sql, const QVariantList& params) {
     return valores;
 }
 
+QStringList filas(const QString& sql, const QVariantList& params) {
+    const QueryResult r = bd().query(sql, params);
+    QStringList t;
+    for (int f = 0; f < r.recordCount(); ++f) {
+        QStringList celdas;
+        for (int c = 0; c < r.columnCount(); ++c) celdas.append(textoDe(r.value(f, c)));
+        t.append(celdas.join(u'|'));
+    }
+    return t;
+}
+
 long long cuantos(const QString& sql, const QVariantList& params) {
     return numeroDe(bd().query(sql, params).value(0, 0));
 }

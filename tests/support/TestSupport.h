@@ -147,6 +147,8 @@ QDateTime en(const QString& texto);
 
 // The first column of a query, as text.
 QStringList columna(const QString& sql, const QVariantList& params = {});
+// Every row of a query as "a|b|c".
+QStringList filas(const QString& sql, const QVariantList& params = {});
 long long cuantos(const QString& sql, const QVariantList& params = {});
 
 // Message boxes as "style text", so one comparison checks both.
