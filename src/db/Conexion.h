@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QString>
 #include <cstdint>
@@ -8,7 +8,7 @@
 // The one connection of the process and the files it can be opened on.
 
 // The connection every routine's SQL goes through.
-Database& Conexion();
+BaseDatos& Conexion();
 // The connection string of the open file, kept for what shows it.
 QString& gsCadenaConexion();
 
@@ -27,6 +27,9 @@ bool msValidarBD(const QString& path);
 // selection. What a routine does when the open file lacks a table or column
 // it needs.
 void msBaseNoValida();
+// The database selection screen, shown modally; without windows a line on
+// standard error says that it could not be shown.
+void msMostrarSeleccionBD();
 
 // The code of the principal account; 0 when there is none (or no table).
 int16_t msCanalPrincipal();

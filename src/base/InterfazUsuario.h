@@ -25,9 +25,9 @@ int defaultAnswer(int style);
 // Where the core must ask or tell the user, it goes through this interface:
 // the GUI implements it with dialogs, tests with scripted answers, headless
 // mode with default answers.
-class UserInterface {
+class InterfazUsuario {
   public:
-    virtual ~UserInterface() = default;
+    virtual ~InterfazUsuario() = default;
 
     // A message box; an empty title means the application's title.
     virtual int msgBox(const QString& text, int style = Msg::OkOnly,
@@ -46,13 +46,6 @@ class UserInterface {
         (void)caption, (void)dir, (void)filter;
         return QString();
     }
-    // Two screens the core needs: the database selection in database mode
-    // and the first-run account set-up, shown modally. They open the screen
-    // registered as "frmSelectDB" or "frmTipoRegistro"; with none registered
-    // (headless) a line on standard error says what could not be shown.
-    // Virtual only so that a test can stand in for the screens.
-    virtual void showSelectDatabase();
-    virtual void showFirstRunSetup();
     // Hands an address or a document to the desktop.
     virtual void openUrl(const QString& target) = 0;
     // The process can't go on without a usable database.
