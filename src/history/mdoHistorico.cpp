@@ -1,10 +1,10 @@
 #include "history/mdoHistorico.h"
 
 #include "accounts/mdoCuentas.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Clock.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -227,7 +227,7 @@ void Historico::limpiar() {
 
 void Historico::cargar() {
     limpiar();
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     if (bd.handle()) sqlite3_collation_needed(bd.handle(), nullptr, pedirRegla);
     // The count comes from the date's index, the highest rowid from the
     // table's own key: neither walks the rows.
@@ -253,7 +253,7 @@ QString Historico::ordenSql() const {
 
 std::vector<Historico::Fila> Historico::leerFilas(const QString& sql,
                                                   const QVariantList& params) const {
-    const QueryResult r = Conexion().query(sql, params);
+    const ResultadoConsulta r = Conexion().query(sql, params);
     std::vector<Fila> filas(size_t(r.recordCount()));
     for (int i = 0; i < r.recordCount(); ++i) {
         Fila& f = filas[size_t(i)];
@@ -270,8 +270,8 @@ void Historico::leerOrdenCompleto() const {
     sqlite3_stmt* s = nullptr;
     if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
-        throw DbError(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
-                      ErrNum::Database);
+        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
+                      ErrNum::BaseDatos);
     }
     sqlite3_bind_int64(s, 1, m_tope);
     std::vector<int64_t> orden;
@@ -280,7 +280,7 @@ void Historico::leerOrdenCompleto() const {
     while ((rc = sqlite3_step(s)) == SQLITE_ROW) orden.push_back(sqlite3_column_int64(s, 0));
     const QString error = QString::fromUtf8(sqlite3_errmsg(h));
     sqlite3_finalize(s);
-    if (rc != SQLITE_DONE) throw DbError(error, ErrNum::Database);
+    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
     m_orden = std::move(orden);
 }
 
@@ -348,7 +348,7 @@ std::vector<Historico::Fila> Historico::leerPagina(int numero) const {
 }
 
 std::vector<int64_t> Historico::leerRowids(const QString& sql, const QVariantList& params) const {
-    const QueryResult r = Conexion().query(sql, params);
+    const ResultadoConsulta r = Conexion().query(sql, params);
     std::vector<int64_t> ids(size_t(r.recordCount()));
     for (int i = 0; i < r.recordCount(); ++i) ids[size_t(i)] = r.value(i, 0).toLongLong();
     return ids;
@@ -363,7 +363,7 @@ const Historico::Fila* Historico::fila(int n) const {
         Pagina p{numero, {}};
         try {
             p.filas = leerPagina(numero);
-        } catch (const DbError&) {
+        } catch (const ErrorBD&) {
             // The rows show empty, and the page is kept so that painting
             // doesn't ask the engine again. No log line: it would give the
             // event loop a turn in the middle of painting.
@@ -411,8 +411,8 @@ bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QStr
     try {
         filas = Conexion().exec(
             u"INSERT INTO envios (Abonado,Mensaje,intento,Registro,Canal) VALUES (?,?,2,?,?)"_s,
-            {numero, mensaje, Clock::now(), canal});
-    } catch (const DbError&) {
+            {numero, mensaje, Reloj::now(), canal});
+    } catch (const ErrorBD&) {
         filas = 0;
     }
     if (filas <= 0) {
@@ -443,7 +443,7 @@ bool msBorrarAnteriores(const QString& fecha) {
     try {
         Conexion().exec(u"DELETE FROM HEnvios WHERE Registro < ?"_s,
                         {dia.toString(u"yyyy-MM-dd"_s)});
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;
@@ -455,7 +455,7 @@ bool msBorrarTodos() {
         return false;
     try {
         Conexion().exec(u"DELETE FROM HEnvios"_s);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;

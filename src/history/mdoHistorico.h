@@ -21,7 +21,7 @@ class Historico {
     enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
 
     // Counts the table and starts over newest first (the "id" column,
-    // descending); throws DbError.
+    // descending); throws ErrorBD.
     void cargar();
     void limpiar();
 
