@@ -115,6 +115,9 @@ void msActualizarBD(const QString& path) {
     msRebuildAboAuto(c);
 
     msAddColumn(c, u"HEnvios"_s, u"crem"_s, u"text(50)"_s, QString());
+    // The history screen reads its pages in date order through this index;
+    // without it each page would sort the whole table.
+    ejecutar(c, u"CREATE INDEX IF NOT EXISTS HEnvios_Registro ON HEnvios (Registro)"_s);
     // Alias and Comentario grow to 100 characters: the engine does not
     // limit text lengths, so there is nothing to alter.
 }

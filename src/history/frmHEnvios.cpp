@@ -57,12 +57,11 @@ void ModeloHistorico::cargar() {
 }
 
 void ModeloHistorico::ordenar(int columna, bool descendente) {
-    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    // The rows are read anew in the new order: nothing of the old one,
+    // selection included, carries over.
+    beginResetModel();
     m_historico.ordenar(columna, descendente);
-    // The selection is not carried over: a million persistent indexes
-    // would cost more than the sort.
-    changePersistentIndexList(persistentIndexList(), QModelIndexList(persistentIndexList().size()));
-    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    endResetModel();
 }
 
 frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHistorico(this)) {

@@ -11,7 +11,8 @@ class QPushButton;
 class QRadioButton;
 class QTreeView;
 
-// The list model over the history's rows; no object per cell.
+// The list model over the history's rows, read a page at a time as the
+// list shows them.
 class ModeloHistorico : public QAbstractTableModel {
     Q_OBJECT
   public:

@@ -12,7 +12,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <iterator>
+#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
@@ -100,8 +101,20 @@ class Unidades {
     char16_t m_pendiente;
 };
 
-int comparar(const char* a, const char* finA, const char* b, const char* finB) {
-    Unidades x(a, finA), y(b, finB);
+// The lists' rule as the engine's collation, so that the engine sorts the
+// history and the list needs no copy of it. Bytes that two texts share at
+// the start weigh the same: the walk begins at the first character in
+// which they differ.
+int compararRegla(void*, int n1, const void* s1, int n2, const void* s2) {
+    const auto* a = static_cast<const unsigned char*>(s1);
+    const auto* b = static_cast<const unsigned char*>(s2);
+    const int n = std::min(n1, n2);
+    int i = 0;
+    while (i < n && a[i] == b[i]) ++i;
+    while (i > 0 && (a[i - 1] & 0x80)) --i;
+    const auto* ca = reinterpret_cast<const char*>(a);
+    const auto* cb = reinterpret_cast<const char*>(b);
+    Unidades x(ca + i, ca + n1), y(cb + i, cb + n2);
     for (;;) {
         const uint32_t p = x.siguiente(), q = y.siguiente();
         if (p != q) return p < q ? -1 : 1;
@@ -109,61 +122,55 @@ int comparar(const char* a, const char* finA, const char* b, const char* finB) {
     }
 }
 
-// A text sorts by pieces of three weights packed in one number: the rows
-// are sorted by the first piece, then each run of equal pieces by the next
-// one, so no comparison ever walks a long shared beginning again.
-constexpr int kBitsPeso = 18;
-constexpr uint64_t kUltimoPeso = (uint64_t(1) << kBitsPeso) - 1;
+constexpr const char* kRegla = "REGLA_LISTAS";
 
-struct Trozo {
-    uint64_t k;
-    const char* resto;  // what the pieces so far left of the text
-    const char* fin;
-    uint32_t pos;  // the row's place before the sort: equal texts keep it
-    char16_t pendiente;
-};
-
-void siguienteTrozo(Trozo& t) {
-    Unidades x(t.resto, t.fin, t.pendiente);
-    uint64_t k = 0;
-    for (int i = 0; i < 3; ++i) k = (k << kBitsPeso) | x.siguiente();
-    t.k = k;
-    t.resto = x.posicion();
-    t.pendiente = x.pendiente();
+// The connection learns the rule the first time a statement names it
+// (nothing else asks this connection for collations).
+void pedirRegla(void*, sqlite3* db, int, const char* nombre) {
+    if (sqlite3_stricmp(nombre, kRegla) == 0)
+        sqlite3_create_collation(db, kRegla, SQLITE_UTF8, nullptr, compararRegla);
 }
 
-void ordenarTrozos(Trozo* b, Trozo* e, bool descendente) {
-    const auto antes = [descendente](const Trozo& x, const Trozo& y) {
-        if (x.k != y.k) return descendente ? x.k > y.k : x.k < y.k;
-        return x.pos < y.pos;
-    };
-    // Texts that share a long beginning come here many times already in
-    // order: only a check then.
-    if (!std::is_sorted(b, e, antes)) std::sort(b, e, antes);
-    for (Trozo* i = b; i < e;) {
-        Trozo* j = i + 1;
-        while (j < e && j->k == i->k) ++j;
-        // A piece that ends in 0 ended its text: the run is of equal texts.
-        if (j - i > 1 && (i->k & kUltimoPeso) != 0) {
-            for (Trozo* t = i; t < j; ++t) siguienteTrozo(*t);
-            ordenarTrozos(i, j, descendente);
-        }
-        i = j;
+// Rows read at once, and pages kept for scrolling back and forth.
+constexpr int kFilasPagina = 1000;
+constexpr size_t kPaginasGuardadas = 4;
+// A page a few pages past the last one read is reached by skipping rows
+// of one bounded sort; farther, the whole order is read once.
+constexpr int kSaltoCorto = 4;
+
+// What each row shows, the texts already as the list shows them (a null
+// is empty, the account's code stands in for a missing sender); in a
+// text order the text is also the sort key.
+const QString kColumnasSql =
+    u"rowid, Registro, coalesce(Abonado, ''), coalesce(crem, CAST(Canal AS TEXT), ''), "
+    u"coalesce(Mensaje, ''), coalesce(Resultado, '')"_s;
+
+QString claveSql(int columna) {
+    switch (columna) {
+        case Historico::Numero:
+            return u"coalesce(Abonado, '')"_s;
+        case Historico::Cuenta:
+            return u"coalesce(crem, CAST(Canal AS TEXT), '')"_s;
+        case Historico::Mensaje:
+            return u"coalesce(Mensaje, '')"_s;
+        default:
+            return u"coalesce(Resultado, '')"_s;
     }
 }
 
 // "yyyy-MM-dd HH:mm:ss" (or a bare date) as yyyyMMddhhmmss; 0 for
 // anything else.
-int64_t fechaDeTexto(const char* t, int n) {
-    auto dig = [&](int desde, int cuantos, int64_t& v) {
-        for (int i = desde; i < desde + cuantos; ++i) {
-            if (i >= n || t[i] < '0' || t[i] > '9') return false;
-            v = v * 10 + (t[i] - '0');
+int64_t fechaDeTexto(QStringView t) {
+    const qsizetype n = t.size();
+    auto dig = [&](qsizetype desde, int cuantos, int64_t& v) {
+        for (qsizetype i = desde; i < desde + cuantos; ++i) {
+            if (i >= n || t[i] < u'0' || t[i] > u'9') return false;
+            v = v * 10 + (t[i].unicode() - u'0');
         }
         return true;
     };
     int64_t v = 0;
-    if (n < 10 || t[4] != '-' || t[7] != '-' || !dig(0, 4, v) || !dig(5, 2, v) || !dig(8, 2, v))
+    if (n < 10 || t[4] != u'-' || t[7] != u'-' || !dig(0, 4, v) || !dig(5, 2, v) || !dig(8, 2, v))
         return 0;
     if (n < 19) return v * 1000000;
     if (!dig(11, 2, v) || !dig(14, 2, v) || !dig(17, 2, v)) return 0;
@@ -203,180 +210,192 @@ QString idDeFecha(int64_t fecha) {
 
 // ---- Historico ---------------------------------------------------------------
 
-void Historico::limpiar() {
+void Historico::vaciarPaginas() {
+    m_paginas.clear();
+    m_anclas.clear();
     m_orden.clear();
-    m_fecha.clear();
-    m_textos.clear();
-    m_cortes.clear();
-    m_cuenta.clear();
-    m_resultado.clear();
-    m_distintos.clear();
-    m_utf8.clear();
-    m_indice.clear();
-    m_recientes.fill(UINT32_MAX);
+    m_orden.shrink_to_fit();
 }
 
-uint32_t Historico::internar(const char* t, int n) {
-    // Neighbouring rows mostly repeat a recent value: look there first.
-    for (uint32_t id : m_recientes)
-        if (id < m_utf8.size() && m_utf8[id].size() == n &&
-            std::memcmp(m_utf8[id].constData(), t, size_t(n)) == 0)
-            return id;
-    const QByteArray clave = QByteArray::fromRawData(t, n);
-    const auto it = m_indice.constFind(clave);
-    uint32_t id;
-    if (it != m_indice.cend()) {
-        id = *it;
-    } else {
-        id = uint32_t(m_distintos.size());
-        m_distintos.append(QString::fromUtf8(t, n));
-        m_utf8.push_back(QByteArray(t, n));
-        m_indice.insert(m_utf8.back(), id);
-    }
-    m_recientes[m_siguienteReciente++ % m_recientes.size()] = id;
-    return id;
+void Historico::limpiar() {
+    vaciarPaginas();
+    m_filas = 0;
+    m_tope = 0;
+    m_columna = Id;
+    m_descendente = true;
 }
 
 void Historico::cargar() {
     limpiar();
     BaseDatos& bd = Conexion();
-    const int n = int(bd.query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toLongLong());
-    m_fecha.reserve(size_t(n));
-    m_cortes.reserve(size_t(n) * 2 + 1);
-    m_cuenta.reserve(size_t(n));
-    m_resultado.reserve(size_t(n));
-    m_textos.reserve(qsizetype(n) * 64);
-    // The rows are read straight from the engine: going through a value
-    // object per cell would cost seconds and hundreds of megabytes here.
-    sqlite3* h = bd.handle();
+    if (bd.handle()) sqlite3_collation_needed(bd.handle(), nullptr, pedirRegla);
+    // The count comes from the date's index, the highest rowid from the
+    // table's own key: neither walks the rows.
+    m_filas = int(bd.query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toLongLong());
+    m_tope = bd.query(u"SELECT coalesce(max(rowid), 0) FROM HEnvios"_s).value(0, 0).toLongLong();
+}
+
+void Historico::ordenar(int columna, bool descendente) {
+    vaciarPaginas();
+    m_columna = columna == Enviado ? int(Id) : columna;
+    m_descendente = descendente;
+}
+
+QString Historico::ordenSql() const {
+    const QString dir = m_descendente ? u" DESC"_s : u""_s;
+    QString orden = u" ORDER BY "_s;
+    if (m_columna == Id)
+        orden += u"Registro"_s;
+    else
+        orden += claveSql(m_columna) + u" COLLATE REGLA_LISTAS"_s;
+    return orden + dir + u", rowid"_s + dir;
+}
+
+std::vector<Historico::Fila> Historico::leerFilas(const QString& sql,
+                                                  const QVariantList& params) const {
+    const ResultadoConsulta r = Conexion().query(sql, params);
+    std::vector<Fila> filas(size_t(r.recordCount()));
+    for (int i = 0; i < r.recordCount(); ++i) {
+        Fila& f = filas[size_t(i)];
+        f.rowid = r.value(i, 0).toLongLong();
+        f.fecha = fechaDeTexto(r.value(i, 1).toString());
+        for (int c = 0; c < 4; ++c) f.textos[size_t(c)] = r.value(i, c + 2).toString();
+    }
+    return filas;
+}
+
+void Historico::leerOrdenCompleto() const {
+    sqlite3* h = Conexion().handle();
+    const QByteArray sql = (u"SELECT rowid FROM HEnvios WHERE rowid <= ?"_s + ordenSql()).toUtf8();
     sqlite3_stmt* s = nullptr;
-    const char* sql =
-        "SELECT Registro, Abonado, coalesce(crem, Canal), Mensaje, Resultado FROM HEnvios";
-    if (!h || sqlite3_prepare_v2(h, sql, -1, &s, nullptr) != SQLITE_OK) {
+    if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
         throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
                       ErrNum::BaseDatos);
     }
-    auto texto = [s](int i) {
-        return std::pair{reinterpret_cast<const char*>(sqlite3_column_text(s, i)),
-                         sqlite3_column_bytes(s, i)};
-    };
+    sqlite3_bind_int64(s, 1, m_tope);
+    std::vector<int64_t> orden;
+    orden.reserve(size_t(m_filas));
     int rc;
-    while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
-        auto [fecha, nf] = texto(0);
-        m_fecha.push_back(fecha ? fechaDeTexto(fecha, nf) : 0);
-        auto [numero, nn] = texto(1);
-        m_cortes.push_back(uint32_t(m_textos.size()));
-        m_textos.append(numero, nn);
-        auto [mensaje, nm] = texto(3);
-        m_cortes.push_back(uint32_t(m_textos.size()));
-        m_textos.append(mensaje, nm);
-        auto [cuenta, nc] = texto(2);
-        m_cuenta.push_back(internar(cuenta ? cuenta : "", nc));
-        auto [resultado, nr] = texto(4);
-        m_resultado.push_back(internar(resultado ? resultado : "", nr));
-    }
-    m_cortes.push_back(uint32_t(m_textos.size()));
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) orden.push_back(sqlite3_column_int64(s, 0));
     const QString error = QString::fromUtf8(sqlite3_errmsg(h));
     sqlite3_finalize(s);
-    if (rc != SQLITE_DONE) {
-        limpiar();
-        throw ErrorBD(error, ErrNum::BaseDatos);
-    }
-    // The table is read in its own order, which is the order of delivery,
-    // faster than through the date's index; newest first is then mostly a
-    // reversal. Of equal dates the later row comes first.
-    const auto filas = uint32_t(m_fecha.size());
-    m_orden.resize(filas);
-    for (uint32_t i = 0; i < filas; ++i) m_orden[i] = filas - 1 - i;
-    const auto masReciente = [this](uint32_t a, uint32_t b) {
-        return m_fecha[a] != m_fecha[b] ? m_fecha[a] > m_fecha[b] : a > b;
-    };
-    if (!std::is_sorted(m_orden.begin(), m_orden.end(), masReciente))
-        std::sort(m_orden.begin(), m_orden.end(), masReciente);
+    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
+    m_orden = std::move(orden);
 }
 
-QString Historico::textoPropio(uint32_t i, int columna) const {
+std::vector<Historico::Fila> Historico::leerPorRowid(const int64_t* ids, size_t n) const {
+    // One statement for the page: the rowids go in as one JSON array.
+    QString lista = u"["_s;
+    for (size_t k = 0; k < n; ++k) {
+        if (k) lista += u',';
+        lista += QString::number(ids[k]);
+    }
+    lista += u']';
+    std::vector<Fila> leidas =
+        leerFilas(u"SELECT "_s + kColumnasSql +
+                      u" FROM HEnvios WHERE rowid IN (SELECT value FROM json_each(?))",
+                  {lista});
+    std::unordered_map<int64_t, size_t> donde;
+    donde.reserve(leidas.size());
+    for (size_t i = 0; i < leidas.size(); ++i) donde.emplace(leidas[i].rowid, i);
+    std::vector<Fila> filas(n);
+    for (size_t k = 0; k < n; ++k) {
+        const auto it = donde.find(ids[k]);
+        // A row deleted meanwhile shows empty rather than shift the rest.
+        if (it == donde.end())
+            filas[k].rowid = ids[k];
+        else
+            filas[k] = std::move(leidas[it->second]);
+    }
+    return filas;
+}
+
+std::vector<Historico::Fila> Historico::leerPagina(int numero) const {
+    if (m_columna == Id) {
+        // The date's index gives the order; skipping rows on it is cheap.
+        // The unary plus keeps the engine from walking the table by rowid
+        // instead.
+        return leerFilas(u"SELECT "_s + kColumnasSql + u" FROM HEnvios WHERE +rowid <= ?" +
+                             ordenSql() + u" LIMIT ? OFFSET ?",
+                         {qlonglong(m_tope), kFilasPagina, qlonglong(numero) * kFilasPagina});
+    }
+    // A text order walks the whole table and keeps the rowids of one page;
+    // the rows themselves are read after, by rowid.
+    std::vector<int64_t> ids;
+    const QString select = u"SELECT rowid FROM HEnvios WHERE rowid <= ?"_s;
+    auto ancla = m_anclas.lower_bound(numero);
+    if (m_orden.empty() && numero == 0) {
+        ids = leerRowids(select + ordenSql() + u" LIMIT ?", {qlonglong(m_tope), kFilasPagina});
+    } else if (m_orden.empty() && ancla != m_anclas.begin() &&
+               numero - std::prev(ancla)->first <= kSaltoCorto) {
+        // Go on after the nearest page read before this one.
+        --ancla;
+        const QString clave = claveSql(m_columna) + u" COLLATE REGLA_LISTAS";
+        const QString mayor = m_descendente ? u" < ?"_s : u" > ?"_s;
+        ids = leerRowids(select + u" AND (" + clave + mayor + u" OR (" + clave + u" = ? AND rowid" +
+                             mayor + u"))" + ordenSql() + u" LIMIT ? OFFSET ?",
+                         {qlonglong(m_tope), ancla->second.clave, ancla->second.clave,
+                          qlonglong(ancla->second.rowid), kFilasPagina,
+                          (numero - ancla->first - 1) * kFilasPagina});
+    } else {
+        if (m_orden.empty()) leerOrdenCompleto();
+        const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
+        const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
+        return leerPorRowid(m_orden.data() + desde, hasta - desde);
+    }
+    return leerPorRowid(ids.data(), ids.size());
+}
+
+std::vector<int64_t> Historico::leerRowids(const QString& sql, const QVariantList& params) const {
+    const ResultadoConsulta r = Conexion().query(sql, params);
+    std::vector<int64_t> ids(size_t(r.recordCount()));
+    for (int i = 0; i < r.recordCount(); ++i) ids[size_t(i)] = r.value(i, 0).toLongLong();
+    return ids;
+}
+
+const Historico::Fila* Historico::fila(int n) const {
+    if (n < 0 || n >= m_filas) return nullptr;
+    const int numero = n / kFilasPagina;
+    auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
+                           [numero](const Pagina& p) { return p.numero == numero; });
+    if (it == m_paginas.end()) {
+        Pagina p{numero, {}};
+        try {
+            p.filas = leerPagina(numero);
+        } catch (const ErrorBD&) {
+            // The rows show empty, and the page is kept so that painting
+            // doesn't ask the engine again. No log line: it would give the
+            // event loop a turn in the middle of painting.
+        }
+        if (m_columna != Id && !p.filas.empty()) {
+            const Fila& ultima = p.filas.back();
+            m_anclas[numero] = {ultima.textos[size_t(m_columna - Numero)], ultima.rowid};
+        }
+        if (m_paginas.size() >= kPaginasGuardadas) m_paginas.pop_back();
+        m_paginas.insert(m_paginas.begin(), std::move(p));
+        it = m_paginas.begin();
+    }
+    const size_t k = size_t(n - numero * kFilasPagina);
+    return k < it->filas.size() ? &it->filas[k] : nullptr;
+}
+
+QString Historico::texto(int n, int columna) const {
+    const Fila* f = fila(n);
+    if (!f) return QString();
     switch (columna) {
         case Enviado:
-            return textoDeFecha(m_fecha[i]);
+            return textoDeFecha(f->fecha);
         case Id:
-            return idDeFecha(m_fecha[i]);
+            return idDeFecha(f->fecha);
         case Numero:
-        case Mensaje: {
-            const size_t k = size_t(i) * 2 + (columna == Mensaje ? 1 : 0);
-            return QString::fromUtf8(m_textos.constData() + m_cortes[k],
-                                     qsizetype(m_cortes[k + 1] - m_cortes[k]));
-        }
         case Cuenta:
-            return m_distintos.at(m_cuenta[i]);
+        case Mensaje:
         case Resultado:
-            return m_distintos.at(m_resultado[i]);
+            return f->textos[size_t(columna - Numero)];
         default:
             return QString();
     }
-}
-
-QString Historico::texto(int fila, int columna) const {
-    if (fila < 0 || fila >= filas()) return QString();
-    return textoPropio(m_orden[size_t(fila)], columna);
-}
-
-std::vector<uint32_t> Historico::rangosInternados() const {
-    std::vector<uint32_t> orden(m_utf8.size());
-    for (uint32_t i = 0; i < orden.size(); ++i) orden[i] = i;
-    auto comparados = [this](uint32_t a, uint32_t b) {
-        const QByteArray &x = m_utf8[a], &y = m_utf8[b];
-        return comparar(x.cbegin(), x.cend(), y.cbegin(), y.cend());
-    };
-    std::sort(orden.begin(), orden.end(), [&](uint32_t a, uint32_t b) {
-        const int r = comparados(a, b);
-        return r != 0 ? r < 0 : a < b;
-    });
-    // Equal texts under the rule share a rank, so the sort keeps their order.
-    std::vector<uint32_t> rango(orden.size());
-    uint32_t r = 0;
-    for (size_t k = 0; k < orden.size(); ++k) {
-        if (k > 0 && comparados(orden[k - 1], orden[k]) != 0) ++r;
-        rango[orden[k]] = r;
-    }
-    return rango;
-}
-
-void Historico::ordenar(int columna, bool descendente) {
-    const size_t n = m_orden.size();
-    std::vector<Trozo> claves(n);
-    if (columna == Numero || columna == Mensaje) {
-        const size_t desplazamiento = columna == Mensaje ? 1 : 0;
-        const char* base = m_textos.constData();
-        for (uint32_t pos = 0; pos < n; ++pos) {
-            const size_t k = size_t(m_orden[pos]) * 2 + desplazamiento;
-            claves[pos] = {0, base + m_cortes[k], base + m_cortes[k + 1], pos, 0};
-            siguienteTrozo(claves[pos]);
-        }
-        ordenarTrozos(claves.data(), claves.data() + n, descendente);
-    } else {
-        std::vector<uint32_t> rango;
-        if (columna == Cuenta || columna == Resultado) rango = rangosInternados();
-        for (uint32_t pos = 0; pos < n; ++pos) {
-            const uint32_t i = m_orden[pos];
-            uint64_t k = 0;
-            if (columna == Cuenta)
-                k = rango[m_cuenta[i]];
-            else if (columna == Resultado)
-                k = rango[m_resultado[i]];
-            else
-                k = uint64_t(m_fecha[i]);
-            claves[pos] = {k, nullptr, nullptr, pos, 0};
-        }
-        std::sort(claves.begin(), claves.end(), [descendente](const Trozo& x, const Trozo& y) {
-            if (x.k != y.k) return descendente ? x.k > y.k : x.k < y.k;
-            return x.pos < y.pos;
-        });
-    }
-    std::vector<uint32_t> orden(n);
-    for (size_t f = 0; f < n; ++f) orden[f] = m_orden[claves[f].pos];
-    m_orden = std::move(orden);
 }
 
 // ---- Resend and deletion -----------------------------------------------------

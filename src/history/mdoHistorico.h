@@ -1,57 +1,76 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
 #include <QString>
-#include <QStringList>
+#include <QVariant>
 #include <array>
 #include <cstdint>
+#include <map>
 #include <vector>
 
 // The sent history (HEnvios) as the history screen lists it, and what the
 // user can do from there: queue a past message again, delete history.
 
-// The rows of HEnvios, newest first, held compactly: a heavy user's history
-// of a million rows must open in a second and in little memory, so there is
-// no object per cell. A date is a number (yyyyMMddhhmmss), the number and
-// the text live in one UTF-8 buffer, and the account and the platform's
-// words, which repeat endlessly, are kept once each.
+// The rows of HEnvios as the history screen lists them. A heavy user's
+// history holds a million rows, so nothing is read until it is shown: the
+// list knows its count and reads the rows a page at a time, in the order
+// the engine gives (the date's index for the date, a bounded sort for the
+// other columns). The rows stay those of the moment of `cargar`: what the
+// batch sender delivers later shows at the next fill.
 class Historico {
   public:
     enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
 
-    // Reads the whole table, newest first; throws ErrorBD. The order is
-    // then that of the "id" column, descending.
+    // Counts the table and starts over newest first (the "id" column,
+    // descending); throws ErrorBD.
     void cargar();
     void limpiar();
 
-    int filas() const { return int(m_orden.size()); }
-    // The text of a cell as the list shows it.
+    int filas() const { return m_filas; }
+    // The text of a cell as the list shows it; empty when the row can't
+    // be read.
     QString texto(int fila, int columna) const;
 
     // Reorders the rows by a column: "Enviado" and "id" by the date, the
     // others by their text with the lists' rule (case and accents don't
-    // count, "ñ" after "n"). Rows that compare equal keep their order.
+    // count, "ñ" after "n"). Rows that compare equal go by their age, in
+    // the same direction.
     void ordenar(int columna, bool descendente);
 
   private:
-    uint32_t anadirTexto(const QByteArray& t);
-    uint32_t internar(const char* t, int n);
-    QString textoPropio(uint32_t fila, int columna) const;
-    std::vector<uint32_t> rangosInternados() const;
+    struct Fila {
+        int64_t rowid = 0;
+        int64_t fecha = 0;              // yyyyMMddhhmmss, 0 when none
+        std::array<QString, 4> textos;  // Numero .. Resultado
+    };
+    struct Pagina {
+        int numero = -1;
+        std::vector<Fila> filas;
+    };
+    // Where a page of a text order ended: the next one starts after it.
+    struct Ancla {
+        QString clave;
+        int64_t rowid = 0;
+    };
 
-    std::vector<uint32_t> m_orden;  // shown row -> stored row
-    std::vector<int64_t> m_fecha;   // yyyyMMddhhmmss, 0 when none
-    // Number and text of row i: m_textos[m_cortes[2i] .. m_cortes[2i+1]]
-    // and [m_cortes[2i+1] .. m_cortes[2i+2]].
-    QByteArray m_textos;
-    std::vector<uint32_t> m_cortes;
-    std::vector<uint32_t> m_cuenta, m_resultado;  // into m_distintos
-    QStringList m_distintos;
-    std::vector<QByteArray> m_utf8;  // the same, as stored
-    QHash<QByteArray, uint32_t> m_indice;
-    std::array<uint32_t, 4> m_recientes{UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX};
-    size_t m_siguienteReciente = 0;
+    const Fila* fila(int n) const;
+    std::vector<Fila> leerPagina(int numero) const;
+    std::vector<Fila> leerFilas(const QString& sql, const QVariantList& params) const;
+    std::vector<Fila> leerPorRowid(const int64_t* ids, size_t n) const;
+    std::vector<int64_t> leerRowids(const QString& sql, const QVariantList& params) const;
+    void leerOrdenCompleto() const;
+    QString ordenSql() const;
+    void vaciarPaginas();
+
+    int m_filas = 0;
+    int64_t m_tope = 0;  // the highest rowid at `cargar`: later rows don't show
+    int m_columna = Id;
+    bool m_descendente = true;
+    // The few pages last shown, the latest first.
+    mutable std::vector<Pagina> m_paginas;
+    mutable std::map<int, Ancla> m_anclas;
+    // Every rowid in a text order, read only when the user jumps far into
+    // it; a date order never needs it.
+    mutable std::vector<int64_t> m_orden;
 };
 
 // The sort key of the date column: "yyyymmddhhnnss".

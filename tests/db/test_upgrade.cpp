@@ -89,6 +89,10 @@ class TestUpgrade : public QObject {
         QCOMPARE(o.value(0, 3).toString(), QString());
 
         QCOMPARE(db.query(u"SELECT crem FROM HEnvios"_s).value(0, 0), QVariant());
+        QCOMPARE(db.query(u"SELECT count(*) FROM sqlite_master WHERE name='HEnvios_Registro'"_s)
+                     .value(0, 0)
+                     .toInt(),
+                 1);
         QCOMPARE(db.query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 1);
         QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"Ana"_s);
 

@@ -9,6 +9,7 @@
 #include "db/Conexion.h"
 #include "history/PantallasHistorico.h"
 #include "history/frmHEnvios.h"
+#include "widgets/ModeloListado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -148,6 +149,71 @@ class TestHistorico : public QObject {
         QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
         QCOMPARE(pantalla.ListView1->header()->sortIndicatorSection(), flecha);
         QCOMPARE(pantalla.ListView1->header()->sortIndicatorOrder(), sentido);
+    }
+
+    // The list reads a page of 1,000 rows at a time: the order must hold
+    // across pages whichever way they are reached, with equal texts in the
+    // order of their age even where a page cuts a run of them.
+    void pagesKeepTheOrder_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::addColumn<int>("columnaMirada");  // -1: the date
+        QTest::addColumn<bool>("descendente");
+        QTest::addColumn<QList<int>>("primero");  // rows read before all in turn
+        QTest::newRow("date, newest first, in turn") << QList<int>{} << -1 << true << QList<int>{};
+        QTest::newRow("date, oldest first, from the end")
+            << QList<int>{0} << -1 << false << QList<int>{3499};
+        QTest::newRow("message, in turn") << QList<int>{3} << 3 << false << QList<int>{};
+        QTest::newRow("message descending, in turn")
+            << QList<int>{3, 3} << 3 << true << QList<int>{};
+        QTest::newRow("message, a page skipped")
+            << QList<int>{3} << 3 << false << QList<int>{0, 2500};
+        QTest::newRow("message descending, from the end")
+            << QList<int>{3, 3} << 3 << true << QList<int>{3499};
+        QTest::newRow("account, from the middle")
+            << QList<int>{2} << 2 << false << QList<int>{1700};
+    }
+    void pagesKeepTheOrder() {
+        QFETCH(QList<int>, clics);
+        QFETCH(int, columnaMirada);
+        QFETCH(bool, descendente);
+        QFETCH(QList<int>, primero);
+        // Few distinct texts and dates, so that runs of equal keys cross
+        // the pages' edges.
+        const QStringList palabras{u"Ábaco"_s, u"abaco"_s, u"ñu"_s,    u"Nube"_s,
+                                   u"nu"_s,    u"zorro"_s, u"Zorro"_s, QString()};
+        struct Esperada {
+            QString clave, numero;
+            int64_t rowid;
+        };
+        std::vector<Esperada> esperadas;
+        bd().begin();
+        for (int i = 0; i < 3500; ++i) {
+            const QString palabra = palabras.at(i % palabras.size());
+            const QString mensaje =
+                palabra.isNull() ? QString() : palabra + QString::number(i % 3 ? i % 5 : 7);
+            const QVariant crem = i % 4 ? QVariant(u"Tienda %1"_s.arg(i % 2)) : QVariant();
+            const QString numero = u"00346%1"_s.arg(i, 8, 10, QChar(u'0'));
+            enviado(u"2006-03-%1 10:00:00"_s.arg(10 + i % 7), numero, mensaje, 9, crem);
+            const QString clave = columnaMirada == 3   ? mensaje
+                                  : columnaMirada == 2 ? (crem.isNull() ? u"9"_s : crem.toString())
+                                                       : QString::number(10 + i % 7);
+            esperadas.push_back({ModeloListado::claveOrden(clave), numero, i + 1});
+        }
+        bd().commit();
+        std::stable_sort(esperadas.begin(), esperadas.end(),
+                         [](const Esperada& a, const Esperada& b) { return a.clave < b.clave; });
+        if (descendente) std::reverse(esperadas.begin(), esperadas.end());
+        QStringList orden;
+        for (const Esperada& e : esperadas) orden << e.numero;
+
+        InterfazGuionada ui;
+        frmHEnvios pantalla;
+        for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
+        // Delivered after the list was filled: it shows at the next fill.
+        enviado(u"2006-03-13 10:00:00"_s, u"0034699999999"_s, u"abaco"_s, 9, u"Tienda 0"_s);
+        const QAbstractItemModel* m = pantalla.ListView1->model();
+        for (int f : primero) QCOMPARE(m->index(f, 1).data().toString(), orden.at(f));
+        QCOMPARE(columna(m, 1), orden);
     }
 
     void resend_data() {
