@@ -13,9 +13,9 @@
 //              [--bloqueo-max-ms MS] [--semilla S]
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Settings.h"
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <sqlite3.h>
 #include <QElapsedTimer>
@@ -30,7 +30,7 @@ namespace {
 
 // The other process of the lock mode: holds the write lock for `ms`.
 int sostenerBloqueo(const QString& ruta, int ms) {
-    Database db;
+    BaseDatos db;
     if (!db.open(ruta)) return 1;
     sqlite3_busy_timeout(db.handle(), 120000);
     db.begin();
@@ -103,7 +103,7 @@ int main(int argc, char** argv) {
     }
     const QString base = TestDb::createCurrent(world.root() + u"/kill.db"_s);
     {
-        Database db;
+        BaseDatos db;
         db.open(base);
         db.exec(u"update opciones set maxlote=? where id=1"_s, {par.lote});
         db.exec(
@@ -111,14 +111,14 @@ int main(int argc, char** argv) {
             "remopc,imptextos) VALUES (1,'Banco',?,'demo',?,0,1,'Tienda ',0,0)"_s,
             {sim.host(), msCifrarClave(u"demo"_s, true)});
     }
-    Settings::saveSetting(u"BD"_s, u"Path"_s, base);
-    Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-    Settings::sync();
+    Ajustes::saveSetting(u"BD"_s, u"Path"_s, base);
+    Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+    Ajustes::sync();
 
     int insertadas = 0;
     int rondas = 0;
     const auto llenar = [&] {
-        Database db;
+        BaseDatos db;
         db.open(base);
         db.begin();
         for (int i = 0; i < par.filas; ++i, ++insertadas)
@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
         ++rondas;
     };
     const auto pendientes = [&] {
-        Database db;
+        BaseDatos db;
         db.open(base);
         return db.query(u"select count(*) from envios"_s).value(0, 0).toInt();
     };
@@ -212,7 +212,7 @@ int main(int argc, char** argv) {
     for (const QJsonObject& o : sim.registro()) ++entregas[o.value(u"mensaje"_s).toString()];
     int dosVeces = 0;
     for (int n : std::as_const(entregas)) dosVeces += n - 1;
-    Database db;
+    BaseDatos db;
     db.open(base);
     const QVector<QString> historial = db.queryTexts(u"select Mensaje from HEnvios"_s);
     const QSet<QString> enHistorial(historial.begin(), historial.end());
