@@ -8,6 +8,8 @@
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
+#include <QScopeGuard>
+
 using namespace Qt::StringLiterals;
 
 Transmisor::Transmisor(QObject* parent) : QObject(parent) {
@@ -50,13 +52,20 @@ void Transmisor::armarTemporizador() {
 }
 
 void Transmisor::establecerIntervalo(int segundos) {
+    // The options screen can be saved in the middle of a run (the run
+    // yields to the screens): the new interval then starts when the run
+    // ends, as every interval does, and no tick comes inside this one.
     m_timer.setInterval(segundos * 1000);
+    if (m_enTick) return;
     m_timer.stop();
     if (!m_detenido) m_timer.start();
 }
 
 void Transmisor::Timer1_Timer() {
-    if (m_detenido) return;
+    // A "send now" in the middle of a run is no second run.
+    if (m_detenido || m_enTick) return;
+    m_enTick = true;
+    const auto fin = qScopeGuard([this] { m_enTick = false; });
     // No tick can come while this one runs.
     m_timer.stop();
     // Scheduled messages go into the outbox whatever the switch says.

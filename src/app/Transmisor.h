@@ -14,7 +14,8 @@ class Transmisor : public QObject {
     // Reads `Tr`/`Interval` (at least 15 s, else 60, saved back), sets the
     // timer and restarts the interval.
     void armarTemporizador();
-    // Sets the interval in seconds and restarts it (options screen).
+    // Sets the interval in seconds and restarts it (options screen); during
+    // a tick it only takes effect when the tick ends.
     void establecerIntervalo(int segundos);
     // The tick: timer off, scheduled poll, SendMessage, timer on.
     void Timer1_Timer();
@@ -33,6 +34,7 @@ class Transmisor : public QObject {
   private:
     QTimer m_timer;
     bool m_detenido = false;
+    bool m_enTick = false;
 };
 
 // `Tr`/`Interval` in seconds: below 15 or not a number means 60, and the

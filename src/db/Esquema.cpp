@@ -11,7 +11,7 @@ const auto kComun =
     uR"SQL(
 CREATE TABLE Grupos (
     Grupo INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE NOCASE
+    Nombre TEXT(50) COLLATE SINCASO
 );
 CREATE TABLE AboGrup (
     Abonado TEXT(50) NOT NULL,
@@ -38,7 +38,7 @@ const auto kActual =
     uR"SQL(
 CREATE TABLE Canales (
     Canal INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE NOCASE,
+    Nombre TEXT(50) COLLATE SINCASO,
     maxmen INTEGER,
     Puerto INTEGER,
     Host TEXT(255),
@@ -55,11 +55,11 @@ CREATE TABLE Canales (
 );
 CREATE TABLE Abonados (
     Codigo TEXT(50) NOT NULL PRIMARY KEY,
-    Alias TEXT(100) COLLATE NOCASE,
+    Alias TEXT(100) COLLATE SINCASO,
     Comentario TEXT(100),
     Canal INTEGER
 );
-CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
+CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE SINCASO);
 CREATE TABLE HEnvios (
     Abonado TEXT(50),
     Registro DATETIME,
@@ -78,7 +78,7 @@ CREATE TABLE opciones (
 INSERT INTO opciones (id, maxlote, solocontactos, imgfondo) VALUES (1, 50, 0, '');
 CREATE TABLE Automaticos (
     Codigo INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE NOCASE,
+    Nombre TEXT(50) COLLATE SINCASO,
     TareaProgramada BOOLEAN,
     Hora DATETIME,
     Periodicidad SMALLINT,

@@ -232,11 +232,23 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     reloj.start();
     const QString crem = Lote::remitenteHistorial(cuenta);
     try {
+        QStringList sinResultado;
         for (const qmXMLSend::Item& item : std::as_const(cliente.XMLMensajes.items())) {
+            // Nothing said of it, nothing known: its row stays as it was and
+            // goes again under the same reference.
+            if (item.SinResultado) {
+                sinResultado << item.Key;
+                continue;
+            }
             Lote::aplicarResultado(db, item, cuenta.canal, crem);
             d.lineas << item.Comentario + u" Para el "_s + item.Destino + u" -> "_s + item.Mensaje
                      << u"Su saldo en estos momentos es de : "_s + rx.saldo + u" Mensajes"_s;
         }
+        if (!sinResultado.isEmpty())
+            d.avisos << u"La plataforma no devolvió el resultado de %1 mensajes (claves: %2), "
+                        u"se dejan en la bandeja de salida"_s.arg(sinResultado.size())
+                            .arg(sinResultado.mid(0, 10).join(u", "_s) +
+                                 (sinResultado.size() > 10 ? u", ..."_s : QString()));
         estadoAplicacion().MovilCuenta = rx.Movil;
         // A balance that is no number leaves the items' results standing;
         // the caller reports it.

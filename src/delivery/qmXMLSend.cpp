@@ -109,6 +109,7 @@ void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
     Autentificacion a;
     c.RXAvisos.clear();
     QVector<Item>& items = c.XMLMensajes.items();
+    for (Item& item : items) item.SinResultado = true;
     QXmlStreamReader r(respuesta);
     bool raiz = false, cabecera = false;
     while (r.readNextStartElement()) {
@@ -154,6 +155,7 @@ void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
                 }
                 items[n - 1].Resultado = aceptado;
                 items[n - 1].Comentario = comentario;
+                items[n - 1].SinResultado = false;
             }
         } else if (r.name() == u"lista"_s) {
             const auto at = r.attributes();

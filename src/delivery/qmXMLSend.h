@@ -18,6 +18,8 @@ struct Item {
     QString Mensaje;
     bool Resultado = false;
     QString Comentario;
+    // The reply read said nothing of this item.
+    bool SinResultado = false;
 };
 
 // One contact of a published list.
@@ -105,7 +107,8 @@ std::unique_ptr<XMLSendClass> crear();
 QByteArray documentoPeticion(const XMLSendClass& cliente, bool lista);
 // Fills RXAutentificacion and the items' results; throws ErrorQuelmo when
 // the reply is not a valid document. A result for an item that was not
-// sent is passed over with a line in RXAvisos.
+// sent is passed over with a line in RXAvisos; an item without a result is
+// marked SinResultado.
 void leerRespuesta(XMLSendClass& cliente, const QByteArray& respuesta);
 
 }  // namespace qmXMLSend

@@ -2,6 +2,7 @@
 // stand during it, and how a failure shows.
 #include "TestSupport.h"
 #include "app/Transmisor.h"
+#include "app/mdoOpciones.h"
 #include "base/Ajustes.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
@@ -115,18 +116,31 @@ class TestTransmitter : public QObject {
         }
     }
 
+    // The run yields to the screens: the options saved then, or a "send now",
+    // neither start a second run nor let a tick come inside this one.
     void tickTurnsTheTimerOffWhileItRuns() {
         InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         Transmisor t;
         t.armarTemporizador();
-        bool activoDurante = true;
-        ui.onProcessEvents = [&] { activoDurante = t.Timer1().isActive(); };
+        bool activoDurante = false;
+        int turnos = 0;
+        ui.onProcessEvents = [&] {
+            if (turnos++ == 0) {
+                Opciones o;
+                QVERIFY(leerOpciones(o));
+                o.intervalo = u"20"_s;
+                QVERIFY(msGuardarOpciones(o, QString()));
+                t.msForzarEnvio();
+            }
+            activoDurante = activoDurante || t.Timer1().isActive();
+        };
         t.msForzarEnvio();
+        QVERIFY(turnos > 1);
         QVERIFY(!activoDurante);
         QVERIFY(t.Timer1().isActive());
-        QCOMPARE(t.Timer1().interval(), 60000);
+        QCOMPARE(t.Timer1().interval(), 20000);
         t.detener();
         t.msForzarEnvio();
         QVERIFY(!t.Timer1().isActive());

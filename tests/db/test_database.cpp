@@ -62,6 +62,45 @@ class TestDatabase : public QObject {
                  guardado.toUpper());
     }
 
+    // Another SQLite client orders names by the engine's NOCASE, which knows
+    // only ASCII. A file whose index it built is rebuilt in our order when
+    // it opens, and from then on that client can't write names at all
+    // rather than write them in its own order.
+    void indexBuiltByAnotherClientAgrees() {
+        const QByteArray ruta = QFile::encodeName(world.root() + u"/otro.db"_s);
+        const auto otroCliente = [&](const char* sql) {
+            sqlite3* h = nullptr;
+            sqlite3_open(ruta.constData(), &h);
+            const int rc = sqlite3_exec(h, sql, nullptr, nullptr, nullptr);
+            sqlite3_close(h);
+            return rc;
+        };
+        QCOMPARE(otroCliente("CREATE TABLE Abonados (Codigo TEXT(50) NOT NULL PRIMARY KEY, "
+                             "Alias TEXT(100) COLLATE NOCASE, Comentario TEXT, Canal INTEGER);"
+                             "CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);"
+                             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n "
+                             "WHERE i<400) INSERT INTO Abonados (Codigo, Alias) "
+                             "SELECT i, substr('ÑñÁáZ', i%5+1, 1) || i FROM n"),
+                 SQLITE_OK);
+        db.close();
+        QVERIFY(db.open(QFile::decodeName(ruta)));
+        QCOMPARE(db.queryTexts(u"PRAGMA integrity_check"_s), QVector<QString>{u"ok"_s});
+        const QVector<QString> alias =
+            db.queryTexts(u"SELECT Alias FROM Abonados ORDER BY Alias"_s);
+        QCOMPARE(alias.size(), 400);
+        for (int i = 1; i < alias.size(); ++i)
+            QVERIFY2(alias[i - 1].compare(alias[i], Qt::CaseInsensitive) < 0,
+                     qPrintable(alias[i - 1] + u" " + alias[i]));
+        for (const QString& a : alias)
+            QCOMPARE(db.queryTexts(u"SELECT Alias FROM Abonados WHERE Alias=?"_s, {a.toUpper()}),
+                     QVector<QString>{a});
+        db.close();
+        QVERIFY(otroCliente("INSERT INTO Abonados (Codigo, Alias) VALUES ('x','Ñandú')") !=
+                SQLITE_OK);
+        QVERIFY(db.open(QFile::decodeName(ruta)));
+        QCOMPARE(db.queryTexts(u"PRAGMA integrity_check"_s), QVector<QString>{u"ok"_s});
+    }
+
     void identityIsNeverReused() {
         db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         db.exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);

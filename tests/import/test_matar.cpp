@@ -27,13 +27,8 @@ class TestMatar : public QObject {
     QString vigilado() const { return carpeta() + u"/envios.txt"_s; }
 
     void iniciar(QProcess& p) {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"XDG_CONFIG_HOME"_s, world.configHome());
-        env.insert(u"XDG_DATA_HOME"_s, world.dataHome());
-        env.insert(u"HOME"_s, world.root());
-        p.setProcessEnvironment(env);
         p.setStandardOutputFile(QProcess::nullDevice());
-        p.start(programPath(), {u"--headless"_s, u"--once"_s});
+        startProgram(world, p, {u"--headless"_s, u"--once"_s});
         QVERIFY(p.waitForStarted());
     }
 

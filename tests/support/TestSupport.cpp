@@ -131,14 +131,18 @@ QString programPath() {
     return QStringLiteral(QUELMO_BIN_DIR "/quelmo-sms");
 }
 
-ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs) {
-    QProcess p;
+void startProgram(const TestWorld& world, QProcess& p, const QStringList& args) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"XDG_CONFIG_HOME"_s, world.configHome());
     env.insert(u"XDG_DATA_HOME"_s, world.dataHome());
     env.insert(u"HOME"_s, world.root());
     p.setProcessEnvironment(env);
     p.start(programPath(), args);
+}
+
+ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs) {
+    QProcess p;
+    startProgram(world, p, args);
     ProcessResult r;
     r.finished = p.waitForFinished(timeoutMs);
     if (!r.finished) {

@@ -9,6 +9,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QVariantMap>
@@ -108,6 +109,8 @@ struct ProcessResult {
     QString err;
 };
 ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs = 30000);
+// Starts `quelmo-sms` with arguments in the test world and returns at once.
+void startProgram(const TestWorld& world, QProcess& p, const QStringList& args);
 QString programPath();
 
 // A QTest main that builds the temporary world before anything reads the

@@ -485,6 +485,11 @@ int main(int argc, char** argv) {
             extra.replace("</mensajes>",
                           "<mensaje n=\"9999\" resultado=\"1\">Ajeno</mensaje></mensajes>");
             res.set_content(extra.toStdString(), "text/xml; charset=UTF-8");
+        } else if (fallo == u"ausente"_s) {
+            // The last item's result left out: the item was taken all the same.
+            QString falta = QString::fromUtf8(doc);
+            falta.remove(QRegularExpression(u"<mensaje [^>]*>[^<]*</mensaje>(?=</mensajes>)"_s));
+            res.set_content(falta.toStdString(), "text/xml; charset=UTF-8");
         } else if (fallo == u"saldo_texto"_s) {
             // A balance that is no number.
             QString extra = QString::fromUtf8(doc);
