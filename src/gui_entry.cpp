@@ -1,6 +1,7 @@
 // The entry point of the GUI module: `Main` of the desktop application.
 #include "app/GuiInterface.h"
 #include "app/Startup.h"
+#include "app/Transmitter.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
 #include "base/AppState.h"
@@ -26,6 +27,8 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
     prepararBaseInicial();
+    // The command line was checked before this module was loaded.
+    Transmitter::continuoPorOrden(QApplication::arguments().contains(u"--continuous"_s));
 
     GuiInterface interfaz;
     setUserInterface(&interfaz);

@@ -14,11 +14,17 @@ Transmitter::Transmitter(QObject* parent) : QObject(parent) {
     m_timer.setObjectName(u"Timer1"_s);
     m_timer.setInterval(30000);
     connect(&m_timer, &QTimer::timeout, this, &Transmitter::Timer1_Timer);
+    m_seguido.setSingleShot(true);
+    m_seguido.setInterval(0);
+    connect(&m_seguido, &QTimer::timeout, this, &Transmitter::Timer1_Timer);
     // The screens' "send now" buttons reach the timer this way.
     connect(&Avisos::instancia(), &Avisos::envioPedido, this, &Transmitter::msForzarEnvio);
     connect(&Avisos::instancia(), &Avisos::intervaloCambiado, this,
             &Transmitter::establecerIntervalo);
-    connect(&Avisos::instancia(), &Avisos::cicloDetenido, &m_timer, &QTimer::stop);
+    connect(&Avisos::instancia(), &Avisos::cicloDetenido, this, [this] {
+        m_timer.stop();
+        m_seguido.stop();
+    });
     connect(&Avisos::instancia(), &Avisos::intervaloLeido, this,
             [this](int segundos) { m_timer.setInterval(segundos * 1000); });
 }
@@ -59,15 +65,34 @@ void Transmitter::Timer1_Timer() {
     if (m_detenido) return;
     // No tick can come while this one runs.
     m_timer.stop();
+    m_seguido.stop();
     // Scheduled messages go into the outbox whatever the switch says.
     clsTareasPendientes().ReLoad();
-    SendMessage();
-    // A full interval from now.
-    if (!m_detenido) m_timer.start();
+    const bool lleno = SendMessage();
+    if (!m_detenido) {
+        if (lleno && modoContinuo())
+            m_seguido.start();
+        else
+            m_timer.start();  // a full interval from now
+    }
     Q_EMIT tickTerminado();
 }
 
 void Transmitter::detener() {
     m_detenido = true;
     m_timer.stop();
+    m_seguido.stop();
+}
+
+namespace {
+bool g_continuoPorOrden = false;
+}
+
+void Transmitter::continuoPorOrden(bool activo) {
+    g_continuoPorOrden = activo;
+}
+
+bool Transmitter::modoContinuo() {
+    // Read at every run, so the setting takes effect without a restart.
+    return g_continuoPorOrden || Settings::getSetting(u"Tr"_s, u"Continuo"_s) == u"1"_s;
 }
