@@ -124,6 +124,10 @@ bool Database::abrir(const QString& path, int flags, QString* error) {
     return true;
 }
 
+void Database::establecerEspera(int ms) {
+    if (m_db) sqlite3_busy_timeout(m_db, ms);
+}
+
 void Database::close() {
     for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
     m_cache.clear();

@@ -60,6 +60,9 @@ class Database {
     // held the file locked past the wait: the file is busy, not broken.
     bool aperturaOcupada() const { return m_ocupada; }
     bool isOpen() const { return m_db != nullptr; }
+    // How long a statement waits for a lock another connection holds
+    // before it fails as busy (5 s from the open on).
+    void establecerEspera(int ms);
     const QString& path() const { return m_path; }
 
     QueryResult query(const QString& sql, const QVariantList& params = {});

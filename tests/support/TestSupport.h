@@ -15,6 +15,8 @@
 #include <functional>
 #include <optional>
 
+class QProcess;
+
 // A temporary home for one test executable: XDG_CONFIG_HOME, XDG_DATA_HOME
 // and HOME point into it, so no test touches the real home.
 class TestWorld {
@@ -106,6 +108,10 @@ struct ProcessResult {
     QString err;
 };
 ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs = 30000);
+// Starts it without waiting, for a test that acts while it runs.
+void startProgram(const TestWorld& world, QProcess& p, const QStringList& args);
+// Waits for a started one and collects its output.
+ProcessResult finishProgram(QProcess& p, int timeoutMs = 30000);
 QString programPath();
 
 // A QTest main that builds the temporary world before anything reads the
