@@ -109,7 +109,7 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
         transmisor.msForzarEnvio();
         transmisor.detener();
     } else if (!pararPedido) {
-        // A stop asked for during start-up or the first run ends here.
+        // Unless a stop came during start-up: then it ends here.
         codigo = app.exec();
     }
     Conexion().close();
