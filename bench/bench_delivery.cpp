@@ -6,10 +6,10 @@
 // mode, pacing included, beside what the normal cycle makes of those runs.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "app/Transmitter.h"
-#include "base/AppState.h"
+#include "app/Transmisor.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     prepareTestApplication();
     world.reset();
-    ScriptedInterface ui;
+    InterfazGuionada ui;
     constexpr int kFilas = 10000;
     constexpr int kLote = 500;
 
@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     db.exec(u"update opciones set maxlote=? where id=1"_s, {kLote});
     db.exec(
         u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
@@ -60,14 +60,14 @@ int main(int argc, char** argv) {
     int lotes = 0;
     QElapsedTimer reloj;
     while (db.query(u"select count(*) from envios"_s).value(0, 0).toInt() > 0) {
-        appState().log.clear();
+        estadoAplicacion().log.clear();
         reloj.start();
         MedidaLote m;
         msEnviarLote(1, false, &m);
         total += reloj.nsecsElapsed();
         if (m.http == 0) {
             std::fprintf(stderr, "a batch made no exchange: %s\n",
-                         qPrintable(appState().log.last()));
+                         qPrintable(estadoAplicacion().log.last()));
             return 1;
         }
         suma.lectura += m.lectura;
@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
     // The floor under the batch sender: the same results as bare SQL, every
     // history insert and outbox delete of the same rows in one transaction.
     llenar();
-    const QueryResult filas = db.query(u"select Id, Abonado, Mensaje from envios"_s);
+    const ResultadoConsulta filas = db.query(u"select Id, Abonado, Mensaje from envios"_s);
     reloj.start();
     db.begin();
     for (int i = 0; i < filas.recordCount(); ++i) {
@@ -120,14 +120,14 @@ int main(int argc, char** argv) {
     // Continuous mode: from the first tick until the transmitter settles on a
     // whole interval again, which it does once the outbox is empty.
     llenar();
-    Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-    Settings::saveSetting(u"Tr"_s, u"Continuo"_s, u"1"_s);
-    Transmitter transmisor;
+    Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+    Ajustes::saveSetting(u"Tr"_s, u"Continuo"_s, u"1"_s);
+    Transmisor transmisor;
     transmisor.armarTemporizador();
     const int intervalo = transmisor.intervaloSegundos();
     int ejecuciones = 0;
     QEventLoop bucle;
-    QObject::connect(&transmisor, &Transmitter::tickTerminado, &bucle, [&] {
+    QObject::connect(&transmisor, &Transmisor::tickTerminado, &bucle, [&] {
         ++ejecuciones;
         if (transmisor.Timer1().isActive()) bucle.quit();
     });

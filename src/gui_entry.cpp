@@ -1,10 +1,10 @@
 // The entry point of the GUI module: `Main` of the desktop application.
-#include "app/GuiInterface.h"
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/InterfazGrafica.h"
+#include "app/Transmisor.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
 #include "widgets/Traduccion.h"
@@ -28,10 +28,10 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
     prepararBaseInicial();
     // The command line was checked before this module was loaded.
-    Transmitter::continuoPorOrden(QApplication::arguments().contains(u"--continuous"_s));
+    Transmisor::continuoPorOrden(QApplication::arguments().contains(u"--continuous"_s));
 
-    GuiInterface interfaz;
-    setUserInterface(&interfaz);
+    InterfazGrafica interfaz;
+    establecerInterfaz(&interfaz);
     // The main window with its caption, its load and its first activation.
     mdiMain ventana;
     interfaz.setOwner(&ventana);

@@ -1,10 +1,10 @@
 // quelmo-sms: the desktop application, or with --headless the transmitter
 // alone, or one command for scripts (--send, --import). The windows live in
 // a module loaded only when they are shown, so nothing else loads QtWidgets.
-#include "app/Headless.h"
 #include "app/LineaOrdenes.h"
 #include "app/Ordenes.h"
-#include "base/AppState.h"
+#include "app/SinVentana.h"
+#include "base/EstadoAplicacion.h"
 
 #include <unistd.h>
 #include <QCoreApplication>

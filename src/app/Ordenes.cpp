@@ -1,13 +1,13 @@
 #include "app/Ordenes.h"
 
-#include "app/Headless.h"
+#include "app/Arranque.h"
 #include "app/LineaOrdenes.h"
-#include "app/Startup.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "app/SinVentana.h"
 #include "base/Despliegue.h"
 #include "base/Error.h"
-#include "base/HeadlessInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
 #include "import/mdoImport.h"
@@ -38,10 +38,11 @@ QString textoDeLinea(const QString& linea) {
 int ejecutarEnvio(const Orden& orden, int argc, char** argv) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
-    HeadlessInterface interfaz;
-    setUserInterface(&interfaz);
+    InterfazSinVentana interfaz;
+    establecerInterfaz(&interfaz);
     QStringList lineas;
-    appState().log.setEcho([&lineas](const QString& linea) { lineas << textoDeLinea(linea); });
+    estadoAplicacion().log.setEcho(
+        [&lineas](const QString& linea) { lineas << textoDeLinea(linea); });
     abrirBaseSinVentana();
     esperarAlTransmisor();
 
@@ -54,7 +55,7 @@ int ejecutarEnvio(const Orden& orden, int argc, char** argv) {
             orden.cuenta.isNull() ? QString::number(msCanalPrincipal()) : orden.cuenta;
         hecho = msImportarLinea(cuenta, orden.numero, orden.texto, -1, false, false);
         if (hecho) transaccion.commit();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         hecho = false;
         // Whatever the line said, its row is not there.
         lineas = {u"No se ha podido guardar el mensaje en la bandeja de salida: "_s +
@@ -71,9 +72,9 @@ int ejecutarEnvio(const Orden& orden, int argc, char** argv) {
 int ejecutarImportacion(const Orden& orden, int argc, char** argv) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
-    HeadlessInterface interfaz;
-    setUserInterface(&interfaz);
-    appState().log.setEcho([](const QString& linea) {
+    InterfazSinVentana interfaz;
+    establecerInterfaz(&interfaz);
+    estadoAplicacion().log.setEcho([](const QString& linea) {
         static QTextStream out(stdout);
         out << linea << Qt::endl;
     });

@@ -1,13 +1,13 @@
-#include "app/Headless.h"
+#include "app/SinVentana.h"
 
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/Transmisor.h"
 #include "app/mdoMain.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
 #include "base/Error.h"
-#include "base/HeadlessInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
 #include "base/Interruptor.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -36,17 +36,17 @@ void anunciar(const QString& texto) {
     QTextStream(stdout) << marcaTiempoLog() << u" - "_s << texto << Qt::endl;
 }
 
-QString estadoAlArrancar(const Transmitter& transmisor) {
+QString estadoAlArrancar(const Transmisor& transmisor) {
     QString interruptor;
     try {
         interruptor = Interruptor::instancia().paraEnvio() ? u"activado"_s : u"desactivado"_s;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         interruptor = u"desactivado (valor no válido)"_s;
     }
     return u"Transmisor sin ventana en marcha: base de datos "_s + Conexion().path() +
            u", intervalo "_s + QString::number(transmisor.intervaloSegundos()) +
            u" s, envío de SMS "_s + interruptor +
-           (Transmitter::modoContinuo() ? u", modo continuo"_s : QString());
+           (Transmisor::modoContinuo() ? u", modo continuo"_s : QString());
 }
 }  // namespace
 
@@ -62,7 +62,7 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
 
-    Transmitter transmisor;
+    Transmisor transmisor;
     bool pararPedido = false;
     // SIGINT and SIGTERM stop between runs: the tick runs to its end first.
     // Caught from the start, so a signal while the database opens is not
@@ -86,15 +86,15 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
 
-    HeadlessInterface interfaz;
-    setUserInterface(&interfaz);
-    AppState& g = appState();
+    InterfazSinVentana interfaz;
+    establecerInterfaz(&interfaz);
+    EstadoAplicacion& g = estadoAplicacion();
     g.log.setEcho([](const QString& linea) {
         static QTextStream out(stdout);
         out << linea << Qt::endl;
     });
 
-    Transmitter::continuoPorOrden(continuo);
+    Transmisor::continuoPorOrden(continuo);
 
     // What the main window's load and first activation do, without screens
     // and without the balance exchange of the first-run logic.
