@@ -1,6 +1,7 @@
 // The entry point of the GUI module: `Main` of the desktop application.
 #include "app/Arranque.h"
 #include "app/InterfazGrafica.h"
+#include "app/Transmisor.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
 #include "base/EstadoAplicacion.h"
@@ -26,6 +27,8 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
     prepararBaseInicial();
+    // The command line was checked before this module was loaded.
+    Transmisor::continuoPorOrden(QApplication::arguments().contains(u"--continuous"_s));
 
     InterfazGrafica interfaz;
     establecerInterfaz(&interfaz);

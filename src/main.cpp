@@ -1,7 +1,10 @@
 // quelmo-sms: the desktop application, or with --headless the transmitter
-// alone. The windows live in a module loaded only when they are shown, so
-// headless mode never loads QtWidgets.
+// alone, or one command for scripts (--send, --import). The windows live in
+// a module loaded only when they are shown, so nothing else loads QtWidgets.
+#include "app/LineaOrdenes.h"
+#include "app/Ordenes.h"
 #include "app/SinVentana.h"
+#include "base/EstadoAplicacion.h"
 
 #include <unistd.h>
 #include <QCoreApplication>
@@ -9,15 +12,8 @@
 #include <QLibrary>
 #include <QStringList>
 #include <cstdio>
-#include <cstring>
 
 namespace {
-
-bool tieneOpcion(int argc, char** argv, const char* opcion) {
-    for (int i = 1; i < argc; ++i)
-        if (std::strcmp(argv[i], opcion) == 0) return true;
-    return false;
-}
 
 QString rutaEjecutable() {
     char buf[4096];
@@ -29,15 +25,29 @@ QString rutaEjecutable() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (tieneOpcion(argc, argv, "--help")) {
-        std::puts(
-            "Uso: quelmo-sms [--headless [--once]]\n"
-            "  --headless  el transmisor sin ventanas; el registro va a la salida estándar\n"
-            "  --once      con --headless: arranca, hace un ciclo y termina");
-        return 0;
+    QStringList argumentos;
+    for (int i = 1; i < argc; ++i) argumentos << QString::fromLocal8Bit(argv[i]);
+    const Orden orden = leerOrden(argumentos);
+    switch (orden.modo) {
+        case Orden::Modo::Error:
+            std::fprintf(stderr, "quelmo-sms: %s\n\n%s", qPrintable(orden.error),
+                         qPrintable(textoUso()));
+            return kSalidaUso;
+        case Orden::Modo::Ayuda:
+            std::fputs(qPrintable(textoUso()), stdout);
+            return kSalidaBien;
+        case Orden::Modo::Version:
+            std::printf("quelmo-sms %d.%d.%d\n", kVersionMajor, kVersionMinor, kVersionRevision);
+            return kSalidaBien;
+        case Orden::Modo::SinVentana:
+            return ejecutarSinVentana(argc, argv, orden.unaVez, orden.continuo);
+        case Orden::Modo::Enviar:
+            return ejecutarEnvio(orden, argc, argv);
+        case Orden::Modo::Importar:
+            return ejecutarImportacion(orden, argc, argv);
+        case Orden::Modo::Ventana:
+            break;
     }
-    const bool once = tieneOpcion(argc, argv, "--once");
-    if (tieneOpcion(argc, argv, "--headless") || once) return ejecutarSinVentana(argc, argv, once);
 
     const QString dir = rutaEjecutable();
     QLibrary gui;

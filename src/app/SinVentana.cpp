@@ -3,8 +3,11 @@
 #include "app/Arranque.h"
 #include "app/Transmisor.h"
 #include "app/mdoMain.h"
+#include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazSinVentana.h"
+#include "base/Interruptor.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -26,9 +29,36 @@ void alRecibirSenal(int) {
     const char c = 1;
     [[maybe_unused]] const auto n = ::write(g_senal[1], &c, 1);
 }
+
+// What an operator looking at the output wants to know first: that it
+// runs, on which file, how often and whether it sends at all.
+void anunciar(const QString& texto) {
+    QTextStream(stdout) << marcaTiempoLog() << u" - "_s << texto << Qt::endl;
+}
+
+QString estadoAlArrancar(const Transmisor& transmisor) {
+    QString interruptor;
+    try {
+        interruptor = Interruptor::instancia().paraEnvio() ? u"activado"_s : u"desactivado"_s;
+    } catch (const ErrorQuelmo&) {
+        interruptor = u"desactivado (valor no válido)"_s;
+    }
+    return u"Transmisor sin ventana en marcha: base de datos "_s + Conexion().path() +
+           u", intervalo "_s + QString::number(transmisor.intervaloSegundos()) +
+           u" s, envío de SMS "_s + interruptor +
+           (Transmisor::modoContinuo() ? u", modo continuo"_s : QString());
+}
 }  // namespace
 
-int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
+void abrirBaseSinVentana() {
+    if (!prepararBaseInicial()) {
+        QTextStream(stderr) << u"No se pudo preparar la base de datos inicial en "_s
+                            << rutaBaseDefecto() << Qt::endl;
+    }
+    msAbrirBaseInicial();
+}
+
+int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
 
@@ -64,31 +94,25 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
         out << linea << Qt::endl;
     });
 
-    if (!prepararBaseInicial()) {
-        QTextStream(stderr) << u"No se pudo preparar la base de datos inicial en "_s
-                            << rutaBaseDefecto() << Qt::endl;
-    }
+    Transmisor::continuoPorOrden(continuo);
 
     // What the main window's load and first activation do, without screens
     // and without the balance exchange of the first-run logic.
     transmisor.armarTemporizador();
     cargarClaveAcceso();
-    msAbrirBaseInicial();
+    abrirBaseSinVentana();
+    anunciar(estadoAlArrancar(transmisor));
     clsTareasPendientes().PendientesEnviar();
 
+    int codigo = 0;
     if (unaVez) {
         transmisor.msForzarEnvio();
         transmisor.detener();
-        Conexion().close();
-        return 0;
+    } else if (!pararPedido) {
+        // Unless a stop came during start-up: then it ends here.
+        codigo = app.exec();
     }
-
-    // A stop asked for during start-up or the first run ends here.
-    if (pararPedido) {
-        Conexion().close();
-        return 0;
-    }
-    const int codigo = app.exec();
     Conexion().close();
+    anunciar(u"Transmisor sin ventana detenido"_s);
     return codigo;
 }

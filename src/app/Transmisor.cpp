@@ -16,11 +16,17 @@ Transmisor::Transmisor(QObject* parent) : QObject(parent) {
     m_timer.setObjectName(u"Timer1"_s);
     m_timer.setInterval(30000);
     connect(&m_timer, &QTimer::timeout, this, &Transmisor::Timer1_Timer);
+    m_seguido.setSingleShot(true);
+    m_seguido.setInterval(0);
+    connect(&m_seguido, &QTimer::timeout, this, &Transmisor::Timer1_Timer);
     // The screens' "send now" buttons reach the timer this way.
     connect(&Avisos::instancia(), &Avisos::envioPedido, this, &Transmisor::msForzarEnvio);
     connect(&Avisos::instancia(), &Avisos::intervaloCambiado, this,
             &Transmisor::establecerIntervalo);
-    connect(&Avisos::instancia(), &Avisos::cicloDetenido, &m_timer, &QTimer::stop);
+    connect(&Avisos::instancia(), &Avisos::cicloDetenido, this, [this] {
+        m_timer.stop();
+        m_seguido.stop();
+    });
     connect(&Avisos::instancia(), &Avisos::intervaloLeido, this,
             [this](int segundos) { m_timer.setInterval(segundos * 1000); });
 }
@@ -68,15 +74,34 @@ void Transmisor::Timer1_Timer() {
     const auto fin = qScopeGuard([this] { m_enTick = false; });
     // No tick can come while this one runs.
     m_timer.stop();
+    m_seguido.stop();
     // Scheduled messages go into the outbox whatever the switch says.
     clsTareasPendientes().ReLoad();
-    SendMessage();
-    // A full interval from now.
-    if (!m_detenido) m_timer.start();
+    const bool lleno = SendMessage();
+    if (!m_detenido) {
+        if (lleno && modoContinuo())
+            m_seguido.start();
+        else
+            m_timer.start();  // a full interval from now
+    }
     Q_EMIT tickTerminado();
 }
 
 void Transmisor::detener() {
     m_detenido = true;
     m_timer.stop();
+    m_seguido.stop();
+}
+
+namespace {
+bool g_continuoPorOrden = false;
+}
+
+void Transmisor::continuoPorOrden(bool activo) {
+    g_continuoPorOrden = activo;
+}
+
+bool Transmisor::modoContinuo() {
+    // Read at every run, so the setting takes effect without a restart.
+    return g_continuoPorOrden || Ajustes::getSetting(u"Tr"_s, u"Continuo"_s) == u"1"_s;
 }

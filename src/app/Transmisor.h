@@ -23,16 +23,27 @@ class Transmisor : public QObject {
     void msForzarEnvio() { Timer1_Timer(); }
 
     QTimer& Timer1() { return m_timer; }
+    int intervaloSegundos() const { return m_timer.interval() / 1000; }
 
     // Once set, no new run starts (headless stop on a signal).
     void detener();
     bool detenido() const { return m_detenido; }
+
+    // Continuous mode (`Tr`/`Continuo` = 1, or the command line's
+    // --continuous for this process): after a run in which an account's
+    // batch went out full and more of its rows wait, the next run follows
+    // at once, paced only by the batch sender's one exchange a second.
+    static void continuoPorOrden(bool activo);
+    static bool modoContinuo();
 
   Q_SIGNALS:
     void tickTerminado();
 
   private:
     QTimer m_timer;
+    // The run that follows at once in continuous mode; Timer1 keeps its
+    // interval for when the outbox has drained.
+    QTimer m_seguido;
     bool m_detenido = false;
     bool m_enTick = false;
 };

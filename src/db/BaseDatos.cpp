@@ -167,6 +167,10 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     return true;
 }
 
+void BaseDatos::establecerEspera(int ms) {
+    if (m_db) sqlite3_busy_timeout(m_db, ms);
+}
+
 void BaseDatos::close() {
     for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
     m_cache.clear();

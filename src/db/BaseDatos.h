@@ -60,6 +60,9 @@ class BaseDatos {
     // held the file locked past the wait: the file is busy, not broken.
     bool openWasBusy() const { return m_busy; }
     bool isOpen() const { return m_db != nullptr; }
+    // How long a statement waits for a lock another connection holds
+    // before it fails as busy (5 s from the open on).
+    void establecerEspera(int ms);
     const QString& path() const { return m_path; }
 
     ResultadoConsulta query(const QString& sql, const QVariantList& params = {});

@@ -97,7 +97,7 @@ QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, cons
     return r + u' ';
 }
 
-void aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
+bool aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
                       const QString& crem) {
     const bool aceptado = item.Destino == kSimulado || item.Resultado;
     // Later pieces have no outbox row of their own.
@@ -114,6 +114,7 @@ void aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant
                     {Reloj::now(), item.Key.toLongLong()});
         }
         db.release(u"item"_s);
+        return aceptado && primera;
     } catch (...) {
         db.rollbackTo(u"item"_s);
         db.release(u"item"_s);

@@ -67,8 +67,9 @@ QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, cons
 // What the platform said of one item, written to the database: a taken item
 // becomes a history row (and its outbox row goes, for the first piece); a
 // refused first piece stamps its row and counts one attempt less. Both
-// writes of an item stand or fall together.
-void aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
+// writes of an item stand or fall together. True when the item's outbox
+// row left the outbox.
+bool aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
                       const QString& crem);
 
 // The balance, the sender and the mobile number the platform reported.

@@ -39,15 +39,22 @@ std::optional<int16_t> codigoCuenta(const QVariant& valor) {
     return int16_t(n);
 }
 
+bool quedanFilas(int16_t canal) {
+    return numeroDe(Conexion()
+                        .query(u"select exists(select 1 from envios where canal = ?)"_s, {canal})
+                        .value(0, 0)) != 0;
+}
+
 }  // namespace
 
-void SendMessage() {
+bool SendMessage() {
     EstadoAplicacion& g = estadoAplicacion();
     // A tick inside a tick (an event-loop turn of the log during a run) must
     // not start another run: it would send the same rows again.
-    if (g.gbEnviando) return;
+    if (g.gbEnviando) return false;
+    bool lleno = false;
     try {
-        if (!Interruptor::instancia().paraEnvio()) return;
+        if (!Interruptor::instancia().paraEnvio()) return false;
         g.gsVersionPlataforma.clear();
         g.log.clear();
         g.gbEnviando = true;
@@ -77,7 +84,8 @@ void SendMessage() {
                       u"); se dejan en la bandeja de salida sin enviar"_s);
                 continue;
             }
-            msEnviarLote(*canal, g.gbImportado);
+            const int entregadas = msEnviarLote(*canal, g.gbImportado);
+            if (entregadas > 0 && entregadas >= g.giMaxLote && quedanFilas(*canal)) lleno = true;
             ui().processEvents();
         }
         g.gbEnviando = false;
@@ -88,6 +96,7 @@ void SendMessage() {
     } catch (const std::exception& e) {
         msLog(u"Error en SendMessage: "_s + QString::fromUtf8(e.what()));
     }
+    return lleno;
 }
 
 namespace {
@@ -203,6 +212,7 @@ struct Desenlace {
     QStringList avisos;  // what the reading of the reply passed over
     QStringList lineas;
     bool aceptado = false;
+    int entregadas = 0;  // rows that left the outbox
 };
 
 // The exchange and its results under one write transaction, taken before
@@ -240,7 +250,7 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
                 sinResultado << item.Key;
                 continue;
             }
-            Lote::aplicarResultado(db, item, cuenta.canal, crem);
+            if (Lote::aplicarResultado(db, item, cuenta.canal, crem)) ++d.entregadas;
             d.lineas << item.Comentario + u" Para el "_s + item.Destino + u" -> "_s + item.Mensaje
                      << u"Su saldo en estos momentos es de : "_s + rx.saldo + u" Mensajes"_s;
         }
@@ -289,7 +299,7 @@ int16_t msMaxLote() {
     return lote;
 }
 
-void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
+int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     EstadoAplicacion& g = estadoAplicacion();
     BaseDatos& db = Conexion();
     MedidaLote medida;
@@ -298,15 +308,16 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     });
     QElapsedTimer reloj;
     reloj.start();
+    int entregadas = 0;
     try {
         g.giMaxLote = msMaxLote();
         const ResultadoConsulta lote = Lote::leerFilas(db, canal, g.giMaxLote);
-        if (lote.recordCount() == 0) return;
+        if (lote.recordCount() == 0) return 0;
         // The rows wait, untouched, for an account.
         const std::optional<Lote::Cuenta> cuenta = Lote::leerCuenta(db, canal);
         if (!cuenta) {
             msLog(u"No existen Cuentas definidas para estos mensajes, envios cancelados ..."_s);
-            return;
+            return 0;
         }
         medida.lectura = reloj.nsecsElapsed();
         anunciarLote(lote.recordCount(), *cuenta);
@@ -322,6 +333,7 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         // A batch of bad destinations makes no exchange.
         if (cliente->XMLMensajes.Count() > 0) {
             const Desenlace d = intercambiar(db, *cliente, *cuenta, canal, medida);
+            entregadas = d.entregadas;
             const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
             for (const QString& l : d.depuracion) msLog(l);
             for (const QString& l : d.avisos) msLog(l);
@@ -344,7 +356,9 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     } catch (const ErrorQuelmo& e) {
         msLog(u"Se ha producido un error en el proceso de envio, Cod: "_s +
               QString::number(e.number()) + u", Descripcion: "_s + e.description());
+        return 0;
     }
+    return entregadas;
 }
 
 void msAvisoVersionLog() {

@@ -10,8 +10,9 @@ class XMLSendClass;
 // The transmitter's cycle and the delivery of the outbox.
 
 // One run: with the switch on, the watched-file import and one batch for
-// each account that has rows in the outbox.
-void SendMessage();
+// each account that has rows in the outbox. True when an account's batch
+// went out full (every row of it left the outbox) and more of its rows wait.
+bool SendMessage();
 // Where a batch spent its time, in nanoseconds (for the benchmark).
 struct MedidaLote {
     qint64 lectura = 0;    // reading the outbox rows and the account
@@ -24,8 +25,9 @@ struct MedidaLote {
 };
 
 // Sends one batch of the account's outbox rows to the platform; `medida`,
-// when given, gets where the time went.
-void msEnviarLote(int16_t canal, bool importado, MedidaLote* medida = nullptr);
+// when given, gets where the time went. Returns how many rows left the
+// outbox; 0 when the batch ended in a failure.
+int msEnviarLote(int16_t canal, bool importado, MedidaLote* medida = nullptr);
 // The batch size from the options: 1 to 500, else 25.
 int16_t msMaxLote();
 

@@ -470,17 +470,18 @@ void devolver(const Reclamo& r) {
     if (!renombrarSinPisar(r.fichero, r.origen)) QFile::remove(r.fichero);
 }
 
-void importarReclamo(Reclamo& r) {
+// True when the file was read to its end.
+bool importarReclamo(Reclamo& r) {
     if (r.terminado) {
         QFile::remove(r.fichero);
         punto("borrado");
         olvidar(r);
-        return;
+        return true;
     }
     if (!QFileInfo::exists(r.fichero)) {
         // Never renamed, or already given back: nothing of it was imported.
         olvidar(r);
-        return;
+        return false;
     }
     Ganchos g;
     g.alResolverLista = [&r](int16_t codigo) {
@@ -499,16 +500,20 @@ void importarReclamo(Reclamo& r) {
             QFile::remove(r.fichero);
             punto("borrado");
             olvidar(r);
-            break;
-        case Final::NoAbierto:
+            return true;
         case Final::SinLineas:
             devolver(r);
             olvidar(r);
-            break;
+            return true;
+        case Final::NoAbierto:
+            devolver(r);
+            olvidar(r);
+            return false;
         case Final::Interrumpida:
             // The claim stays; the next cycle goes on from its last commit.
-            break;
+            return false;
     }
+    return false;
 }
 
 void reanudarReclamos() {
@@ -548,22 +553,22 @@ QString nombreReclamo(const QString& path) {
            QString::number(QDateTime::currentMSecsSinceEpoch());
 }
 
-void importarVigilado(const QString& path, bool contactos, const QString& lista,
-                      bool addContactos) {
+ResumenImportacion importarVigilado(const QString& path, bool contactos, const QString& lista,
+                                    bool addContactos) {
     try {
         asegurarTabla();
         reanudarReclamos();
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
-        return;
+        return {};
     }
     if (!QFileInfo(path).isFile()) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
-        return;
+        return {};
     }
     if (enEscritura(path)) {
         msLog(u"El fichero "_s + path + u" se está escribiendo; se importará en el próximo ciclo");
-        return;
+        return {};
     }
     Reclamo r;
     r.fichero = nombreReclamo(path);
@@ -580,14 +585,16 @@ void importarVigilado(const QString& path, bool contactos, const QString& lista,
         if (!renombrarSinPisar(path, r.fichero)) {
             msLog(u"Error copiando fichero "_s + path + u" :: " + errorDeSistema());
             olvidar(r);
-            return;
+            return {};
         }
         punto("reclamado");
         msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
-        importarReclamo(r);
+        const bool leido = importarReclamo(r);
+        return {leido, r.p.vistas, r.p.correctas};
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
     }
+    return {};
 }
 
 bool g_enCurso = false;
@@ -623,14 +630,14 @@ QString aliasConSufijo(const QString& alias) {
     return alias + u'_' + QString::number(numeroDe(r.value(0, 0)) + 1);
 }
 
-void msImportarFichero(const QString& path, bool contactos, bool borrar, const QString& lista,
-                       bool addContactos) {
-    if (path.isEmpty()) return;
+ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
+                                     const QString& lista, bool addContactos) {
+    if (path.isEmpty()) return {};
     // The import yields between its stretches; a second import started
     // from there (a menu, a forced run) would read the same claims.
     if (g_enCurso) {
         msLog(u"Hay otra importación en curso; el fichero "_s + path + u" no se ha importado");
-        return;
+        return {};
     }
     g_enCurso = true;
     struct Fin {
@@ -639,35 +646,42 @@ void msImportarFichero(const QString& path, bool contactos, bool borrar, const Q
 
     msLog(contactos ? u"Preparando importacion de Usuarios"_s
                     : u"Preparando importacion de Mensajes"_s);
-    if (borrar) {
-        importarVigilado(path, contactos, lista, addContactos);
-        return;
-    }
+    if (borrar) return importarVigilado(path, contactos, lista, addContactos);
     const QString copia = directorioAplicacion() + u"/Import_"_s +
                           Reloj::now().toString(u"yyMMddHHmmss"_s) + u".txt"_s;
     if (!QFileInfo::exists(path)) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
-        return;
+        return {};
     }
     QFile::remove(copia);
     QFile origen(path);
     if (!origen.copy(copia)) {
         msLog(u"Error copiando fichero "_s + path + u" :: " + origen.errorString());
-        return;
+        return {};
     }
     msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
     QString listaTexto = lista;
-    msLeerFicheroImport(copia, contactos, listaTexto, addContactos);
+    Progreso p;
+    const Final f = leerFichero(copia, contactos, listaTexto, std::nullopt, addContactos, p, {});
     QFile::remove(copia);
+    return {f == Final::Completa || f == Final::SinLineas, p.vistas, p.correctas};
 }
 
 bool msImportarManual() {
     const QString ruta = Ajustes::getSetting(u"Import"_s, u"Path"_s);
-    // The list goes through a number and back: a name becomes the empty
-    // text, which asks for a list with a default name.
+    if (ruta.size() <= 3) return false;
+    msImportarMensajesDe(ruta);
+    estadoAplicacion().gbImportado = true;
+    return true;
+}
+
+ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& listaDada) {
+    // A list given by the caller is taken as it stands, as the watch takes
+    // its list. The saved one goes through a number and back: a name
+    // becomes the empty text, which asks for a list with a default name.
+    QString lista = listaDada;
     const QString listaGuardada = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
-    QString lista;
-    if (esNumerico(listaGuardada)) {
+    if (lista.isNull() && esNumerico(listaGuardada)) {
         try {
             lista = QString::number(aEntero16(listaGuardada));
         } catch (const ErrorQuelmo&) {
@@ -680,18 +694,20 @@ bool msImportarManual() {
     } catch (const ErrorQuelmo&) {
         // A value mangled by hand adds no contacts, as if never set.
     }
-    if (ruta.size() <= 3) return false;
-    msImportarFichero(ruta, false, false, lista, anadir);
-    estadoAplicacion().gbImportado = true;
-    return true;
+    return msImportarFichero(ruta, false, false, lista, anadir);
 }
 
 bool msImportarContactos() {
     const QString ruta = Ajustes::getSetting(u"ImportUser"_s, u"Path"_s);
-    const QString lista = Ajustes::getSetting(u"ImportUser"_s, u"Lista"_s);
     if (ruta.size() <= 3) return false;
-    msImportarFichero(ruta, true, false, lista, true);
+    msImportarContactosDe(ruta);
     return true;
+}
+
+ResumenImportacion msImportarContactosDe(const QString& ruta, const QString& lista) {
+    return msImportarFichero(
+        ruta, true, false,
+        lista.isNull() ? Ajustes::getSetting(u"ImportUser"_s, u"Lista"_s) : lista, true);
 }
 
 QStringList msListasSeleccion() {

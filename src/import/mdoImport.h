@@ -29,16 +29,28 @@ int16_t msCrearListaImportada(QString& nombre);
 // followed by "_" and one more than the aliases that begin with it.
 QString aliasConSufijo(const QString& alias);
 
+// What an import came to: whether the file was read to its end, how many
+// non-empty lines it held and how many of them were imported.
+struct ResumenImportacion {
+    bool leido = false;
+    qint64 vistas = 0;
+    qint64 correctas = 0;
+};
+
 // Imports `path`. `borrar` marks the watched file: it is claimed, imported
 // exactly once and removed when a line was read.
-void msImportarFichero(const QString& path, bool contactos, bool borrar, const QString& lista,
-                       bool addContactos);
+ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
+                                     const QString& lista, bool addContactos);
 
 // The two user commands, after their selection screen closed: read the
 // section's settings and run the driver when the path is longer than three
 // characters. True when the driver ran.
 bool msImportarManual();
 bool msImportarContactos();
+// The same imports of a file named otherwise (the command line), with the
+// saved list unless `lista` is not null.
+ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& lista = QString());
+ResumenImportacion msImportarContactosDe(const QString& ruta, const QString& lista = QString());
 
 // The list choices of the selection screen: "000 - name" per list, by name.
 QStringList msListasSeleccion();

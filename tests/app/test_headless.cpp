@@ -26,12 +26,7 @@ class TestHeadless : public QObject {
         f.write(texto);
     }
     void iniciar(QProcess& p) {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"XDG_CONFIG_HOME"_s, world.configHome());
-        env.insert(u"XDG_DATA_HOME"_s, world.dataHome());
-        env.insert(u"HOME"_s, world.root());
-        p.setProcessEnvironment(env);
-        p.start(programPath(), {u"--headless"_s});
+        startProgram(world, p, {u"--headless"_s});
         QVERIFY(p.waitForStarted());
     }
 
@@ -70,6 +65,11 @@ class TestHeadless : public QObject {
             u"Datos completado\\.$"_s,
             QRegularExpression::MultilineOption);
         QVERIFY2(linea.match(r.out).hasMatch(), qPrintable(r.out));
+        // An operator sees that it ran, on what, and that it stopped.
+        QVERIFY2(r.out.contains(u" - Transmisor sin ventana en marcha: base de datos "_s + vieja +
+                                u", intervalo 60 s, envío de SMS activado\n"_s),
+                 qPrintable(r.out));
+        QVERIFY2(r.out.endsWith(u" - Transmisor sin ventana detenido\n"_s), qPrintable(r.out));
     }
 
     void noUsableDatabaseExitsNonZero() {

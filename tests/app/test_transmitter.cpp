@@ -1,9 +1,11 @@
 // The transmitter's cycle: when a run happens, what it clears, which flags
 // stand during it, and how a failure shows.
+#include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "app/Transmisor.h"
 #include "app/mdoOpciones.h"
 #include "base/Ajustes.h"
+#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
@@ -144,6 +146,57 @@ class TestTransmitter : public QObject {
         t.detener();
         t.msForzarEnvio();
         QVERIFY(!t.Timer1().isActive());
+    }
+
+    void continuousModeFollowsAFullBatchAtOnce_data() {
+        QTest::addColumn<QString>("continuo");  // Tr/Continuo
+        QTest::addColumn<bool>("porOrden");     // --continuous
+        QTest::addColumn<QString>("destino");
+        QTest::addColumn<int>("ejecuciones");
+        QTest::addColumn<int>("quedan");
+        // Five rows, two a batch: full, full, then one.
+        QTest::newRow("setting on") << u"1"_s << false << u"0034600000001"_s << 3 << 0;
+        QTest::newRow("command line") << u"0"_s << true << u"0034600000001"_s << 3 << 0;
+        QTest::newRow("off: a whole interval") << u"0"_s << false << u"0034600000001"_s << 1 << 3;
+        // A batch the platform refused left no row: no haste to send it again.
+        QTest::newRow("refused batch") << u"1"_s << false << u"0034600000666"_s << 1 << 5;
+    }
+    void continuousModeFollowsAFullBatchAtOnce() {
+        QFETCH(QString, continuo);
+        QFETCH(bool, porOrden);
+        QFETCH(QString, destino);
+        QFETCH(int, ejecuciones);
+        QFETCH(int, quedan);
+        InterfazGuionada ui;
+        SimuladorPrueba sim(world.root(),
+                            u"[plataforma]\nrechazados=0034600000666\n[cuenta1]\nusuario=demo\n"
+                            u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
+        QVERIFY(sim.listo());
+        Conexion().exec(u"update opciones set maxlote=2 where id=1"_s);
+        prueba::cuenta(1, u"Tienda"_s,
+                       {{u"Host"_s, sim.host()},
+                        {u"usuario"_s, u"demo"_s},
+                        {u"clave"_s, msCifrarClave(u"demo"_s, true)}});
+        for (int i = 0; i < 5; ++i)
+            Conexion().exec(
+                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,'x',2)"_s,
+                {QDateTime::currentDateTime(), destino});
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"Tr"_s, u"Continuo"_s, continuo);
+        Transmisor::continuoPorOrden(porOrden);
+        const auto restaurar = qScopeGuard([] { Transmisor::continuoPorOrden(false); });
+        Transmisor t;
+        t.armarTemporizador();
+        QSignalSpy ticks(&t, &Transmisor::tickTerminado);
+
+        t.msForzarEnvio();
+        // Timer1 is armed again only when no run follows at once; with its
+        // minute no tick of it comes before this.
+        QTRY_VERIFY_WITH_TIMEOUT(t.Timer1().isActive(), 30000);
+        QCOMPARE(ticks.count(), ejecuciones);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), quedan);
+        QCOMPARE(t.Timer1().interval(), 60000);
+        t.detener();
     }
 };
 

@@ -131,6 +131,12 @@ QString programPath() {
     return QStringLiteral(QUELMO_BIN_DIR "/quelmo-sms");
 }
 
+ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs) {
+    QProcess p;
+    startProgram(world, p, args);
+    return finishProgram(p, timeoutMs);
+}
+
 void startProgram(const TestWorld& world, QProcess& p, const QStringList& args) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"XDG_CONFIG_HOME"_s, world.configHome());
@@ -140,11 +146,11 @@ void startProgram(const TestWorld& world, QProcess& p, const QStringList& args) 
     p.start(programPath(), args);
 }
 
-ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs) {
-    QProcess p;
-    startProgram(world, p, args);
+ProcessResult finishProgram(QProcess& p, int timeoutMs) {
     ProcessResult r;
-    r.finished = p.waitForFinished(timeoutMs);
+    // It may have ended already while the test's event loop turned.
+    r.finished = p.waitForFinished(timeoutMs) ||
+                 (p.state() == QProcess::NotRunning && p.error() != QProcess::FailedToStart);
     if (!r.finished) {
         p.kill();
         p.waitForFinished();

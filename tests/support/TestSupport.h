@@ -109,8 +109,10 @@ struct ProcessResult {
     QString err;
 };
 ProcessResult runProgram(const TestWorld& world, const QStringList& args, int timeoutMs = 30000);
-// Starts `quelmo-sms` with arguments in the test world and returns at once.
+// Starts it without waiting, for a test that acts while it runs.
 void startProgram(const TestWorld& world, QProcess& p, const QStringList& args);
+// Waits for a started one and collects its output.
+ProcessResult finishProgram(QProcess& p, int timeoutMs = 30000);
 QString programPath();
 
 // A QTest main that builds the temporary world before anything reads the
