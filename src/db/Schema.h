@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringList>
+
 class Database;
 
 // The two generations of the message database. The current one is what the
@@ -8,4 +10,6 @@ class Database;
 namespace Schema {
 void crearActual(Database& db);
 void crearBase(Database& db);
+// The "CREATE INDEX" statements of a new file, which the upgrade adds.
+QStringList indicesActuales();
 }  // namespace Schema
