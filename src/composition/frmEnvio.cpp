@@ -94,11 +94,13 @@ void frmEnvio::construir() {
     txtMensaje->setTabChangesFocus(true);
     txtMensaje->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     // Five lines hold a message of several parts; the outbox below takes
-    // the rest of the height.
-    txtMensaje->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
-    txtMensaje->setMinimumHeight(
-        5 * txtMensaje->fontMetrics().lineSpacing() +
-        2 * (txtMensaje->frameWidth() + int(txtMensaje->document()->documentMargin())));
+    // the rest of the height, and a low frame takes the text down to three.
+    const int linea = txtMensaje->fontMetrics().lineSpacing();
+    const int bordes =
+        2 * (txtMensaje->frameWidth() + int(txtMensaje->document()->documentMargin()));
+    txtMensaje->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    txtMensaje->setMinimumHeight(3 * linea + bordes);
+    txtMensaje->setMaximumHeight(5 * linea + bordes);
     txtMensaje->installEventFilter(this);
     connect(crtAutoComplete1, &crtAutoComplete::enterSinSugerencias, txtMensaje,
             [this] { txtMensaje->setFocus(Qt::OtherFocusReason); });
