@@ -403,7 +403,10 @@ class TestEnvio : public QObject {
         // Down as far as 100 while it still shows whole.
         QCOMPARE(sub->y(), qMin(100, area.viewport()->height() - sub->height()));
         auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);
-        QVERIFY(lista->height() >= 3 * lista->sizeHintForRow(0));
+        QVERIFY(lista->height() >= 4 * lista->fontMetrics().lineSpacing());
+        // Nothing lies over the text box.
+        QVERIFY(hijo<QPlainTextEdit>(*sub->widget(), u"txtMensaje"_s)->geometry().bottom() <
+                hijo<QLabel>(*sub->widget(), u"lblCaracteres"_s)->geometry().top());
         PantallasHijas::setArea(nullptr);
     }
 
