@@ -2,6 +2,7 @@
 // switch, the tray, the log panel and the closing rule.
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
+#include "app/GuiInterface.h"
 #include "app/frmLog.h"
 #include "app/frmOpciones.h"
 #include "app/mdiMain.h"
@@ -15,15 +16,19 @@
 #include "widgets/Ayuda.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/PantallasHijas.h"
+#include "widgets/Traduccion.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
+#include <QTimer>
 #include <QToolBar>
 #include <QToolTip>
 
@@ -395,6 +400,7 @@ class TestGuiMain : public QObject {
     void capturas() {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
+        cargarTraduccionQt();  // as the program starts
         ScriptedInterface ui;
         Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         {
@@ -438,6 +444,16 @@ class TestGuiMain : public QObject {
         guardar(w.get(), u"contactos"_s);
         frmOpciones opciones(w.get());
         guardar(&opciones, u"opciones"_s);
+        // The picture dialog, as the desktop's dialog with Qt's own texts.
+        GuiInterface gui;
+        setUserInterface(&gui);
+        QTimer::singleShot(500, this, [&] {
+            QWidget* d = QApplication::activeModalWidget();
+            QVERIFY(d && d->grab().save(dir + u"/dialogo.png"_s));
+            d->close();
+        });
+        QTest::mouseClick(prueba::hijo<QPushButton>(&opciones, u"cmdexaminar"_s), Qt::LeftButton);
+        setUserInterface(nullptr);
     }
 };
 
