@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QWidget>
 
@@ -44,5 +44,5 @@ class frmAbonados : public QWidget {
     void borrarFilas(const QList<int>& filas);
 
     QSize m_tamano;
-    QueryResult adoPrimaryRS;
+    ResultadoConsulta adoPrimaryRS;
 };

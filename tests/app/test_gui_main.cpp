@@ -2,17 +2,17 @@
 // switch, the tray, the log panel and the closing rule.
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
-#include "app/GuiInterface.h"
+#include "app/InterfazGrafica.h"
 #include "app/frmLog.h"
 #include "app/frmOpciones.h"
 #include "app/mdiMain.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
+#include "base/RegistroActividad.h"
 #include "composition/frmEnvio.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
 #include "widgets/Ayuda.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/PantallasHijas.h"
@@ -74,13 +74,13 @@ class TestGuiMain : public QObject {
     void init() {
         world.reset();
         TestDb::createCurrent(rutaBaseDefecto());
-        Settings::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
+        Ajustes::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
         abiertas.clear();
         terminado = 0;
     }
 
     void menuAndToolbarInOrder() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         // One line per menu: "key caption", "-" for a separator.
         QStringList menus;
@@ -148,7 +148,7 @@ class TestGuiMain : public QObject {
     void activationKeepsAMaximisedFrame() {
         QFETCH(int, antes);
         QFETCH(int, despues);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         w->setWindowState(Qt::WindowStates(antes));
         QEvent activacion(QEvent::WindowActivate);
@@ -183,10 +183,10 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, puerta);
         QFETCH(QString, efecto);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         principal(u"ana y pep&s"_s, u"x"_s);
-        appState().gsClaveAcceso = u"Clave"_s;
+        estadoAplicacion().gsClaveAcceso = u"Clave"_s;
         auto usar = [&] {
             abiertas.clear();
             ui.openedUrls.clear();
@@ -206,7 +206,7 @@ class TestGuiMain : public QObject {
     }
 
     void helpManualIsWrittenOutForTheBrowser() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         QFile manual(rutaAyuda());
         for (int vez = 0; vez < 2; ++vez) {
@@ -228,7 +228,7 @@ class TestGuiMain : public QObject {
     }
 
     void rechargeWithoutAccountSays() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         accion(w.get(), u"keyHome01"_s)->trigger();
         QCOMPARE(cajas(ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
@@ -256,11 +256,11 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, antes);
         QFETCH(bool, despues);
-        ScriptedInterface ui;
-        if (!guardado.isNull()) Settings::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
+        InterfazGuionada ui;
+        if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
         auto w = ventana();
         if (!clave.isNull()) {
-            appState().gsClaveAcceso = u"Clave"_s;
+            estadoAplicacion().gsClaveAcceso = u"Clave"_s;
             ui.passwords = {clave};
         }
         QAction* keyTX = accion(w.get(), u"keyTX"_s);
@@ -286,9 +286,9 @@ class TestGuiMain : public QObject {
         else
             accion(w.get(), via)->trigger();
         estado(despues);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Activo"_s), antes == despues ? guardado
-                                                             : despues        ? u"1"_s
-                                                                              : u"0"_s);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), antes == despues ? guardado
+                                                            : despues        ? u"1"_s
+                                                                             : u"0"_s);
     }
 
     void closingRefusedDuringARun_data() {
@@ -300,10 +300,10 @@ class TestGuiMain : public QObject {
     }
     void closingRefusedDuringARun() {
         QFETCH(QString, via);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         auto cerrar = [&] { via.isNull() ? void(w->close()) : accion(w.get(), via)->trigger(); };
-        appState().gbEnviando = true;
+        estadoAplicacion().gbEnviando = true;
         cerrar();
         const QStringList aviso{
             u"48 Quelmo Mensajes SMS está ahora mismo realizando un envío."
@@ -313,7 +313,7 @@ class TestGuiMain : public QObject {
         QCOMPARE(terminado, 0);
         QVERIFY(Conexion().isOpen());
 
-        appState().gbEnviando = false;
+        estadoAplicacion().gbEnviando = false;
         cerrar();
         QCOMPARE(cajas(ui), aviso);
         QCOMPARE(terminado, 1);
@@ -328,7 +328,7 @@ class TestGuiMain : public QObject {
     }
     void hidingKeepsSending() {
         QFETCH(bool, bandeja);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         w->hayBandeja = bandeja;
         accion(w.get(), u"OCULTAR"_s)->trigger();
@@ -359,7 +359,7 @@ class TestGuiMain : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(int, puestaEnMarcha);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         if (!usuario.isNull()) {
             TestDb::openShared(rutaBaseDefecto());
             principal(usuario, clave);
@@ -370,7 +370,7 @@ class TestGuiMain : public QObject {
     }
 
     void longLogLineReadInFull() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         for (int i = 0; i < 2000; ++i) msLog(u"línea %1"_s.arg(i));
         const QString larga = u"Error en SendMessage: "_s + QString(600, u'x') + u" fin"_s;
@@ -379,10 +379,12 @@ class TestGuiMain : public QObject {
         auto* lista = w->panelLog()->List1();
         QCOMPARE(w->panelLog()->windowTitle(), u"Eventos de la aplicación"_s);
         // The list follows the newest line, and shows it.
-        const QModelIndex ultima = appState().log.index(appState().log.rowCount() - 1);
+        const QModelIndex ultima =
+            estadoAplicacion().log.index(estadoAplicacion().log.rowCount() - 1);
         QCOMPARE(lista->currentIndex(), ultima);
         QTRY_VERIFY(lista->viewport()->rect().contains(lista->visualRect(ultima)));
-        const QModelIndex fila = appState().log.index(appState().log.rowCount() - 2);
+        const QModelIndex fila =
+            estadoAplicacion().log.index(estadoAplicacion().log.rowCount() - 2);
         lista->scrollTo(fila);
         const QPoint punto = lista->visualRect(fila).center();
         QTest::mouseClick(lista->viewport(), Qt::LeftButton, {}, punto);
@@ -391,7 +393,7 @@ class TestGuiMain : public QObject {
         QVERIFY(detalle && detalle->isVisible());
         QCOMPARE(detalle->windowTitle(), u"Detalle del Log"_s);
         QVERIFY(detalle->txtLog()->toPlainText().endsWith(larga));
-        QCOMPARE(detalle->txtLog()->toPlainText(), appState().log.lines().at(fila.row()));
+        QCOMPARE(detalle->txtLog()->toPlainText(), estadoAplicacion().log.lines().at(fila.row()));
     }
 
     // Pictures of the frame with the compose screen, then with the contacts
@@ -401,10 +403,10 @@ class TestGuiMain : public QObject {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
         cargarTraduccionQt();  // as the program starts
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         {
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(rutaBaseDefecto()));
             db.exec(
                 u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente) VALUES "
@@ -445,15 +447,15 @@ class TestGuiMain : public QObject {
         frmOpciones opciones(w.get());
         guardar(&opciones, u"opciones"_s);
         // The picture dialog, as the desktop's dialog with Qt's own texts.
-        GuiInterface gui;
-        setUserInterface(&gui);
+        InterfazGrafica gui;
+        establecerInterfaz(&gui);
         QTimer::singleShot(500, this, [&] {
             QWidget* d = QApplication::activeModalWidget();
             QVERIFY(d && d->grab().save(dir + u"/dialogo.png"_s));
             d->close();
         });
         QTest::mouseClick(prueba::hijo<QPushButton>(&opciones, u"cmdexaminar"_s), Qt::LeftButton);
-        setUserInterface(nullptr);
+        establecerInterfaz(nullptr);
     }
 };
 

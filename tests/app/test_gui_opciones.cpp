@@ -1,17 +1,17 @@
 // The options screen and the password prompt: the checks with their words,
 // what is stored, and that a saved change takes effect without a restart.
 #include "TestSupportGui.h"
-#include "app/GuiInterface.h"
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/InterfazGrafica.h"
+#include "app/Transmisor.h"
 #include "app/frmOpciones.h"
 #include "app/frmpwd.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Conversions.h"
-#include "base/Settings.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/PantallasHijas.h"
 
@@ -87,10 +87,10 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, clave);
         QFETCH(QString, confirmacion);
         QFETCH(QString, aviso);
-        ScriptedInterface ui;
-        Transmitter transmisor;
+        InterfazGuionada ui;
+        Transmisor transmisor;
         transmisor.armarTemporizador();
-        appState().gsClaveAcceso = u"previa"_s;
+        estadoAplicacion().gsClaveAcceso = u"previa"_s;
         frmOpciones pantalla;
         pantalla.show();
         hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->setText(lote);
@@ -112,9 +112,9 @@ class TestGuiOpciones : public QObject {
         QCOMPARE(pantalla.isVisible(), !guardado);
         QCOMPARE(opcion(u"maxlote || '/' || solocontactos"_s).toString(),
                  guardado ? QString(lote + u"/1"_s) : u"50/0"_s);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), guardado ? intervalo : u"60"_s);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), guardado ? intervalo : u"60"_s);
         if (!guardado) {
-            QCOMPARE(appState().gsClaveAcceso, u"previa"_s);
+            QCOMPARE(estadoAplicacion().gsClaveAcceso, u"previa"_s);
             return;
         }
         // The new interval runs from now on.
@@ -145,9 +145,9 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, intervalo);
         QFETCH(QString, enCajas);
         QFETCH(QString, intervaloVisto);
-        ScriptedInterface ui;
-        if (!clave.isNull()) Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
-        Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
+        InterfazGuionada ui;
+        if (!clave.isNull()) Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
+        Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
         Conexion().exec(u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
         frmOpciones pantalla;
         for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
@@ -155,7 +155,7 @@ class TestGuiOpciones : public QObject {
             QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->echoMode(), QLineEdit::Password);
         }
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->text(), u"120"_s);
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s)->text(), u"/x/y.jpg"_s);
         QVERIFY(hijo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->isChecked());
@@ -163,7 +163,7 @@ class TestGuiOpciones : public QObject {
     }
 
     void loadWithoutDatabaseSendsToTheSelection() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         Conexion().close();
         frmOpciones pantalla;
         QCOMPARE(ui.boxes.size(), 1);
@@ -175,7 +175,7 @@ class TestGuiOpciones : public QObject {
     }
 
     void pictureChosenShowsAtOnce() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmweb panel;
         PantallasHijas::setArea(&panel);
         QVERIFY(!panel.fondoPropio());
@@ -209,8 +209,8 @@ class TestGuiOpciones : public QObject {
     // The picture dialog names its filters by their patterns of old and
     // still filters by what it can read.
     void pictureDialogFilters() {
-        GuiInterface gui;
-        setUserInterface(&gui);
+        InterfazGrafica gui;
+        establecerInterfaz(&gui);
         frmOpciones pantalla;
         QStringList vistos;
         QStringList patrones;
@@ -223,7 +223,7 @@ class TestGuiOpciones : public QObject {
             d->reject();
         });
         QTest::mouseClick(hijo<QPushButton>(&pantalla, u"cmdexaminar"_s), Qt::LeftButton);
-        setUserInterface(nullptr);
+        establecerInterfaz(nullptr);
         QCOMPARE(vistos, (QStringList{u"Imágenes (*.jpg;*.bmp)"_s, u"Todos los Ficheros (*.*)"_s}));
         QCOMPARE(patrones, (QStringList{u"*.jpg"_s, u"*.bmp"_s, u"*.png"_s}));
         QVERIFY(hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s)->text().isEmpty());
@@ -240,7 +240,7 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, tecleado);
         QFETCH(bool, enter);
         QFETCH(QString, introducida);
-        appState().gsClaveIntroducida = u"antes"_s;
+        estadoAplicacion().gsClaveIntroducida = u"antes"_s;
         frmpwd prompt;
         prompt.show();
         QCOMPARE(prompt.windowTitle(), u"Quelmo Mensajes SMS - Acceso Restringido"_s);
@@ -253,7 +253,7 @@ class TestGuiOpciones : public QObject {
         else
             QTest::mouseClick(hijo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
         QVERIFY(!prompt.isVisible());
-        QCOMPARE(appState().gsClaveIntroducida, introducida);
+        QCOMPARE(estadoAplicacion().gsClaveIntroducida, introducida);
         // The key is taken by the prompt, not typed into the box.
         QCOMPARE(text1->text(), tecleado);
     }

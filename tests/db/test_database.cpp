@@ -1,7 +1,7 @@
 // The connection wrapper: values travel intact, names compare as users
 // expect, and failures say what failed.
 #include "TestSupport.h"
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 #include "db/Transaccion.h"
 
 #include <sqlite3.h>
@@ -33,7 +33,7 @@ class TestDatabase : public QObject {
         QFETCH(QString, texto);
         db.exec(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,2)"_s,
                 {QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)), 1, u"600"_s, texto});
-        const QueryResult r =
+        const ResultadoConsulta r =
             db.query(u"SELECT Mensaje, Registro FROM envios WHERE Mensaje=?"_s, {texto});
         QCOMPARE(r.recordCount(), 1);
         QCOMPARE(r.value(0, 0).toString(), texto);
@@ -75,15 +75,15 @@ class TestDatabase : public QObject {
         try {
             db.query(u"SELECT nada FROM Canales"_s);
             QFAIL("a missing column must fail");
-        } catch (const DbError& e) {
+        } catch (const ErrorBD& e) {
             QCOMPARE(e.number(), int(ErrNum::ItemNotFound));
         }
-        QVERIFY_THROWS_EXCEPTION(DbError, db.query(u"SELECT * FROM noexiste"_s));
-        QVERIFY_THROWS_EXCEPTION(DbError, db.exec(u"INSERT INTO Canales (Canal) VALUES (?)"_s, {}));
+        QVERIFY_THROWS_EXCEPTION(ErrorBD, db.query(u"SELECT * FROM noexiste"_s));
+        QVERIFY_THROWS_EXCEPTION(ErrorBD, db.exec(u"INSERT INTO Canales (Canal) VALUES (?)"_s, {}));
         // A duplicate key leaves the first row as it was.
         db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','uno')"_s);
         QVERIFY_THROWS_EXCEPTION(
-            DbError, db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','dos')"_s));
+            ErrorBD, db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','dos')"_s));
         QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"uno"_s);
     }
 
@@ -104,7 +104,7 @@ class TestDatabase : public QObject {
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write(QByteArray(4096, 'x'));
         f.close();
-        Database otro;
+        BaseDatos otro;
         QString error;
         QVERIFY(!otro.open(path, &error));
         QVERIFY(!error.isEmpty());
@@ -137,7 +137,7 @@ class TestDatabase : public QObject {
             db.exec(u"INSERT INTO MenPro VALUES (0,'uno')"_s);
             // A child without its parent: refused only at the commit.
             if (salida == u"rechazo"_s) db.exec(u"INSERT INTO hijo VALUES (5)"_s);
-            if (salida == u"error"_s) throw QuelmoError(u"fallo"_s, ErrNum::Platform);
+            if (salida == u"error"_s) throw ErrorQuelmo(u"fallo"_s, ErrNum::Plataforma);
             if (salida == u"excepcion"_s) throw std::runtime_error("fallo");
             t.commit();
         } catch (...) {
@@ -152,7 +152,7 @@ class TestDatabase : public QObject {
 
     // The database holds the platforms' passwords.
     void newFilesAreTheOwnersOnly() {
-        Database nueva;
+        BaseDatos nueva;
         const QString ruta = world.root() + u"/nueva.db"_s;
         QVERIFY(nueva.create(ruta));
         nueva.exec(u"CREATE TABLE t (x)"_s);
@@ -166,7 +166,7 @@ class TestDatabase : public QObject {
 
   private:
     TestWorld& world;
-    Database db;
+    BaseDatos db;
 };
 
 QUELMO_TEST_MAIN(TestDatabase)

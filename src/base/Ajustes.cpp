@@ -1,4 +1,4 @@
-#include "base/Settings.h"
+#include "base/Ajustes.h"
 
 #include <QSettings>
 
@@ -15,7 +15,7 @@ QString clave(const QString& section, const QString& key) {
 }
 }  // namespace
 
-namespace Settings {
+namespace Ajustes {
 
 QString getSetting(const QString& section, const QString& key, const QString& def) {
     const QVariant v = almacen().value(clave(section, key));
@@ -49,4 +49,4 @@ QString fileName() {
     return almacen().fileName();
 }
 
-}  // namespace Settings
+}  // namespace Ajustes

@@ -1,4 +1,4 @@
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 
 #include "base/Error.h"
 
@@ -101,7 +101,7 @@ template <typename T>
 T redondear(double v) {
     const double r = std::nearbyint(v);  // default rounding mode: half to even
     if (r < double(std::numeric_limits<T>::min()) || r > double(std::numeric_limits<T>::max()))
-        throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
+        throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
     return static_cast<T>(r);
 }
 
@@ -113,7 +113,7 @@ bool esNumerico(const QString& text) {
 
 double aNumero(const QString& text) {
     double v = 0;
-    if (!leerNumero(text, &v)) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
+    if (!leerNumero(text, &v)) throw ErrorQuelmo(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     return v;
 }
 
@@ -122,7 +122,7 @@ int16_t aEntero16(const QString& text) {
 }
 
 int16_t aEntero16(const QVariant& value) {
-    if (value.isNull()) throw QuelmoError(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
+    if (value.isNull()) throw ErrorQuelmo(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
     // A column's own number needs no reading ("1.125" would read as grouped).
     if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::LongLong ||
         value.typeId() == QMetaType::Int)
@@ -143,7 +143,7 @@ bool aBooleano(const QString& text) {
         t.compare(u"falso"_s, Qt::CaseInsensitive) == 0)
         return false;
     double v = 0;
-    if (!leerNumero(t, &v)) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
+    if (!leerNumero(t, &v)) throw ErrorQuelmo(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     return v != 0;
 }
 

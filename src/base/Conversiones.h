@@ -6,7 +6,7 @@
 
 // Conversions with the meaning the program's rules give to "numeric",
 // "as a 16-bit integer" and "as a boolean". The failing ones throw
-// QuelmoError (type mismatch or overflow).
+// ErrorQuelmo (type mismatch or overflow).
 
 // Whether a text is a number: the one test wherever the rules ask for
 // "numeric" (a destination, a contact's number, a typed option, a setting,
@@ -24,7 +24,7 @@
 // ("1.000" is a thousand); any other single point is a decimal point.
 // The batch sender keeps a narrower test of its own for destinations.
 bool esNumerico(const QString& text);
-// The value of a numeric text by the same reading; throws QuelmoError
+// The value of a numeric text by the same reading; throws ErrorQuelmo
 // (type mismatch) for a text that is not numeric.
 double aNumero(const QString& text);
 
