@@ -38,7 +38,7 @@ bool sinCredenciales(const ResultadoConsulta& r) {
 // empty or zero.
 QVariant maxmenNuevo(const QString& maxmen) {
     const QString t = maxmen.trimmed();
-    if (t.isEmpty() || (esNumerico(t) && t.toDouble() == 0)) return 160;
+    if (t.isEmpty() || (esNumerico(t) && aNumero(t) == 0)) return 160;
     return t;
 }
 

@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -26,9 +27,16 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     ListView1 =
         new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
     ListView1->setSeleccionMultiple(true);
-    ListView1->setColumnWidth(0, 180);
-    ListView1->setColumnWidth(1, 120);
-    ListView1->setColumnWidth(2, 180);
+    // Each column as wide as what it usually holds, so that all four show.
+    const QFontMetrics fm = ListView1->fontMetrics();
+    const int margen = 2 * ListView1->style()->pixelMetric(QStyle::PM_HeaderMargin) + 12;
+    int ancho = 0;
+    const QStringList muestras{u"Nombre de un contacto"_s, u"000000000000000"_s,
+                               u"Comentario de un contacto"_s, u"Cuenta principal"_s};
+    for (int c = 0; c < muestras.size(); ++c) {
+        ListView1->setColumnWidth(c, fm.horizontalAdvance(muestras[c]) + margen);
+        ancho += ListView1->columnWidth(c);
+    }
     lblcont = new QLabel(this);
     lblcont->setObjectName(u"lblcont"_s);
     auto boton = [this](const QString& nombre, const QString& texto) {
@@ -47,7 +55,11 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     auto* v = new QVBoxLayout(this);
     v->addWidget(ListView1, 1);
     v->addLayout(botones);
-    resize(760, 460);
+    const int bordes = 2 * ListView1->frameWidth() + v->contentsMargins().left() +
+                       v->contentsMargins().right() +
+                       ListView1->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    m_tamano = QSize(qMax(ancho + bordes, botones->sizeHint().width() + bordes), 460);
+    resize(m_tamano);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmAbonados::cmdAdd_Click);
     connect(cmdEdit, &QPushButton::clicked, this, &frmAbonados::cmdEdit_Click);
@@ -59,6 +71,11 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     connect(&Avisos::instancia(), &Avisos::contactosCambiados, this, &frmAbonados::requery);
 
     requery();
+}
+
+QSize frmAbonados::sizeHint() const {
+    // What the frame gives the screen when it opens.
+    return m_tamano;
 }
 
 void frmAbonados::keyPressEvent(QKeyEvent* event) {

@@ -34,11 +34,15 @@ class frmAbonados : public QWidget {
     QPushButton* cmdDeletetodos;
     QPushButton* cmdClose;
 
+    // Wide enough for every column at its usual width.
+    QSize sizeHint() const override;
+
   protected:
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void borrarFilas(const QList<int>& filas);
 
+    QSize m_tamano;
     ResultadoConsulta adoPrimaryRS;
 };

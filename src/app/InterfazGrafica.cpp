@@ -9,6 +9,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QUrl>
 #include <cstdlib>
 
@@ -69,7 +70,19 @@ QString InterfazGrafica::inputBox(const QString& prompt, const QString& title,
 
 QString InterfazGrafica::openFileName(const QString& caption, const QString& dir,
                                       const QString& filter) {
-    return QFileDialog::getOpenFileName(m_owner, caption, dir, filter);
+    // The dialog shows a filter up to its last brackets and filters by what
+    // stands in them, so a filter may show patterns of its own:
+    // "Imágenes (*.jpg;*.bmp) (*.jpg *.bmp)". A plain one shows its patterns.
+    static const QRegularExpression patrones(uR"(\(([^()]*)\)\s*$)"_s);
+    static const QRegularExpression dobles(uR"(\([^()]*\)\s*\([^()]*\)\s*$)"_s);
+    QStringList filtros = filter.split(u";;"_s, Qt::SkipEmptyParts);
+    for (QString& f : filtros) {
+        if (dobles.match(f).hasMatch()) continue;
+        const QRegularExpressionMatch m = patrones.match(f);
+        f += u" ("_s + (m.hasMatch() ? m.captured(1) : f) + u')';
+    }
+    return QFileDialog::getOpenFileName(m_owner, caption, dir, filtros.join(u";;"_s), nullptr,
+                                        QFileDialog::HideNameFilterDetails);
 }
 
 void InterfazGrafica::openUrl(const QString& target) {

@@ -142,9 +142,9 @@ bool frmOpciones::msGuardarOpciones() {
 void frmOpciones::cmdexaminar_Click() {
     // Start where the current picture is, with its name chosen.
     const QString actual = txtimgfondo->text();
-    const QString elegido =
-        ui().openFileName(u"Seleccione una imagen de fondo:"_s, actual,
-                          u"Imágenes (*.jpg *.bmp *.png);;Todos los Ficheros (*)"_s);
+    const QString elegido = ui().openFileName(u"Seleccione una imagen de fondo:"_s, actual,
+                                              u"Imágenes (*.jpg;*.bmp) (*.jpg *.bmp *.png);;"
+                                              u"Todos los Ficheros (*.*) (*)"_s);
     if (!elegido.isEmpty()) txtimgfondo->setText(elegido);
 }
 

@@ -245,8 +245,11 @@ void mdiMain::crearBarra() {
         QAction* a = m_barra->addAction(iconoQuelmo(QString::fromUtf16(b.icono)),
                                         QString::fromUtf16(b.titulo));
         a->setObjectName(clave);
-        // An empty tool tip would show the caption again; the button keeps none.
-        a->setToolTip(QString::fromUtf16(b.consejo));
+        const QString consejo = QString::fromUtf16(b.consejo);
+        a->setToolTip(consejo);
+        // An empty tool tip shows the caption again; a button with none
+        // shows nothing.
+        if (consejo.isEmpty()) m_barra->widgetForAction(a)->installEventFilter(this);
         connect(a, &QAction::triggered, this, [this, clave] { Toolbar1_ButtonClick(clave); });
         // Leave the two closing buttons apart from the commands.
         if (clave == u"INFORMACION"_s) m_barra->addSeparator();
@@ -376,10 +379,26 @@ void mdiMain::ocultar() {
 }
 
 void mdiMain::mnurestaurar_Click() {
-    showNormal();
+    // Back as it was hidden: a maximised frame comes back maximised.
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
     m_icono->hide();
     raise();
     activateWindow();
+}
+
+bool mdiMain::event(QEvent* event) {
+    // An activation brings the frame back from the taskbar whole. Only the
+    // minimised state goes: a maximised frame is the user's choice and
+    // stays, where a plain return to the normal state would undo it.
+    if (event->type() == QEvent::WindowActivate && (windowState() & Qt::WindowMinimized))
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    return QMainWindow::event(event);
+}
+
+bool mdiMain::eventFilter(QObject* objeto, QEvent* event) {
+    if (event->type() == QEvent::ToolTip) return true;
+    return QMainWindow::eventFilter(objeto, event);
 }
 
 void mdiMain::showEvent(QShowEvent* event) {

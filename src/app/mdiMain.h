@@ -49,6 +49,9 @@ class mdiMain : public QMainWindow {
     void primeraActivacionTerminada();
 
   protected:
+    bool event(QEvent* event) override;
+    // Keeps the tool tip of a button that has none from showing its caption.
+    bool eventFilter(QObject* objeto, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 

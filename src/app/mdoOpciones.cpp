@@ -41,13 +41,13 @@ bool leerOpciones(Opciones& o) {
 QString motivoOpcionesNoValidas(const Opciones& o, const QString& confirmacion) {
     const QString loteNoValido = u"Valor no válido para Nº máximo de mensajes por Lote"_s;
     if (!esNumerico(o.maxlote)) return loteNoValido;
-    const double lote = o.maxlote.trimmed().toDouble();
+    const double lote = aNumero(o.maxlote);
     if (lote < 1 || lote > 500) return loteNoValido + u"\nDebe se un número entre 1 y 500."_s;
 
     const QString intervaloNoValido =
         u"Valor no válido para intervalo de envío de mensajes en Bandeja de Salida"_s;
     if (!esNumerico(o.intervalo)) return intervaloNoValido;
-    if (o.intervalo.trimmed().toDouble() < 15)
+    if (aNumero(o.intervalo) < 15)
         return intervaloNoValido + u"\nEl tiempo mínimo es de 15 Segundos."_s;
 
     if (!o.clave.isEmpty()) {
@@ -75,7 +75,7 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
         // The interval is stored as typed; the timer takes it rounded.
         Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
         Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, o.intervalo);
-        const double segundos = o.intervalo.trimmed().toDouble();
+        const double segundos = aNumero(o.intervalo);
         if (segundos * 1000 > INT_MAX) throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
         Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));
         ui().msgBox(

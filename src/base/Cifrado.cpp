@@ -9,11 +9,15 @@ QString msCifrarClave(const QString& text, bool encode) {
     out.reserve(text.size());
     for (const QChar c : text) {
         const int codigo = c.unicode() + (encode ? 10 : -10);
-        // Stored passwords are single-byte text.
-        if (c.unicode() > 255 || codigo < 0 || codigo > 255)
+        if (codigo < 0 || codigo > 0xFFFF)
             throw ErrorQuelmo(u"Llamada a procedimiento o argumento no válido"_s,
                               ErrNum::InvalidProcedureCall);
-        out.append(QChar(codigo));
+        out.append(QChar(char16_t(codigo)));
     }
+    // A shift that breaks a surrogate pair would not survive the settings
+    // file or the database, and could not be shifted back.
+    if (!out.isValidUtf16())
+        throw ErrorQuelmo(u"Llamada a procedimiento o argumento no válido"_s,
+                          ErrNum::InvalidProcedureCall);
     return out;
 }

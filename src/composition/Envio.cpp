@@ -120,6 +120,19 @@ QString textoContador(int caracteres, const QString& nota) {
     return u"("_s + QString::number(caracteres) + u")"_s + nota;
 }
 
+int largoMensaje(const QString& texto) {
+    qsizetype n = texto.size();
+    for (qsizetype i = 0; i < texto.size(); ++i)
+        if (texto[i] == u'\n' && (i == 0 || texto[i - 1] != u'\r')) ++n;
+    return int(n);
+}
+
+bool soloBlancos(const QString& texto) {
+    for (const QChar c : texto)
+        if (c != u' ') return false;
+    return true;
+}
+
 namespace {
 const auto kDesdeBandeja = u" from envios inner join canales on envios.canal=canales.canal"_s;
 }

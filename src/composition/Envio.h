@@ -47,6 +47,11 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
 
 // The character counter: "(n)" and the note about the account's texts.
 QString textoContador(int caracteres, const QString& nota);
+// What the counter counts of a text: a line break goes out as CR LF, two
+// characters, however the box holds it.
+int largoMensaje(const QString& texto);
+// Whether a text holds nothing but blanks (a text of line breaks is sent).
+bool soloBlancos(const QString& texto);
 inline constexpr int kLargoUnSms = 160;
 
 // The outbox as the list shows it: the rows whose account exists.

@@ -31,6 +31,7 @@
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextDocument>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -92,6 +93,14 @@ void frmEnvio::construir() {
     txtMensaje->setObjectName(u"txtMensaje"_s);
     txtMensaje->setTabChangesFocus(true);
     txtMensaje->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    // Five lines hold a message of several parts; the outbox below takes
+    // the rest of the height, and a low frame takes the text down to three.
+    const int linea = txtMensaje->fontMetrics().lineSpacing();
+    const int bordes =
+        2 * (txtMensaje->frameWidth() + int(txtMensaje->document()->documentMargin()));
+    txtMensaje->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    txtMensaje->setMinimumHeight(3 * linea + bordes);
+    txtMensaje->setMaximumHeight(5 * linea + bordes);
     txtMensaje->installEventFilter(this);
     connect(crtAutoComplete1, &crtAutoComplete::enterSinSugerencias, txtMensaje,
             [this] { txtMensaje->setFocus(Qt::OtherFocusReason); });
@@ -178,7 +187,7 @@ void frmEnvio::construir() {
         filaAcciones->addWidget(b);
 
     auto* capa = new QVBoxLayout(this);
-    capa->addLayout(rejilla);
+    capa->addLayout(rejilla, 0);
     capa->addLayout(filaBandeja);
     capa->addWidget(ListView1, 1);
     capa->addLayout(filaAcciones);
@@ -256,7 +265,7 @@ int64_t frmEnvio::canalElegido() const {
 }
 
 void frmEnvio::contador() {
-    const int n = int(txtMensaje->toPlainText().size()) + miLargoTextos;
+    const int n = largoMensaje(txtMensaje->toPlainText()) + miLargoTextos;
     lblCaracteres->setText(textoContador(n, msNotaTextos));
     lblmas->setVisible(n > kLargoUnSms);
 }
@@ -296,7 +305,7 @@ void frmEnvio::cmdAnadir_Click() {
     txtDestinos->setText(crtAutoComplete1->Texto());
     lblCaracteres->clear();
     // An empty text is dropped without a word.
-    if (txtMensaje->toPlainText().trimmed().isEmpty()) return;
+    if (soloBlancos(txtMensaje->toPlainText())) return;
     if (txtDestinos->text().trimmed().isEmpty()) {
         ui().msgBox(u"No seleccionó destinatarios para este mensaje .."_s, Msg::Exclamation);
         cmdAnadir->unsetCursor();
@@ -504,13 +513,8 @@ void frmEnvio::colocarEnMarco(bool activacion) {
     if (activacion) {
         // At 100,100 while the frame has room for it; a smaller frame (the
         // first start's, with the log below) would hide the outbox and the
-        // buttons, so there the screen shrinks to the frame, down to what
-        // its layout needs, and moves up and left until it shows whole.
-        const QSize libre = area->viewport()->size();
-        const QSize tam = sub->size().boundedTo(libre).expandedTo(sub->minimumSizeHint());
-        if (tam != sub->size()) sub->resize(tam);
-        sub->move(qMin(100, qMax(0, libre.width() - tam.width())),
-                  qMin(100, qMax(0, libre.height() - tam.height())));
+        // buttons, so there the screen shrinks and moves until it shows whole.
+        PantallasHijas::encajar(sub, QPoint(100, 100));
     } else {
         sub->move(qMax(0, (area->width() - sub->width()) / 2),
                   qMax(0, (area->height() - sub->height()) / 4));

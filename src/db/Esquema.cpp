@@ -164,4 +164,10 @@ void crearActual(BaseDatos& db) {
 void crearBase(BaseDatos& db) {
     crear(db, kBase);
 }
+QStringList indicesActuales() {
+    QStringList r;
+    for (const QString& sentencia : QString(kComun + kActual).split(u';'))
+        if (sentencia.trimmed().startsWith(u"CREATE INDEX"_s)) r.append(sentencia.trimmed());
+    return r;
+}
 }  // namespace Esquema

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringList>
+
 class BaseDatos;
 
 // The two generations of the message database. The current one is what the
@@ -8,4 +10,6 @@ class BaseDatos;
 namespace Esquema {
 void crearActual(BaseDatos& db);
 void crearBase(BaseDatos& db);
+// The "CREATE INDEX" statements of a new file, which the upgrade adds.
+QStringList indicesActuales();
 }  // namespace Esquema

@@ -1,6 +1,7 @@
 #include "db/mdoDB.h"
 
 #include "db/BaseDatos.h"
+#include "db/Esquema.h"
 
 using namespace Qt::StringLiterals;
 
@@ -90,7 +91,7 @@ void msActualizarBD(const QString& path) {
     msAddColumn(c, u"opciones"_s, u"id"_s, u"long"_s, u"1"_s);
     msAddColumn(c, u"opciones"_s, u"maxlote"_s, u"integer"_s, u"50"_s);
     msAddColumn(c, u"opciones"_s, u"solocontactos"_s, u"byte"_s, u"0"_s);
-    msAddColumn(c, u"opciones"_s, u"imgfondo"_s, u"text(255)"_s, u"''"_s);
+    msAddColumn(c, u"opciones"_s, u"imgfondo"_s, u"text(255)"_s, QString());
     msCreatePrimaryKey(c, u"opciones"_s, u"id"_s);
 
     // The key keeps this at one row on a second run.
@@ -120,4 +121,8 @@ void msActualizarBD(const QString& path) {
     ejecutar(c, u"CREATE INDEX IF NOT EXISTS HEnvios_Registro ON HEnvios (Registro)"_s);
     // Alias and Comentario grow to 100 characters: the engine does not
     // limit text lengths, so there is nothing to alter.
+
+    // The look-ups by alias and by date want the indexes a new file has.
+    for (QString indice : Esquema::indicesActuales())
+        ejecutar(c, indice.replace(u"CREATE INDEX "_s, u"CREATE INDEX IF NOT EXISTS "_s));
 }

@@ -16,7 +16,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QLocale>
 #include <QStringDecoder>
 #include <cerrno>
 #include <cmath>
@@ -79,7 +78,7 @@ QString clase(bool contactos) {
 
 // An account code as the engine compares it: whole numbers as integers.
 QVariant valorCuenta(const QString& cuenta) {
-    const double v = QLocale::c().toDouble(cuenta);
+    const double v = aNumero(cuenta);
     if (std::floor(v) == v && std::fabs(v) < 1e15) return qlonglong(v);
     return v;
 }
@@ -112,7 +111,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         registrar(u"Error en el formato de la Cuenta, no es numerico"_s);
         return Linea::Mal;
     }
-    if (QLocale::c().toDouble(cuenta) > 255) {
+    if (aNumero(cuenta) > 255) {
         registrar(u"Error en el formato de la Cuenta, Valor superior a 255"_s);
         return Linea::Mal;
     }

@@ -25,18 +25,33 @@ QMdiSubWindow* subWindowOf(QWidget* screen) {
 
 void show(QWidget* screen) {
     QMdiArea* a = area();
+    bool nueva = false;
     if (a && !subWindowOf(screen)) {
         QMdiSubWindow* sub = a->addSubWindow(screen);
         sub->setAttribute(Qt::WA_DeleteOnClose);
         sub->setObjectName(screen->objectName() + QStringLiteral("_sub"));
+        nueva = true;
     }
     if (QMdiSubWindow* sub = subWindowOf(screen)) {
         sub->show();
+        // The area puts a new window beside those already open, often
+        // half outside the frame, with the right part of its lists cut.
+        if (nueva) encajar(sub, sub->pos());
         a->setActiveSubWindow(sub);
     }
     screen->show();
     screen->raise();
     screen->activateWindow();
+}
+
+void encajar(QMdiSubWindow* sub, QPoint deseada) {
+    QMdiArea* a = sub ? sub->mdiArea() : nullptr;
+    if (!a) return;
+    const QSize libre = a->viewport()->size();
+    const QSize tam = sub->size().boundedTo(libre).expandedTo(sub->minimumSizeHint());
+    if (tam != sub->size()) sub->resize(tam);
+    sub->move(qBound(0, deseada.x(), qMax(0, libre.width() - tam.width())),
+              qBound(0, deseada.y(), qMax(0, libre.height() - tam.height())));
 }
 
 }  // namespace PantallasHijas

@@ -16,8 +16,14 @@ QMdiArea* area();
 // The sub-window that holds `screen`, or null when it stands alone.
 QMdiSubWindow* subWindowOf(QWidget* screen);
 
-// Shows a screen as a child of the frame (or alone) and activates it.
+// Shows a screen as a child of the frame (or alone) and activates it. A
+// screen new in the frame opens whole inside its area, where the area put
+// it when there is room.
 void show(QWidget* screen);
+
+// Puts a sub-window at `deseada`, or nearer the area's top left corner, and
+// shrinks it (down to what its layout needs) until it shows whole.
+void encajar(QMdiSubWindow* sub, QPoint deseada);
 
 template <class T>
 QPointer<T>& slot() {

@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -277,6 +279,37 @@ class TestContactos : public QObject {
         // Esc closes the screen, also with the focus in its list.
         QTest::keyClick(pantalla->ListView1, Qt::Key_Escape);
         QTRY_VERIFY(!PantallasHijas::isLoaded<frmAbonados>());
+    }
+
+    // Opened beside the compose screen in the default frame's area, the
+    // list shows whole, each column as wide as what it holds.
+    void opensWholeBesideTheComposeScreen() {
+        contacto(u"003462900000000"_s, u"Nombre de un contacto"_s, 0);
+        InterfazGuionada ui;
+        QMdiArea area;
+        area.resize(1000, 460);
+        area.show();
+        PantallasHijas::setArea(&area);
+        auto* envio = new QWidget;
+        envio->resize(820, 600);
+        area.addSubWindow(envio)->show();
+        envio->parentWidget()->move(100, 0);
+        registrarPantallasAgenda();
+        QVERIFY(Pantallas::abrir(u"frmAbonados"_s));
+        frmAbonados* pantalla = PantallasHijas::instance<frmAbonados>();
+        const QRect donde = PantallasHijas::subWindowOf(pantalla)->geometry();
+        QVERIFY2(area.viewport()->rect().contains(donde), qPrintable(u"%1,%2 %3x%4"_s.arg(donde.x())
+                                                                         .arg(donde.y())
+                                                                         .arg(donde.width())
+                                                                         .arg(donde.height())));
+        Listado* l = pantalla->ListView1;
+        const QAbstractItemView* vista = l;
+        for (int c = 0; c < 4; ++c)
+            QVERIFY2(l->columnWidth(c) >= vista->sizeHintForColumn(c),
+                     qPrintable(QString::number(c)));
+        QVERIFY(l->header()->sectionViewportPosition(3) + l->columnWidth(3) <=
+                l->viewport()->width());
+        PantallasHijas::setArea(nullptr);
     }
 
     void headerClickSortsByShownText() {

@@ -1,22 +1,36 @@
 // The main window: menu and toolbar, the access gate, the transmitter
 // switch, the tray, the log panel and the closing rule.
 #include "TestSupportGui.h"
+#include "addressbook/frmAbonados.h"
+#include "app/InterfazGrafica.h"
 #include "app/frmLog.h"
+#include "app/frmOpciones.h"
 #include "app/mdiMain.h"
 #include "base/Ajustes.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "base/RegistroActividad.h"
+#include "composition/frmEnvio.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
 #include "widgets/Ayuda.h"
+#include "widgets/EstadoTransmisor.h"
+#include "widgets/PantallasHijas.h"
+#include "widgets/Traduccion.h"
 
+#include <QApplication>
+#include <QHelpEvent>
+#include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
+#include <QTimer>
 #include <QToolBar>
+#include <QToolTip>
 
 using namespace Qt::StringLiterals;
 using prueba::cajas;
@@ -107,8 +121,39 @@ class TestGuiMain : public QObject {
                  u"RECARGA|Recarga|Recargar Crédito de Mensajes / INFORMACION|Ayuda|Ver Ayuda / "
                  u"SALIR|Salir|Salir de Quelmo Mensajes SMS / OCULTAR|Ocultar|Ocultar Quelmo "
                  u"Mensajes SMS"_s);
+        // What a pointer resting on a button shows: nothing on "Programar".
+        QToolBar* barra = w->findChild<QToolBar*>(u"Toolbar1"_s);
+        auto consejo = [&](const QString& clave) {
+            QWidget* b = barra->widgetForAction(accion(w.get(), clave));
+            QHelpEvent ayuda(QEvent::ToolTip, QPoint(2, 2), b->mapToGlobal(QPoint(2, 2)));
+            QCoreApplication::sendEvent(b, &ayuda);
+            return QToolTip::isVisible() ? QToolTip::text() : QString();
+        };
+        QCOMPARE(consejo(u"PROG"_s), QString());
+        QCOMPARE(consejo(u"ENVIO"_s), u"Enviar Mensajes"_s);
+        QToolTip::hideText();
         w->resize(200, 150);
         QVERIFY(w->width() >= 707 && w->height() >= 538);
+    }
+
+    // An activation brings a minimised frame back, as it was before.
+    void activationKeepsAMaximisedFrame_data() {
+        QTest::addColumn<int>("antes");
+        QTest::addColumn<int>("despues");
+        QTest::newRow("minimised") << int(Qt::WindowMinimized) << int(Qt::WindowNoState);
+        QTest::newRow("minimised when maximised")
+            << int(Qt::WindowMinimized | Qt::WindowMaximized) << int(Qt::WindowMaximized);
+        QTest::newRow("maximised") << int(Qt::WindowMaximized) << int(Qt::WindowMaximized);
+    }
+    void activationKeepsAMaximisedFrame() {
+        QFETCH(int, antes);
+        QFETCH(int, despues);
+        InterfazGuionada ui;
+        auto w = ventana();
+        w->setWindowState(Qt::WindowStates(antes));
+        QEvent activacion(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(w.get(), &activacion);
+        QCOMPARE(int(w->windowState()), despues);
     }
 
     void gateStandsBeforeCommands_data() {
@@ -202,6 +247,8 @@ class TestGuiMain : public QObject {
         QTest::newRow("refused keeps it") << u"1"_s << u"keyTX"_s << u"mala"_s << true << true;
         QTest::newRow("right password") << u"1"_s << u"keyTX"_s << u"Clave"_s << true << false;
         QTest::newRow("tray has no gate") << u"1"_s << u"mnutx"_s << u"mala"_s << true << false;
+        QTest::newRow("from the compose screen")
+            << u"1"_s << u"imgmt"_s << u"mala"_s << true << false;
     }
     void switchShowsAndSaves() {
         QFETCH(QString, guardado);
@@ -218,15 +265,26 @@ class TestGuiMain : public QObject {
         }
         QAction* keyTX = accion(w.get(), u"keyTX"_s);
         QAction* mnutx = accion(w.get(), u"mnutx"_s);
+        // The compose screen open in the frame follows at once too.
+        PantallasHijas::show(PantallasHijas::instance<frmEnvio>());
+        auto* imgmt = prueba::hijo<QLabel>(PantallasHijas::instance<frmEnvio>(), u"imgmt"_s);
+        auto imagen = [](const QIcon& i) { return i.pixmap(QSize(24, 24)).toImage(); };
         auto estado = [&](bool on) {
             QCOMPARE(keyTX->isChecked(), on);
             QCOMPARE(mnutx->isChecked(), on);
+            const QImage dibujo = imagen(EstadoTransmisor::icono(on));
+            QCOMPARE(imagen(keyTX->icon()), dibujo);
+            QCOMPARE(imagen(mnutx->icon()), dibujo);
+            QCOMPARE(imgmt->pixmap().toImage(), dibujo);
             QCOMPARE(keyTX->text() + u'|' + mnutx->text(),
                      on ? u"&Envío de SMS (Activado)|Envío de SMS Activado"_s
                         : u"&Envío de SMS (Desactivado)|Envío de SMS desactivado"_s);
         };
         estado(antes);
-        accion(w.get(), via)->trigger();
+        if (via == u"imgmt"_s)
+            QTest::mouseDClick(imgmt, Qt::LeftButton);
+        else
+            accion(w.get(), via)->trigger();
         estado(despues);
         QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), antes == despues ? guardado
                                                             : despues        ? u"1"_s
@@ -336,6 +394,68 @@ class TestGuiMain : public QObject {
         QCOMPARE(detalle->windowTitle(), u"Detalle del Log"_s);
         QVERIFY(detalle->txtLog()->toPlainText().endsWith(larga));
         QCOMPARE(detalle->txtLog()->toPlainText(), estadoAplicacion().log.lines().at(fila.row()));
+    }
+
+    // Pictures of the frame with the compose screen, then with the contacts
+    // beside it, and of the options, for a look by eye: only when
+    // QUELMO_CAPTURAS names a folder (run under a display server, Xvfb).
+    void capturas() {
+        const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
+        if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
+        cargarTraduccionQt();  // as the program starts
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        {
+            BaseDatos db;
+            QVERIFY(db.open(rutaBaseDefecto()));
+            db.exec(
+                u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente) VALUES "
+                u"(1,'Demo',245,1,'Quelmo')"_s);
+            db.exec(
+                u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES "
+                u"('0034111111111','Ana García','Oficina de Madrid',1),"
+                u"('0034222222222','Luis Fernández','Proveedor',1),"
+                u"('0034333333333','María José Ruiz','',1)"_s);
+            const QStringList textos{u"Mañana a las 9:00 en la oficina."_s,
+                                     u"Su pedido 1842 ya está en camino."_s,
+                                     u"Recordatorio: reunión del jueves."_s,
+                                     u"Feliz cumpleaños de parte de todo el equipo."_s,
+                                     u"La factura de noviembre está disponible."_s};
+            for (int i = 0; i < textos.size(); ++i)
+                db.exec(
+                    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+                    u"VALUES (?,1,?,?,2)"_s,
+                    {u"2026-11-23 10:0%1:00"_s.arg(i), u"003411111111%1"_s.arg(i + 1), textos[i]});
+        }
+        auto w = ventana();
+        msLog(u"Preparando conexión para Cuenta 'Demo' ..."_s);
+        msLog(u"Conectando con Usuario: 'demo' ...."_s);
+        frmEnvio* envio = PantallasHijas::instance<frmEnvio>();
+        PantallasHijas::show(envio);
+        prueba::hijo<QPlainTextEdit>(envio, u"txtMensaje"_s)
+            ->setPlainText(u"Hola, ¿nos vemos el lunes?"_s);
+        envio->txtMensaje_cambiar();
+        auto guardar = [&dir](QWidget* v, const QString& nombre) {
+            v->show();
+            QVERIFY(QTest::qWaitForWindowExposed(v));
+            QTest::qWait(300);
+            QVERIFY(v->grab().save(dir + u'/' + nombre + u".png"_s));
+        };
+        guardar(w.get(), u"principal"_s);
+        PantallasHijas::show(PantallasHijas::instance<frmAbonados>());
+        guardar(w.get(), u"contactos"_s);
+        frmOpciones opciones(w.get());
+        guardar(&opciones, u"opciones"_s);
+        // The picture dialog, as the desktop's dialog with Qt's own texts.
+        InterfazGrafica gui;
+        establecerInterfaz(&gui);
+        QTimer::singleShot(500, this, [&] {
+            QWidget* d = QApplication::activeModalWidget();
+            QVERIFY(d && d->grab().save(dir + u"/dialogo.png"_s));
+            d->close();
+        });
+        QTest::mouseClick(prueba::hijo<QPushButton>(&opciones, u"cmdexaminar"_s), Qt::LeftButton);
+        establecerInterfaz(nullptr);
     }
 };
 

@@ -2,6 +2,7 @@
 // what is stored, and that a saved change takes effect without a restart.
 #include "TestSupportGui.h"
 #include "app/Arranque.h"
+#include "app/InterfazGrafica.h"
 #include "app/Transmisor.h"
 #include "app/frmOpciones.h"
 #include "app/frmpwd.h"
@@ -9,13 +10,19 @@
 #include "app/mdoMain.h"
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
+#include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/PantallasHijas.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using prueba::hijo;
@@ -54,12 +61,16 @@ class TestGuiOpciones : public QObject {
         QTest::newRow("batch text") << u"diez"_s << u"60"_s << u""_s << u""_s << lote;
         QTest::newRow("batch 1") << u"1"_s << u"60"_s << u""_s << u""_s << QString();
         QTest::newRow("batch 500") << u"500"_s << u"60"_s << u""_s << u""_s << QString();
+        QTest::newRow("batch of a thousand, grouped")
+            << u"1.000"_s << u"60"_s << u""_s << u""_s << rango;
         QTest::newRow("interval 14") << u"50"_s << u"14"_s << u""_s << u""_s
                                      << tiempo + u"\nEl tiempo mínimo es de 15 Segundos."_s;
         QTest::newRow("interval empty") << u"50"_s << u""_s << u""_s << u""_s << tiempo;
         QTest::newRow("interval 15") << u"50"_s << u"15"_s << u""_s << u""_s << QString();
         QTest::newRow("interval 15.5 as typed")
             << u"50"_s << u"15.5"_s << u""_s << u""_s << QString();
+        QTest::newRow("interval with a decimal comma")
+            << u"50"_s << u"20,5"_s << u""_s << u""_s << QString();
         QTest::newRow("password 3") << u"50"_s << u"60"_s << u"abc"_s << u"abc"_s << longitud;
         QTest::newRow("password 4") << u"50"_s << u"60"_s << u"abcd"_s << u"abcd"_s << QString();
         QTest::newRow("confirmation differs")
@@ -108,7 +119,7 @@ class TestGuiOpciones : public QObject {
         }
         // The new interval runs from now on.
         QVERIFY(transmisor.Timer1().isActive());
-        QCOMPARE(transmisor.Timer1().interval(), qRound(intervalo.toDouble()) * 1000);
+        QCOMPARE(transmisor.Timer1().interval(), qRound(aNumero(intervalo)) * 1000);
         // The password holds at once, and the same way after a restart.
         const bool conClave = !clave.isEmpty() && clave != u"sinclavedeentrada"_s;
         for (int arranque = 0; arranque < 2; ++arranque) {
@@ -193,6 +204,29 @@ class TestGuiOpciones : public QObject {
             QCOMPARE(panel.fondo(), frmweb::fondoIncluido());
         }
         PantallasHijas::setArea(nullptr);
+    }
+
+    // The picture dialog names its filters by their patterns of old and
+    // still filters by what it can read.
+    void pictureDialogFilters() {
+        InterfazGrafica gui;
+        establecerInterfaz(&gui);
+        frmOpciones pantalla;
+        QStringList vistos;
+        QStringList patrones;
+        QTimer::singleShot(0, this, [&] {
+            auto* d = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            QVERIFY(d);
+            const auto* tipos = d->findChild<QComboBox*>(u"fileTypeCombo"_s);
+            for (int i = 0; i < tipos->count(); ++i) vistos << tipos->itemText(i);
+            patrones = d->findChild<QFileSystemModel*>()->nameFilters();
+            d->reject();
+        });
+        QTest::mouseClick(hijo<QPushButton>(&pantalla, u"cmdexaminar"_s), Qt::LeftButton);
+        establecerInterfaz(nullptr);
+        QCOMPARE(vistos, (QStringList{u"Imágenes (*.jpg;*.bmp)"_s, u"Todos los Ficheros (*.*)"_s}));
+        QCOMPARE(patrones, (QStringList{u"*.jpg"_s, u"*.bmp"_s, u"*.png"_s}));
+        QVERIFY(hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s)->text().isEmpty());
     }
 
     void promptTakesWhatWasTyped_data() {

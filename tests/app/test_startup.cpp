@@ -7,6 +7,7 @@
 #include "app/mdoMain.h"
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazSinVentana.h"
@@ -160,6 +161,7 @@ class TestStartup : public QObject {
         QTest::newRow("not a number") << u"abc"_s << 60 << u"60"_s;
         QTest::newRow("unset") << QString() << 60 << u"60"_s;
         QTest::newRow("rounded") << u"20.5"_s << 20 << u"20"_s;
+        QTest::newRow("decimal comma as typed in the options") << u"20,5"_s << 20 << u"20"_s;
         QTest::newRow("an hour") << u"3600"_s << 3600 << u"3600"_s;
         QTest::newRow("too large keeps the timer") << u"40000"_s << 30 << u"40000"_s;
     }
@@ -181,6 +183,8 @@ class TestStartup : public QObject {
         QTest::newRow("abc") << u"abc"_s << QString(QChar(107)) + QChar(108) + QChar(109);
         QTest::newRow("digits") << u"1234"_s << u";<=>"_s;
         QTest::newRow("accent") << u"é"_s << QString(QChar(0xE9 + 10));
+        QTest::newRow("euro") << u"5€"_s << u"?\u20B6"_s;
+        QTest::newRow("a pair stays a pair") << u"\U0001F600"_s << u"\U00021E0A"_s;
     }
     void passwordShift() {
         QFETCH(QString, claro);
@@ -189,12 +193,53 @@ class TestStartup : public QObject {
         QCOMPARE(msCifrarClave(guardado, false), claro);
     }
 
+    void numericForms_data() {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<double>("valor");  // NaN: not numeric
+        const double no = qQNaN();
+        QTest::newRow("digits") << u"600123456"_s << 600123456.0;
+        QTest::newRow("sign and blanks") << u" +34600\t"_s << 34600.0;
+        QTest::newRow("minus") << u"-7"_s << -7.0;
+        QTest::newRow("decimal comma") << u"12,5"_s << 12.5;
+        QTest::newRow("decimal point") << u"12.5"_s << 12.5;
+        QTest::newRow("comma first") << u",5"_s << 0.5;
+        QTest::newRow("grouped") << u"600.123.456"_s << 600123456.0;
+        QTest::newRow("a thousand") << u"1.000"_s << 1000.0;
+        QTest::newRow("grouped with decimals") << u"1.234,5"_s << 1234.5;
+        QTest::newRow("exponent") << u"1e3"_s << 1000.0;
+        QTest::newRow("exponent with comma") << u"2,5E-2"_s << 0.025;
+        QTest::newRow("euro in front") << u"€5"_s << 5.0;
+        QTest::newRow("euro behind") << u"5 €"_s << 5.0;
+        QTest::newRow("hexadecimal") << u"&HFF"_s << 255.0;
+        QTest::newRow("octal") << u"&o17"_s << 15.0;
+        QTest::newRow("empty") << u""_s << no;
+        QTest::newRow("blank") << u"  "_s << no;
+        QTest::newRow("letters") << u"12a"_s << no;
+        QTest::newRow("blanks inside") << u"600 123 456"_s << no;
+        QTest::newRow("points that group nothing") << u"1.2.3"_s << no;
+        QTest::newRow("point and comma") << u"12.5,3"_s << no;
+        QTest::newRow("two commas") << u"1,2,3"_s << no;
+        QTest::newRow("exponent alone") << u"e3"_s << no;
+        QTest::newRow("exponent without digits") << u"1e"_s << no;
+        QTest::newRow("sign alone") << u"+"_s << no;
+        QTest::newRow("bad hexadecimal") << u"&HG"_s << no;
+    }
+    void numericForms() {
+        QFETCH(QString, texto);
+        QFETCH(double, valor);
+        QCOMPARE(esNumerico(texto), !qIsNaN(valor));
+        if (qIsNaN(valor))
+            QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, aNumero(texto));
+        else
+            QCOMPARE(aNumero(texto), valor);
+    }
+
     void passwordShiftOutOfRangeFails_data() {
         QTest::addColumn<QString>("texto");
         QTest::addColumn<bool>("encode");
-        QTest::newRow("ÿ up") << QString(QChar(0xFF)) << true;
+        QTest::newRow("last code up") << QString(QChar(0xFFFA)) << true;
         QTest::newRow("tab down") << u"\t"_s << false;
-        QTest::newRow("beyond one byte") << u"€"_s << true;
+        QTest::newRow("into the surrogates") << QString(QChar(0xD7FA)) << true;
     }
     void passwordShiftOutOfRangeFails() {
         QFETCH(QString, texto);

@@ -104,6 +104,9 @@ class TestEnvio : public QObject {
             << u" 600123456;12.5"_s << false << QStringList{} << u"0034 600123456;003412.5"_s
             << QStringList{u"Número no válido --> 0034 600123456"_s,
                            u"Número no válido --> 003412.5"_s};
+        QTest::newRow("grouped number is a number")
+            << u"600.123.456"_s << false << QStringList{} << u"0034600.123.456"_s
+            << QStringList{u"Número no válido --> 0034600.123.456"_s};
         QTest::newRow("code that is not a number")
             << u"raro;ana"_s << false << QStringList{ana} << u"ABC"_s
             << QStringList{noEncontrado + u"ABC"_s};
@@ -154,30 +157,36 @@ class TestEnvio : public QObject {
         QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
         QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"hola"_s);
         QVERIFY(abonadosEnBandeja().isEmpty());
+        // Only blanks count as empty: line breaks are a text.
+        escribir(f, u"ana"_s, u" \n\n"_s);
+        hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QCOMPARE(abonadosEnBandeja(), QStringList{u"0034600000001"_s});
     }
 
     void counter_data() {
         QTest::addColumn<QString>("tini");
-        QTest::addColumn<int>("largo");
+        QTest::addColumn<QString>("texto");
         QTest::addColumn<QString>("etiqueta");
         QTest::addColumn<bool>("mas");
-        QTest::newRow("160") << QString() << 160 << u"(160)"_s << false;
-        QTest::newRow("161") << QString() << 161 << u"(161)"_s << true;
+        const QString x159(159, u'x');
+        QTest::newRow("160") << QString() << x159 + u'x' << u"(160)"_s << false;
+        QTest::newRow("161") << QString() << x159 + u"xx"_s << u"(161)"_s << true;
+        QTest::newRow("a line break counts two") << QString() << x159 + u'\n' << u"(161)"_s << true;
         QTest::newRow("150 with account texts")
-            << u"12345"_s << 150 << u"(160) Incluye textos inicio/fin"_s << false;
+            << u"12345"_s << QString(150, u'x') << u"(160) Incluye textos inicio/fin"_s << false;
         QTest::newRow("151 with account texts")
-            << u"12345"_s << 151 << u"(161) Incluye textos inicio/fin"_s << true;
+            << u"12345"_s << QString(151, u'x') << u"(161) Incluye textos inicio/fin"_s << true;
     }
     void counter() {
         QFETCH(QString, tini);
-        QFETCH(int, largo);
+        QFETCH(QString, texto);
         QFETCH(QString, etiqueta);
         QFETCH(bool, mas);
         InterfazGuionada ui;
         sql(u"UPDATE Canales SET tini=?, tfin=? WHERE Canal=1"_s, {tini, tini});
         frmEnvio f;
         f.show();
-        Q_EMIT Avisos::instancia().textoElegido(QString(largo, u'x'));
+        Q_EMIT Avisos::instancia().textoElegido(texto);
         QCOMPARE(hijo<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
         QCOMPARE(hijo<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
     }
@@ -357,6 +366,9 @@ class TestEnvio : public QObject {
         QMdiSubWindow* sub = area.subWindowList().first();
         QCOMPARE(sub->widget()->windowTitle(), u"Envío de Mensajes"_s);
         QCOMPARE(sub->pos(), QPoint(100, 100));
+        // The outbox gets the height the text box doesn't need.
+        QVERIFY(hijo<QTreeView>(*sub->widget(), u"ListView1"_s)->height() >
+                2 * hijo<QPlainTextEdit>(*sub->widget(), u"txtMensaje"_s)->height());
         // A resize centres it across and puts it a quarter down.
         sub->resize(600, 500);
         QCOMPARE(sub->pos(), QPoint(300, 100));
@@ -368,13 +380,13 @@ class TestEnvio : public QObject {
     // when that leaves room.
     void fitsASmallFrame_data() {
         QTest::addColumn<QSize>("marco");
-        QTest::addColumn<QPoint>("posicion");
-        QTest::newRow("default frame's area") << QSize(1000, 460) << QPoint(100, 0);
-        QTest::newRow("narrow and low") << QSize(760, 450) << QPoint(36, 0);
+        QTest::addColumn<int>("izquierda");
+        QTest::newRow("default frame's area") << QSize(1000, 460) << 100;
+        QTest::newRow("narrow and low") << QSize(760, 450) << 36;
     }
     void fitsASmallFrame() {
         QFETCH(QSize, marco);
-        QFETCH(QPoint, posicion);
+        QFETCH(int, izquierda);
         InterfazGuionada ui;
         QMdiArea area;
         area.resize(marco);
@@ -387,9 +399,14 @@ class TestEnvio : public QObject {
             area.viewport()->rect().contains(sub->geometry()),
             qPrintable(
                 u"%1,%2 %3x%4"_s.arg(sub->x()).arg(sub->y()).arg(sub->width()).arg(sub->height())));
-        QCOMPARE(sub->pos(), posicion);
+        QCOMPARE(sub->x(), izquierda);
+        // Down as far as 100 while it still shows whole.
+        QCOMPARE(sub->y(), qMin(100, area.viewport()->height() - sub->height()));
         auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);
-        QVERIFY(lista->height() >= 3 * lista->sizeHintForRow(0));
+        QVERIFY(lista->height() >= 4 * lista->fontMetrics().lineSpacing());
+        // Nothing lies over the text box.
+        QVERIFY(hijo<QPlainTextEdit>(*sub->widget(), u"txtMensaje"_s)->geometry().bottom() <
+                hijo<QLabel>(*sub->widget(), u"lblCaracteres"_s)->geometry().top());
         PantallasHijas::setArea(nullptr);
     }
 

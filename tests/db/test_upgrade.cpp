@@ -32,6 +32,17 @@ QString volcado(const QString& path) {
     return out;
 }
 
+// The indexes of a file, as they are written.
+QStringList indices(const QString& path) {
+    BaseDatos db;
+    if (!db.open(path)) return {};
+    const ResultadoConsulta r = db.query(
+        u"SELECT name FROM sqlite_master WHERE type='index' AND sql IS NOT NULL ORDER BY name"_s);
+    QStringList nombres;
+    for (int i = 0; i < r.recordCount(); ++i) nombres << r.value(i, 0).toString();
+    return nombres;
+}
+
 void sembrarBase(const QString& path) {
     BaseDatos db;
     QVERIFY(db.open(path));
@@ -87,6 +98,11 @@ class TestUpgrade : public QObject {
         QCOMPARE(o.value(0, 1).toInt(), 50);
         QCOMPARE(o.value(0, 2).toInt(), 0);
         QCOMPARE(o.value(0, 3).toString(), QString());
+        QVERIFY(db.query(u"SELECT dflt_value FROM pragma_table_info('opciones') "
+                         u"WHERE name='imgfondo'"_s)
+                    .value(0, 0)
+                    .isNull());
+        QCOMPARE(indices(path), indices(TestDb::createCurrent(world.root() + u"/nuevo.db"_s)));
 
         QCOMPARE(db.query(u"SELECT crem FROM HEnvios"_s).value(0, 0), QVariant());
         QCOMPARE(db.query(u"SELECT count(*) FROM sqlite_master WHERE name='HEnvios_Registro'"_s)
