@@ -9,6 +9,7 @@
 #include "base/Despliegue.h"
 #include "base/Error.h"
 #include "base/Interruptor.h"
+#include "base/SecretoOculto.h"
 #include "base/Settings.h"
 #include "base/UserInterface.h"
 #include "db/Conexion.h"
@@ -286,6 +287,8 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     });
     QElapsedTimer reloj;
     reloj.start();
+    // Up to the last line about the batch, the debug lines included.
+    std::optional<SecretoOculto> oculta;
     try {
         g.giMaxLote = msMaxLote();
         const QueryResult lote = Lote::leerFilas(db, canal, g.giMaxLote);
@@ -299,6 +302,7 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         medida.lectura = reloj.nsecsElapsed();
         anunciarLote(lote.recordCount(), *cuenta);
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = clientePara(*cuenta);
+        oculta.emplace(cliente->clave);
         reloj.restart();
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
@@ -343,6 +347,7 @@ void msAvisoVersionLog() {
 
 QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host) {
     AppState& g = appState();
+    const SecretoOculto oculta(clave);
     try {
         // A balance query names no sender and no application.
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = qmXMLSend::crear();
