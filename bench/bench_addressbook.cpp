@@ -3,7 +3,7 @@
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmUserGroup.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/Listado.h"
 
@@ -23,7 +23,7 @@ const char16_t* const kNombres[] = {u"Álvaro", u"beatriz", u"Carmen", u"David",
                                     u"Ñuño",   u"óscar",   u"Pilar",  u"Quique", u"Rosa"};
 
 void llenar() {
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     bd.begin();
     for (int c = 0; c < 3; ++c)
         bd.exec(

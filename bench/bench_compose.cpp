@@ -2,7 +2,7 @@
 // refresh with and without a change in the row count, and a key typed in
 // the recipient box over a large address book.
 #include "TestSupportGui.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "composition/crtAutoComplete.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
@@ -21,7 +21,7 @@ namespace {
 constexpr int kFilas = 100000;
 constexpr int kContactos = 20000;
 
-void llenarBandeja(Database& db) {
+void llenarBandeja(BaseDatos& db) {
     db.exec(
         u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente) VALUES "
         u"(1,'Cuenta_1',500,1,'Juan'),(2,'Cuenta_2',20,0,'')"_s);
@@ -70,7 +70,7 @@ void cifra(const char* que, const Medida& m, double limite, int vueltas = 1) {
 
 int main(int argc, char** argv) {
     BancoPantallas banco(argc, argv);
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     llenarBandeja(db);
 
     Medida t;

@@ -4,8 +4,8 @@
 // its rate: the rate of the bare SQL of the same results, and the ratio.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "base/AppState.h"
 #include "base/Cifrado.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     prepareTestApplication();
     world.reset();
-    ScriptedInterface ui;
+    InterfazGuionada ui;
     constexpr int kFilas = 10000;
     constexpr int kLote = 500;
 
@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     db.exec(u"update opciones set maxlote=? where id=1"_s, {kLote});
     db.exec(
         u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
@@ -55,14 +55,14 @@ int main(int argc, char** argv) {
     int lotes = 0;
     QElapsedTimer reloj;
     while (db.query(u"select count(*) from envios"_s).value(0, 0).toInt() > 0) {
-        appState().log.clear();
+        estadoAplicacion().log.clear();
         reloj.start();
         MedidaLote m;
         msEnviarLote(1, false, &m);
         total += reloj.nsecsElapsed();
         if (m.http == 0) {
             std::fprintf(stderr, "a batch made no exchange: %s\n",
-                         qPrintable(appState().log.last()));
+                         qPrintable(estadoAplicacion().log.last()));
             return 1;
         }
         suma.lectura += m.lectura;
@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
     // The floor under the batch sender: the same results as bare SQL, every
     // history insert and outbox delete of the same rows in one transaction.
     llenar();
-    const QueryResult filas = db.query(u"select Id, Abonado, Mensaje from envios"_s);
+    const ResultadoConsulta filas = db.query(u"select Id, Abonado, Mensaje from envios"_s);
     reloj.start();
     db.begin();
     for (int i = 0; i < filas.recordCount(); ++i) {

@@ -30,7 +30,7 @@ constexpr int kFilas = 1000000;
 // numbers, with texts of 40 to 120 characters; one row in ten has no
 // sender text, as older rows don't.
 void llenarHistorico() {
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     bd.begin();
     bd.exec(
         u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
@@ -158,7 +158,7 @@ int main(int argc, char** argv) {
             .value(0, 0)
             .toString();
     const QDate dia = QDate::fromString(medio, u"yyyy-MM-dd"_s);
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     bd.begin();
     r.reiniciar();
     const int borrables =

@@ -3,8 +3,8 @@
 // beside the rate of the bare inserts of the same rows in one transaction,
 // and the peak memory for files of 100,000 and 300,000 lines.
 #include "TestSupport.h"
-#include "base/AppState.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "import/mdoImport.h"
 
@@ -80,9 +80,9 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     prepareTestApplication();
     world.reset();
-    ScriptedInterface ui;
+    InterfazGuionada ui;
     TestDb::openShared(TestDb::createCurrent(world.root() + u"/bench.db"_s));
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     for (int c : {5, 7})
         db.exec(u"INSERT INTO Canales (Canal,Nombre,Principal) VALUES (?,'c',?)"_s,
                 {c, c == 5 ? 1 : 0});
@@ -90,7 +90,7 @@ int main(int argc, char** argv) {
     QFile nulo(u"/dev/null"_s);
     if (!nulo.open(QIODevice::WriteOnly)) return 1;
     QTextStream eco(&nulo);
-    ActivityLog& log = appState().log;
+    RegistroActividad& log = estadoAplicacion().log;
     log.setEcho([&eco](const QString& l) { eco << l << Qt::endl; });
     const QString ruta = world.root() + u"/vigilado.txt"_s;
     auto cierre = [&log] { return log.last().mid(log.last().indexOf(u" - "_s) + 3); };
@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
     // What the import itself holds: the log is kept short meanwhile, so
     // the peak shows the reader, not the log's lines.
     bool recortar = true;
-    QObject::connect(&log, &ActivityLog::lineAdded, &log, [&](int fila) {
+    QObject::connect(&log, &RegistroActividad::lineAdded, &log, [&](int fila) {
         if (recortar && fila > 1000) log.clear();
     });
     const long inicio = kbPico();

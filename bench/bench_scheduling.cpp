@@ -3,8 +3,8 @@
 // list of those 10,000 multi-sends with their next runs, and the editor on
 // a multi-send of 5,000 recipients.
 #include "TestSupportGui.h"
-#include "base/AppState.h"
-#include "base/Clock.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "scheduling/ctrScheduledTask.h"
@@ -30,8 +30,8 @@ constexpr int kDestinatarios = 5000;
 constexpr int kEditado = kFilas;  // the code of the large multi-send
 
 // Runs three hours ahead, on days other than today: nothing falls due.
-void llenarProgramas(Database& db) {
-    const QDateTime ahora = Clock::now();
+void llenarProgramas(BaseDatos& db) {
+    const QDateTime ahora = Reloj::now();
     const QDate hoy = ahora.date();
     const QDateTime hora(QDate(2006, 1, 2), ahora.time().addSecs(3 * 3600));
     const int otrosDias = 127 & ~(1 << (hoy.dayOfWeek() - 1));
@@ -51,7 +51,7 @@ void llenarProgramas(Database& db) {
 
 // Three recipients for each multi-send, and one more multi-send whose
 // 5,000 contacts are added through the editor's routine.
-void llenarDestinatarios(Database& db) {
+void llenarDestinatarios(BaseDatos& db) {
     db.begin();
     for (int i = 0; i < kDestinatarios; ++i)
         db.exec(u"INSERT INTO Abonados (Codigo, Alias, Canal) VALUES (?, ?, 0)"_s,

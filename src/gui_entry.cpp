@@ -1,9 +1,9 @@
 // The entry point of the GUI module: `Main` of the desktop application.
-#include "app/GuiInterface.h"
-#include "app/Startup.h"
+#include "app/Arranque.h"
+#include "app/InterfazGrafica.h"
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
 #include "widgets/Traduccion.h"
@@ -27,8 +27,8 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
     prepararBaseInicial();
 
-    GuiInterface interfaz;
-    setUserInterface(&interfaz);
+    InterfazGrafica interfaz;
+    establecerInterfaz(&interfaz);
     // The main window with its caption, its load and its first activation.
     mdiMain ventana;
     interfaz.setOwner(&ventana);

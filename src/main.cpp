@@ -1,7 +1,7 @@
 // quelmo-sms: the desktop application, or with --headless the transmitter
 // alone. The windows live in a module loaded only when they are shown, so
 // headless mode never loads QtWidgets.
-#include "app/Headless.h"
+#include "app/SinVentana.h"
 
 #include <unistd.h>
 #include <QCoreApplication>

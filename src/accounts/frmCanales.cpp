@@ -3,9 +3,9 @@
 #include "accounts/frmNewCanal.h"
 #include "accounts/mdoCuentas.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
-#include "base/UserInterface.h"
 #include "db/Conexion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
@@ -77,13 +77,13 @@ void frmCanales::msrefrescar() {
 void frmCanales::msCargarListaCuentas() {
     try {
         adoPrimaryRS = msAbrirCuentas();
-    } catch (const QuelmoError&) {
-        adoPrimaryRS = QueryResult();
+    } catch (const ErrorQuelmo&) {
+        adoPrimaryRS = ResultadoConsulta();
         ListView1->modelo()->limpiar();
         msBaseNoValida();
         return;
     }
-    const QueryResult& rs = adoPrimaryRS;
+    const ResultadoConsulta& rs = adoPrimaryRS;
     QVector<QString> celdas;
     celdas.reserve(rs.recordCount() * 6);
     for (int f = 0; f < rs.recordCount(); ++f) {

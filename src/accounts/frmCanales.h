@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QWidget>
 #include <cstdint>
@@ -43,5 +43,5 @@ class frmCanales : public QWidget {
     int filaElegida() const;
     int16_t canalDe(int fila) const;
 
-    QueryResult adoPrimaryRS;
+    ResultadoConsulta adoPrimaryRS;
 };

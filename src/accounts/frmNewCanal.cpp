@@ -1,8 +1,8 @@
 #include "accounts/frmNewCanal.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
-#include "base/UserInterface.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -178,7 +178,7 @@ void frmNewCanal::editar(bool edicion, int16_t canal, QWidget* padre) {
     if (edicion) {
         try {
             editor.cargar(msLeerCuenta(canal));
-        } catch (const QuelmoError& e) {
+        } catch (const ErrorQuelmo& e) {
             ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
             return;
         }

@@ -1,7 +1,7 @@
 #include "accounts/frmRegistro.h"
 
 #include "accounts/mdoCuentas.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "delivery/Registro.h"
 #include "widgets/Boton.h"

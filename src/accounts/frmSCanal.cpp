@@ -2,7 +2,7 @@
 
 #include "accounts/mdoCuentas.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -30,8 +30,8 @@ frmSCanal::frmSCanal(QWidget* parent) : QDialog(parent) {
 
     try {
         m_cuentas = msAbrirCuentas();
-    } catch (const QuelmoError&) {
-        m_cuentas = QueryResult();
+    } catch (const ErrorQuelmo&) {
+        m_cuentas = ResultadoConsulta();
     }
     QVector<QString> celdas;
     for (int f = 0; f < m_cuentas.recordCount(); ++f) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QDialog>
 
@@ -19,5 +19,5 @@ class frmSCanal : public QDialog {
     QPushButton* cmdAdd;
 
   private:
-    QueryResult m_cuentas;
+    ResultadoConsulta m_cuentas;
 };

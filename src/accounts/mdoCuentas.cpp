@@ -1,14 +1,14 @@
 #include "accounts/mdoCuentas.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
 #include "base/Cifrado.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Despliegue.h"
 #include "base/Error.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
-#include "base/UserInterface.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
 #include "delivery/mdoSendRavion.h"
@@ -30,7 +30,7 @@ void avisarCambio() {
     msAvisarCuentas();
 }
 
-bool sinCredenciales(const QueryResult& r) {
+bool sinCredenciales(const ResultadoConsulta& r) {
     return textoDe(r.value(0, u"usuario"_s)).isEmpty() || textoDe(r.value(0, u"clave"_s)).isEmpty();
 }
 
@@ -44,7 +44,7 @@ QVariant maxmenNuevo(const QString& maxmen) {
 
 QString remitenteDe(const DatosCuenta& d) {
     // Policy 1 sends from the mobile number the platform holds for the user.
-    if (d.remopc == 1) return appState().MovilCuenta.right(9);
+    if (d.remopc == 1) return estadoAplicacion().MovilCuenta.right(9);
     return d.remitente;
 }
 
@@ -67,20 +67,20 @@ QString msUrlRecarga(const QString& usuario) {
 
 void msRecarga() {
     try {
-        const QueryResult r = Conexion().query(u"select * from canales where Principal=1"_s);
+        const ResultadoConsulta r = Conexion().query(u"select * from canales where Principal=1"_s);
         if (r.isEmpty()) {
             ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
             return;
         }
         msAbrirUrl(msUrlRecarga(textoDe(r.value(0, u"usuario"_s))));
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         if (e.number() == ErrNum::ItemNotFound) msBaseNoValida();
     }
 }
 
 void msPrimeraVez() {
     try {
-        const QueryResult r = Conexion().query(u"select * from canales where principal=1"_s);
+        const ResultadoConsulta r = Conexion().query(u"select * from canales where principal=1"_s);
         if (r.isEmpty()) {
             ui().showFirstRunSetup();
             return;
@@ -93,25 +93,26 @@ void msPrimeraVez() {
         // A principal account without its credentials is completed in the
         // editor; only if it stays unusable does the set-up come.
         Pantallas::abrir(u"frmNewCanal.Principal"_s);
-        const QueryResult despues = Conexion().query(u"select * from canales where principal=1"_s);
+        const ResultadoConsulta despues =
+            Conexion().query(u"select * from canales where principal=1"_s);
         if (despues.isEmpty() || sinCredenciales(despues)) ui().showFirstRunSetup();
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A database without the accounts table is caught by the start-up checks.
     }
 }
 
 // ---- the list of accounts ---------------------------------------------------
 
-QueryResult msAbrirCuentas() {
-    QueryResult r = Conexion().query(u"select * from canales order by canal asc"_s);
+ResultadoConsulta msAbrirCuentas() {
+    ResultadoConsulta r = Conexion().query(u"select * from canales order by canal asc"_s);
     // Every column the list shows must be there, even with no row.
     for (const QString& c :
          {u"Nombre"_s, u"Remitente"_s, u"Principal"_s, u"saldo"_s, u"usuario"_s, u"canal"_s})
-        if (r.columnIndex(c) < 0) throw DbError(u"Falta la columna "_s + c, ErrNum::ItemNotFound);
+        if (r.columnIndex(c) < 0) throw ErrorBD(u"Falta la columna "_s + c, ErrNum::ItemNotFound);
     return r;
 }
 
-int msFilaDeCuenta(const QueryResult& cuentas, const QString& nombre) {
+int msFilaDeCuenta(const ResultadoConsulta& cuentas, const QString& nombre) {
     if (nombre.isEmpty()) return -1;
     const int col = cuentas.columnIndex(u"Nombre"_s);
     if (col < 0) return -1;
@@ -122,7 +123,7 @@ int msFilaDeCuenta(const QueryResult& cuentas, const QString& nombre) {
 
 void msComprobarPrincipal() {
     try {
-        Database& db = Conexion();
+        BaseDatos& db = Conexion();
         const long long cuentas = numeroDe(db.query(u"Select Count(*) from canales"_s).value(0, 0));
         if (cuentas == 1) {
             db.exec(u"Update canales set principal=1"_s);
@@ -134,7 +135,7 @@ void msComprobarPrincipal() {
         if (principales == 0 && cuentas >= 2)
             db.exec(
                 u"UPDATE canales SET principal = 1 WHERE canal IN (select MIN(canal) from canales)"_s);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // The rule is retried at the next change of accounts; the change
         // itself already stands.
     }
@@ -145,7 +146,7 @@ void msAvisarCuentas() {
 }
 
 int msSiguienteCanal() {
-    const QueryResult r = Conexion().query(u"select max(canal) from canales"_s);
+    const ResultadoConsulta r = Conexion().query(u"select max(canal) from canales"_s);
     if (r.isEmpty() || r.value(0, 0).isNull()) return 0;
     return int(numeroDe(r.value(0, 0))) + 1;
 }
@@ -161,7 +162,7 @@ void msHacerPrincipal(int16_t canal, const QString& nombre) {
         Conexion().exec(u"Update Canales set principal=0"_s);
         Conexion().exec(u"Update Canales set principal=1 Where Canal = ?"_s, {canal});
         t.commit();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo establecer la Cuenta Principal: "_s + e.description());
     }
     avisarCambio();
@@ -183,7 +184,7 @@ bool msEliminarCuenta(int16_t canal) {
         return false;
     try {
         Conexion().exec(u"delete from canales where canal = ?"_s, {canal});
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         ui().msgBox(e.description());
         return false;
     }
@@ -224,7 +225,8 @@ DatosCuenta msCuentaNueva() {
 DatosCuenta msLeerCuenta(int16_t canal) {
     DatosCuenta d;
     d.puerto.clear();
-    const QueryResult r = Conexion().query(u"select * from canales where canal = ?"_s, {canal});
+    const ResultadoConsulta r =
+        Conexion().query(u"select * from canales where canal = ?"_s, {canal});
     if (r.isEmpty()) return d;
     auto texto = [&](const QString& c) { return textoDe(r.value(0, c)); };
     d.nombre = texto(u"Nombre"_s);
@@ -245,7 +247,7 @@ DatosCuenta msLeerCuenta(int16_t canal) {
 Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     // A number left from an earlier exchange must not be stored with this
     // account when the platform can't be reached.
-    appState().MovilCuenta.clear();
+    estadoAplicacion().MovilCuenta.clear();
     QString host;
     QString saldo = msConsultarSaldo(d.usuario, d.clave, host);
     if (saldo == u"-1"_s) {
@@ -265,7 +267,7 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     const int remopc = d.remopc < 0 ? 0 : d.remopc;
     try {
         const QString clave = msCifrarClave(d.clave, true);
-        const QString movil = appState().MovilCuenta;
+        const QString movil = estadoAplicacion().MovilCuenta;
         if (edicion) {
             d.host = conEsquema(d.host);
             Conexion().exec(
@@ -283,7 +285,7 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
                 {canal, d.nombre, maxmenNuevo(d.maxmen), d.usuario, clave, d.host, saldo,
                  remitenteDe(d), remopc, d.tini, d.tfin, d.importacion ? 1 : 0, movil});
         }
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
         return Guardado::Incompleta;
     }
@@ -306,21 +308,21 @@ QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
 
 bool NewChannel(const QString& saldo, const QString& usuario, const QString& clave) {
     try {
-        Database& db = Conexion();
-        const QueryResult r = db.query(u"Select max(canal)+1 from canales"_s);
+        BaseDatos& db = Conexion();
+        const ResultadoConsulta r = db.query(u"Select max(canal)+1 from canales"_s);
         const QVariant canal =
             r.isEmpty() || r.value(0, 0).isNull() ? QVariant(0) : QVariant(numeroDe(r.value(0, 0)));
         db.exec(
             u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
             u"Remitente,remopc,movil) Values (?,?,160,80,?,?,?,?,1,'',0,?)"_s,
             {canal, QString(u"Cuenta_"_s + usuario), QString(u"HTTP://"_s + msHostPlataforma()),
-             usuario, msCifrarClave(clave, true), saldo, appState().MovilCuenta});
+             usuario, msCifrarClave(clave, true), saldo, estadoAplicacion().MovilCuenta});
         return true;
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         // A statement the file can't take means a database of the wrong kind.
         ui().msgBox(kBaseNoValida, Msg::Critical);
         return false;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -331,7 +333,7 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
         ui().msgBox(falta, Msg::Critical);
         return AltaInicial::Invalida;
     }
-    appState().MovilCuenta.clear();
+    estadoAplicacion().MovilCuenta.clear();
     QString host;
     const QString saldo = msConsultarSaldo(usuario, clave, host);
     // A failed connection is not told apart: the account is written.
@@ -355,13 +357,13 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
 }
 
 QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
-    appState().MovilCuenta.clear();
+    estadoAplicacion().MovilCuenta.clear();
     QString host;
     QString saldo = msConsultarSaldo(usuario, clave, host);
     // Signed up a moment ago: a failed query only means the balance is not known yet.
     if (!esNumerico(saldo) || numeroDe(saldo) < 0) saldo = u"0"_s;
     try {
-        Database& db = Conexion();
+        BaseDatos& db = Conexion();
         const bool primera = db.query(u"select canal from canales where principal=1"_s).isEmpty();
         db.exec(
             u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
@@ -369,8 +371,8 @@ QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
             u"Values (?,?,160,80,?,?,?,?,?,'',0,'','',0,?)"_s,
             {msSiguienteCanal(), QString(u"Cuenta_"_s + usuario),
              QString(u"HTTP://"_s + msHostPlataforma()), usuario, msCifrarClave(clave, true), saldo,
-             primera ? 1 : 0, appState().MovilCuenta});
-    } catch (const QuelmoError& e) {
+             primera ? 1 : 0, estadoAplicacion().MovilCuenta});
+    } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
         return QString();
     }

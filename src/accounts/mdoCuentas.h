@@ -1,7 +1,7 @@
 #pragma once
 
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
 
 #include <QString>
 #include <cstdint>
@@ -20,12 +20,12 @@ void msPrimeraVez();
 
 // ---- the list of accounts ---------------------------------------------------
 
-// Every account, in code order. Throws DbError when the open database lacks
+// Every account, in code order. Throws ErrorBD when the open database lacks
 // the table or a column the list shows.
-QueryResult msAbrirCuentas();
+ResultadoConsulta msAbrirCuentas();
 // The row of the first account (in the result's order) named `nombre`, -1
 // when none: the list's lines are tied to their accounts by name alone.
-int msFilaDeCuenta(const QueryResult& cuentas, const QString& nombre);
+int msFilaDeCuenta(const ResultadoConsulta& cuentas, const QString& nombre);
 // Keeps one principal account as soon as one exists: the only account is
 // principal; with several and none principal, the lowest code becomes it.
 // Failures are passed over.

@@ -2,9 +2,9 @@
 
 #include "addressbook/frmNewUser.h"
 #include "addressbook/mdoAgenda.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -72,15 +72,15 @@ void frmAbonados::keyPressEvent(QKeyEvent* event) {
 void frmAbonados::requery() {
     try {
         adoPrimaryRS = abrirContactos();
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         // A list that can't be read shows empty.
-        adoPrimaryRS = QueryResult();
+        adoPrimaryRS = ResultadoConsulta();
     }
     msPintarContactos();
 }
 
 void frmAbonados::msPintarContactos() {
-    const QueryResult& rs = adoPrimaryRS;
+    const ResultadoConsulta& rs = adoPrimaryRS;
     const int n = rs.recordCount();
     QVector<QString> celdas;
     if (n > 0) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QWidget>
 
@@ -40,5 +40,5 @@ class frmAbonados : public QWidget {
   private:
     void borrarFilas(const QList<int>& filas);
 
-    QueryResult adoPrimaryRS;
+    ResultadoConsulta adoPrimaryRS;
 };

@@ -2,7 +2,7 @@
 
 #include "addressbook/frmUserGroup.h"
 #include "addressbook/mdoAgenda.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -61,14 +61,14 @@ frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
 void frmGrupos::msAbrirListas() {
     try {
         adoPrimaryRS = abrirListasConContactos();
-    } catch (const DbError&) {
-        adoPrimaryRS = QueryResult();
+    } catch (const ErrorBD&) {
+        adoPrimaryRS = ResultadoConsulta();
     }
     msPintarListas();
 }
 
 void frmGrupos::msPintarListas() {
-    const QueryResult& rs = adoPrimaryRS;
+    const ResultadoConsulta& rs = adoPrimaryRS;
     QVector<QString> celdas;
     for (int f = 0; f < rs.recordCount(); ++f) {
         celdas.append(u"%1"_s.arg(numeroDe(rs.value(f, u"Grupo"_s)), 3, 10, QChar(u'0')));

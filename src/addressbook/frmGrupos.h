@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QWidget>
 #include <cstdint>
@@ -47,6 +47,6 @@ class frmGrupos : public QWidget {
     int filaElegida() const;
     void abrirMiembros(const QString& nombre, int16_t grupo);
 
-    QueryResult adoPrimaryRS;
+    ResultadoConsulta adoPrimaryRS;
     ListaElegida m_listaAPublicar;
 };

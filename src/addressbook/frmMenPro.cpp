@@ -1,7 +1,7 @@
 #include "addressbook/frmMenPro.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -45,8 +45,8 @@ frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
 void frmMenPro::requery() {
     try {
         adoPrimaryRS = abrirMensajesPredefinidos();
-    } catch (const DbError&) {
-        adoPrimaryRS = QueryResult();
+    } catch (const ErrorBD&) {
+        adoPrimaryRS = ResultadoConsulta();
     }
     msPintarMensajes();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QWidget>
 
@@ -29,5 +29,5 @@ class frmMenPro : public QWidget {
     // The row of the selected line's text, -1 when none.
     int filaElegida() const;
 
-    QueryResult adoPrimaryRS;
+    ResultadoConsulta adoPrimaryRS;
 };

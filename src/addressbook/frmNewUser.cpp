@@ -1,7 +1,7 @@
 #include "addressbook/frmNewUser.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -96,7 +96,7 @@ bool frmNewUser::msLoad() {
 }
 
 void frmNewUser::msCargarListas() {
-    const QueryResult rs = abrirListas();
+    const ResultadoConsulta rs = abrirListas();
     if (rs.isEmpty()) {
         lstGrupos->setEnabled(false);
         return;
@@ -113,7 +113,7 @@ void frmNewUser::msCargarListas() {
 }
 
 bool frmNewUser::mbCargarCuentas() {
-    const QueryResult rs = abrirCuentas();
+    const ResultadoConsulta rs = abrirCuentas();
     if (rs.isEmpty()) {
         cmbCanales->setEnabled(false);
         return false;

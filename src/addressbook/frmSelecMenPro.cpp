@@ -1,9 +1,9 @@
 #include "addressbook/frmSelecMenPro.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"

@@ -1,7 +1,7 @@
 #include "addressbook/frmSubirListaWeb.h"
 
 #include "addressbook/mdoPublicar.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 

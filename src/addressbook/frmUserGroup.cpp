@@ -1,7 +1,7 @@
 #include "addressbook/frmUserGroup.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -15,7 +15,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-QVector<QString> celdasDe(const QueryResult& rs) {
+QVector<QString> celdasDe(const ResultadoConsulta& rs) {
     QVector<QString> celdas;
     celdas.reserve(qsizetype(rs.recordCount()) * 2);
     for (int f = 0; f < rs.recordCount(); ++f) {
@@ -87,12 +87,12 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
 
 void frmUserGroup::msCargarUsuariosParaGrupo() {
     setWindowTitle(u"Contactos de la Lista: "_s + sNombreGrupo.toUpper());
-    QueryResult miembros;
-    QueryResult resto;
+    ResultadoConsulta miembros;
+    ResultadoConsulta resto;
     try {
         miembros = abrirMiembrosLista(nCodGrupo);
         resto = abrirNoMiembrosLista(nCodGrupo);
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         // Lists that can't be read show empty, like the other address book lists.
     }
     lstLista->modelo()->asignar(celdasDe(miembros));

@@ -1,8 +1,8 @@
 #include "addressbook/mdoAgenda.h"
 
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
-Database& bd() {
+BaseDatos& bd() {
     return Conexion();
 }
 
@@ -22,7 +22,7 @@ void deshacer(const QString& nombre) {
     try {
         bd().rollbackTo(nombre);
         bd().release(nombre);
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         // Already told; a savepoint the engine no longer has leaves nothing to undo.
     }
 }
@@ -90,7 +90,7 @@ bool mbGuardarContacto(const FichaContacto& ficha) {
     const QString sp = u"contacto"_s;
     try {
         bd().savepoint(sp);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
         return false;
     }
@@ -101,7 +101,7 @@ bool mbGuardarContacto(const FichaContacto& ficha) {
         else
             bd().exec(u"Update Abonados Set Alias = ?,Comentario = ?,Canal = ? Where Codigo = ?"_s,
                       {ficha.alias, ficha.comentario, canal, ficha.codigo});
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         const bool repetido = esClaveRepetida();
         deshacer(sp);
         if (repetido)
@@ -116,7 +116,7 @@ bool mbGuardarContacto(const FichaContacto& ficha) {
     }
     try {
         bd().release(sp);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         deshacer(sp);
         ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
         return false;
@@ -131,14 +131,14 @@ bool mbGuardarListas(const QString& codigo, const QStringList& entradas) {
         for (const QString& entrada : entradas)
             bd().exec(u"Insert into AboGrup (Abonado,Grupo) Values (?,?)"_s,
                       {codigo, grupoDeEntrada(entrada)});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return false;
     }
     return true;
 }
 
 bool mbEstaEnLista(const QString& codigo, int16_t grupo) {
-    const QueryResult r = bd().query(
+    const ResultadoConsulta r = bd().query(
         u"select count(*) from AboGrup where Abonado = ? and Grupo = ?"_s, {codigo, grupo});
     return numeroDe(r.value(0, 0)) > 0;
 }
@@ -162,7 +162,7 @@ bool mbBorrarContacto(const QString& codigo) {
         bd().exec(u"Delete from AboAuto where abonado = ?"_s, {codigo});
         bd().exec(u"Delete from Abonados where Codigo = ?"_s, {codigo});
         bd().release(sp);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         deshacer(sp);
         ui().msgBox(e.description());
         return false;
@@ -177,7 +177,7 @@ int msBorrarContactos(const QStringList& codigos) {
     bool exterior = true;
     try {
         bd().savepoint(sp);
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         exterior = false;
     }
     int borrados = 0;
@@ -186,29 +186,29 @@ int msBorrarContactos(const QStringList& codigos) {
     if (exterior) {
         try {
             bd().release(sp);
-        } catch (const DbError& e) {
+        } catch (const ErrorBD& e) {
             msLog(u"Error confirmando el borrado de Contactos: "_s + e.description());
         }
     }
     return borrados;
 }
 
-QueryResult abrirContactos() {
+ResultadoConsulta abrirContactos() {
     return bd().query(
         u"select Abonados.Codigo,Abonados.Alias,Canales.nombre,Abonados.Comentario, "
         u"Abonados.Canal from Abonados inner join canales on abonados.canal=Canales.Canal "
         u"order by Alias"_s);
 }
 
-QueryResult abrirCuentas() {
+ResultadoConsulta abrirCuentas() {
     return bd().query(u"Select * From Canales"_s);
 }
 
-QueryResult abrirListas() {
+ResultadoConsulta abrirListas() {
     return bd().query(u"Select * From Grupos"_s);
 }
 
-int primeraFilaCon(const QueryResult& rs, const QString& columna, const QString& texto) {
+int primeraFilaCon(const ResultadoConsulta& rs, const QString& columna, const QString& texto) {
     const int c = rs.columnIndex(columna);
     if (c < 0) return -1;
     for (int f = 0; f < rs.recordCount(); ++f)
@@ -218,7 +218,7 @@ int primeraFilaCon(const QueryResult& rs, const QString& columna, const QString&
 
 // ---- Lists -----------------------------------------------------------------
 
-QueryResult abrirListasConContactos() {
+ResultadoConsulta abrirListasConContactos() {
     return bd().query(
         u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) AS "
         u"Contactos FROM Grupos order by nombre"_s);
@@ -251,7 +251,7 @@ int msAltaLista(QString* nombreDado) {
             }
         }
         bd().exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {grupo, nombre});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         ui().msgBox(u"El numero de Lista ya existe"_s, Msg::Critical);
         return -1;
     }
@@ -268,7 +268,7 @@ void msRenombrarLista(int16_t grupo, const QString& actual) {
     }
     try {
         bd().exec(u"Update Grupos Set Nombre = ? where Grupo = ?"_s, {nombre, grupo});
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudo renombrar la Lista "_s + actual + u": "_s + e.description());
     }
 }
@@ -289,20 +289,20 @@ bool msBorrarLista(int16_t grupo, const QString& nombre) {
             return false;
         }
         bd().exec(u"delete from Grupos where Grupo = ?"_s, {grupo});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return false;
     }
     return true;
 }
 
-QueryResult abrirMiembrosLista(int16_t grupo) {
+ResultadoConsulta abrirMiembrosLista(int16_t grupo) {
     return bd().query(
         u"select upper(abonados.alias), abonados.codigo, abogrup.grupo from abonados inner join "
         u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by alias"_s,
         {grupo});
 }
 
-QueryResult abrirNoMiembrosLista(int16_t grupo) {
+ResultadoConsulta abrirNoMiembrosLista(int16_t grupo) {
     return bd().query(
         u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
         u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
@@ -319,7 +319,7 @@ bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros) {
             bd().exec(u"insert into abogrup (abonado,grupo) values (?,?)"_s,
                       {numero.trimmed(), grupo});
         bd().release(sp);
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         deshacer(sp);
         return false;
     }
@@ -328,16 +328,16 @@ bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros) {
 
 // ---- Predefined texts ------------------------------------------------------
 
-QueryResult abrirMensajesPredefinidos() {
+ResultadoConsulta abrirMensajesPredefinidos() {
     return bd().query(u"select * from MenPro order by Mensaje"_s);
 }
 
 QStringList leerTextosPredefinidos() {
     QStringList textos;
     try {
-        const QueryResult rs = bd().query(u"select * from MenPro"_s);
+        const ResultadoConsulta rs = bd().query(u"select * from MenPro"_s);
         for (int f = 0; f < rs.recordCount(); ++f) textos.append(textoDe(rs.value(f, 1)));
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudieron leer los Mensajes Predefinidos: "_s + e.description());
     }
     return textos;
@@ -355,7 +355,7 @@ bool msAltaMensaje() {
         const QVariant siguiente = bd().query(u"Select Max(Mensaje)+1 From MenPro"_s).value(0, 0);
         bd().exec(u"Insert into menpro (Mensaje, Texto) values (?,?)"_s,
                   {siguiente.isNull() ? 0LL : numeroDe(siguiente), texto});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         ui().msgBox(u"El numero de Mensaje ya existe"_s, Msg::Critical);
         return false;
     }
@@ -374,7 +374,7 @@ bool msCambiarMensaje(int mensaje, const QString& actual) {
     texto.replace(u'\'', u'´');
     try {
         bd().exec(u"Update menpro Set texto = ? where mensaje = ?"_s, {texto, mensaje});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return false;
     }
     return true;
@@ -385,7 +385,7 @@ bool msBorrarMensaje(int mensaje) {
         return false;
     try {
         bd().exec(u"delete from MenPro where Mensaje = ?"_s, {mensaje});
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return false;
     }
     return true;

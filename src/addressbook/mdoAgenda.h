@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QList>
 #include <QString>
@@ -53,13 +53,13 @@ int msBorrarContactos(const QStringList& codigos);
 
 // Contacts with their account: Codigo, Alias, nombre (of the account),
 // Comentario, Canal; ordered by alias.
-QueryResult abrirContactos();
-QueryResult abrirCuentas();
-QueryResult abrirListas();
+ResultadoConsulta abrirContactos();
+ResultadoConsulta abrirCuentas();
+ResultadoConsulta abrirListas();
 
 // The screens find a line's row again by its text: the first row of `rs`
 // whose `columna` equals `texto` (exact comparison), -1 when none.
-int primeraFilaCon(const QueryResult& rs, const QString& columna, const QString& texto);
+int primeraFilaCon(const ResultadoConsulta& rs, const QString& columna, const QString& texto);
 
 // ---- Lists -----------------------------------------------------------------
 
@@ -67,7 +67,7 @@ inline constexpr int kMaxNombreLista = 50;
 inline constexpr int kMaxGrupo = 250;
 
 // The lists with their member counts (Grupo, Nombre, Contactos), by name.
-QueryResult abrirListasConContactos();
+ResultadoConsulta abrirListasConContactos();
 // Asks for a name and creates the list; its number, or -1 when none was
 // made. `nombre` receives the name given.
 int msAltaLista(QString* nombre = nullptr);
@@ -75,8 +75,8 @@ void msRenombrarLista(int16_t grupo, const QString& actual);
 // Asks and deletes the list with its memberships; true when it went.
 bool msBorrarLista(int16_t grupo, const QString& nombre);
 // Members (upper-case alias, number) of a list, and the contacts outside it.
-QueryResult abrirMiembrosLista(int16_t grupo);
-QueryResult abrirNoMiembrosLista(int16_t grupo);
+ResultadoConsulta abrirMiembrosLista(int16_t grupo);
+ResultadoConsulta abrirNoMiembrosLista(int16_t grupo);
 // Replaces all memberships of the list by `numeros`, in one transaction.
 bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros);
 
@@ -84,7 +84,7 @@ bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros);
 
 inline constexpr int kMaxTextoPredefinido = 160;
 
-QueryResult abrirMensajesPredefinidos();
+ResultadoConsulta abrirMensajesPredefinidos();
 // The texts in the table's own order: what the picker offers; empty when
 // they can't be read.
 QStringList leerTextosPredefinidos();

@@ -1,8 +1,8 @@
 #include "addressbook/mdoPublicar.h"
 
-#include "base/AppState.h"
 #include "base/Cifrado.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "delivery/qmXMLSend.h"
 
@@ -22,7 +22,7 @@ struct DatosCuenta {
 };
 
 bool leerCuenta(int16_t canal, DatosCuenta* c) {
-    const QueryResult r = Conexion().query(
+    const ResultadoConsulta r = Conexion().query(
         u"SELECT canal, host, puerto, usuario, clave FROM Canales WHERE canal = ?"_s, {canal});
     if (r.isEmpty()) return false;
     c->usuario = textoDe(r.value(0, u"usuario"_s));
@@ -36,13 +36,13 @@ bool leerCuenta(int16_t canal, DatosCuenta* c) {
 QList<CuentaPublicacion> msCuentasPublicacion() {
     QList<CuentaPublicacion> cuentas;
     try {
-        const QueryResult r = Conexion().query(u"SELECT * FROM Canales"_s);
+        const ResultadoConsulta r = Conexion().query(u"SELECT * FROM Canales"_s);
         for (int i = 0; i < r.recordCount(); ++i)
             cuentas.append({textoDe(r.value(i, u"Nombre"_s)) + u" ("_s +
                                 textoDe(r.value(i, u"saldo"_s)) + u" SMS)"_s,
                             u"c"_s + textoDe(r.value(i, u"canal"_s)),
                             numeroDe(r.value(i, u"Principal"_s)) == 1});
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
     }
     return cuentas;
@@ -50,7 +50,7 @@ QList<CuentaPublicacion> msCuentasPublicacion() {
 
 bool msDatosLista(int16_t grupo, QString* nombre, QString* contactos) {
     try {
-        const QueryResult r = Conexion().query(
+        const ResultadoConsulta r = Conexion().query(
             u"SELECT Grupos.*, (SELECT count(*) FROM AboGrup WHERE AboGrup.Grupo = Grupos.Grupo) "
             u"AS Contactos FROM Grupos WHERE Grupo = ?"_s,
             {grupo});
@@ -58,7 +58,7 @@ bool msDatosLista(int16_t grupo, QString* nombre, QString* contactos) {
         *nombre = textoDe(r.value(0, u"Nombre"_s));
         *contactos = textoDe(r.value(0, u"Contactos"_s));
         return true;
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         if (e.number() == ErrNum::ItemNotFound)
             msBaseNoValida();
         else
@@ -97,7 +97,7 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         cliente->Lpri = u"D"_s;
         cliente->Lacc = Lacc;
         if (Lacc == u"U"_s || Lacc == u"S"_s) {
-            const QueryResult r = Conexion().query(
+            const ResultadoConsulta r = Conexion().query(
                 u"SELECT Abonados.Codigo, Abonados.Alias, Abonados.Comentario FROM Abonados "
                 u"INNER JOIN AboGrup ON Abonados.Codigo = AboGrup.Abonado "
                 u"WHERE AboGrup.Grupo = ?"_s,
@@ -112,7 +112,7 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         ui().processEvents();
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A failed exchange is the platform's failure to the user.
         resultado = ResultadoPublicacion();
     }

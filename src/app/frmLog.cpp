@@ -1,6 +1,6 @@
 #include "app/frmLog.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 
 #include <QFontDatabase>
 #include <QListView>
@@ -17,7 +17,7 @@ frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, pa
 
     m_list = new QListView(this);
     m_list->setObjectName(u"List1"_s);
-    m_list->setModel(&appState().log);
+    m_list->setModel(&estadoAplicacion().log);
     m_list->setUniformItemSizes(true);
     // Laid out in batches, a new line costs the same with 20,000 lines above
     // it as with none; a full layout at each line grows with the list.
@@ -32,12 +32,12 @@ frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, pa
     m_list->setMinimumHeight(90);
     setWidget(m_list);
 
-    connect(&appState().log, &ActivityLog::lineAdded, m_list,
-            [this](int row) { m_list->setCurrentIndex(appState().log.index(row)); });
+    connect(&estadoAplicacion().log, &RegistroActividad::lineAdded, m_list,
+            [this](int row) { m_list->setCurrentIndex(estadoAplicacion().log.index(row)); });
     // The batches reach the end after the selection has moved there: keep
     // the newest line in sight as the list grows.
     connect(m_list->verticalScrollBar(), &QScrollBar::rangeChanged, m_list, [this](int, int max) {
-        if (m_list->currentIndex().row() == appState().log.rowCount() - 1)
+        if (m_list->currentIndex().row() == estadoAplicacion().log.rowCount() - 1)
             m_list->verticalScrollBar()->setValue(max);
     });
     connect(m_list, &QListView::doubleClicked, this, &frmLog::List1_DblClick);

@@ -1,7 +1,7 @@
 #include "app/frmOpciones.h"
 
 #include "app/mdoOpciones.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/Iconos.h"
 

@@ -1,8 +1,8 @@
 #include "app/frmWinfo.h"
 
-#include "base/AppState.h"
 #include "base/Despliegue.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "widgets/Iconos.h"
 
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #include "app/frmpwd.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "widgets/Iconos.h"
 
 #include <QDialogButtonBox>
@@ -35,11 +35,11 @@ frmpwd::frmpwd(QWidget* parent) : QDialog(parent) {
     // Enter in the box is the same as Aceptar: the default button takes it.
     aceptar->setDefault(true);
     connect(aceptar, &QPushButton::clicked, this, [this] {
-        appState().gsClaveIntroducida = Text1->text();
+        estadoAplicacion().gsClaveIntroducida = Text1->text();
         accept();
     });
     connect(salir, &QPushButton::clicked, this, [this] {
-        appState().gsClaveIntroducida.clear();
+        estadoAplicacion().gsClaveIntroducida.clear();
         reject();
     });
 

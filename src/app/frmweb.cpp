@@ -1,8 +1,8 @@
 #include "app/frmweb.h"
 
 #include "app/mdoOpciones.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
+#include "base/EstadoAplicacion.h"
 
 #include <QDialogButtonBox>
 #include <QDir>

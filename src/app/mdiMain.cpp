@@ -1,20 +1,20 @@
 #include "app/mdiMain.h"
 
 #include "accounts/mdoCuentas.h"
+#include "app/Arranque.h"
 #include "app/RegistroPantallas.h"
-#include "app/Startup.h"
 #include "app/frmLog.h"
 #include "app/frmOpciones.h"
 #include "app/frmWinfo.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
-#include "base/Conversions.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
 #include "base/Despliegue.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "base/Interruptor.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
@@ -401,7 +401,7 @@ void mdiMain::primeraActivacion() {
 }
 
 void mdiMain::closeEvent(QCloseEvent* event) {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     // Closing now would cut a batch in the middle of its exchange.
     if (g.gbEnviando) {
         ui().msgBox(

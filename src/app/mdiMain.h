@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Transmitter.h"
+#include "app/Transmisor.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -23,7 +23,7 @@ class mdiMain : public QMainWindow {
     explicit mdiMain(QWidget* parent = nullptr);
     ~mdiMain() override;
 
-    Transmitter& transmisor() { return m_transmisor; }
+    Transmisor& transmisor() { return m_transmisor; }
     QMdiArea* area() const;
     frmweb* panelWeb() const { return m_web; }
     frmLog* panelLog() const { return m_log; }
@@ -69,7 +69,7 @@ class mdiMain : public QMainWindow {
     void importacionContactos();
     void ocultar();
 
-    Transmitter m_transmisor;
+    Transmisor m_transmisor;
     frmweb* m_web = nullptr;
     frmLog* m_log = nullptr;
     QToolBar* m_barra = nullptr;

@@ -1,12 +1,12 @@
 #include "app/mdoMain.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
 
@@ -16,7 +16,7 @@ namespace {
 // After the selection screen: the file it left must be usable.
 void seleccionarOTerminar() {
     ui().showSelectDatabase();
-    const QString elegido = Settings::getSetting(u"BD"_s, u"Path"_s);
+    const QString elegido = Ajustes::getSetting(u"BD"_s, u"Path"_s);
     if (!msValidarBD(elegido)) ui().terminateWithoutDatabase();
     // The screen leaves the connection on its file; make sure it is open.
     if (!Conexion().isOpen() || Conexion().path() != elegido) msAbrirBD(elegido);
@@ -25,13 +25,13 @@ void seleccionarOTerminar() {
 
 void msAbrirBaseInicial() {
     const QString porDefecto = rutaBaseDefecto();
-    const QString guardada = Settings::getSetting(u"BD"_s, u"Path"_s);
+    const QString guardada = Ajustes::getSetting(u"BD"_s, u"Path"_s);
 
     if (guardada.isEmpty()) {
         // First run: an old-schema default file is not upgraded here; it
         // leads to the selection screen, which has its own upgrade path.
         if (msValidarBD(porDefecto)) {
-            Settings::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
+            Ajustes::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
             msAbrirBD(porDefecto);
         } else {
             seleccionarOTerminar();
@@ -41,7 +41,7 @@ void msAbrirBaseInicial() {
     // A saved file held by another process is busy, not gone: wait for it
     // while the user wants to, and never trade it for another file.
     bool abierta = msAbrirBD(guardada);
-    while (!abierta && Conexion().aperturaOcupada()) {
+    while (!abierta && Conexion().openWasBusy()) {
         msLog(u"La Base de Datos está bloqueada por otro programa: "_s + guardada);
         if (ui().msgBox(u"La Base de Datos está siendo usada por otro programa:\n"_s + guardada +
                             u"\n\n¿Desea volver a intentarlo?"_s,
@@ -55,20 +55,20 @@ void msAbrirBaseInicial() {
             msActualizarBD(guardada);
             msLog(u"Proceso de actualización de Base de Datos completado."_s);
         }
-        Settings::saveSetting(u"BD"_s, u"Path"_s, guardada);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, guardada);
         return;
     }
     // The saved file is gone or broken: silently the default file,
     // neither tested nor upgraded.
     if (msAbrirBD(porDefecto)) {
-        Settings::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
         return;
     }
     seleccionarOTerminar();
 }
 
 bool msComprobarAcceso() {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     try {
         g.gsClaveIntroducida.clear();
         if (g.gsClaveAcceso == QString::fromUtf16(kSinClave)) return true;

@@ -1,12 +1,12 @@
 #include "app/mdoOpciones.h"
 
-#include "app/Transmitter.h"
-#include "base/AppState.h"
+#include "app/Transmisor.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
 #include "base/Cifrado.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 
 #include <climits>
@@ -24,16 +24,16 @@ bool leerOpciones(Opciones& o) {
     try {
         o.intervalo = QString::number(leerIntervalo().value_or(60));
         // The no-password word and an empty setting both mean "no password".
-        const QString clave = msCifrarClave(Settings::getSetting(u"Tr"_s, u"pwc"_s), false);
+        const QString clave = msCifrarClave(Ajustes::getSetting(u"Tr"_s, u"pwc"_s), false);
         o.clave = clave == sinClave() ? QString() : clave;
-        const QueryResult r = Conexion().query(u"select * from opciones"_s);
+        const ResultadoConsulta r = Conexion().query(u"select * from opciones"_s);
         if (!r.isEmpty()) {
             o.maxlote = textoDe(r.value(0, u"maxlote"_s));
             o.imgfondo = textoDe(r.value(0, u"imgfondo"_s));
             o.soloContactos = numeroDe(r.value(0, u"solocontactos"_s)) == 1;
         }
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -68,15 +68,15 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
     try {
         // The gate asks for the new password from now on.
         const QString nueva = o.clave.isEmpty() ? sinClave() : o.clave;
-        appState().gsClaveAcceso = nueva;
+        estadoAplicacion().gsClaveAcceso = nueva;
         const QString cifrada = msCifrarClave(nueva, true);
         Conexion().exec(u"update opciones set maxlote=?, solocontactos=?, imgfondo=?"_s,
                         {aEntero16(o.maxlote), o.soloContactos ? 1 : 0, o.imgfondo});
         // The interval is stored as typed; the timer takes it rounded.
-        Settings::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
-        Settings::saveSetting(u"Tr"_s, u"Interval"_s, o.intervalo);
+        Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
+        Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, o.intervalo);
         const double segundos = o.intervalo.trimmed().toDouble();
-        if (segundos * 1000 > INT_MAX) throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
+        if (segundos * 1000 > INT_MAX) throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
         Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));
         ui().msgBox(
             u"Datos de Opciones  guardados correctamente.\n\nTiempo de envío de mensajes "
@@ -85,7 +85,7 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
             Msg::Information);
         Q_EMIT Avisos::instancia().opcionesGuardadas();
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         ui().msgBox(u"Ha ocurrido un error guardando los Datos."_s, Msg::Critical);
         return false;
     }
@@ -93,9 +93,9 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
 
 QString leerImagenFondo() {
     try {
-        const QueryResult r = Conexion().query(u"select imgfondo from opciones"_s);
+        const ResultadoConsulta r = Conexion().query(u"select imgfondo from opciones"_s);
         if (!r.isEmpty()) return textoDe(r.value(0, 0));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // No connection yet (the frame draws before the database opens) or
         // no options table: the program's own picture shows.
     }

@@ -11,7 +11,7 @@ QString msCifrarClave(const QString& text, bool encode) {
         const int codigo = c.unicode() + (encode ? 10 : -10);
         // Stored passwords are single-byte text.
         if (c.unicode() > 255 || codigo < 0 || codigo > 255)
-            throw QuelmoError(u"Llamada a procedimiento o argumento no válido"_s,
+            throw ErrorQuelmo(u"Llamada a procedimiento o argumento no válido"_s,
                               ErrNum::InvalidProcedureCall);
         out.append(QChar(codigo));
     }

@@ -1,6 +1,6 @@
 #include "base/Despliegue.h"
 
-#include "base/Settings.h"
+#include "base/Ajustes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -8,7 +8,7 @@ namespace Despliegue {
 
 namespace {
 QString leer(const QString& clave, const QString& defecto) {
-    return Settings::getSetting(u"Despliegue"_s, clave, defecto);
+    return Ajustes::getSetting(u"Despliegue"_s, clave, defecto);
 }
 }  // namespace
 

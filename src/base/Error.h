@@ -5,9 +5,9 @@
 
 // A run-time failure of a routine. Routines that the program describes as
 // "jumping to their handler" catch this and log its number and description.
-class QuelmoError : public std::exception {
+class ErrorQuelmo : public std::exception {
   public:
-    explicit QuelmoError(QString description, int number = 5)
+    explicit ErrorQuelmo(QString description, int number = 5)
         : m_description(std::move(description)), m_number(number), m_what(m_description.toUtf8()) {}
 
     const QString& description() const { return m_description; }
@@ -27,6 +27,6 @@ inline constexpr int Overflow = 6;
 inline constexpr int TypeMismatch = 13;
 inline constexpr int InvalidUseOfNull = 94;
 inline constexpr int ItemNotFound = 3265;
-inline constexpr int Database = 3000;
-inline constexpr int Platform = 4000;
+inline constexpr int BaseDatos = 3000;
+inline constexpr int Plataforma = 4000;
 }  // namespace ErrNum

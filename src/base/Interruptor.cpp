@@ -1,8 +1,8 @@
 #include "base/Interruptor.h"
 
-#include "base/Conversions.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,8 +13,8 @@ Interruptor& Interruptor::instancia() {
 
 bool Interruptor::paraVentana() const {
     try {
-        return aBooleano(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
-    } catch (const QuelmoError&) {
+        return aBooleano(Ajustes::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
+    } catch (const ErrorQuelmo&) {
         // A value the user mangled by hand shows as on, as if never written.
         return true;
     }
@@ -22,10 +22,10 @@ bool Interruptor::paraVentana() const {
 
 bool Interruptor::paraEnvio() const {
     // A value that is no number throws: the run logs it and sends nothing.
-    return aEntero16(Settings::getSetting(u"Tr"_s, u"Activo"_s, u"0"_s)) == 1;
+    return aEntero16(Ajustes::getSetting(u"Tr"_s, u"Activo"_s, u"0"_s)) == 1;
 }
 
 void Interruptor::establecer(bool activo) {
-    Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
+    Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
     Q_EMIT cambiado(activo);
 }

@@ -15,7 +15,7 @@ class Interruptor : public QObject {
     bool paraVentana() const;
     // What a transmitter run obeys. Never written counts as off: nothing
     // leaves until the user (or the demo set-up) has turned it on. Throws
-    // QuelmoError for a stored value that is no number.
+    // ErrorQuelmo for a stored value that is no number.
     bool paraEnvio() const;
 
     // Stores the new state and tells every listener.

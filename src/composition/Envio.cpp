@@ -1,10 +1,10 @@
 #include "composition/Envio.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 
 #include <QHash>
@@ -12,7 +12,7 @@
 using namespace Qt::StringLiterals;
 
 QVector<CuentaEnvio> leerCuentasEnvio() {
-    const QueryResult r = Conexion().query(u"Select * From Canales "_s);
+    const ResultadoConsulta r = Conexion().query(u"Select * From Canales "_s);
     QVector<CuentaEnvio> cuentas;
     cuentas.reserve(r.recordCount());
     for (int i = 0; i < r.recordCount(); ++i) {
@@ -31,7 +31,8 @@ QVector<CuentaEnvio> leerCuentasEnvio() {
 }
 
 QStringList leerAliasContactos() {
-    const QueryResult r = Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
+    const ResultadoConsulta r =
+        Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
     QStringList alias;
     alias.reserve(r.recordCount());
     for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
@@ -40,9 +41,10 @@ QStringList leerAliasContactos() {
 
 bool leerSoloContactos() {
     try {
-        const QueryResult r = Conexion().query(u"select solocontactos from opciones where id=1"_s);
+        const ResultadoConsulta r =
+            Conexion().query(u"select solocontactos from opciones where id=1"_s);
         if (r.recordCount() == 1) return aBooleano(textoDe(r.value(0, 0)));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // An older database has no options: everyone may be sent to.
     }
     return false;
@@ -50,7 +52,7 @@ bool leerSoloContactos() {
 
 QString msBuscarAlias(const QString& elemento) {
     if (elemento.trimmed().isEmpty()) return {};
-    const QueryResult r =
+    const ResultadoConsulta r =
         Conexion().query(u"Select codigo from Abonados where alias = ?"_s, {elemento});
     if (r.isEmpty()) return {};
     return textoDe(r.value(0, 0)).trimmed();
@@ -81,7 +83,7 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
                 elemento = codigo;
                 contacto = true;
             }
-        } catch (const QuelmoError& e) {
+        } catch (const ErrorQuelmo& e) {
             msLog(u"Error buscando el contacto "_s + elemento + u": "_s + e.description());
         }
         if (!esNumerico(elemento)) {
@@ -104,9 +106,9 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
         try {
             Conexion().exec(
                 u"Insert into envios (abonado,mensaje,intento,Registro,Canal) values (?,?,2,?,?)"_s,
-                {elemento, texto, Clock::now(), qlonglong(canal)});
+                {elemento, texto, Reloj::now(), qlonglong(canal)});
             anadido = true;
-        } catch (const QuelmoError& e) {
+        } catch (const ErrorQuelmo& e) {
             msLog(u"Error añadiendo el mensaje para "_s + elemento + u": "_s + e.description());
         }
     }
@@ -123,7 +125,7 @@ const auto kDesdeBandeja = u" from envios inner join canales on envios.canal=can
 }
 
 int contarBandeja() {
-    const QueryResult r = Conexion().query(u"select count(*)"_s + kDesdeBandeja);
+    const ResultadoConsulta r = Conexion().query(u"select count(*)"_s + kDesdeBandeja);
     return r.isEmpty() ? 0 : int(numeroDe(r.value(0, 0)));
 }
 
@@ -136,12 +138,13 @@ QString fechaBandeja(const QString& registro) {
 }  // namespace
 
 QVector<QString> leerBandeja() {
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     // The account column repeats the same few texts: each is made once and
     // shared by its rows, and the engine formats the dates, so a hundred
     // thousand rows cost little more than reading them.
     QHash<QString, QString> cuentas;
-    const QueryResult c = db.query(u"select cast(canal as text),Nombre,remitente from canales"_s);
+    const ResultadoConsulta c =
+        db.query(u"select cast(canal as text),Nombre,remitente from canales"_s);
     for (int i = 0; i < c.recordCount(); ++i) {
         QString cuenta = textoDe(c.value(i, 1)).trimmed();
         const QString remitente = textoDe(c.value(i, 2)).trimmed();
@@ -162,8 +165,9 @@ QVector<QString> leerBandeja() {
 }
 
 std::optional<MensajeRetirado> retirarDeBandeja(const QString& id) {
-    Database& db = Conexion();
-    const QueryResult r = db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
+    BaseDatos& db = Conexion();
+    const ResultadoConsulta r =
+        db.query(u"select abonado, mensaje from envios where id = ?"_s, {id});
     if (r.isEmpty()) return std::nullopt;
     MensajeRetirado m{textoDe(r.value(0, 0)), textoDe(r.value(0, 1))};
     db.exec(u"Delete from envios where id = ?"_s, {id});

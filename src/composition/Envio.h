@@ -20,7 +20,7 @@ struct CuentaEnvio {
     int largoTextos = 0;
     bool principal = false;
 };
-// Every account, in the table's order. Throws QuelmoError; ItemNotFound
+// Every account, in the table's order. Throws ErrorQuelmo; ItemNotFound
 // means a database of another generation.
 QVector<CuentaEnvio> leerCuentasEnvio();
 
@@ -62,8 +62,8 @@ struct MensajeRetirado {
     QString texto;
 };
 // Reads outbox row `id` and deletes it; none when the row is gone. Throws
-// QuelmoError when reading or deleting fails (the row then stays).
+// ErrorQuelmo when reading or deleting fails (the row then stays).
 std::optional<MensajeRetirado> retirarDeBandeja(const QString& id);
-// Deletes outbox row `id`, or every row. Throw QuelmoError on failure.
+// Deletes outbox row `id`, or every row. Throw ErrorQuelmo on failure.
 void borrarDeBandeja(const QString& id);
 void vaciarBandeja();

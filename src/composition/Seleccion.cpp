@@ -1,7 +1,7 @@
 #include "composition/Seleccion.h"
 
-#include "base/AppState.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 
 #include <QSet>
@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 bool leerContactosSeleccion(QVector<QString>* celdas) {
     try {
-        const QueryResult r =
+        const ResultadoConsulta r =
             Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
         if (r.isEmpty()) return false;
         celdas->clear();
@@ -20,14 +20,14 @@ bool leerContactosSeleccion(QVector<QString>* celdas) {
             celdas->append(textoDe(r.value(i, 1)));
         }
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
 
 bool leerListasSeleccion(QVector<QString>* celdas) {
     try {
-        const QueryResult r = Conexion().query(
+        const ResultadoConsulta r = Conexion().query(
             u"SELECT Grupos.Grupo, Grupos.Nombre, (select count(*) from abogrup where "
             u"abogrup.grupo=Grupos.grupo) AS Contactos FROM Grupos order by grupo"_s);
         if (r.isEmpty()) return false;
@@ -38,7 +38,7 @@ bool leerListasSeleccion(QVector<QString>* celdas) {
             celdas->append(textoDe(r.value(i, 2)));
         }
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -61,7 +61,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
         // Aliases compare ignoring case, as in the database.
         QSet<QString> excluidos;
         if (!listas.isEmpty()) {
-            const QueryResult r = Conexion().query(
+            const ResultadoConsulta r = Conexion().query(
                 u"SELECT AboGrup.Abonado,(Select alias from abonados where Abonados.codigo = "
                 u"AboGrup.Abonado) as alias FROM Grupos inner JOIN AboGrup ON Grupos.Grupo = "
                 u"AboGrup.Grupo WHERE "_s +
@@ -83,7 +83,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
             if (!d.texto.isEmpty() && !d.detalle.startsWith(u"Lista"_s))
                 elegidos.insert(d.texto.toCaseFolded());
         if (!elegidos.isEmpty()) {
-            const QueryResult r = Conexion().query(
+            const ResultadoConsulta r = Conexion().query(
                 u"select alias from abonados where alias is not null group by alias order by alias"_s);
             for (int i = 0; i < r.recordCount(); ++i) {
                 const QString alias = textoDe(r.value(i, 0));
@@ -93,7 +93,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
             }
         }
         if (resultado.startsWith(u';')) resultado.remove(0, 1);
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Error en Funcion Seleccionar Destinatarios\n"_s + e.description(),
                     Msg::Critical);
     }

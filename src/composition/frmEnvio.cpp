@@ -1,13 +1,13 @@
 #include "composition/frmEnvio.h"
 
 #include "accounts/mdoCuentas.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Interruptor.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
+#include "base/RegistroActividad.h"
 #include "composition/Envio.h"
 #include "composition/crtAutoComplete.h"
 #include "db/Conexion.h"
@@ -228,7 +228,7 @@ bool frmEnvio::msCargarCanales() {
         }
         msNotaTextos = miLargoTextos < 1 ? QString() : u" Incluye textos inicio/fin"_s;
         contador();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         if (e.number() == ErrNum::ItemNotFound) {
             // The screen can't work on this database: it goes, and the
             // user picks another.
@@ -273,9 +273,9 @@ void frmEnvio::tomarTexto(const QString& texto) {
 // ---- destinations and the add routine -------------------------------------
 
 void frmEnvio::cmdAbonados_Click() {
-    appState().gsDestinos.clear();
+    estadoAplicacion().gsDestinos.clear();
     Pantallas::abrir(u"frmSeleccion"_s);
-    txtDestinos->setText(appState().gsDestinos);
+    txtDestinos->setText(estadoAplicacion().gsDestinos);
     crtAutoComplete1->setTexto(txtDestinos->text());
 }
 
@@ -284,7 +284,7 @@ void frmEnvio::msCargarContactos() {
         const QStringList alias = leerAliasContactos();
         crtAutoComplete1->setDelimeter(u";"_s);
         crtAutoComplete1->setSearchList(alias.join(u';'));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Silent: a database without contacts has had its box from the
         // accounts, and the box still takes numbers typed by hand.
     }
@@ -340,7 +340,7 @@ void frmEnvio::msPintarBandeja() {
         }
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Every ten seconds: the list stays as last drawn until the
         // database answers again, rather than a box at each tick.
     }
@@ -366,7 +366,7 @@ void frmEnvio::cmdModificar_Click() {
         crtAutoComplete1->setTexto(txtDestinos->text());
         txtMensaje->setPlainText(m->texto);
         ui().processEvents();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo modificar el mensaje "_s + id + u": "_s + e.description());
     }
 }
@@ -380,7 +380,7 @@ void frmEnvio::cmdEliminar_Click() {
     try {
         borrarDeBandeja(id);
         ui().processEvents();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo eliminar el mensaje "_s + id + u": "_s + e.description());
     }
 }
@@ -392,7 +392,7 @@ void frmEnvio::cmdEliminarTodos_Click() {
     try {
         vaciarBandeja();
         ui().processEvents();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo vaciar la Bandeja de Salida: "_s + e.description());
     }
 }
@@ -402,7 +402,7 @@ void frmEnvio::cmdEliminarTodos_Click() {
 void frmEnvio::cmdEnviar_Click() {
     // A finished compose goes along.
     cmdAnadir_Click();
-    if (!appState().gbEnviando) {
+    if (!estadoAplicacion().gbEnviando) {
         cmdEnviar->setCursor(Qt::BusyCursor);
         setCursor(Qt::BusyCursor);
         Q_EMIT Avisos::instancia().envioPedido();

@@ -1,6 +1,6 @@
 #include "composition/frmSeleccion.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
@@ -170,6 +170,7 @@ void frmSeleccion::cmdAdd_Click() {
     const ModeloListado* m = lstdestinos->modelo();
     QVector<DestinoElegido> destinos;
     for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
-    appState().gsDestinos = destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
+    estadoAplicacion().gsDestinos =
+        destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
     accept();
 }

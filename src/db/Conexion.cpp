@@ -1,10 +1,10 @@
 #include "db/Conexion.h"
 
-#include "base/AppState.h"
-#include "base/Conversions.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -12,8 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
-Database& Conexion() {
-    static Database conexion;
+BaseDatos& Conexion() {
+    static BaseDatos conexion;
     return conexion;
 }
 
@@ -50,12 +50,12 @@ bool prepararBaseInicial() {
 bool msAbrirBD(const QString& path) {
     // The share mode: SQLite connections share the file anyway, the
     // value is kept for what reads it.
-    const QString modoTexto = Settings::getSetting(u"BD"_s, u"Mode"_s, u"16"_s);
+    const QString modoTexto = Ajustes::getSetting(u"BD"_s, u"Mode"_s, u"16"_s);
     int32_t modo = 16;
     if (esNumerico(modoTexto)) {
         try {
             modo = aEntero32(modoTexto);
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             modo = 16;
         }
     }
@@ -63,12 +63,12 @@ bool msAbrirBD(const QString& path) {
     gsCadenaConexion() = u"Data Source="_s + path;
     // A failed open leaves the connection closed.
     if (!Conexion().open(path)) return false;
-    Settings::saveSetting(u"BD"_s, u"Mode"_s, QString::number(modo));
+    Ajustes::saveSetting(u"BD"_s, u"Mode"_s, QString::number(modo));
     return true;
 }
 
 bool msValidarBD(const QString& path) {
-    Database privada;
+    BaseDatos privada;
     if (!privada.open(path)) return false;
     // The columns that arrived last tell the current schema.
     try {
@@ -77,7 +77,7 @@ bool msValidarBD(const QString& path) {
             u"Principal=1"_s);
         privada.query(u"SELECT * FROM Automaticos WHERE tareaProgramada=true"_s);
         privada.query(u"SELECT crem FROM HEnvios"_s);
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return false;
     }
     return true;
@@ -93,10 +93,11 @@ void msBaseNoValida() {
 
 int16_t msCanalPrincipal() {
     try {
-        const QueryResult r = Conexion().query(u"select canal from canales where principal=1"_s);
+        const ResultadoConsulta r =
+            Conexion().query(u"select canal from canales where principal=1"_s);
         if (r.isEmpty()) return 0;
         return aEntero16(r.value(0, 0));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return 0;
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QString>
 #include <cstdint>
@@ -8,7 +8,7 @@
 // The one connection of the process and the files it can be opened on.
 
 // The connection every routine's SQL goes through.
-Database& Conexion();
+BaseDatos& Conexion();
 // The connection string of the open file, kept for what shows it.
 QString& gsCadenaConexion();
 

@@ -8,15 +8,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString leer(Database& db) {
+QString leer(BaseDatos& db) {
     if (!db.hasTable(u"Identidad"_s)) return QString();
-    const QueryResult r = db.query(u"SELECT uuid FROM Identidad LIMIT 1"_s);
+    const ResultadoConsulta r = db.query(u"SELECT uuid FROM Identidad LIMIT 1"_s);
     return r.isEmpty() ? QString() : r.value(0, 0).toString();
 }
 
 }  // namespace
 
-QString identidadBase(Database& db) {
+QString identidadBase(BaseDatos& db) {
     if (const QString guardada = leer(db); !guardada.isEmpty()) return guardada;
     // Under the write lock: two processes never give one database two names.
     Transaccion t(db);

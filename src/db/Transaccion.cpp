@@ -1,10 +1,10 @@
 #include "db/Transaccion.h"
 
-#include "base/ActivityLog.h"
+#include "base/RegistroActividad.h"
 
 using namespace Qt::StringLiterals;
 
-Transaccion::Transaccion(Database& db) : m_db(db) {
+Transaccion::Transaccion(BaseDatos& db) : m_db(db) {
     m_db.begin();
 }
 
@@ -12,7 +12,7 @@ Transaccion::~Transaccion() {
     if (!m_abierta) return;
     try {
         m_db.rollback();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo deshacer la transacción: "_s + e.description());
     }
 }
@@ -24,7 +24,7 @@ void Transaccion::commit() {
     } catch (...) {
         try {
             m_db.rollback();
-        } catch (const QuelmoError& e) {
+        } catch (const ErrorQuelmo& e) {
             msLog(u"No se pudo deshacer la transacción: "_s + e.description());
         }
         throw;

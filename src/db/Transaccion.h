@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 // A write transaction that ends on every way out of its scope: committed
 // by commit(), rolled back when the scope is left otherwise, by an
@@ -8,7 +8,7 @@
 // so a lock held elsewhere fails here, before anything was done under it.
 class Transaccion {
   public:
-    explicit Transaccion(Database& db);
+    explicit Transaccion(BaseDatos& db);
     ~Transaccion();
     Transaccion(const Transaccion&) = delete;
     Transaccion& operator=(const Transaccion&) = delete;
@@ -18,6 +18,6 @@ class Transaccion {
     void commit();
 
   private:
-    Database& m_db;
+    BaseDatos& m_db;
     bool m_abierta = true;
 };

@@ -1,21 +1,21 @@
 #include "db/mdoDB.h"
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-int ejecutar(Database& con, const QString& sql) {
+int ejecutar(BaseDatos& con, const QString& sql) {
     try {
         con.exec(sql);
         return 0;
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return -1;
     }
 }
 }  // namespace
 
-int msAddColumn(Database& con, const QString& table, const QString& column, const QString& type,
+int msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
                 const QString& def) {
     // An empty default makes a column without a default.
     QString sql = u"ALTER TABLE "_s + table + u" ADD COLUMN " + column + u' ' + type;
@@ -23,24 +23,24 @@ int msAddColumn(Database& con, const QString& table, const QString& column, cons
     return ejecutar(con, sql);
 }
 
-int msCreateTable(Database& con, const QString& table, const QString& firstColumn) {
+int msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn) {
     return ejecutar(con, u"CREATE TABLE "_s + table + u" (" + firstColumn + u')');
 }
 
-int msCreatePrimaryKey(Database& con, const QString& table, const QString& column) {
+int msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column) {
     // A key that is already there makes the step fail harmlessly.
     try {
-        const QueryResult r =
+        const ResultadoConsulta r =
             con.query(u"SELECT pk FROM pragma_table_info(?) WHERE name=?"_s, {table, column});
         if (r.isEmpty() || r.value(0, 0).toInt() != 0) return -1;
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return -1;
     }
     return ejecutar(con, u"CREATE UNIQUE INDEX primaryKey_"_s + table + u" ON " + table + u" (" +
                              column + u')');
 }
 
-int msRebuildAboAuto(Database& con) {
+int msRebuildAboAuto(BaseDatos& con) {
     try {
         if (!con.hasTable(u"AboAuto"_s) || con.hasColumn(u"AboAuto"_s, u"id_AboAuto"_s)) return -1;
         con.begin();
@@ -60,12 +60,12 @@ ALTER TABLE AboAuto_nueva RENAME TO AboAuto;
 CREATE INDEX IF NOT EXISTS AboAuto_Automatico ON AboAuto (Automatico);
 )SQL"_s);
             con.commit();
-        } catch (const DbError&) {
+        } catch (const ErrorBD&) {
             con.rollback();
             return -1;
         }
         return 0;
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return -1;
     }
 }
@@ -73,9 +73,9 @@ CREATE INDEX IF NOT EXISTS AboAuto_Automatico ON AboAuto (Automatico);
 void msActualizarBD(const QString& path) {
     // The upgrade's own connection; the shared one stays open on the
     // same file. If it does not open, nothing is upgraded.
-    Database ConexionUpgrade;
+    BaseDatos ConexionUpgrade;
     if (!ConexionUpgrade.open(path)) return;
-    Database& c = ConexionUpgrade;
+    BaseDatos& c = ConexionUpgrade;
 
     // Every step on its own; a failure is passed over.
     msAddColumn(c, u"Canales"_s, u"Remitente"_s, u"Text(16)"_s, QString());

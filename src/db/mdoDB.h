@@ -2,7 +2,7 @@
 
 #include <QString>
 
-class Database;
+class BaseDatos;
 
 // Brings a database file of an older release to the current schema. Every
 // step is tried on its own and a step that fails (because its result is
@@ -13,10 +13,10 @@ void msActualizarBD(const QString& path);
 
 // The statement routines: each runs one statement on the upgrade's own
 // connection, ignores its failure and returns -1 if it failed, 0 if not.
-int msAddColumn(Database& con, const QString& table, const QString& column, const QString& type,
+int msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
                 const QString& def);
-int msCreateTable(Database& con, const QString& table, const QString& firstColumn);
-int msCreatePrimaryKey(Database& con, const QString& table, const QString& column);
+int msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn);
+int msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column);
 // The engine can't drop a primary key or add an identity column in place, so
 // AboAuto gains `id_AboAuto` by a rebuild that keeps every row.
-int msRebuildAboAuto(Database& con);
+int msRebuildAboAuto(BaseDatos& con);

@@ -1,8 +1,8 @@
 #include "delivery/Lote.h"
 
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
+#include "base/Reloj.h"
 #include "delivery/qmXMLSend.h"
 
 #include <QStringList>
@@ -36,12 +36,12 @@ constexpr qsizetype kLargoPieza = 150;
 
 }  // namespace
 
-QueryResult leerFilas(Database& db, int16_t canal, int maximo) {
+ResultadoConsulta leerFilas(BaseDatos& db, int16_t canal, int maximo) {
     return db.query(u"Select * from envios where canal = ? limit ?"_s, {canal, maximo});
 }
 
-std::optional<Cuenta> leerCuenta(Database& db, int16_t canal) {
-    const QueryResult r = db.query(u"Select * from canales where canal = ?"_s, {canal});
+std::optional<Cuenta> leerCuenta(BaseDatos& db, int16_t canal) {
+    const ResultadoConsulta r = db.query(u"Select * from canales where canal = ?"_s, {canal});
     if (r.recordCount() < 1) return std::nullopt;
     Cuenta c;
     c.canal = r.value(0, 0);
@@ -97,7 +97,7 @@ QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, cons
     return r + u' ';
 }
 
-void aplicarResultado(Database& db, const qmXMLSend::Item& item, const QVariant& canal,
+void aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
                       const QString& crem) {
     const bool aceptado = item.Destino == kSimulado || item.Resultado;
     // Later pieces have no outbox row of their own.
@@ -107,11 +107,11 @@ void aplicarResultado(Database& db, const qmXMLSend::Item& item, const QVariant&
         if (aceptado) {
             db.exec(
                 u"insert into HEnvios (Abonado,Registro,Mensaje,Resultado,Canal,crem) Values (?,?,?,?,?,?)"_s,
-                {item.Destino, Clock::now(), item.Mensaje, item.Comentario, canal, crem});
+                {item.Destino, Reloj::now(), item.Mensaje, item.Comentario, canal, crem});
             if (primera) db.exec(u"delete from envios where id = ?"_s, {item.Key.toLongLong()});
         } else if (primera) {
             db.exec(u"Update envios set registro = ?, intento = intento-1 where id = ?"_s,
-                    {Clock::now(), item.Key.toLongLong()});
+                    {Reloj::now(), item.Key.toLongLong()});
         }
         db.release(u"item"_s);
     } catch (...) {
@@ -121,11 +121,11 @@ void aplicarResultado(Database& db, const qmXMLSend::Item& item, const QVariant&
     }
 }
 
-void actualizarCuenta(Database& db, int16_t canal, const QString& saldo, const QString& remitente,
+void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const QString& remitente,
                       const QString& movil) {
     if (!esNumerico(saldo))
-        throw QuelmoError(u"Saldo no válido en la respuesta de la plataforma: '"_s + saldo + u'\'',
-                          ErrNum::Platform);
+        throw ErrorQuelmo(u"Saldo no válido en la respuesta de la plataforma: '"_s + saldo + u'\'',
+                          ErrNum::Plataforma);
     db.exec(u"Update canales set saldo=?, Remitente=?, movil=? Where canal = ?"_s,
             {saldo.trimmed(), remitente, movil, canal});
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QString>
 #include <QVariant>
@@ -37,9 +37,9 @@ struct Pieza {
 };
 
 // The account's outbox rows, at most `maximo`.
-QueryResult leerFilas(Database& db, int16_t canal, int maximo);
+ResultadoConsulta leerFilas(BaseDatos& db, int16_t canal, int maximo);
 // The account, or nothing when no account has that code.
-std::optional<Cuenta> leerCuenta(Database& db, int16_t canal);
+std::optional<Cuenta> leerCuenta(BaseDatos& db, int16_t canal);
 
 // The text a row sends: the account's start and end texts around it, except
 // in an imported run of an account that leaves imported texts alone. The
@@ -68,12 +68,12 @@ QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, cons
 // becomes a history row (and its outbox row goes, for the first piece); a
 // refused first piece stamps its row and counts one attempt less. Both
 // writes of an item stand or fall together.
-void aplicarResultado(Database& db, const qmXMLSend::Item& item, const QVariant& canal,
+void aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant& canal,
                       const QString& crem);
 
 // The balance, the sender and the mobile number the platform reported.
-// Throws QuelmoError, writing nothing, for a balance that is not a number.
-void actualizarCuenta(Database& db, int16_t canal, const QString& saldo, const QString& remitente,
+// Throws ErrorQuelmo, writing nothing, for a balance that is not a number.
+void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const QString& remitente,
                       const QString& movil);
 
 }  // namespace Lote

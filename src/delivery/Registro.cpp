@@ -1,7 +1,7 @@
 #include "delivery/Registro.h"
 
+#include "base/Ajustes.h"
 #include "base/Despliegue.h"
-#include "base/Settings.h"
 
 #include <curl/curl.h>
 #include <QUrl>
@@ -62,7 +62,7 @@ RespuestaRegistro leer(const QByteArray& respuesta) {
 QString direccionRegistro() {
     QString base = Despliegue::plataforma();
     if (!base.endsWith(u'/')) base += u'/';
-    return Settings::getSetting(u"Despliegue"_s, u"Registro"_s, base + u"registro/alta"_s);
+    return Ajustes::getSetting(u"Despliegue"_s, u"Registro"_s, base + u"registro/alta"_s);
 }
 
 RespuestaRegistro msRegistrarUsuario(const SolicitudRegistro& s) {

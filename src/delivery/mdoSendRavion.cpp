@@ -1,17 +1,17 @@
 #include "delivery/mdoSendRavion.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
 #include "base/Cifrado.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Despliegue.h"
 #include "base/Error.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "base/Interruptor.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "base/SecretoOculto.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
 #include "db/Conexion.h"
 #include "db/Identidad.h"
 #include "db/Transaccion.h"
@@ -43,7 +43,7 @@ std::optional<int16_t> codigoCuenta(const QVariant& valor) {
 }  // namespace
 
 void SendMessage() {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     // A tick inside a tick (an event-loop turn of the log during a run) must
     // not start another run: it would send the same rows again.
     if (g.gbEnviando) return;
@@ -57,18 +57,18 @@ void SendMessage() {
             g.gbEnviando = false;
             g.gbImportado = false;
         });
-        const QString ruta = Settings::getSetting(u"ImportA"_s, u"Path"_s);
-        QString lista = Settings::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+        const QString ruta = Ajustes::getSetting(u"ImportA"_s, u"Path"_s);
+        QString lista = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
         if (lista.isEmpty()) lista = u"-1"_s;
         const bool addContactos =
-            aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+            aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
         // The flag goes up whether or not the file held anything.
         if (ruta.size() > 3) {
             msImportarFichero(ruta, false, true, lista, addContactos);
             g.gbImportado = true;
         }
         // Ascending by account code; an account's failure stays in it.
-        const QueryResult cuentas =
+        const ResultadoConsulta cuentas =
             Conexion().query(u"select canal from envios group by canal order by canal"_s);
         for (int i = 0; i < cuentas.recordCount(); ++i) {
             const std::optional<int16_t> canal = codigoCuenta(cuentas.value(i, 0));
@@ -84,7 +84,7 @@ void SendMessage() {
         g.gbEnviando = false;
         g.gbImportado = false;
         msAvisoVersionLog();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Error en SendMessage: "_s + e.description());
     } catch (const std::exception& e) {
         msLog(u"Error en SendMessage: "_s + QString::fromUtf8(e.what()));
@@ -95,7 +95,7 @@ namespace {
 
 // Read anew at each place that asks: the user may switch it during a run.
 bool depuracion() {
-    return Settings::getSetting(u"Tr"_s, u"Debug"_s) == u"RXXML"_s;
+    return Ajustes::getSetting(u"Tr"_s, u"Debug"_s) == u"RXXML"_s;
 }
 
 // Paces exchanges to at most one a second: waits until the second noted
@@ -124,7 +124,7 @@ const QString kTextoRemitente =
 // The platform's version code when it is newer than this release, else 0.
 // A code that is not a 16-bit number throws.
 int16_t versionNueva() {
-    const QString v = appState().gsVersionPlataforma.trimmed();
+    const QString v = estadoAplicacion().gsVersionPlataforma.trimmed();
     if (v.isEmpty()) return 0;
     const int16_t plataforma = aEntero16(v);
     return plataforma > versionCodigo() ? plataforma : 0;
@@ -152,8 +152,8 @@ std::unique_ptr<qmXMLSend::XMLSendClass> clientePara(const Lote::Cuenta& cuenta)
 }
 
 // The rows' items; a row without a telephone number stays in the outbox.
-void cargarItems(qmXMLSend::Coleccion& items, const QueryResult& lote, const Lote::Cuenta& cuenta,
-                 bool importado) {
+void cargarItems(qmXMLSend::Coleccion& items, const ResultadoConsulta& lote,
+                 const Lote::Cuenta& cuenta, bool importado) {
     if (depuracion()) msLog(u"Cargando Mensajes"_s);
     const int colId = lote.columnIndex(u"Id"_s);
     const int colMensaje = lote.columnIndex(u"Mensaje"_s);
@@ -211,7 +211,7 @@ struct Desenlace {
 // the run before anything is sent, never between the platform's acceptance
 // and our record of it. A resent item (after a crash) carries the same
 // reference, which the platform answers without sending again.
-Desenlace intercambiar(Database& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
+Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
                        int16_t canal, MedidaLote& medida) {
     Desenlace d;
     // Kept apart from the results: a reference must survive a rolled-back
@@ -238,14 +238,14 @@ Desenlace intercambiar(Database& db, qmXMLSend::XMLSendClass& cliente, const Lot
             d.lineas << item.Comentario + u" Para el "_s + item.Destino + u" -> "_s + item.Mensaje
                      << u"Su saldo en estos momentos es de : "_s + rx.saldo + u" Mensajes"_s;
         }
-        appState().MovilCuenta = rx.Movil;
+        estadoAplicacion().MovilCuenta = rx.Movil;
         // A balance that is no number leaves the items' results standing;
         // the caller reports it.
         if (esNumerico(rx.saldo))
             Lote::actualizarCuenta(
                 db, canal, rx.saldo,
                 Lote::remitenteAGuardar(cuenta.remopc, cuenta.remitente, rx.Movil), rx.Movil);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Items handled before the failure stay handled.
         transaccion.commit();
         for (const QString& l : std::as_const(d.depuracion)) msLog(l);
@@ -269,18 +269,18 @@ void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host) {
 int16_t msMaxLote() {
     int16_t lote = 25;
     try {
-        const QueryResult r = Conexion().query(u"Select maxlote from opciones where id=1"_s);
+        const ResultadoConsulta r = Conexion().query(u"Select maxlote from opciones where id=1"_s);
         if (r.recordCount() == 1) lote = aEntero16(r.value(0, 0));
         if (lote > 500 || lote < 1) lote = 25;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         lote = 25;
     }
     return lote;
 }
 
 void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
-    AppState& g = appState();
-    Database& db = Conexion();
+    EstadoAplicacion& g = estadoAplicacion();
+    BaseDatos& db = Conexion();
     MedidaLote medida;
     const auto entregar = qScopeGuard([&] {
         if (medidaLote) *medidaLote = medida;
@@ -291,7 +291,7 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     std::optional<SecretoOculto> oculta;
     try {
         g.giMaxLote = msMaxLote();
-        const QueryResult lote = Lote::leerFilas(db, canal, g.giMaxLote);
+        const ResultadoConsulta lote = Lote::leerFilas(db, canal, g.giMaxLote);
         if (lote.recordCount() == 0) return;
         // The rows wait, untouched, for an account.
         const std::optional<Lote::Cuenta> cuenta = Lote::leerCuenta(db, canal);
@@ -322,9 +322,9 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
             } else {
                 for (const QString& l : d.lineas) msLog(l);
                 if (!esNumerico(rx.saldo))
-                    throw QuelmoError(
+                    throw ErrorQuelmo(
                         u"Saldo no válido en la respuesta de la plataforma: '"_s + rx.saldo + u'\'',
-                        ErrNum::Platform);
+                        ErrNum::Plataforma);
                 Q_EMIT Avisos::instancia().cuentasCambiadas();
                 if (comentarioDice(rx.Comentario, u"Remitente NO Aceptado"_s))
                     ui().msgBox(kTextoRemitente, Msg::Exclamation, u"Remitente no aceptado"_s);
@@ -333,7 +333,7 @@ void msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
             g.gsSaldoCuenta = rx.saldo;
         }
         if (depuracion()) msLog(cliente->RXXML);
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Se ha producido un error en el proceso de envio, Cod: "_s +
               QString::number(e.number()) + u", Descripcion: "_s + e.description());
     }
@@ -346,7 +346,7 @@ void msAvisoVersionLog() {
 }
 
 QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host) {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     const SecretoOculto oculta(clave);
     try {
         // A balance query names no sender and no application.
@@ -375,7 +375,7 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         }
         msLog(comentario);
         return u"-1"_s;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         msLog(u"Error de conexión. Revise el estado de su conexión a Internet."_s);
         return u"-2"_s;
     }
@@ -384,7 +384,7 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
 QString SendAutCuenta(int16_t canal) {
     try {
         QString resultado = u"0"_s;
-        const QueryResult cuenta =
+        const ResultadoConsulta cuenta =
             Conexion().query(u"Select * from canales where canal = ?"_s, {canal});
         if (cuenta.recordCount() == 1) {
             const QString clave = msCifrarClave(textoDe(cuenta.value(0, u"clave"_s)), false);
@@ -398,11 +398,11 @@ QString SendAutCuenta(int16_t canal) {
                     Conexion(), canal, resultado,
                     Lote::remitenteAGuardar(cuenta.value(0, u"remopc"_s),
                                             textoDe(cuenta.value(0, u"Remitente"_s)).trimmed(),
-                                            appState().MovilCuenta),
-                    appState().MovilCuenta);
+                                            estadoAplicacion().MovilCuenta),
+                    estadoAplicacion().MovilCuenta);
         }
         return resultado;
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Error en SendAutCuenta: "_s + e.description());
         return QString();
     }

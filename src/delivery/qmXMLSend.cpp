@@ -26,7 +26,7 @@ void Coleccion::AddContacto(const QString& indice, const QString& codigo, const 
 }
 
 qmXMLSend::Item& Coleccion::Item(int i) {
-    if (i < 1 || i > m_items.size()) throw QuelmoError(u"Subíndice fuera del intervalo"_s, 9);
+    if (i < 1 || i > m_items.size()) throw ErrorQuelmo(u"Subíndice fuera del intervalo"_s, 9);
     return m_items[i - 1];
 }
 
@@ -100,7 +100,7 @@ QByteArray documentoPeticion(const XMLSendClass& c, bool lista) {
 namespace {
 
 [[noreturn]] void respuestaNoValida(const QString& motivo) {
-    throw QuelmoError(u"Respuesta no válida de la plataforma: "_s + motivo, ErrNum::Platform);
+    throw ErrorQuelmo(u"Respuesta no válida de la plataforma: "_s + motivo, ErrNum::Plataforma);
 }
 
 }  // namespace
@@ -187,8 +187,8 @@ class ClienteCurl : public XMLSendClass {
   public:
     ClienteCurl() : m_curl(curl_easy_init()) {
         if (!m_curl)
-            throw QuelmoError(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
-                              ErrNum::Platform);
+            throw ErrorQuelmo(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
+                              ErrNum::Plataforma);
     }
     ~ClienteCurl() override { curl_easy_cleanup(m_curl); }
 
@@ -238,17 +238,17 @@ class ClienteCurl : public XMLSendClass {
         ff = rc == CURLE_OK ? QString()
                             : QString::fromUtf8(error[0] ? error : curl_easy_strerror(rc));
         if (rc == CURLE_WRITE_ERROR)
-            throw QuelmoError(u"La respuesta de la plataforma supera el límite de %1 MB"_s.arg(
+            throw ErrorQuelmo(u"La respuesta de la plataforma supera el límite de %1 MB"_s.arg(
                                   kMaximoRespuesta / (1024 * 1024)),
-                              ErrNum::Platform);
+                              ErrNum::Plataforma);
         // No reply (refused, dropped, timed out): the caller sees an empty
         // Resultado and tells the user about the connection.
         if (rc != CURLE_OK) return;
         RXXML = QString::fromUtf8(respuesta);
         if (estado < 200 || estado > 299)
-            throw QuelmoError(
+            throw ErrorQuelmo(
                 u"La plataforma respondió con el estado HTTP "_s + QString::number(estado),
-                ErrNum::Platform);
+                ErrNum::Plataforma);
         leerRespuesta(*this, respuesta);
         nsRespuesta = reloj.nsecsElapsed();
     }
@@ -261,8 +261,8 @@ class ClienteCurl : public XMLSendClass {
 std::unique_ptr<XMLSendClass> crear() {
     static const bool iniciado = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
     if (!iniciado)
-        throw QuelmoError(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
-                          ErrNum::Platform);
+        throw ErrorQuelmo(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
+                          ErrNum::Plataforma);
     return std::make_unique<ClienteCurl>();
 }
 

@@ -83,7 +83,7 @@ class XMLSendClass {
 
     // One exchange with the platform. Comes back normally with an empty
     // RXAutentificacion.Resultado when no connection could be made or it
-    // timed out; throws QuelmoError for an HTTP error status or a reply that
+    // timed out; throws ErrorQuelmo for an HTTP error status or a reply that
     // is not a valid document. nn gets the HTTP status, ff the transport's
     // error text.
     virtual void SendXML(QString& nn, QString& ff) = 0;
@@ -97,13 +97,13 @@ class XMLSendClass {
 // The largest reply read: a larger one fails the exchange.
 inline constexpr qsizetype kMaximoRespuesta = 16 * 1024 * 1024;
 
-// Creates a client; throws QuelmoError when none can be made.
+// Creates a client; throws ErrorQuelmo when none can be made.
 std::unique_ptr<XMLSendClass> crear();
 
 // The document of a request and the reading of a reply, apart from the
 // transport so that their cost can be measured on its own.
 QByteArray documentoPeticion(const XMLSendClass& cliente, bool lista);
-// Fills RXAutentificacion and the items' results; throws QuelmoError when
+// Fills RXAutentificacion and the items' results; throws ErrorQuelmo when
 // the reply is not a valid document. A result for an item that was not
 // sent is passed over with a line in RXAvisos.
 void leerRespuesta(XMLSendClass& cliente, const QByteArray& respuesta);

@@ -1,6 +1,6 @@
 #include "history/frmEmergencias.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"

@@ -1,7 +1,7 @@
 #include "history/frmHEnvios.h"
 
-#include "base/Clock.h"
-#include "db/Database.h"
+#include "base/Reloj.h"
+#include "db/BaseDatos.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/PantallasHijas.h"
@@ -50,7 +50,7 @@ void ModeloHistorico::cargar() {
     beginResetModel();
     try {
         m_historico.cargar();
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         m_historico.limpiar();
     }
     endResetModel();
@@ -99,7 +99,7 @@ frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHi
     Option1_0->setObjectName(u"Option1_0"_s);
     Option1_1 = new QRadioButton(u"Fecha anterior a:"_s, Frame1);
     Option1_1->setObjectName(u"Option1_1"_s);
-    txtfecha = new QDateEdit(Clock::today(), Frame1);
+    txtfecha = new QDateEdit(Reloj::today(), Frame1);
     txtfecha->setObjectName(u"txtfecha"_s);
     txtfecha->setDisplayFormat(u"dd/MM/yyyy"_s);
     txtfecha->setCalendarPopup(true);

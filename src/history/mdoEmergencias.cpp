@@ -1,10 +1,10 @@
 #include "history/mdoEmergencias.h"
 
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
@@ -24,7 +24,7 @@ QList<FilaEmergencia> msCargarEmergencias(bool* completa) {
     if (completa) *completa = false;
     try {
         // One read for all: the calculator's columns first, then ours.
-        const QueryResult r = Conexion().query(
+        const ResultadoConsulta r = Conexion().query(
             u"SELECT "_s + clsNextTarea::columnasFila() +
             u", Codigo, Nombre, (TareaProgramada = true) AS activa, "
             u"(SELECT count(Automatico) FROM AboAuto WHERE Automatico = Automaticos.Codigo) "
@@ -55,7 +55,7 @@ QList<FilaEmergencia> msCargarEmergencias(bool* completa) {
             filas.append(f);
         }
         if (completa) *completa = true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // The list stays as far as it came.
     }
     return filas;
@@ -63,10 +63,10 @@ QList<FilaEmergencia> msCargarEmergencias(bool* completa) {
 
 int32_t codigoDeNombre(const QString& nombre) {
     try {
-        const QueryResult r = Conexion().query(
+        const ResultadoConsulta r = Conexion().query(
             u"SELECT Codigo FROM Automaticos WHERE Nombre = ? ORDER BY Codigo LIMIT 1"_s, {nombre});
         return r.isEmpty() ? -1 : int32_t(numeroDe(r.value(0, 0)));
-    } catch (const DbError&) {
+    } catch (const ErrorBD&) {
         return -1;
     }
 }
@@ -78,10 +78,10 @@ QString numeroEmergencia(const QString& abonado) {
 }
 
 int msEnviarEmergencia(int32_t codigo) {
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     int puestos = 0;
     try {
-        const QueryResult destinos =
+        const ResultadoConsulta destinos =
             bd.query(u"SELECT Abonado, Mensaje FROM AboAuto WHERE Automatico = ? ORDER BY rowid"_s,
                      {codigo});
         if (destinos.isEmpty()) {
@@ -93,11 +93,11 @@ int msEnviarEmergencia(int32_t codigo) {
         // of them queued, to go twice when the user tries again.
         bd.begin();
         try {
-            const QDateTime ahora = Clock::now();
+            const QDateTime ahora = Reloj::now();
             for (int i = 0; i < destinos.recordCount(); ++i) {
                 const QString abonado = textoDe(destinos.value(i, 0));
                 // The account is the contact's; a deleted contact is left out.
-                const QueryResult contacto =
+                const ResultadoConsulta contacto =
                     bd.query(u"SELECT Canal FROM Abonados WHERE Codigo = ?"_s, {abonado});
                 if (contacto.isEmpty()) continue;
                 const QString numero = numeroEmergencia(abonado);
@@ -112,7 +112,7 @@ int msEnviarEmergencia(int32_t codigo) {
             bd.rollback();
             throw;
         }
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Critical);
         return -1;
     }

@@ -1,10 +1,10 @@
 #include "history/mdoHistorico.h"
 
 #include "accounts/mdoCuentas.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Clock.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -239,7 +239,7 @@ uint32_t Historico::internar(const char* t, int n) {
 
 void Historico::cargar() {
     limpiar();
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     const int n = int(bd.query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toLongLong());
     m_fecha.reserve(size_t(n));
     m_cortes.reserve(size_t(n) * 2 + 1);
@@ -254,8 +254,8 @@ void Historico::cargar() {
         "SELECT Registro, Abonado, coalesce(crem, Canal), Mensaje, Resultado FROM HEnvios";
     if (!h || sqlite3_prepare_v2(h, sql, -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
-        throw DbError(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
-                      ErrNum::Database);
+        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
+                      ErrNum::BaseDatos);
     }
     auto texto = [s](int i) {
         return std::pair{reinterpret_cast<const char*>(sqlite3_column_text(s, i)),
@@ -281,7 +281,7 @@ void Historico::cargar() {
     sqlite3_finalize(s);
     if (rc != SQLITE_DONE) {
         limpiar();
-        throw DbError(error, ErrNum::Database);
+        throw ErrorBD(error, ErrNum::BaseDatos);
     }
     // The table is read in its own order, which is the order of delivery,
     // faster than through the date's index; newest first is then mostly a
@@ -392,8 +392,8 @@ bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QStr
     try {
         filas = Conexion().exec(
             u"INSERT INTO envios (Abonado,Mensaje,intento,Registro,Canal) VALUES (?,?,2,?,?)"_s,
-            {numero, mensaje, Clock::now(), canal});
-    } catch (const DbError&) {
+            {numero, mensaje, Reloj::now(), canal});
+    } catch (const ErrorBD&) {
         filas = 0;
     }
     if (filas <= 0) {
@@ -424,7 +424,7 @@ bool msBorrarAnteriores(const QString& fecha) {
     try {
         Conexion().exec(u"DELETE FROM HEnvios WHERE Registro < ?"_s,
                         {dia.toString(u"yyyy-MM-dd"_s)});
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;
@@ -436,7 +436,7 @@ bool msBorrarTodos() {
         return false;
     try {
         Conexion().exec(u"DELETE FROM HEnvios"_s);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
     return true;

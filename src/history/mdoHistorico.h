@@ -20,7 +20,7 @@ class Historico {
   public:
     enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
 
-    // Reads the whole table, newest first; throws DbError. The order is
+    // Reads the whole table, newest first; throws ErrorBD. The order is
     // then that of the "id" column, descending.
     void cargar();
     void limpiar();

@@ -1,11 +1,11 @@
 #include "import/frmSelectDB.h"
 
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
 #include "import/mdoImport.h"
@@ -118,13 +118,13 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     Cmblista_Click();
 
     // Only the six lines of the combo are kept; anything else is 60.
-    const QString leido = Settings::getSetting(u"Tr"_s, u"Interval"_s);
+    const QString leido = Ajustes::getSetting(u"Tr"_s, u"Interval"_s);
     int linea = 5;
     if (esNumerico(leido)) {
         int valor = 0;
         try {
             valor = aEntero16(leido);
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             // Too large to be an interval: the default below takes over.
         }
         if (valor < 2) valor = 60;
@@ -132,7 +132,7 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
             if (kSegundos[i] == valor) linea = i;
     }
     cmbIntervalo->setCurrentIndex(linea);
-    Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(kSegundos[linea]));
+    Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(kSegundos[linea]));
     Q_EMIT Avisos::instancia().intervaloLeido(kSegundos[linea]);
     msSeccion.clear();
 }
@@ -152,12 +152,12 @@ void frmSelectDB::showEvent(QShowEvent* event) {
 void frmSelectDB::activar() {
     QString ruta;
     if (mbImportacion) {
-        ruta = Settings::getSetting(seccion(), u"Path"_s,
-                                    directorioAplicacion() + u"/intercambio.txt"_s);
+        ruta = Ajustes::getSetting(seccion(), u"Path"_s,
+                                   directorioAplicacion() + u"/intercambio.txt"_s);
         m_tituloDialogo = u"Seleccione Fichero de intercambio"_s;
         m_filtroDialogo = u"Ficheros (*.txt);;Todos (*)"_s;
     } else {
-        ruta = Settings::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
+        ruta = Ajustes::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
         setWindowTitle(u"Seleccionar Base de Datos"_s);
         cmdAdd->setEnabled(false);
         m_tituloDialogo = u"Seleccione su Base de Datos"_s;
@@ -204,7 +204,7 @@ void frmSelectDB::XPButton1_Click() {
 void frmSelectDB::XPButton2_Click() {
     if (mbImportacion) {
         lblFichero->clear();
-        Settings::saveSetting(seccion(), u"Path"_s, QString());
+        Ajustes::saveSetting(seccion(), u"Path"_s, QString());
         // Until the program restarts or the switch starts it again.
         Q_EMIT Avisos::instancia().cicloDetenido();
     } else {
@@ -245,7 +245,7 @@ void frmSelectDB::msAceptarBD() {
         ui().msgBox(u"Imposible conectar con la base de datos"_s, Msg::Exclamation);
         return;
     }
-    Settings::saveSetting(u"BD"_s, u"Path"_s, ruta);
+    Ajustes::saveSetting(u"BD"_s, u"Path"_s, ruta);
     // Every open screen shows the other file's accounts and outbox.
     Q_EMIT Avisos::instancia().cuentasCambiadas();
     Q_EMIT Avisos::instancia().bandejaCambiada();
@@ -255,12 +255,12 @@ void frmSelectDB::msAceptarImportacion(bool aceptar) {
     const QString s = seccion();
     if (!aceptar) {
         // Cancelling ends the choice; for the watch it ends the watch.
-        Settings::saveSetting(s, u"Path"_s, QString());
+        Ajustes::saveSetting(s, u"Path"_s, QString());
         return;
     }
     const QString ruta = lblFichero->text();
     if (ruta.isEmpty()) return;
-    Settings::saveSetting(s, u"Path"_s, ruta);
+    Ajustes::saveSetting(s, u"Path"_s, ruta);
     QString textoLista;
     if (Cmblista->currentIndex() == 0)
         textoLista = u"-1"_s;
@@ -268,8 +268,8 @@ void frmSelectDB::msAceptarImportacion(bool aceptar) {
         textoLista = lista->text();
     else
         textoLista = msCodigoListaPorNombre(Cmblista->currentText().mid(6));
-    Settings::saveSetting(s, u"Lista"_s, textoLista);
-    Settings::saveSetting(s, u"AddContactos"_s, Chkcontactos->isChecked() ? u"1"_s : u"0"_s);
+    Ajustes::saveSetting(s, u"Lista"_s, textoLista);
+    Ajustes::saveSetting(s, u"AddContactos"_s, Chkcontactos->isChecked() ? u"1"_s : u"0"_s);
     guardarIntervalo();
 }
 
@@ -277,7 +277,7 @@ void frmSelectDB::guardarIntervalo() {
     // Every section stores it, also where the combo is hidden: it then
     // repeats the value stored before.
     const int segundos = segundosDeLinea(cmbIntervalo->currentIndex());
-    Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
+    Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
     // The new interval counts from now.
     Q_EMIT Avisos::instancia().intervaloCambiado(segundos);
 }

@@ -1,13 +1,13 @@
 #include "import/mdoImport.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/Settings.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 
 #include <fcntl.h>
@@ -62,14 +62,14 @@ void registrar(const QString& texto) {
 struct Diferir {
     explicit Diferir(Tramo* tramo) {
         tramo->sello = marcaTiempoLog() + u" - "_s;
-        tramo->ahora = aTextoBD(Clock::now());
+        tramo->ahora = aTextoBD(Reloj::now());
         g_tramo = tramo;
     }
     ~Diferir() { g_tramo = nullptr; }
 };
 
 void volcar(QStringList& pendientes) {
-    for (const QString& l : std::as_const(pendientes)) appState().log.append(l);
+    for (const QString& l : std::as_const(pendientes)) estadoAplicacion().log.append(l);
     pendientes.clear();
 }
 
@@ -95,7 +95,7 @@ bool insertarContacto(const QString& cuenta, const QString& numero, const QStrin
         Conexion().exec(u"Insert Into Abonados (Canal,Codigo,alias,Comentario) values (?,?,?,'')"_s,
                         {valorCuenta(cuenta), numero, alias});
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -121,8 +121,8 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         if (g_tramo && g_tramo->cuentas.contains(cuenta)) {
             existe = g_tramo->cuentas.value(cuenta);
         } else {
-            const QueryResult r = Conexion().query(u"Select count(*) from canales where canal =?"_s,
-                                                   {valorCuenta(cuenta)});
+            const ResultadoConsulta r = Conexion().query(
+                u"Select count(*) from canales where canal =?"_s, {valorCuenta(cuenta)});
             existe = numeroDe(r.value(0, 0)) >= 1;
             if (g_tramo) g_tramo->cuentas.insert(cuenta, existe);
         }
@@ -131,7 +131,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                       cuenta);
             return Linea::Mal;
         }
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return Linea::Abandonada;
     }
 
@@ -149,11 +149,11 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         try {
             Conexion().exec(
                 u"Insert Into envios (Registro,Canal,Abonado,Mensaje,intento) values (?,?,?,?,2)"_s,
-                {g_tramo ? QVariant(g_tramo->ahora) : QVariant(Clock::now()), valorCuenta(cuenta),
+                {g_tramo ? QVariant(g_tramo->ahora) : QVariant(Reloj::now()), valorCuenta(cuenta),
                  numero, texto});
             registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " + texto);
             resultado = Linea::Bien;
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             registrar(u"Mensaje NO Importado para el Destino : "_s + numero + u", Texto: " + texto);
             resultado = Linea::Mal;
         }
@@ -165,10 +165,10 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         if (!hecho) {
             QString otro = alias;
             try {
-                const QueryResult r = Conexion().query(
+                const ResultadoConsulta r = Conexion().query(
                     u"Select count(*) from Abonados where upper(alias) = upper(?)"_s, {alias});
                 if (numeroDe(r.value(0, 0)) >= 1) otro = aliasConSufijo(alias);
-            } catch (const QuelmoError&) {
+            } catch (const ErrorQuelmo&) {
                 // Without the count the alias is tried as it is; a refusal is logged below.
             }
             hecho = insertarContacto(cuenta, numero, otro);
@@ -188,7 +188,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                                 {numero, int(lista)});
                 registrar(u"Contacto: "_s + alias + u" Añadido a lista: " +
                           u"%1"_s.arg(int(lista), 3, 10, QChar(u'0')));
-            } catch (const QuelmoError&) {
+            } catch (const ErrorQuelmo&) {
                 // Already a member of the list: nothing to add, nothing to say.
             }
         }
@@ -199,7 +199,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
 // Creates the list; `alCrear` runs in the same transaction as the insert,
 // so a record of the new code can't be lost or doubled against the list.
 int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear) {
-    const QueryResult r = Conexion().query(u"Select Max(Grupo) From Grupos"_s);
+    const ResultadoConsulta r = Conexion().query(u"Select Max(Grupo) From Grupos"_s);
     int16_t codigo = 0;
     if (r.value(0, 0).isNull()) {
         if (nombre.isEmpty()) nombre = u"Lista de Contactos Importada Nº 0"_s;
@@ -214,11 +214,11 @@ int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear)
             return 0;
         }
     }
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     bd.begin();
     try {
         bd.exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {int(codigo), nombre});
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A list of that code already stands: the lines join it.
     }
     try {
@@ -239,13 +239,13 @@ int16_t resolverLista(QString& lista, bool addContactos,
     if (numerico) {
         try {
             codigo = aEntero16(lista);
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             // Too large for a list code: list 0, as for no number at all.
         }
     }
     bool crear = !numerico;
     if (numerico && codigo != -1 && addContactos) {
-        const QueryResult r =
+        const ResultadoConsulta r =
             Conexion().query(u"Select count(*) from grupos where grupo =?"_s, {int(codigo)});
         crear = numeroDe(r.value(0, 0)) == 0;
     }
@@ -355,7 +355,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
         msLog(u"Error Abriendo fichero : "_s + path);
         return Final::NoAbierto;
     }
-    Database& bd = Conexion();
+    BaseDatos& bd = Conexion();
     const QString baseDatos = bd.path();
     bool alguna = p.vistas > 0;
     try {
@@ -372,7 +372,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
         while (mas) {
             // A database chosen meanwhile gets none of this file's rows.
             if (bd.path() != baseDatos)
-                throw DbError(u"La base de datos cambió durante la importación"_s);
+                throw ErrorBD(u"La base de datos cambió durante la importación"_s);
             Tramo tramo;
             bd.begin();
             QElapsedTimer reloj;
@@ -402,7 +402,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
                     }
                     if (g.alCerrarTramo) g.alCerrarTramo(p, !mas && alguna);
                     bd.commit();
-                } catch (const QuelmoError&) {
+                } catch (const ErrorQuelmo&) {
                     bd.rollback();
                     throw;
                 }
@@ -411,7 +411,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             punto("tramo");
             ui().processEvents();
         }
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
         return Final::Interrumpida;
     }
@@ -516,7 +516,7 @@ void importarReclamo(Reclamo& r) {
 }
 
 void reanudarReclamos() {
-    const QueryResult q = Conexion().query(
+    const ResultadoConsulta q = Conexion().query(
         u"SELECT Fichero,Origen,Contactos,Lista,AddContactos,ListaCodigo,Lineas,Vistas,"
         u"Correctas,Terminado FROM ImportReclamado ORDER BY Fichero"_s);
     for (int i = 0; i < q.recordCount(); ++i) {
@@ -557,7 +557,7 @@ void importarVigilado(const QString& path, bool contactos, const QString& lista,
     try {
         asegurarTabla();
         reanudarReclamos();
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
         return;
     }
@@ -589,7 +589,7 @@ void importarVigilado(const QString& path, bool contactos, const QString& lista,
         punto("reclamado");
         msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
         importarReclamo(r);
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
     }
 }
@@ -615,13 +615,13 @@ bool msImportarLinea(const QVariant& cuenta, const QString& numero, const QStrin
 int16_t msCrearListaImportada(QString& nombre) {
     try {
         return crearLista(nombre, {});
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return 0;
     }
 }
 
 QString aliasConSufijo(const QString& alias) {
-    const QueryResult r =
+    const ResultadoConsulta r =
         Conexion().query(u"Select count(*) from Abonados where upper(alias) like upper(?)"_s,
                          {QString(alias + u"_%"_s)});
     return alias + u'_' + QString::number(numeroDe(r.value(0, 0)) + 1);
@@ -648,7 +648,7 @@ void msImportarFichero(const QString& path, bool contactos, bool borrar, const Q
         return;
     }
     const QString copia = directorioAplicacion() + u"/Import_"_s +
-                          Clock::now().toString(u"yyMMddHHmmss"_s) + u".txt"_s;
+                          Reloj::now().toString(u"yyMMddHHmmss"_s) + u".txt"_s;
     if (!QFileInfo::exists(path)) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
         return;
@@ -666,33 +666,33 @@ void msImportarFichero(const QString& path, bool contactos, bool borrar, const Q
 }
 
 bool msImportarManual() {
-    const QString ruta = Settings::getSetting(u"Import"_s, u"Path"_s);
+    const QString ruta = Ajustes::getSetting(u"Import"_s, u"Path"_s);
     // The list goes through a number and back: a name becomes the empty
     // text, which asks for a list with a default name.
-    const QString listaGuardada = Settings::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    const QString listaGuardada = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
     QString lista;
     if (esNumerico(listaGuardada)) {
         try {
             lista = QString::number(aEntero16(listaGuardada));
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             // A stored value too large for a list code means no list.
         }
     }
     bool anadir = false;
     try {
-        anadir = aBooleano(Settings::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
-    } catch (const QuelmoError&) {
+        anadir = aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+    } catch (const ErrorQuelmo&) {
         // A value mangled by hand adds no contacts, as if never set.
     }
     if (ruta.size() <= 3) return false;
     msImportarFichero(ruta, false, false, lista, anadir);
-    appState().gbImportado = true;
+    estadoAplicacion().gbImportado = true;
     return true;
 }
 
 bool msImportarContactos() {
-    const QString ruta = Settings::getSetting(u"ImportUser"_s, u"Path"_s);
-    const QString lista = Settings::getSetting(u"ImportUser"_s, u"Lista"_s);
+    const QString ruta = Ajustes::getSetting(u"ImportUser"_s, u"Path"_s);
+    const QString lista = Ajustes::getSetting(u"ImportUser"_s, u"Lista"_s);
     if (ruta.size() <= 3) return false;
     msImportarFichero(ruta, true, false, lista, true);
     return true;
@@ -701,13 +701,13 @@ bool msImportarContactos() {
 QStringList msListasSeleccion() {
     QStringList lineas;
     try {
-        const QueryResult r = Conexion().query(
+        const ResultadoConsulta r = Conexion().query(
             u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) "
             u"AS Contactos FROM Grupos order by nombre"_s);
         for (int i = 0; i < r.recordCount(); ++i)
             lineas.append(u"%1"_s.arg(numeroDe(r.value(i, u"Grupo"_s)), 3, 10, QChar(u'0')) +
                           u" - "_s + textoDe(r.value(i, u"Nombre"_s)));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A database without lists offers none to choose.
     }
     return lineas;
@@ -715,10 +715,10 @@ QStringList msListasSeleccion() {
 
 QString msCodigoListaPorNombre(const QString& nombre) {
     try {
-        const QueryResult r =
+        const ResultadoConsulta r =
             Conexion().query(u"select grupo from grupos where nombre=?"_s, {nombre});
         if (!r.isEmpty()) return textoDe(r.value(0, 0));
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A database without lists knows no list by that name.
     }
     return QString();

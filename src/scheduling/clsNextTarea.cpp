@@ -1,8 +1,8 @@
 #include "scheduling/clsNextTarea.h"
 
-#include "base/AppState.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 
 #include <optional>
@@ -44,7 +44,7 @@ QDateTime local(const QDateTime& ingenuo) {
 }
 
 [[noreturn]] void faltaValor() {
-    throw QuelmoError(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
+    throw ErrorQuelmo(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
 }
 
 // A stored date-time column as a wall-clock value. The stored form is read
@@ -61,14 +61,14 @@ QDateTime fechaDe(const QVariant& v) {
         if (d.isValid() && t.isValid()) return ingenua(d, t);
     }
     const QDateTime leida = deTextoBD(s);
-    if (!leida.isValid()) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
+    if (!leida.isValid()) throw ErrorQuelmo(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     return ingenua(leida.date(), leida.time());
 }
 
 int16_t enteroDe(const QVariant& v) {
     if (v.typeId() == QMetaType::LongLong) {
         const qlonglong n = v.toLongLong();
-        if (n < -32768 || n > 32767) throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
+        if (n < -32768 || n > 32767) throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
         return int16_t(n);
     }
     return aEntero16(v);
@@ -121,7 +121,7 @@ bool leerSeparador(const QString& s, qsizetype& i, QChar c) {
 }  // namespace
 
 FechaNoValida::FechaNoValida(const QString& texto)
-    : QuelmoError(u"No coinciden los tipos: \""_s + texto + u"\" no es una fecha"_s,
+    : ErrorQuelmo(u"No coinciden los tipos: \""_s + texto + u"\" no es una fecha"_s,
                   ErrNum::TypeMismatch) {}
 
 QDateTime clsNextTarea::fechaCero() {
@@ -165,7 +165,7 @@ QDateTime clsNextTarea::leerFecha(const QString& texto) {
 
 void clsNextTarea::setCodigo(int32_t codigo) {
     m_codigo = codigo;
-    const QueryResult fila = Conexion().query(
+    const ResultadoConsulta fila = Conexion().query(
         u"SELECT "_s + kColumnas + u" FROM Automaticos WHERE codigo=? and tareaProgramada=true"_s,
         {codigo});
     m_fila = fila.isEmpty() ? QVector<QVariant>() : fila.row(0);
@@ -175,7 +175,7 @@ QString clsNextTarea::columnasFila() {
     return kColumnas;
 }
 
-void clsNextTarea::setFila(int32_t codigo, const QueryResult& filas, int fila) {
+void clsNextTarea::setFila(int32_t codigo, const ResultadoConsulta& filas, int fila) {
     m_codigo = codigo;
     m_fila = filas.row(fila).mid(0, kNumColumnas);
 }
@@ -450,7 +450,7 @@ void clsNextTarea::calcular(bool alDia) {
     leerUltimaTarea();
     // One reading of the clock serves the whole calculation, which takes
     // microseconds.
-    const QDateTime reloj = Clock::now();
+    const QDateTime reloj = Reloj::now();
     m_reloj = ingenua(reloj.date(), reloj.time());
 
     Calculo calculo(m_fila, m_reloj, alDia, m_fechaProximaTarea, m_hayTarea);
@@ -487,7 +487,7 @@ void clsNextTarea::leerUltimaTarea() {
     }
     try {
         m_ultimaTarea = fechaDe(ultima);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Silence is the rule here: an unreadable last run keeps what the
         // member held, and the calculation goes on.
     }

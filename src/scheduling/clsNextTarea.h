@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Error.h"
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -22,7 +22,7 @@ enum class Periodicidad : int16_t {
 // as a type mismatch (ErrNum::TypeMismatch); the results keep what the
 // calculation had assigned before it, so a caller that goes on past a
 // failed row reads those values.
-class FechaNoValida : public QuelmoError {
+class FechaNoValida : public ErrorQuelmo {
   public:
     explicit FechaNoValida(const QString& texto);
 };
@@ -33,7 +33,7 @@ class FechaNoValida : public QuelmoError {
 // calculation assigns, so an unassigned result carries over from the row
 // before. A fresh object holds false and the zero date (30/12/1899).
 //
-// Failures (FechaNoValida, DbError, a null where a number or date is
+// Failures (FechaNoValida, ErrorBD, a null where a number or date is
 // needed) pass to the caller.
 class clsNextTarea {
   public:
@@ -43,7 +43,7 @@ class clsNextTarea {
     // The same for a row read beforehand, when a walk over many rows has
     // them all at hand: `filas` holds, first, the columns of columnasFila(),
     // and only rows whose schedule is on.
-    void setFila(int32_t codigo, const QueryResult& filas, int fila);
+    void setFila(int32_t codigo, const ResultadoConsulta& filas, int fila);
     static QString columnasFila();
 
     // Last run; 01/01/1900 when the row has none.

@@ -1,10 +1,10 @@
 #include "scheduling/clsTareasPendientes.h"
 
-#include "base/AppState.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
@@ -19,7 +19,7 @@ QString activas() {
            u", Codigo FROM Automaticos WHERE tareaProgramada=true"_s;
 }
 
-int32_t codigoDe(const QueryResult& filas, int fila) {
+int32_t codigoDe(const ResultadoConsulta& filas, int fila) {
     return aEntero32(filas.value(fila, filas.columnCount() - 1).toString());
 }
 
@@ -33,7 +33,7 @@ void ejecutar(bool pasarFallos, F&& paso) {
     }
     try {
         paso();
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Silent on purpose: the caller asked for this step to be passed over.
     }
 }
@@ -42,9 +42,9 @@ void ejecutar(bool pasarFallos, F&& paso) {
 
 void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima,
                                        bool pasarFallos) {
-    Database& db = Conexion();
+    BaseDatos& db = Conexion();
     // A recipient whose contact is gone falls away in the join.
-    QueryResult destinos;
+    ResultadoConsulta destinos;
     ejecutar(pasarFallos, [&] {
         destinos = db.query(
             u"Select AboAuto.abonado, AboAuto.mensaje,Abonados.canal from AboAuto, Abonados "
@@ -69,7 +69,7 @@ void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDate
         ejecutar(pasarFallos, [&] {
             db.exec(
                 u"insert into envios (abonado,mensaje,canal,intento,registro) values (?,?,?,2,?)"_s,
-                {numero, mensaje, canal, Clock::now()});
+                {numero, mensaje, canal, Reloj::now()});
         });
         // Once for each recipient, not once for the run.
         ejecutar(pasarFallos, [&] {
@@ -82,7 +82,7 @@ int16_t clsTareasPendientes::ReLoad() {
     // From here on a failing statement is passed over: one bad row must
     // not keep the others from going out.
     constexpr bool pasar = true;
-    m_activas = QueryResult();
+    m_activas = ResultadoConsulta();
     ejecutar(pasar, [&] { m_activas = Conexion().query(activas()); });
     if (!(m_activas.recordCount() > 0)) return 0;
 
@@ -116,7 +116,7 @@ int16_t clsTareasPendientes::PendientesEnviar() {
     // later rows wait for the next start.
     try {
         return recorrerPendientes();
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return 0;
     }
 }
@@ -132,12 +132,12 @@ int16_t clsTareasPendientes::recorrerPendientes() {
         const int32_t codigo = codigoDe(m_activas, i);
         tarea.setFila(codigo, m_activas, i);
         tarea.CalcularProximaTarea2();
-        if (!(Clock::now() >= tarea.FechaProximaTarea())) continue;
+        if (!(Reloj::now() >= tarea.FechaProximaTarea())) continue;
         if (!tarea.HayTarea() || !(tarea.FechaProximaTarea() > tarea.UltimaTarea())) continue;
         if (!preguntado) {
             // Only today's runs are offered; the first of another day ends
             // the walk.
-            if (Clock::now().date() != tarea.FechaProximaTarea().date()) return 0;
+            if (Reloj::now().date() != tarea.FechaProximaTarea().date()) return 0;
             const int respuesta = ui().msgBox(
                 u"Tiene mensajes programados para hoy pendientes de enviar\n\n"
                 u"¿Desea enviarlos ahora?"_s,
@@ -148,7 +148,7 @@ int16_t clsTareasPendientes::recorrerPendientes() {
         // The time of sending stands as the last run, read for each recipient.
         ++cuenta;
         dispararFila(
-            codigo, [] { return Clock::now(); }, false);
+            codigo, [] { return Reloj::now(); }, false);
     }
     return cuenta;
 }

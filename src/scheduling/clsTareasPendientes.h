@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QDateTime>
 #include <cstdint>
@@ -24,5 +24,5 @@ class clsTareasPendientes {
     // row's last run, once for each recipient.
     void dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima, bool pasarFallos);
 
-    QueryResult m_activas;
+    ResultadoConsulta m_activas;
 };

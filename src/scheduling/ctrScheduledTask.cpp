@@ -1,7 +1,7 @@
 #include "scheduling/ctrScheduledTask.h"
 
-#include "base/AppState.h"
-#include "base/Clock.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
 #include "scheduling/ctrNumberPick.h"
 
 #include <QButtonGroup>
@@ -91,7 +91,7 @@ ctrScheduledTask::ctrScheduledTask(QWidget* parent) : QWidget(parent) {
 }
 
 void ctrScheduledTask::construir() {
-    const QDate hoy = Clock::today();
+    const QDate hoy = Reloj::today();
     auto etiqueta = [this](const QString& t) { return new QLabel(t, this); };
 
     cmbTipoTask = new QComboBox(this);
@@ -102,7 +102,7 @@ void ctrScheduledTask::construir() {
     dpHora->setObjectName(u"dpHora"_s);
     dpHora->setDisplayFormat(u"HH:mm"_s);
     dpHora->setKeyboardTracking(false);
-    dpHora->setTime(QTime((Clock::now().time().hour() + 1) % 24, 0));
+    dpHora->setTime(QTime((Reloj::now().time().hour() + 1) % 24, 0));
 
     const QStringList titulos{u"Tarea - Una sola vez "_s, u"Tarea - Diaria "_s,
                               u"Tarea - Semanales "_s, u"Tarea - Mensual "_s, u"Tarea - Anual"_s};
@@ -273,19 +273,19 @@ void ctrScheduledTask::dpFechaFin_Change() {
         if (dpFechaFin->date() < dpFechaIni->date()) {
             error(u"La fecha seleccionada, no debe ser anterior a la fecha de inicio."_s);
             dpFechaFin->setDate(dpFechaIni->date());
-        } else if (dpFechaFin->date() < Clock::today()) {
+        } else if (dpFechaFin->date() < Reloj::today()) {
             error(u"La fecha seleccionada, no debe ser anterior a la fecha actual."_s);
-            dpFechaFin->setDate(Clock::today());
+            dpFechaFin->setDate(Reloj::today());
         }
     }
     Q_EMIT Change();
 }
 
 void ctrScheduledTask::mvFecha_Change() {
-    if (!m_escribiendo && mvFecha->selectedDate() < Clock::today()) {
+    if (!m_escribiendo && mvFecha->selectedDate() < Reloj::today()) {
         error(u"La fecha seleccionada, no debe ser anterior a la fecha actual."_s);
         const QSignalBlocker bloqueo(mvFecha);
-        mvFecha->setSelectedDate(Clock::today());
+        mvFecha->setSelectedDate(Reloj::today());
     }
     Q_EMIT Change();
 }
@@ -414,7 +414,7 @@ void ctrScheduledTask::setP_Fecha_Fin(const QDate& v) {
     const bool sinFin = v == fechaMaxima();
     chkFechaFin->setChecked(!sinFin);
     dpFechaFin->setEnabled(!sinFin);
-    dpFechaFin->setDate(sinFin ? Clock::today() : v);
+    dpFechaFin->setDate(sinFin ? Reloj::today() : v);
     m_escribiendo = false;
     Q_EMIT Change();
 }

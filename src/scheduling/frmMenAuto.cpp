@@ -1,6 +1,6 @@
 #include "scheduling/frmMenAuto.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "scheduling/frmNewMenAuto2.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
@@ -49,7 +49,7 @@ frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
 void frmMenAuto::requery() {
     try {
         m_lineas = leerMensajesProgramados();
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         m_lineas = LineasMenAuto();
     }
     ListView1->modelo()->asignar(m_lineas.celdas);
@@ -65,7 +65,7 @@ void frmMenAuto::cmdAdd_Click() {
     int32_t codigo = 1;
     try {
         codigo = proximoCodigoAutomatico();
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Unreadable codes: the first one is proposed, the save checks it.
     }
     {

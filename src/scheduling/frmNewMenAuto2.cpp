@@ -1,7 +1,7 @@
 #include "scheduling/frmNewMenAuto2.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
 #include "scheduling/ctrScheduledTask.h"
 #include "scheduling/frmSeleccionMensaje.h"
 #include "scheduling/frmSeleccionMensaje2.h"
@@ -133,10 +133,10 @@ void frmNewMenAuto2::setCodigo(int32_t codigo) {
     m_enCarga = true;
     txtNombre->clear();
     lblTarea->setText(u"No hay ninguna tarea programada"_s);
-    QueryResult fila;
+    ResultadoConsulta fila;
     try {
         fila = leerAutomatico(codigo);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // An unreadable row opens as a new one, below.
     }
     if (fila.isEmpty()) {
@@ -171,7 +171,7 @@ void frmNewMenAuto2::cargarDestinatarios() {
     QVector<QString> celdas;
     try {
         celdas = leerDestinatarios(m_codigo);
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudieron leer los destinatarios: "_s + e.description());
     }
     lblContactos->setText(u"Este envío tiene "_s + QString::number(celdas.size() / 3) +
@@ -211,7 +211,7 @@ void frmNewMenAuto2::frmAux2_changeMensaje(long long Id_AboAuto, const QString& 
 }
 
 void frmNewMenAuto2::cmdAdd_Click() {
-    appState().gsDestinos.clear();
+    estadoAplicacion().gsDestinos.clear();
     const QString nombre = txtNombre->text();
     try {
         if (otroCodigoConNombre(m_codigo, nombre) >= 0) {
@@ -219,7 +219,7 @@ void frmNewMenAuto2::cmdAdd_Click() {
                         Msg::Critical);
             return;
         }
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Error en Mantenimiento de Mensajes Programados\n"_s + e.description(),
                     Msg::Critical);
         return;
@@ -230,8 +230,8 @@ void frmNewMenAuto2::cmdAdd_Click() {
                 &frmNewMenAuto2::frmAux_CambiaMensaje);
         picker.exec();
     }
-    const QString elegidos = appState().gsDestinos;
-    appState().gsDestinos.clear();
+    const QString elegidos = estadoAplicacion().gsDestinos;
+    estadoAplicacion().gsDestinos.clear();
     if (elegidos.isEmpty()) return;
     anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo);
     QCoreApplication::processEvents();

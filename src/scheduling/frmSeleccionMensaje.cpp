@@ -1,6 +1,6 @@
 #include "scheduling/frmSeleccionMensaje.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
 #include "scheduling/mdoProgramacion.h"
@@ -71,6 +71,7 @@ void frmSeleccionMensaje::cmdAdd_Click() {
     // alias; this one would by number. The two differ only for contacts
     // sharing an alias, and the editor adds every contact of an alias
     // anyway, so the rows it stores are the same either way.
-    appState().gsDestinos = destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
+    estadoAplicacion().gsDestinos =
+        destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
     accept();
 }

@@ -1,6 +1,6 @@
 #include "scheduling/frmSeleccionMensaje2.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "scheduling/mdoProgramacion.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"

@@ -1,9 +1,9 @@
 #include "scheduling/mdoProgramacion.h"
 
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Database& bd() {
+BaseDatos& bd() {
     return Conexion();
 }
 
@@ -152,13 +152,13 @@ QVariant valorDeColumna(Propiedad p, const QVariant& columna) {
         case Propiedad::MensualEsDia:
             try {
                 return aBooleano(texto);
-            } catch (const QuelmoError&) {
+            } catch (const ErrorQuelmo&) {
                 return {};
             }
         default:
             try {
                 return int(aEntero16(columna));
-            } catch (const QuelmoError&) {
+            } catch (const ErrorQuelmo&) {
                 return {};
             }
     }
@@ -220,7 +220,7 @@ LineasMenAuto leerMensajesProgramados() {
     // The calculator's columns come first, so that each row is handed to it
     // as read rather than read again row by row.
     const int k = int(clsNextTarea::columnasFila().split(u',').size());
-    const QueryResult r = bd().query(
+    const ResultadoConsulta r = bd().query(
         u"SELECT "_s + clsNextTarea::columnasFila() +
         u", Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
         u"AboAuto.automatico = Automaticos.Codigo) FROM Automaticos ORDER BY Automaticos.codigo"_s);
@@ -249,7 +249,7 @@ LineasMenAuto leerMensajesProgramados() {
                 } else {
                     programado = u"Finalizado"_s;
                 }
-            } catch (const QuelmoError&) {
+            } catch (const ErrorQuelmo&) {
                 programado.clear();
             }
         }
@@ -267,22 +267,22 @@ int32_t codigoDeLinea(const LineasMenAuto& lineas, const QString& nombre) {
 }
 
 int32_t proximoCodigoAutomatico() {
-    const QueryResult r = bd().query(u"Select max(Codigo) + 1 from Automaticos"_s);
+    const ResultadoConsulta r = bd().query(u"Select max(Codigo) + 1 from Automaticos"_s);
     return r.isEmpty() || r.value(0, 0).isNull() ? 1 : int32_t(numeroDe(r.value(0, 0)));
 }
 
 bool borrarMensajeProgramado(int32_t codigo) {
-    Database& db = bd();
+    BaseDatos& db = bd();
     try {
         db.begin();
         db.exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
         db.exec(u"Delete from Automaticos where codigo = ?"_s, {codigo});
         db.commit();
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         try {
             db.rollback();
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             // The failed statement already ended the transaction.
         }
         return false;
@@ -291,16 +291,16 @@ bool borrarMensajeProgramado(int32_t codigo) {
 
 // ---- One multi-send --------------------------------------------------------
 
-QueryResult leerAutomatico(int32_t codigo) {
+ResultadoConsulta leerAutomatico(int32_t codigo) {
     return bd().query(u"SELECT * FROM Automaticos WHERE codigo=?"_s, {codigo});
 }
 
-bool programaActivo(const QueryResult& fila) {
+bool programaActivo(const ResultadoConsulta& fila) {
     if (fila.isEmpty()) return false;
     const QVariant v = fila.value(0, u"TareaProgramada"_s);
     try {
         return !v.isNull() && aBooleano(v.toString());
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -313,7 +313,7 @@ QVector<QString> leerDestinatarios(int32_t codigo) {
 }
 
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
-    const QueryResult r =
+    const ResultadoConsulta r =
         bd().query(u"Select codigo from Automaticos where nombre = ? order by codigo"_s, {nombre});
     for (int i = 0; i < r.recordCount(); ++i) {
         const int32_t c = int32_t(numeroDe(r.value(i, 0)));
@@ -324,7 +324,7 @@ int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
 
 int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList& aliases,
                         const QString& mensaje, bool saludo) {
-    Database& db = bd();
+    BaseDatos& db = bd();
     // Every contact that bears one of the chosen aliases, once, in the
     // order of the contacts' table.
     QMap<long long, std::pair<QString, QString>> contactos;
@@ -333,7 +333,7 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
         const QString clave = a.toCaseFolded();
         if (a.isEmpty() || vistos.contains(clave)) continue;
         vistos.append(clave);
-        const QueryResult r =
+        const ResultadoConsulta r =
             db.query(u"select rowid, codigo, alias from abonados where alias = ?"_s, {a});
         for (int i = 0; i < r.recordCount(); ++i)
             contactos.insert(numeroDe(r.value(i, 0)),
@@ -361,10 +361,10 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
         }
         db.commit();
         return int(contactos.size());
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         try {
             db.rollback();
-        } catch (const QuelmoError&) {
+        } catch (const ErrorQuelmo&) {
             // The failed statement already ended the transaction.
         }
         ui().msgBox(paso == kAlta ? u"Imposible dar de Alta este Mensaje"_s
@@ -380,7 +380,7 @@ bool quitarDestinatario(long long idAboAuto) {
     try {
         bd().exec(u"delete from aboauto where id_aboauto = ?"_s, {idAboAuto});
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -389,7 +389,7 @@ bool quitarTodosDestinatarios(int32_t codigo) {
     try {
         bd().exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -398,7 +398,7 @@ bool cambiarMensajeDestinatario(long long idAboAuto, const QString& mensaje) {
     try {
         bd().exec(u"Update AboAuto set mensaje = ? where id_aboauto = ?"_s, {mensaje, idAboAuto});
         return true;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -413,7 +413,7 @@ QString recortarBlancos(const QString& texto) {
 void olvidarUltimaTarea(int32_t codigo) {
     try {
         bd().exec(u"update automaticos set ultimatarea = Null where codigo = ?"_s, {codigo});
-    } catch (const QuelmoError& e) {
+    } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo borrar la última ejecución: "_s + e.description());
     }
 }
@@ -457,7 +457,7 @@ bool guardarMensajeProgramado(int32_t codigo, const QString& nombre, bool progra
                               const Programa& programa) {
     try {
         return escribirPrograma(codigo, nombre, programada, programa) > 0;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return false;
     }
 }
@@ -466,12 +466,12 @@ QString proximaTareaDe(int32_t codigo, bool programada, const Programa& programa
     if (!programada) return u"no"_s;
     // The schedule is written into the row for the calculator to read, and
     // taken back at once: what is shown is what saving would store.
-    Database& db = bd();
+    BaseDatos& db = bd();
     const QString punto = u"vista_programa"_s;
     QString texto;
     try {
         db.savepoint(punto);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         return texto;
     }
     try {
@@ -483,13 +483,13 @@ QString proximaTareaDe(int32_t codigo, bool programada, const Programa& programa
         calculo.CalcularProximaTarea();
         texto = calculo.HayTarea() ? clsNextTarea::textoFecha(calculo.FechaProximaTarea())
                                    : u"Finalizado"_s;
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         texto.clear();
     }
     try {
         db.rollbackTo(punto);
         db.release(punto);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // Nothing was written under the savepoint that could be kept.
     }
     return texto;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -99,8 +99,8 @@ bool borrarMensajeProgramado(int32_t codigo);
 // ---- One multi-send --------------------------------------------------------
 
 // The row, or an empty result when it does not exist (yet).
-QueryResult leerAutomatico(int32_t codigo);
-bool programaActivo(const QueryResult& fila);
+ResultadoConsulta leerAutomatico(int32_t codigo);
+bool programaActivo(const ResultadoConsulta& fila);
 // The recipients as lines of three cells: alias, message, id_AboAuto;
 // ordered by the contact's number.
 QVector<QString> leerDestinatarios(int32_t codigo);

@@ -1,7 +1,7 @@
 #include "widgets/Ayuda.h"
 
-#include "base/AppState.h"
-#include "base/UserInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
 
 #include <QDir>
 #include <QFile>

@@ -5,9 +5,9 @@
 // an account row read back as one line.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Conversions.h"
-#include "base/Settings.h"
+#include "base/Conversiones.h"
 #include "db/Conexion.h"
 
 namespace cuentas_prueba {
@@ -23,8 +23,8 @@ inline const QString kDenegada =
 // Points the platform's default address at the simulator, or at a port
 // where nothing listens.
 inline void plataforma(const SimuladorPrueba& sim, bool conectar) {
-    Settings::saveSetting(u"Despliegue"_s, u"Plataforma"_s,
-                          conectar ? sim.host() : u"http://127.0.0.1:1"_s);
+    Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s,
+                         conectar ? sim.host() : u"http://127.0.0.1:1"_s);
 }
 
 inline void cuenta(int canal, const QString& nombre, int principal = 0,
@@ -36,7 +36,7 @@ inline void cuenta(int canal, const QString& nombre, int principal = 0,
 }
 
 inline QList<int> enteros(const QString& sql, const QVariantList& params = {}) {
-    const QueryResult r = Conexion().query(sql, params);
+    const ResultadoConsulta r = Conexion().query(sql, params);
     QList<int> v;
     for (int f = 0; f < r.recordCount(); ++f) v << int(numeroDe(r.value(f, 0)));
     return v;
@@ -49,7 +49,8 @@ inline QList<int> principales() {
 // "Nombre|Host|usuario|clave in clear|Saldo|Principal|Remitente|remopc|movil|maxmen"
 // of one account, or "-" when there is none.
 inline QString fila(int canal) {
-    const QueryResult r = Conexion().query(u"select * from canales where canal = ?"_s, {canal});
+    const ResultadoConsulta r =
+        Conexion().query(u"select * from canales where canal = ?"_s, {canal});
     if (r.isEmpty()) return u"-"_s;
     QStringList c;
     for (const QString& n : {u"Nombre"_s, u"Host"_s, u"usuario"_s}) c << textoDe(r.value(0, n));
@@ -60,7 +61,7 @@ inline QString fila(int canal) {
     return c.join(u'|');
 }
 
-inline QStringList cajas(const ScriptedInterface& ui) {
+inline QStringList cajas(const InterfazGuionada& ui) {
     QStringList t;
     for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
     return t;

@@ -3,8 +3,8 @@
 // start-up's first-run logic, against the platform simulator.
 #include "AyudaCuentas.h"
 #include "accounts/mdoCuentas.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 
 #include <QSignalSpy>
@@ -60,7 +60,7 @@ class TestCuentas : public QObject {
         QFETCH(QList<int>, antes);
         QFETCH(int, borrar);
         QFETCH(int, anadir);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         for (int c : codigos) cuenta(c, u"Cuenta %1"_s.arg(c), antes.contains(c) ? 1 : 0);
         if (borrar >= 0) {
             ui.answers = {Msg::Yes};
@@ -108,7 +108,7 @@ class TestCuentas : public QObject {
     void deletionAskedAndRefused() {
         QFETCH(QString, tabla);
         QFETCH(int, respuesta);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         cuenta(1, u"Uno"_s, 1);
         cuenta(2, u"Dos"_s);
@@ -136,7 +136,7 @@ class TestCuentas : public QObject {
     }
     void makePrincipal() {
         QFETCH(int, respuesta);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         cuenta(1, u"Uno"_s, 1);
         cuenta(2, u"L'Hospitalet"_s);
@@ -164,7 +164,7 @@ class TestCuentas : public QObject {
     void balanceOutcomes() {
         QFETCH(QString, clave);
         QFETCH(bool, conectar);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         cuenta(1, u"Uno"_s, 1, u"demo"_s, clave);
         Conexion().exec(u"update canales set Host = ?"_s,
                         {conectar ? sim->host() : u"http://127.0.0.1:1"_s});
@@ -225,11 +225,11 @@ class TestCuentas : public QObject {
         QFETCH(int, remopc);
         QFETCH(QString, host);
         QFETCH(QList<int>, respuestas);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = respuestas;
         plataforma(*sim, conectar);
         // A number from an earlier exchange never reaches this account.
-        appState().MovilCuenta = u"0034699999999"_s;
+        estadoAplicacion().MovilCuenta = u"0034699999999"_s;
         if (edicion) {
             cuenta(3, u"Vieja"_s, 1, u"otro"_s, u"otra"_s);
             Conexion().exec(u"update canales set maxmen = 90, movil = '0034611111111'"_s);
@@ -294,7 +294,7 @@ class TestCuentas : public QObject {
         QFETCH(bool, existente);
         QFETCH(int, canal);
         QFETCH(QString, guardada);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         plataforma(*sim, conectar);
         if (existente) cuenta(4, u"Vacía"_s, 1, QString(), QString());
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
@@ -306,7 +306,7 @@ class TestCuentas : public QObject {
     }
 
     void firstRunInsertRefusedOpensSelection() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         QCOMPARE(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s), AltaInicial::FalloBase);
         QCOMPARE(cajas(ui),
@@ -338,7 +338,7 @@ class TestCuentas : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(bool, editorCompleta);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QStringList abierto;
         Pantallas::registrar(u"frmNewCanal.Principal"_s, [&] {
             abierto << u"edit "_s + QString::number(msCanalPrincipal());

@@ -10,7 +10,7 @@
 #include "accounts/frmSCanal.h"
 #include "accounts/frmTipoRegistro.h"
 #include "accounts/mdoCuentas.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "composition/frmEnvio.h"
 #include "delivery/mdoSendRavion.h"
@@ -97,7 +97,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listShowsEveryAccount() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         tresCuentas();
         frmCanales f;
         QCOMPARE(f.windowTitle(), u"Cuentas"_s);
@@ -121,7 +121,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listOfADatabaseOfTheWrongKind() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         frmCanales f;
         QCOMPARE(f.ListView1->modelo()->rowCount(), 0);
@@ -134,7 +134,7 @@ class TestPantallasCuentas : public QObject {
     // The first account added from the list becomes principal, and the
     // compose screen shows it at once.
     void addFirstAccountFromTheList() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmEnvio envio;
         frmCanales f;
         alAbrirModal([](QDialog* d) {
@@ -155,7 +155,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editFillsTheEditor() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         tresCuentas();
         Conexion().exec(
             u"update canales set remopc = 1, movil = '0034600123456', tini = 'Hola', "
@@ -178,9 +178,9 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listCommandsOnTheSelectedAccount() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         tresCuentas();
-        Settings::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.test"_s);
+        Ajustes::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.test"_s);
         Conexion().exec(
             u"update canales set usuario = 'ana b', clave = ?, Host = ? where canal = 2"_s,
             {msCifrarClave(u"mala"_s, true), sim->host()});
@@ -219,7 +219,7 @@ class TestPantallasCuentas : public QObject {
     }
     void editorSenderControls() {
         QFETCH(int, opcion);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewCanal e;
         DatosCuenta d = msCuentaNueva();
         d.usuario = u"demo"_s;
@@ -237,7 +237,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorSenderKeysAndEnter() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewCanal e;
         e.show();
         QVERIFY(QTest::qWaitForWindowActive(&e));
@@ -262,7 +262,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorInformationPictures() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewCanal e;
         hijo<QToolButton>(&e, u"Image4_0"_s)->click();
         hijo<QToolButton>(&e, u"Image4_1"_s)->click();
@@ -307,7 +307,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void noticeLeadsToSignUp() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         alAbrirModal([](QDialog* d) { hijo<QPushButton>(d, u"cmdURR"_s)->click(); });
         Pantallas::abrir(u"frmTipoRegistro"_s);
         QCOMPARE(abiertas, QStringList{u"frmRegistro"_s});
@@ -316,7 +316,7 @@ class TestPantallasCuentas : public QObject {
     // A fresh installation: the notice, a registered user, and a compose
     // screen whose account sends.
     void freshStartToASend() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         // What the frame's first activation does with no account.
         msPrimeraVez();
         QCOMPARE(ui.firstRunShown, 1);
@@ -350,7 +350,7 @@ class TestPantallasCuentas : public QObject {
     // A new user signs up: a refusal in words, corrected, then an account
     // that is principal, shows in the compose screen and sends at once.
     void signUpEndToEnd() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         QCOMPARE(w.currentId(), int(frmRegistro::Datos));
@@ -415,7 +415,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void signUpCancelledLeavesNothing() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         w.txtNombre->setText(u"Luis"_s);
@@ -424,7 +424,7 @@ class TestPantallasCuentas : public QObject {
     }
 
     void pickerSetsTheComposeAccount() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         tresCuentas();
         frmEnvio envio;
         auto* combo = hijo<QComboBox>(&envio, u"ImageCombo1"_s);
@@ -446,7 +446,7 @@ class TestPantallasCuentas : public QObject {
     void capturas() {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         tresCuentas();
         auto guardar = [&dir](QWidget* w, const QString& nombre) {
             w->show();

@@ -98,7 +98,7 @@ class TestContactos : public QObject {
         QFETCH(QString, alias);
         QFETCH(int, cuenta);
         QFETCH(QString, aviso);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewUser e;
         QVERIFY(e.msLoad());
         QCOMPARE(guardarNuevo(e, numero, alias, cuenta), aviso.isEmpty());
@@ -115,7 +115,7 @@ class TestContactos : public QObject {
             return columna(u"select Alias || '/' || Comentario || '/' || Canal from Abonados"_s) +
                    columna(u"select Grupo from AboGrup order by 1"_s);
         };
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewUser e;
         QVERIFY(e.msLoad());
         // Nothing is preselected for a new contact.
@@ -143,7 +143,7 @@ class TestContactos : public QObject {
         contacto(u"0034629000000"_s, u"O'Brien"_s, 1, u"it's"_s);
         miembro(u"0034629000000"_s, 0);
         miembro(u"0034629000000"_s, 1);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmAbonados lista;
         QCOMPARE(textosDe(lista.ListView1, 0), QStringList{u"O'Brien"_s});
         lista.ListView1->seleccionarFila(0);
@@ -194,7 +194,7 @@ class TestContactos : public QObject {
             u"INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal) VALUES "
             u"(?,'2026-01-01 09:00:00','enviado','OK',0)"_s,
             {num});
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmAbonados pantalla;
         // A contact whose account is gone is not listed.
         QCOMPARE(pantalla.lblcont->text(), u"2 Contactos"_s);
@@ -241,7 +241,7 @@ class TestContactos : public QObject {
         bd().exec(
             u"CREATE TRIGGER no_borrar BEFORE DELETE ON Abonados WHEN old.Codigo = "
             u"'0034600000002' BEGIN SELECT RAISE(ABORT, 'bloqueado'); END"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         const int borrados =
             msBorrarContactos({u"0034600000003"_s, u"0034600000002"_s, u"0034600000001"_s});
         QCOMPARE(borrados, 2);
@@ -252,7 +252,7 @@ class TestContactos : public QObject {
     }
 
     void contactSavedElsewhereShowsInTheList() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmAbonados pantalla;
         QCOMPARE(pantalla.lblcont->text(), u"0 Contactos"_s);
         FichaContacto ficha;
@@ -266,7 +266,7 @@ class TestContactos : public QObject {
 
     void addWithoutAccountsShowsTheMessage() {
         bd().exec(u"DELETE FROM Canales"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         registrarPantallasAgenda();
         QVERIFY(Pantallas::abrir(u"frmAbonados"_s));
         frmAbonados* pantalla = PantallasHijas::instance<frmAbonados>();
@@ -286,7 +286,7 @@ class TestContactos : public QObject {
         contacto(u"0034600000004"_s, u"Ñoño"_s, 1);
         contacto(u"0034600000005"_s, u"Oscar"_s, 0);
         contacto(u"0034600000006"_s, u"andrés"_s, 0);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmAbonados pantalla;
         Listado* l = pantalla.ListView1;
         QHeaderView* h = l->header();

@@ -66,7 +66,7 @@ class TestListas : public QObject {
         QFETCH(int, nuevo);
         QFETCH(QString, mensaje);
         for (int g : existentes) lista(g, u"L%1"_s.arg(g));
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.inputs = {nombre};
         frmGrupos pantalla;
         QString titulo;
@@ -107,7 +107,7 @@ class TestListas : public QObject {
         lista(4, u"Amigos"_s);
         contacto(u"0034600000001"_s, u"Ana"_s, 0);
         miembro(u"0034600000001"_s, 4);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.inputs = {respuesta};
         frmGrupos pantalla;
         pantalla.ListView1->seleccionarFila(0);
@@ -137,7 +137,7 @@ class TestListas : public QObject {
         contacto(u"0034600000001"_s, u"Ana"_s, 0);
         miembro(u"0034600000001"_s, 2);
         if (conMiembros) miembro(u"0034600000001"_s, 1);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         frmGrupos pantalla;
         elegir(pantalla.ListView1, u"001"_s);
@@ -168,7 +168,7 @@ class TestListas : public QObject {
         miembro(u"0034600000001"_s, 3);
         miembro(u"0034600000002"_s, 3);
         miembro(u"0034699999999"_s, 3);  // its contact is gone
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmGrupos pantalla;
         QCOMPARE(pantalla.ListView1->modelo()->fila(0), (QStringList{u"003"_s, u"Club"_s, u"3"_s}));
         pantalla.ListView1->seleccionarFila(0);
@@ -218,7 +218,7 @@ class TestListas : public QObject {
 
     void publicationGoesToItsScreen() {
         lista(5, u"Web"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         registrarPantallasAgenda();
         int abierta = 0;
         Pantallas::registrar(u"frmSubirListaWeb"_s, [&] { ++abierta; });

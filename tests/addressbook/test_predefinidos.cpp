@@ -51,7 +51,7 @@ class TestPredefinidos : public QObject {
         QFETCH(QString, texto);
         QFETCH(int, numero);
         for (int m : existentes) predefinido(m, u"T%1"_s.arg(m));
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.inputs = {texto};
         frmMenPro pantalla;
         pantalla.cmdAdd->click();
@@ -86,7 +86,7 @@ class TestPredefinidos : public QObject {
         predefinido(0, u"Primero"_s);
         predefinido(1, u"Segundo"_s);
         predefinido(2, u"Segundo"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.inputs = {respuesta};
         frmMenPro pantalla;
         pantalla.ListView1->seleccionarFila(2);
@@ -103,7 +103,7 @@ class TestPredefinidos : public QObject {
     void deleteAsksFirst() {
         predefinido(0, u"Primero"_s);
         predefinido(1, u"Segundo"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {Msg::Yes};
         frmMenPro pantalla;
         pantalla.ListView1->seleccionarFila(0);
@@ -140,7 +140,7 @@ class TestPredefinidos : public QObject {
             tomar = QObject::connect(&Avisos::instancia(), &Avisos::textoElegido,
                                      [&](const QString& t) { compuesto = t; });
         const auto soltar = qScopeGuard([&] { QObject::disconnect(tomar); });
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         registrarPantallasAgenda();
         bool cerrado = false;
         alAbrirModal([&](QDialog* d) {

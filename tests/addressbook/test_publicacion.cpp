@@ -68,7 +68,7 @@ class TestPublicacion : public QObject {
         lista(4, u"Clientes"_s);
         contacto(u"0034600000001"_s, u"Ana"_s, 1);
         miembro(u"0034600000001"_s, 4);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmSubirListaWeb pantalla;
         pantalla.msCargarDatos(4);
         QCOMPARE(pantalla.windowTitle(), u"Publicar Lista Web"_s);
@@ -87,7 +87,7 @@ class TestPublicacion : public QObject {
 
     void noKeywordNoAccount() {
         lista(4, u"Clientes"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmSubirListaWeb pantalla;
         pantalla.msCargarDatos(4);
         QCOMPARE(pantalla.ImageCombo1->count(), 0);
@@ -134,7 +134,7 @@ class TestPublicacion : public QObject {
         // A member of another list goes nowhere.
         contacto(u"0034699999999"_s, u"Fuera"_s, 1);
         miembro(u"0034699999999"_s, 5);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmSubirListaWeb pantalla;
         pantalla.msCargarDatos(4);
         // A keyword of its own per row: the simulator keeps its lists.
@@ -155,7 +155,7 @@ class TestPublicacion : public QObject {
         cuentaEn(1, sim->host(), u"demo"_s, true);
         lista(2, u"Amigos"_s);
         lista(6, u"Vecinos"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         // Through the registry, as the frame opens it: that is where the lists
         // screen is tied to the publication.
         QVERIFY(Pantallas::abrir(u"frmGrupos"_s));

@@ -3,10 +3,10 @@
 #include "TestSupportGui.h"
 #include "app/frmLog.h"
 #include "app/mdiMain.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "widgets/Ayuda.h"
 
@@ -60,13 +60,13 @@ class TestGuiMain : public QObject {
     void init() {
         world.reset();
         TestDb::createCurrent(rutaBaseDefecto());
-        Settings::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
+        Ajustes::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
         abiertas.clear();
         terminado = 0;
     }
 
     void menuAndToolbarInOrder() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         // One line per menu: "key caption", "-" for a separator.
         QStringList menus;
@@ -138,10 +138,10 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, puerta);
         QFETCH(QString, efecto);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         principal(u"ana y pep&s"_s, u"x"_s);
-        appState().gsClaveAcceso = u"Clave"_s;
+        estadoAplicacion().gsClaveAcceso = u"Clave"_s;
         auto usar = [&] {
             abiertas.clear();
             ui.openedUrls.clear();
@@ -161,7 +161,7 @@ class TestGuiMain : public QObject {
     }
 
     void helpManualIsWrittenOutForTheBrowser() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         QFile manual(rutaAyuda());
         for (int vez = 0; vez < 2; ++vez) {
@@ -183,7 +183,7 @@ class TestGuiMain : public QObject {
     }
 
     void rechargeWithoutAccountSays() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         accion(w.get(), u"keyHome01"_s)->trigger();
         QCOMPARE(cajas(ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
@@ -209,11 +209,11 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, antes);
         QFETCH(bool, despues);
-        ScriptedInterface ui;
-        if (!guardado.isNull()) Settings::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
+        InterfazGuionada ui;
+        if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
         auto w = ventana();
         if (!clave.isNull()) {
-            appState().gsClaveAcceso = u"Clave"_s;
+            estadoAplicacion().gsClaveAcceso = u"Clave"_s;
             ui.passwords = {clave};
         }
         QAction* keyTX = accion(w.get(), u"keyTX"_s);
@@ -228,9 +228,9 @@ class TestGuiMain : public QObject {
         estado(antes);
         accion(w.get(), via)->trigger();
         estado(despues);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Activo"_s), antes == despues ? guardado
-                                                             : despues        ? u"1"_s
-                                                                              : u"0"_s);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), antes == despues ? guardado
+                                                            : despues        ? u"1"_s
+                                                                             : u"0"_s);
     }
 
     void closingRefusedDuringARun_data() {
@@ -242,10 +242,10 @@ class TestGuiMain : public QObject {
     }
     void closingRefusedDuringARun() {
         QFETCH(QString, via);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         auto cerrar = [&] { via.isNull() ? void(w->close()) : accion(w.get(), via)->trigger(); };
-        appState().gbEnviando = true;
+        estadoAplicacion().gbEnviando = true;
         cerrar();
         const QStringList aviso{
             u"48 Quelmo Mensajes SMS está ahora mismo realizando un envío."
@@ -255,7 +255,7 @@ class TestGuiMain : public QObject {
         QCOMPARE(terminado, 0);
         QVERIFY(Conexion().isOpen());
 
-        appState().gbEnviando = false;
+        estadoAplicacion().gbEnviando = false;
         cerrar();
         QCOMPARE(cajas(ui), aviso);
         QCOMPARE(terminado, 1);
@@ -270,7 +270,7 @@ class TestGuiMain : public QObject {
     }
     void hidingKeepsSending() {
         QFETCH(bool, bandeja);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         w->hayBandeja = bandeja;
         accion(w.get(), u"OCULTAR"_s)->trigger();
@@ -301,7 +301,7 @@ class TestGuiMain : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(int, puestaEnMarcha);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         if (!usuario.isNull()) {
             TestDb::openShared(rutaBaseDefecto());
             principal(usuario, clave);
@@ -312,7 +312,7 @@ class TestGuiMain : public QObject {
     }
 
     void longLogLineReadInFull() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto w = ventana();
         for (int i = 0; i < 2000; ++i) msLog(u"línea %1"_s.arg(i));
         const QString larga = u"Error en SendMessage: "_s + QString(600, u'x') + u" fin"_s;
@@ -321,10 +321,12 @@ class TestGuiMain : public QObject {
         auto* lista = w->panelLog()->List1();
         QCOMPARE(w->panelLog()->windowTitle(), u"Eventos de la aplicación"_s);
         // The list follows the newest line, and shows it.
-        const QModelIndex ultima = appState().log.index(appState().log.rowCount() - 1);
+        const QModelIndex ultima =
+            estadoAplicacion().log.index(estadoAplicacion().log.rowCount() - 1);
         QCOMPARE(lista->currentIndex(), ultima);
         QTRY_VERIFY(lista->viewport()->rect().contains(lista->visualRect(ultima)));
-        const QModelIndex fila = appState().log.index(appState().log.rowCount() - 2);
+        const QModelIndex fila =
+            estadoAplicacion().log.index(estadoAplicacion().log.rowCount() - 2);
         lista->scrollTo(fila);
         const QPoint punto = lista->visualRect(fila).center();
         QTest::mouseClick(lista->viewport(), Qt::LeftButton, {}, punto);
@@ -333,7 +335,7 @@ class TestGuiMain : public QObject {
         QVERIFY(detalle && detalle->isVisible());
         QCOMPARE(detalle->windowTitle(), u"Detalle del Log"_s);
         QVERIFY(detalle->txtLog()->toPlainText().endsWith(larga));
-        QCOMPARE(detalle->txtLog()->toPlainText(), appState().log.lines().at(fila.row()));
+        QCOMPARE(detalle->txtLog()->toPlainText(), estadoAplicacion().log.lines().at(fila.row()));
     }
 };
 

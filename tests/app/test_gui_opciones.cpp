@@ -1,15 +1,15 @@
 // The options screen and the password prompt: the checks with their words,
 // what is stored, and that a saved change takes effect without a restart.
 #include "TestSupportGui.h"
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/Transmisor.h"
 #include "app/frmOpciones.h"
 #include "app/frmpwd.h"
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/PantallasHijas.h"
 
@@ -76,10 +76,10 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, clave);
         QFETCH(QString, confirmacion);
         QFETCH(QString, aviso);
-        ScriptedInterface ui;
-        Transmitter transmisor;
+        InterfazGuionada ui;
+        Transmisor transmisor;
         transmisor.armarTemporizador();
-        appState().gsClaveAcceso = u"previa"_s;
+        estadoAplicacion().gsClaveAcceso = u"previa"_s;
         frmOpciones pantalla;
         pantalla.show();
         hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->setText(lote);
@@ -101,9 +101,9 @@ class TestGuiOpciones : public QObject {
         QCOMPARE(pantalla.isVisible(), !guardado);
         QCOMPARE(opcion(u"maxlote || '/' || solocontactos"_s).toString(),
                  guardado ? QString(lote + u"/1"_s) : u"50/0"_s);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), guardado ? intervalo : u"60"_s);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), guardado ? intervalo : u"60"_s);
         if (!guardado) {
-            QCOMPARE(appState().gsClaveAcceso, u"previa"_s);
+            QCOMPARE(estadoAplicacion().gsClaveAcceso, u"previa"_s);
             return;
         }
         // The new interval runs from now on.
@@ -134,9 +134,9 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, intervalo);
         QFETCH(QString, enCajas);
         QFETCH(QString, intervaloVisto);
-        ScriptedInterface ui;
-        if (!clave.isNull()) Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
-        Settings::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
+        InterfazGuionada ui;
+        if (!clave.isNull()) Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
+        Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, intervalo);
         Conexion().exec(u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
         frmOpciones pantalla;
         for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
@@ -144,7 +144,7 @@ class TestGuiOpciones : public QObject {
             QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->echoMode(), QLineEdit::Password);
         }
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), intervaloVisto);
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtmaxlote"_s)->text(), u"120"_s);
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txtimgfondo"_s)->text(), u"/x/y.jpg"_s);
         QVERIFY(hijo<QCheckBox>(&pantalla, u"Chkcontactos"_s)->isChecked());
@@ -152,7 +152,7 @@ class TestGuiOpciones : public QObject {
     }
 
     void loadWithoutDatabaseSendsToTheSelection() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         Conexion().close();
         frmOpciones pantalla;
         QCOMPARE(ui.boxes.size(), 1);
@@ -164,7 +164,7 @@ class TestGuiOpciones : public QObject {
     }
 
     void pictureChosenShowsAtOnce() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmweb panel;
         PantallasHijas::setArea(&panel);
         QVERIFY(!panel.fondoPropio());
@@ -206,7 +206,7 @@ class TestGuiOpciones : public QObject {
         QFETCH(QString, tecleado);
         QFETCH(bool, enter);
         QFETCH(QString, introducida);
-        appState().gsClaveIntroducida = u"antes"_s;
+        estadoAplicacion().gsClaveIntroducida = u"antes"_s;
         frmpwd prompt;
         prompt.show();
         QCOMPARE(prompt.windowTitle(), u"Quelmo Mensajes SMS - Acceso Restringido"_s);
@@ -219,7 +219,7 @@ class TestGuiOpciones : public QObject {
         else
             QTest::mouseClick(hijo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
         QVERIFY(!prompt.isVisible());
-        QCOMPARE(appState().gsClaveIntroducida, introducida);
+        QCOMPARE(estadoAplicacion().gsClaveIntroducida, introducida);
         // The key is taken by the prompt, not typed into the box.
         QCOMPARE(text1->text(), tecleado);
     }

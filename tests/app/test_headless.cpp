@@ -1,8 +1,8 @@
 // `quelmo-sms --headless` as servers and scripts use it: a real process in a
 // temporary home.
 #include "TestSupport.h"
-#include "base/Settings.h"
-#include "db/Database.h"
+#include "base/Ajustes.h"
+#include "db/BaseDatos.h"
 
 #include <QProcess>
 #include <csignal>
@@ -48,7 +48,7 @@ class TestHeadless : public QObject {
         QVERIFY(r.finished);
         QCOMPARE(r.exitCode, 0);
         QVERIFY2(r.err.isEmpty(), qPrintable(r.err));
-        Database db;
+        BaseDatos db;
         QVERIFY(db.open(base()));
         QCOMPARE(db.query(u"SELECT maxlote FROM opciones WHERE id=1"_s).value(0, 0).toInt(), 50);
         QFile f(ini());

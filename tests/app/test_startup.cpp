@@ -2,18 +2,18 @@
 // and the small shared helpers every screen relies on.
 #include "TestSupport.h"
 #include "accounts/mdoCuentas.h"
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/Transmisor.h"
 #include "app/mdoMain.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "base/Error.h"
-#include "base/HeadlessInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
+#include "base/RegistroActividad.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
 
 #include <sqlite3.h>
 #include <thread>
@@ -27,7 +27,7 @@ class TestStartup : public QObject {
 
   private:
     TestWorld& world;
-    QString guardado() { return Settings::getSetting(u"BD"_s, u"Path"_s); }
+    QString guardado() { return Ajustes::getSetting(u"BD"_s, u"Path"_s); }
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -38,18 +38,18 @@ class TestStartup : public QObject {
         QVERIFY(msValidarBD(rutaBaseDefecto()));
         // A database that is there already is never overwritten.
         {
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(rutaBaseDefecto()));
             db.exec(u"INSERT INTO MenPro VALUES (0,'mío')"_s);
         }
         QVERIFY(prepararBaseInicial());
-        Database db;
+        BaseDatos db;
         QVERIFY(db.open(rutaBaseDefecto()));
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
     }
 
     void goodDefaultFileIsTakenSilently() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         TestDb::createCurrent(rutaBaseDefecto());
         msAbrirBaseInicial();
         QCOMPARE(guardado(), rutaBaseDefecto());
@@ -60,10 +60,10 @@ class TestStartup : public QObject {
     }
 
     void oldDefaultFileLeadsToSelection() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         TestDb::createBaseline(rutaBaseDefecto());
         const QString otra = TestDb::createCurrent(world.root() + u"/elegida.db"_s);
-        ui.onSelectDatabase = [&] { Settings::saveSetting(u"BD"_s, u"Path"_s, otra); };
+        ui.onSelectDatabase = [&] { Ajustes::saveSetting(u"BD"_s, u"Path"_s, otra); };
         msAbrirBaseInicial();
         QCOMPARE(ui.selectDatabaseShown, 1);
         QCOMPARE(Conexion().path(), otra);
@@ -72,7 +72,7 @@ class TestStartup : public QObject {
     }
 
     void noUsableFileEndsTheProgram() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         TestDb::createBaseline(rutaBaseDefecto());
         bool terminado = false;
         try {
@@ -85,15 +85,15 @@ class TestStartup : public QObject {
     }
 
     void vanishedSavedFileFallsBackWithoutAWord() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         TestDb::createCurrent(rutaBaseDefecto());
-        Settings::saveSetting(u"BD"_s, u"Path"_s, world.root() + u"/borrada.db"_s);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, world.root() + u"/borrada.db"_s);
         msAbrirBaseInicial();
         QCOMPARE(guardado(), rutaBaseDefecto());
         QCOMPARE(Conexion().path(), rutaBaseDefecto());
         QVERIFY(ui.boxes.isEmpty());
         QCOMPARE(ui.selectDatabaseShown, 0);
-        QVERIFY(appState().log.lines().isEmpty());
+        QVERIFY(estadoAplicacion().log.lines().isEmpty());
     }
 
     // Another process holds the saved file exclusively: the program says so
@@ -105,11 +105,11 @@ class TestStartup : public QObject {
     }
     void busySavedFileIsWaitedFor() {
         QFETCH(int, respuesta);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers << respuesta << int(Msg::No);
         TestDb::createCurrent(rutaBaseDefecto());
         const QString ocupada = TestDb::createCurrent(world.root() + u"/ocupada.db"_s);
-        Settings::saveSetting(u"BD"_s, u"Path"_s, ocupada);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, ocupada);
         sqlite3* otro = nullptr;
         sqlite3_open(ocupada.toUtf8().constData(), &otro);
         sqlite3_exec(otro, "PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; SELECT 1 FROM envios;",
@@ -138,15 +138,15 @@ class TestStartup : public QObject {
     }
 
     void oldSavedFileIsUpgradedAndLogged() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         const QString vieja = TestDb::createBaseline(world.root() + u"/vieja.db"_s);
-        Settings::saveSetting(u"BD"_s, u"Path"_s, vieja);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, vieja);
         msAbrirBaseInicial();
         QVERIFY(msValidarBD(vieja));
         QCOMPARE(Conexion().path(), vieja);
         QCOMPARE(guardado(), vieja);
-        QCOMPARE(appState().log.lines().size(), 1);
-        QVERIFY(appState().log.last().endsWith(
+        QCOMPARE(estadoAplicacion().log.lines().size(), 1);
+        QVERIFY(estadoAplicacion().log.last().endsWith(
             u" - Proceso de actualización de Base de Datos completado."_s));
         QCOMPARE(ui.selectDatabaseShown, 0);
     }
@@ -167,12 +167,12 @@ class TestStartup : public QObject {
         QFETCH(QString, guardado);
         QFETCH(int, segundos);
         QFETCH(QString, reescrito);
-        if (!guardado.isNull()) Settings::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
-        Transmitter t;
+        if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
+        Transmisor t;
         t.armarTemporizador();
         QCOMPARE(t.Timer1().interval(), segundos * 1000);
         QVERIFY(t.Timer1().isActive());
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), reescrito);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), reescrito);
     }
 
     void passwordShift_data() {
@@ -199,25 +199,25 @@ class TestStartup : public QObject {
     void passwordShiftOutOfRangeFails() {
         QFETCH(QString, texto);
         QFETCH(bool, encode);
-        QVERIFY_THROWS_EXCEPTION(QuelmoError, msCifrarClave(texto, encode));
+        QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, msCifrarClave(texto, encode));
     }
 
     void accessGate() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         // No password: never a prompt.
-        Settings::deleteSetting(u"Tr"_s, u"pwc"_s);
+        Ajustes::deleteSetting(u"Tr"_s, u"pwc"_s);
         cargarClaveAcceso();
         QVERIFY(msComprobarAcceso());
         QCOMPARE(ui.passwordPrompts, 0);
         // The encoded sentinel means no password as well.
-        Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"sinclavedeentrada"_s, true));
+        Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"sinclavedeentrada"_s, true));
         cargarClaveAcceso();
         QVERIFY(msComprobarAcceso());
         QCOMPARE(ui.passwordPrompts, 0);
         // A password: exact, case-sensitive.
-        Settings::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"Clave"_s, true));
+        Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(u"Clave"_s, true));
         cargarClaveAcceso();
-        QCOMPARE(appState().gsClaveAcceso, u"Clave"_s);
+        QCOMPARE(estadoAplicacion().gsClaveAcceso, u"Clave"_s);
         ui.passwords = {u"clave"_s, u"Clave"_s};
         QVERIFY(!msComprobarAcceso());
         QVERIFY(msComprobarAcceso());
@@ -233,8 +233,8 @@ class TestStartup : public QObject {
     void coreScreensOpenThroughTheRegistry() {
         QFETCH(QString, pantalla);
         // The interface of a run without windows, not a test's stand-in.
-        HeadlessInterface sinVentana;
-        setUserInterface(&sinVentana);
+        InterfazSinVentana sinVentana;
+        establecerInterfaz(&sinVentana);
         auto mostrar = [&] {
             if (pantalla == u"frmSelectDB"_s)
                 ui().showSelectDatabase();
@@ -249,12 +249,12 @@ class TestStartup : public QObject {
         Pantallas::registrar(pantalla, {});
         mostrar();
         QCOMPARE(abierta, 1);
-        setUserInterface(nullptr);
+        establecerInterfaz(nullptr);
     }
 
     void resetForgetsTheRun() {
-        ScriptedInterface ui;
-        AppState& g = appState();
+        InterfazGuionada ui;
+        EstadoAplicacion& g = estadoAplicacion();
         g.gsClaveAcceso = u"Clave"_s;
         g.gbEnviando = g.gbImportado = true;
         g.gsSaldoCuenta = u"12"_s;
@@ -265,7 +265,7 @@ class TestStartup : public QObject {
         QVERIFY(!g.gbEnviando && !g.gbImportado);
         QVERIFY(g.gsSaldoCuenta.isEmpty());
         QVERIFY(g.log.lines().isEmpty());
-        QCOMPARE(&::ui(), static_cast<UserInterface*>(&ui));
+        QCOMPARE(&::ui(), static_cast<InterfazUsuario*>(&ui));
     }
 
     void logLines_data() {
@@ -280,9 +280,9 @@ class TestStartup : public QObject {
     void logLines() {
         QFETCH(QString, texto);
         QFETCH(QString, linea);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
         msLog(texto);
-        QCOMPARE(appState().log.last(), u"15/03/2006 10:00:30 - "_s + linea);
+        QCOMPARE(estadoAplicacion().log.last(), u"15/03/2006 10:00:30 - "_s + linea);
     }
 
     void versionAndTitle() {

@@ -1,7 +1,7 @@
 // Qt's own texts in Spanish: the standard buttons of the boxes the program
 // asks through, once Qt's catalogue is loaded as at start.
 #include "TestSupportGui.h"
-#include "app/GuiInterface.h"
+#include "app/InterfazGrafica.h"
 #include "widgets/Traduccion.h"
 
 #include <QAbstractButton>
@@ -47,7 +47,7 @@ class TestTraduccion : public QObject {
         if (!cargada) QSKIP("Qt's Spanish catalogue (qt6-translations-l10n) is not installed");
         QFETCH(int, estilo);
         QFETCH(QStringList, textos);
-        GuiInterface interfaz;
+        InterfazGrafica interfaz;
         QStringList vistos;
         prueba::alAbrirModal([&](QDialog* d) {
             vistos = botones(d);
@@ -59,7 +59,7 @@ class TestTraduccion : public QObject {
 
     void botonesDeEntrada() {
         if (!cargada) QSKIP("Qt's Spanish catalogue (qt6-translations-l10n) is not installed");
-        GuiInterface interfaz;
+        InterfazGrafica interfaz;
         QStringList vistos;
         prueba::alAbrirModal([&](QDialog* d) {
             vistos = botones(d);

@@ -1,10 +1,10 @@
 // The transmitter's cycle: when a run happens, what it clears, which flags
 // stand during it, and how a failure shows.
 #include "TestSupport.h"
-#include "app/Transmitter.h"
-#include "base/ActivityLog.h"
-#include "base/AppState.h"
-#include "base/Settings.h"
+#include "app/Transmisor.h"
+#include "base/Ajustes.h"
+#include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
@@ -37,21 +37,21 @@ class TestTransmitter : public QObject {
     void switchDecidesWhetherARunHappens() {
         QFETCH(QString, activo);
         QFETCH(bool, corre);
-        ScriptedInterface ui;
-        if (!activo.isNull()) Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo);
+        InterfazGuionada ui;
+        if (!activo.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         msLog(u"línea anterior"_s);
-        appState().gsVersionPlataforma = u"400"_s;
+        estadoAplicacion().gsVersionPlataforma = u"400"_s;
         SendMessage();
         // A run empties the log even with an empty outbox; no run keeps it.
-        QCOMPARE(appState().log.lines().isEmpty(), corre);
-        QCOMPARE(appState().gsVersionPlataforma.isEmpty(), corre);
-        QVERIFY(!appState().gbEnviando);
+        QCOMPARE(estadoAplicacion().log.lines().isEmpty(), corre);
+        QCOMPARE(estadoAplicacion().gsVersionPlataforma.isEmpty(), corre);
+        QVERIFY(!estadoAplicacion().gbEnviando);
     }
 
     void flagsStandDuringTheRunOnly() {
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        Settings::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
         for (int canal : {3, 1, 2})
             Conexion().exec(
                 u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
@@ -59,11 +59,11 @@ class TestTransmitter : public QObject {
         QList<QPair<bool, bool>> vistos;
         ui.onProcessEvents = [&] {
             // The import's own log lines yield before its flag goes up.
-            const QString ultima = appState().log.last();
+            const QString ultima = estadoAplicacion().log.last();
             if (ultima.contains(u"Preparando importacion de Mensajes"_s) ||
                 ultima.contains(u"No existen Mensajes en el fichero"_s))
                 return;
-            vistos.append({appState().gbEnviando, appState().gbImportado});
+            vistos.append({estadoAplicacion().gbEnviando, estadoAplicacion().gbImportado});
         };
         SendMessage();
         // The loop turns during the run (after each account, and with each
@@ -74,17 +74,17 @@ class TestTransmitter : public QObject {
             QVERIFY(enviando);
             QVERIFY(importado);
         }
-        QVERIFY(!appState().gbEnviando);
-        QVERIFY(!appState().gbImportado);
+        QVERIFY(!estadoAplicacion().gbEnviando);
+        QVERIFY(!estadoAplicacion().gbImportado);
     }
 
     void shortWatchedPathIsNoImport() {
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        Settings::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         bool importado = true;
-        ui.onProcessEvents = [&] { importado = appState().gbImportado; };
+        ui.onProcessEvents = [&] { importado = estadoAplicacion().gbImportado; };
         SendMessage();
         QVERIFY(!importado);
     }
@@ -100,26 +100,26 @@ class TestTransmitter : public QObject {
         QFETCH(QString, activo);
         QFETCH(bool, cerrar);
         QFETCH(bool, sigueEnviando);
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, activo);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         if (cerrar) Conexion().close();
         SendMessage();
-        QCOMPARE(appState().log.lines().size(), 1);
-        QVERIFY(appState().log.last().contains(u" - Error en SendMessage: "_s));
+        QCOMPARE(estadoAplicacion().log.lines().size(), 1);
+        QVERIFY(estadoAplicacion().log.last().contains(u" - Error en SendMessage: "_s));
         // A failure inside the run never leaves the closing refused.
-        QCOMPARE(appState().gbEnviando, sigueEnviando);
+        QCOMPARE(estadoAplicacion().gbEnviando, sigueEnviando);
         if (cerrar) {
             conBase();
             SendMessage();
-            QVERIFY(!appState().gbEnviando);
+            QVERIFY(!estadoAplicacion().gbEnviando);
         }
     }
 
     void tickTurnsTheTimerOffWhileItRuns() {
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
-        Transmitter t;
+        Transmisor t;
         t.armarTemporizador();
         bool activoDurante = true;
         ui.onProcessEvents = [&] { activoDurante = t.Timer1().isActive(); };

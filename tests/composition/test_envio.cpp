@@ -2,10 +2,10 @@
 // leaves in the box, the counter, the outbox list and its commands, the
 // accounts combo and the transmitter switch.
 #include "TestSupportGui.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
 #include "composition/Envio.h"
 #include "composition/PantallasEnvio.h"
 #include "composition/frmEnvio.h"
@@ -29,11 +29,11 @@ using prueba::hijo;
 namespace {
 QStringList lineasLog() {
     QStringList r;
-    for (const QString& l : appState().log.lines()) r.append(l.section(u" - "_s, 1));
+    for (const QString& l : estadoAplicacion().log.lines()) r.append(l.section(u" - "_s, 1));
     return r;
 }
 QStringList abonadosEnBandeja() {
-    const QueryResult r = Conexion().query(u"select abonado from envios order by Id"_s);
+    const ResultadoConsulta r = Conexion().query(u"select abonado from envios order by Id"_s);
     QStringList a;
     for (int i = 0; i < r.recordCount(); ++i) a.append(r.value(i, 0).toString());
     return a;
@@ -120,7 +120,7 @@ class TestEnvio : public QObject {
         QFETCH(QStringList, filas);
         QFETCH(QString, queda);
         QFETCH(QStringList, log);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"UPDATE opciones SET solocontactos=?"_s, {solo ? 1 : 0});
         frmEnvio f;
         escribir(f, destinos, u"Hola\nqué tal"_s);
@@ -141,7 +141,7 @@ class TestEnvio : public QObject {
     }
 
     void emptyTextOrNoDestinations() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmEnvio f;
         escribir(f, u"ana"_s, u"   "_s);
         hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
@@ -173,7 +173,7 @@ class TestEnvio : public QObject {
         QFETCH(int, largo);
         QFETCH(QString, etiqueta);
         QFETCH(bool, mas);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"UPDATE Canales SET tini=?, tfin=? WHERE Canal=1"_s, {tini, tini});
         frmEnvio f;
         f.show();
@@ -183,7 +183,7 @@ class TestEnvio : public QObject {
     }
 
     void accountsCombo() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmEnvio f;
         auto* combo = hijo<QComboBox>(f, u"ImageCombo1"_s);
         QCOMPARE(combo->count(), 2);
@@ -200,7 +200,7 @@ class TestEnvio : public QObject {
     }
 
     void outboxListRedrawsOnCountChange() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-03-04 05:06:07',1,'0034600000009','uno',2),"
             u"('2026-03-04 05:06:08',9,'0034600000008','cuenta borrada',2),"
@@ -224,7 +224,7 @@ class TestEnvio : public QObject {
     }
 
     void modifyDeleteAndDeleteAll() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-03-04 05:06:07',1,'0034600000009','uno',2),"
             u"('2026-03-04 05:06:08',1,'0034600000008','dos',2),"
@@ -277,7 +277,7 @@ class TestEnvio : public QObject {
         QFETCH(QString, accion);
         QFETCH(QStringList, quedan);
         QFETCH(int, avisos);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"(1,'2026-03-04 05:06:07',1,'0034600000009','uno',2),"
             u"(2,'2026-03-04 05:06:08',1,'0034600000008','dos',2)"_s);
@@ -299,7 +299,7 @@ class TestEnvio : public QObject {
     }
 
     void openScreenFollowsTheOutbox() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmEnvio f;
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
         agregarMensajes(u"ana;pepe"_s, u"hola"_s, false, 1);
@@ -308,11 +308,11 @@ class TestEnvio : public QObject {
     }
 
     void pickerAndPredefinedTextReachTheScreen() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         int abiertos = 0;
         Pantallas::registrar(u"frmSeleccion"_s, [&] {
             ++abiertos;
-            appState().gsDestinos = u"ana;pepe"_s;
+            estadoAplicacion().gsDestinos = u"ana;pepe"_s;
         });
         {
             frmEnvio f;
@@ -345,7 +345,7 @@ class TestEnvio : public QObject {
     }
 
     void opensOnceInTheFrameAt100() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QMdiArea area;
         area.resize(1200, 900);
         area.show();
@@ -375,7 +375,7 @@ class TestEnvio : public QObject {
     void fitsASmallFrame() {
         QFETCH(QSize, marco);
         QFETCH(QPoint, posicion);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QMdiArea area;
         area.resize(marco);
         area.show();
@@ -394,14 +394,14 @@ class TestEnvio : public QObject {
     }
 
     void transmitterSwitch() {
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         frmEnvio f;
         f.show();
         auto* lmt = hijo<QLabel>(f, u"lmt"_s);
         QCOMPARE(lmt->text(), u"Envío de SMS Activado"_s);
         QTest::mouseDClick(hijo<QLabel>(f, u"imgmt"_s), Qt::LeftButton);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Activo"_s), u"0"_s);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), u"0"_s);
         QCOMPARE(lmt->text(), u"Envío de SMS Desactivado"_s);
         QCOMPARE(lmt->palette().color(QPalette::WindowText), QColor(255, 0, 0));
         QVERIFY(!hijo<QPushButton>(f, u"cmdEnviar"_s)->isEnabled());

@@ -3,10 +3,10 @@
 // "Enviar Todo", found in the history with the balance renewed.
 #include "SimuladorPrueba.h"
 #include "TestSupportGui.h"
-#include "app/Transmitter.h"
-#include "base/AppState.h"
+#include "app/Transmisor.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
 
@@ -74,7 +74,7 @@ class TestExtremo : public QObject {
         QFETCH(QString, caja);
         QFETCH(QString, combo);
         QVERIFY(preparar(clave));
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         if (parado) sim->detener();
         frmEnvio f;
         f.findChild<QPushButton*>(u"cmdSaldo"_s)->click();
@@ -85,11 +85,11 @@ class TestExtremo : public QObject {
 
     void composeAndSendEverything() {
         QVERIFY(preparar());
-        ScriptedInterface ui;
-        Database& db = Conexion();
+        InterfazGuionada ui;
+        BaseDatos& db = Conexion();
         db.exec(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1)"_s);
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        Transmitter tx;
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Transmisor tx;
 
         frmEnvio f;
         f.show();
@@ -97,7 +97,7 @@ class TestExtremo : public QObject {
         f.findChild<QPlainTextEdit*>(u"txtMensaje"_s)->setPlainText(u"Hola desde la prueba"_s);
         f.findChild<QPushButton*>(u"cmdEnviar"_s)->click();
 
-        const QueryResult h = db.query(u"select Abonado from HEnvios order by Abonado"_s);
+        const ResultadoConsulta h = db.query(u"select Abonado from HEnvios order by Abonado"_s);
         QCOMPARE(h.recordCount(), 2);
         QCOMPARE(h.value(0, 0).toString(), u"0034600000001"_s);
         QCOMPARE(h.value(1, 0).toString(), u"0034600123456"_s);

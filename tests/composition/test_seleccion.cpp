@@ -1,7 +1,7 @@
 // The recipient picker: how chosen contacts and lists become one
 // destinations text, and the moves and search of its screen.
 #include "TestSupportGui.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
 #include "db/Conexion.h"
@@ -70,13 +70,13 @@ class TestSeleccion : public QObject {
     void expansion() {
         QFETCH(QVector<DestinoElegido>, elegidos);
         QFETCH(QString, destinos);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QCOMPARE(msDestinosSeleccionados(elegidos), destinos);
         QVERIFY(ui.boxes.isEmpty());
     }
 
     void failureShowsItsBox() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         sql(u"DROP TABLE AboGrup"_s);
         QCOMPARE(msDestinosSeleccionados({lista(u"amigos"_s)}), QString());
         QCOMPARE(ui.boxes.size(), 1);
@@ -99,7 +99,7 @@ class TestSeleccion : public QObject {
     }
 
     void screenMovesSearchesAndAccepts() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmSeleccion f;
         ModeloListado* contactos = modelo(f, u"lstcontactos"_s);
         ModeloListado* listas = modelo(f, u"lstlistas"_s);
@@ -130,7 +130,7 @@ class TestSeleccion : public QObject {
         f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
         QCOMPARE(contactos->rowCount(), 0);
         f.findChild<QPushButton*>(u"cmdAdd"_s)->click();
-        QCOMPARE(appState().gsDestinos, u"bea;carla;ana;dani"_s);
+        QCOMPARE(estadoAplicacion().gsDestinos, u"bea;carla;ana;dani"_s);
 
         // Emptying the choice brings every contact back.
         f.findChild<QPushButton*>(u"cmdVaciarLista"_s)->click();
@@ -152,8 +152,8 @@ class TestSeleccion : public QObject {
     void enterDoesNotAccept() {
         QFETCH(QString, campo);
         QFETCH(int, tecla);
-        ScriptedInterface ui;
-        appState().gsDestinos = u"antes"_s;
+        InterfazGuionada ui;
+        estadoAplicacion().gsDestinos = u"antes"_s;
         frmSeleccion f;
         f.show();
         QVERIFY(QTest::qWaitForWindowExposed(&f));
@@ -164,7 +164,7 @@ class TestSeleccion : public QObject {
         QTest::keyClick(w, Qt::Key(tecla));
         QVERIFY(f.isVisible());
         QCOMPARE(f.result(), int(QDialog::Rejected));
-        QCOMPARE(appState().gsDestinos, u"antes"_s);
+        QCOMPARE(estadoAplicacion().gsDestinos, u"antes"_s);
         QCOMPARE(textosDe(modelo(f, u"lstdestinos"_s), 0), QStringList{u"bea"_s});
         for (QPushButton* b : f.findChildren<QPushButton*>())
             QVERIFY2(!b->isDefault(), qPrintable(b->objectName()));

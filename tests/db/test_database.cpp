@@ -1,8 +1,8 @@
 // The connection wrapper: values travel intact, names compare as users
 // expect, and failures say what failed.
 #include "TestSupport.h"
-#include "base/Settings.h"
-#include "db/Database.h"
+#include "base/Ajustes.h"
+#include "db/BaseDatos.h"
 #include "db/Transaccion.h"
 
 #include <sqlite3.h>
@@ -34,7 +34,7 @@ class TestDatabase : public QObject {
         QFETCH(QString, texto);
         db.exec(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,2)"_s,
                 {QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)), 1, u"600"_s, texto});
-        const QueryResult r =
+        const ResultadoConsulta r =
             db.query(u"SELECT Mensaje, Registro FROM envios WHERE Mensaje=?"_s, {texto});
         QCOMPARE(r.recordCount(), 1);
         QCOMPARE(r.value(0, 0).toString(), texto);
@@ -76,15 +76,15 @@ class TestDatabase : public QObject {
         try {
             db.query(u"SELECT nada FROM Canales"_s);
             QFAIL("a missing column must fail");
-        } catch (const DbError& e) {
+        } catch (const ErrorBD& e) {
             QCOMPARE(e.number(), int(ErrNum::ItemNotFound));
         }
-        QVERIFY_THROWS_EXCEPTION(DbError, db.query(u"SELECT * FROM noexiste"_s));
-        QVERIFY_THROWS_EXCEPTION(DbError, db.exec(u"INSERT INTO Canales (Canal) VALUES (?)"_s, {}));
+        QVERIFY_THROWS_EXCEPTION(ErrorBD, db.query(u"SELECT * FROM noexiste"_s));
+        QVERIFY_THROWS_EXCEPTION(ErrorBD, db.exec(u"INSERT INTO Canales (Canal) VALUES (?)"_s, {}));
         // A duplicate key leaves the first row as it was.
         db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','uno')"_s);
         QVERIFY_THROWS_EXCEPTION(
-            DbError, db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','dos')"_s));
+            ErrorBD, db.exec(u"INSERT INTO Abonados (Codigo, Alias) VALUES ('1','dos')"_s));
         QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"uno"_s);
     }
 
@@ -105,7 +105,7 @@ class TestDatabase : public QObject {
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write(QByteArray(4096, 'x'));
         f.close();
-        Database otro;
+        BaseDatos otro;
         QString error;
         QVERIFY(!otro.open(path, &error));
         QVERIFY(!error.isEmpty());
@@ -138,7 +138,7 @@ class TestDatabase : public QObject {
             db.exec(u"INSERT INTO MenPro VALUES (0,'uno')"_s);
             // A child without its parent: refused only at the commit.
             if (salida == u"rechazo"_s) db.exec(u"INSERT INTO hijo VALUES (5)"_s);
-            if (salida == u"error"_s) throw QuelmoError(u"fallo"_s, ErrNum::Platform);
+            if (salida == u"error"_s) throw ErrorQuelmo(u"fallo"_s, ErrNum::Plataforma);
             if (salida == u"excepcion"_s) throw std::runtime_error("fallo");
             t.commit();
         } catch (...) {
@@ -166,16 +166,16 @@ class TestDatabase : public QObject {
     void filesAreTheOwnersOnly() {
         QFETCH(QString, sufijo);
         QFETCH(int, escrituras);
-        Database nueva;
+        BaseDatos nueva;
         const QString ruta = world.root() + u"/nueva.db"_s;
         for (const QString& f : QStringList{ruta, ruta + u"-wal"_s, ruta + u"-shm"_s})
             QFile::remove(f);
         QVERIFY(nueva.create(ruta));
         nueva.exec(u"CREATE TABLE t (x)"_s);
-        QFile::remove(Settings::fileName());
+        QFile::remove(Ajustes::fileName());
         for (int i = 0; i < escrituras; ++i)
-            Settings::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(60 + i));
-        const QString f = sufijo.isNull() ? Settings::fileName() : ruta + sufijo;
+            Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(60 + i));
+        const QString f = sufijo.isNull() ? Ajustes::fileName() : ruta + sufijo;
         QVERIFY2(QFile::exists(f), qPrintable(f));
         QCOMPARE(QFile::permissions(f) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
                  QFileDevice::ReadOwner | QFileDevice::WriteOwner);
@@ -183,7 +183,7 @@ class TestDatabase : public QObject {
 
   private:
     TestWorld& world;
-    Database db;
+    BaseDatos db;
 };
 
 QUELMO_TEST_MAIN(TestDatabase)

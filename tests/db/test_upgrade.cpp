@@ -1,8 +1,8 @@
 // The upgrade takes any generation of file to the current schema and keeps
 // every row; a second run changes nothing.
 #include "TestSupport.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
 #include "db/mdoDB.h"
 
 using namespace Qt::StringLiterals;
@@ -11,16 +11,17 @@ namespace {
 
 // Schema and rows of every table, as text: what "changes nothing" compares.
 QString volcado(const QString& path) {
-    Database db;
+    BaseDatos db;
     if (!db.open(path)) return u"<no abre>"_s;
     QString out;
-    const QueryResult tablas = db.query(
+    const ResultadoConsulta tablas = db.query(
         u"SELECT name, sql FROM sqlite_master WHERE name NOT LIKE 'sqlite_%' ORDER BY name"_s);
     for (int i = 0; i < tablas.recordCount(); ++i) {
         out += tablas.value(i, 1).toString() + u'\n';
         const QString nombre = tablas.value(i, 0).toString();
         if (!db.hasTable(nombre)) continue;
-        const QueryResult filas = db.query(u"SELECT * FROM \""_s + nombre + u"\" ORDER BY rowid"_s);
+        const ResultadoConsulta filas =
+            db.query(u"SELECT * FROM \""_s + nombre + u"\" ORDER BY rowid"_s);
         for (int r = 0; r < filas.recordCount(); ++r) {
             QStringList celdas;
             for (const QVariant& v : filas.row(r))
@@ -32,7 +33,7 @@ QString volcado(const QString& path) {
 }
 
 void sembrarBase(const QString& path) {
-    Database db;
+    BaseDatos db;
     QVERIFY(db.open(path));
     db.exec(
         u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal) "
@@ -67,9 +68,9 @@ class TestUpgrade : public QObject {
         msActualizarBD(path);
         QVERIFY(msValidarBD(path));
 
-        Database db;
+        BaseDatos db;
         QVERIFY(db.open(path));
-        const QueryResult c =
+        const ResultadoConsulta c =
             db.query(u"SELECT Nombre, Saldo, imptextos, remopc, Remitente, tini FROM Canales"_s);
         QCOMPARE(c.recordCount(), 1);
         QCOMPARE(c.value(0, u"Nombre"_s).toString(), u"Cuenta_1"_s);
@@ -79,7 +80,7 @@ class TestUpgrade : public QObject {
         QVERIFY(c.value(0, u"Remitente"_s).isNull());
         QVERIFY(c.value(0, u"tini"_s).isNull());
 
-        const QueryResult o =
+        const ResultadoConsulta o =
             db.query(u"SELECT id, maxlote, solocontactos, imgfondo FROM opciones"_s);
         QCOMPARE(o.recordCount(), 1);
         QCOMPARE(o.value(0, 0).toInt(), 1);
@@ -93,7 +94,7 @@ class TestUpgrade : public QObject {
 
         // The old row keeps its values and gains an identity; the same contact
         // can now stand twice in one multi-send.
-        const QueryResult aa =
+        const ResultadoConsulta aa =
             db.query(u"SELECT id_AboAuto, Automatico, Abonado, Mensaje FROM AboAuto"_s);
         QCOMPARE(aa.recordCount(), 1);
         QVERIFY(!aa.value(0, 0).isNull());
@@ -133,7 +134,7 @@ class TestUpgrade : public QObject {
         const QString path = TestDb::createBaseline(world.root() + u"/medio.db"_s);
         sembrarBase(path);
         {
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(path));
             db.exec(u"ALTER TABLE Canales ADD COLUMN Remitente TEXT(16)"_s);
             db.exec(u"UPDATE Canales SET Remitente='Juan'"_s);
@@ -143,11 +144,11 @@ class TestUpgrade : public QObject {
         }
         msActualizarBD(path);
         QVERIFY(msValidarBD(path));
-        Database db;
+        BaseDatos db;
         QVERIFY(db.open(path));
-        const QueryResult c = db.query(u"SELECT Remitente, tini, tfin, movil FROM Canales"_s);
+        const ResultadoConsulta c = db.query(u"SELECT Remitente, tini, tfin, movil FROM Canales"_s);
         QCOMPARE(c.value(0, 0).toString(), u"Juan"_s);
-        const QueryResult o = db.query(u"SELECT maxlote, solocontactos FROM opciones"_s);
+        const ResultadoConsulta o = db.query(u"SELECT maxlote, solocontactos FROM opciones"_s);
         QCOMPARE(o.recordCount(), 1);
         QCOMPARE(o.value(0, 0).toInt(), 200);
         QCOMPARE(o.value(0, 1).toInt(), 0);
@@ -171,13 +172,13 @@ class TestUpgrade : public QObject {
     void validationIgnoresOptions() {
         const QString path = TestDb::createCurrent(world.root() + u"/sinopciones.db"_s);
         {
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(path));
             db.exec(u"DROP TABLE opciones"_s);
         }
         QVERIFY(msValidarBD(path));
         {
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(path));
             db.exec(u"ALTER TABLE HEnvios DROP COLUMN crem"_s);
         }

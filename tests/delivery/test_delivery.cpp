@@ -3,11 +3,11 @@
 // version notices; the client's own rules.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
 #include "base/Cifrado.h"
-#include "base/Clock.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 #include "delivery/qmXMLSend.h"
@@ -30,7 +30,7 @@ QString configuracion(const QString& plataforma = {}, const QString& cuenta = {}
 }
 
 bool registroContiene(const QString& texto) {
-    return appState().log.lines().join(u'\n').contains(texto);
+    return estadoAplicacion().log.lines().join(u'\n').contains(texto);
 }
 
 int cuenta(const QString& sql, const QVariantList& params = {}) {
@@ -46,7 +46,7 @@ class TestDelivery : public QObject {
 
   private:
     TestWorld& world;
-    std::unique_ptr<FixedClock> reloj;
+    std::unique_ptr<RelojFijo> reloj;
 
     std::unique_ptr<SimuladorPrueba> simulador(const QString& ini = configuracion()) {
         auto s = std::make_unique<SimuladorPrueba>(world.root(), ini);
@@ -79,7 +79,7 @@ class TestDelivery : public QObject {
     void init() {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
-        reloj = std::make_unique<FixedClock>(kAhora);
+        reloj = std::make_unique<RelojFijo>(kAhora);
     }
     void cleanup() { reloj.reset(); }
 
@@ -136,16 +136,16 @@ class TestDelivery : public QObject {
         QFETCH(int, historial);
         QFETCH(int, intento);
         QFETCH(QString, linea);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador(configuracion({}, cuentaSim));
         anadirCuenta(sim->host());
         anadirFila(abonado, mensaje, canalFila);
         if (!conectar) sim->detener();
         msEnviarLote(int16_t(canalFila), false);
 
-        QVERIFY2(registroContiene(linea), qPrintable(appState().log.lines().join(u'\n')));
+        QVERIFY2(registroContiene(linea), qPrintable(estadoAplicacion().log.lines().join(u'\n')));
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), historial);
-        const QueryResult fila = Conexion().query(u"select intento, Registro from envios"_s);
+        const ResultadoConsulta fila = Conexion().query(u"select intento, Registro from envios"_s);
         QCOMPARE(fila.recordCount(), intento == 0 ? 0 : 1);
         if (intento != 0) {
             QCOMPARE(fila.value(0, 0).toInt(), intento);
@@ -153,7 +153,8 @@ class TestDelivery : public QObject {
             QCOMPARE(fila.value(0, 1).toString(), intento == 1 ? aTextoBD(kAhora) : kAntes);
         }
         if (historial > 0) {
-            const QueryResult h = Conexion().query(u"select Canal, crem, Registro from HEnvios"_s);
+            const ResultadoConsulta h =
+                Conexion().query(u"select Canal, crem, Registro from HEnvios"_s);
             QCOMPARE(h.value(0, 0).toInt(), 1);
             QCOMPARE(h.value(0, 1).toString(), u"Principal (Tienda)"_s);
             QCOMPARE(h.value(0, 2).toString(), aTextoBD(kAhora));
@@ -189,7 +190,7 @@ class TestDelivery : public QObject {
         QFETCH(bool, importado);
         QFETCH(int, imptextos);
         QFETCH(QList<int>, longitudes);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         const QString tini = textos ? u"ABC"_s : QString(), tfin = textos ? u"XYZ"_s : QString();
         anadirCuenta(sim->host(), u"demo"_s, 0, tini, tfin, imptextos);
@@ -216,7 +217,7 @@ class TestDelivery : public QObject {
     }
 
     void destinationsAreNormalised() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         const QList<QPair<QString, QString>> casos = {
@@ -249,7 +250,7 @@ class TestDelivery : public QObject {
     void batchSizeComesFromTheOptions() {
         QFETCH(QVariant, maxlote);
         QFETCH(int, enviadas);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         if (maxlote.isValid())
@@ -286,14 +287,14 @@ class TestDelivery : public QObject {
     void failedExchangesChangeNothing() {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Despliegue"_s, u"TimeoutTotal"_s, u"1"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Despliegue"_s, u"TimeoutTotal"_s, u"1"_s);
         auto sim = simulador(configuracion(fallo));
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"uno"_s);
         anadirFila(u"0034111111111"_s, u"dos"_s);
         msEnviarLote(1, false);
-        QVERIFY2(registroContiene(linea), qPrintable(appState().log.lines().join(u'\n')));
+        QVERIFY2(registroContiene(linea), qPrintable(estadoAplicacion().log.lines().join(u'\n')));
         QCOMPARE(cuenta(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
                  2);
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 0);
@@ -309,7 +310,7 @@ class TestDelivery : public QObject {
     }
     void awkwardCharactersSurvive() {
         QFETCH(QString, texto);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         const QString clave = u"cl&ve<ñ'"_s;
         auto sim =
             simulador(u"[plataforma]\n[cuenta1]\nusuario=demo\nclave=\"cl&ve<ñ'\"\nsaldo=5\n"_s);
@@ -343,18 +344,19 @@ class TestDelivery : public QObject {
         QFETCH(QString, cuentaSim);
         QFETCH(QString, remitente);
         QFETCH(bool, aviso);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QSignalSpy cuentas(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         auto sim = simulador(configuracion(u"version=330"_s, cuentaSim));
         anadirCuenta(sim->host(), u"demo"_s, remopc);
         anadirFila(u"629000000"_s, u"hola"_s);
         msEnviarLote(1, false);
-        const QueryResult c = Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
+        const ResultadoConsulta c =
+            Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toInt(), 99);
         QCOMPARE(c.value(0, 1).toString(), remitente);
         QCOMPARE(c.value(0, 2).toString(), u"0034600123456"_s);
-        QCOMPARE(appState().gsSaldoCuenta, u"99"_s);
-        QCOMPARE(appState().gsVersionPlataforma, u"330"_s);
+        QCOMPARE(estadoAplicacion().gsSaldoCuenta, u"99"_s);
+        QCOMPARE(estadoAplicacion().gsVersionPlataforma, u"330"_s);
         QCOMPARE(cuentas.count(), 1);
         QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
         if (aviso) {
@@ -374,21 +376,21 @@ class TestDelivery : public QObject {
     void debugLinesFollowTheSetting() {
         QFETCH(QString, valor);
         QFETCH(bool, depura);
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Debug"_s, valor);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, valor);
         auto sim = simulador();
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"hola"_s);
         msEnviarLote(1, false);
         QCOMPARE(registroContiene(u"Creando Objetos para el envio"_s), depura);
-        QCOMPARE(appState().log.last().contains(u"<respuesta>"_s), depura);
+        QCOMPARE(estadoAplicacion().log.last().contains(u"<respuesta>"_s), depura);
     }
 
     // A platform whose trace repeats the request, with the debug lines on:
     // the account's password shows in none of its forms.
     void passwordStaysOutOfTheLog() {
-        ScriptedInterface ui;
-        Settings::saveSetting(u"Tr"_s, u"Debug"_s, u"RXXML"_s);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, u"RXXML"_s);
         const QString clave = u"s3cr&t<ñ 'x"_s;
         auto sim = simulador(
             u"[plataforma]\neco=true\n[cuenta1]\nusuario=demo\n"
@@ -397,7 +399,7 @@ class TestDelivery : public QObject {
         anadirFila(u"629000000"_s, u"hola"_s);
         msEnviarLote(1, false);
         QCOMPARE(sim->registro().size(), 1);
-        const QString registro = appState().log.lines().join(u'\n');
+        const QString registro = estadoAplicacion().log.lines().join(u'\n');
         QVERIFY(registro.contains(u"Valor AuTrace: <?xml"_s));
         const QString xml = clave.toHtmlEscaped();
         for (const QString& forma :
@@ -418,7 +420,7 @@ class TestDelivery : public QObject {
     void lockedDatabaseSendsNothingTwice() {
         QFETCH(bool, antes);
         QFETCH(int, enPrimera);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"retraso_ms=1500"_s));
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"hola"_s);
@@ -447,7 +449,7 @@ class TestDelivery : public QObject {
         QCOMPARE(int(sim->registro().size()), enPrimera);
         if (antes)
             QVERIFY2(registroContiene(u"Descripcion: database is locked"_s),
-                     qPrintable(appState().log.lines().join(u'\n')));
+                     qPrintable(estadoAplicacion().log.lines().join(u'\n')));
         else
             QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
         // The next run finds nothing of the first one to send again.
@@ -461,7 +463,7 @@ class TestDelivery : public QObject {
     // the rows to be sent again: they carry the same references, and the
     // platform answers them without sending or charging twice.
     void resentItemsReachNobodyTwice() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
@@ -483,7 +485,7 @@ class TestDelivery : public QObject {
     }
 
     void strayResultIsPassedOver() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"fallo=extraviado"_s));
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"uno"_s);
@@ -491,7 +493,7 @@ class TestDelivery : public QObject {
         msEnviarLote(1, false);
         QVERIFY2(registroContiene(u"La plataforma devolvió el resultado de un mensaje que no se "
                                   "envió (n=9999), se descarta"_s),
-                 qPrintable(appState().log.lines().join(u'\n')));
+                 qPrintable(estadoAplicacion().log.lines().join(u'\n')));
         QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 2);
     }
@@ -509,31 +511,31 @@ class TestDelivery : public QObject {
     void rowsWithoutAUsableAccount() {
         QFETCH(QVariant, canal);
         QFETCH(QString, nombre);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"sin cuenta"_s, 1);
         Conexion().exec(u"update envios set Canal=?"_s, {canal});
         anadirFila(u"629000001"_s, u"con cuenta"_s, 1);
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         SendMessage();
         const QString linea = u"Hay mensajes sin una cuenta válida (cuenta: "_s + nombre +
                               u"); se dejan en la bandeja de salida sin enviar"_s;
-        QCOMPARE(appState().log.lines().filter(linea).size(), 1);
+        QCOMPARE(estadoAplicacion().log.lines().filter(linea).size(), 1);
         QCOMPARE(Conexion().query(u"select Mensaje from envios"_s).value(0, 0).toString(),
                  u"sin cuenta"_s);
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
-        QVERIFY(!appState().gbEnviando);
+        QVERIFY(!estadoAplicacion().gbEnviando);
     }
 
     // The log's turns of the event loop let a timer tick again in the middle
     // of a run; that tick must not start another.
     void tickInsideATickSendsNothing() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         anadirFila(u"629000000"_s, u"hola"_s);
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         int anidados = 0;
         ui.onProcessEvents = [&] {
             if (anidados++ == 0) SendMessage();
@@ -542,19 +544,19 @@ class TestDelivery : public QObject {
         QVERIFY(anidados > 0);
         QCOMPARE(sim->registro().size(), 1);
         QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
-        QVERIFY(!appState().gbEnviando);
+        QVERIFY(!estadoAplicacion().gbEnviando);
     }
 
     // A balance the platform reports that is no number is never stored: a
     // batch keeps its items' results, a query returns nothing.
     void balanceThatIsNoNumber() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
         anadirCuenta(sim->host());
         QCOMPARE(SendAutCuenta(1), QString());
         QVERIFY2(registroContiene(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
                                   "plataforma: 'abc'"_s),
-                 qPrintable(appState().log.lines().join(u'\n')));
+                 qPrintable(estadoAplicacion().log.lines().join(u'\n')));
         QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
         anadirFila(u"629000000"_s, u"hola"_s);
         msEnviarLote(1, false);
@@ -604,14 +606,14 @@ class TestDelivery : public QObject {
         QFETCH(QString, linea);
         QFETCH(int, respuesta);
         QFETCH(QString, abierta);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers << respuesta;
         auto sim = simulador(configuracion(u"version="_s + version));
         if (!conectar) sim->detener();
         QString host = sim->host();
         QCOMPARE(msConsultarSaldo(u"demo"_s, clave, host), resultado);
-        QVERIFY2(appState().log.last().endsWith(u" - "_s + linea),
-                 qPrintable(appState().log.last()));
+        QVERIFY2(estadoAplicacion().log.last().endsWith(u" - "_s + linea),
+                 qPrintable(estadoAplicacion().log.last()));
         const bool aviso = respuesta != 0;
         QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
         if (aviso) {
@@ -620,14 +622,14 @@ class TestDelivery : public QObject {
         }
         QCOMPARE(ui.openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
         if (resultado != u"100"_s) return;
-        QCOMPARE(appState().MovilCuenta, u"0034600123456"_s);
+        QCOMPARE(estadoAplicacion().MovilCuenta, u"0034600123456"_s);
 
         // A transmitter run only writes a line, at its end.
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         anadirCuenta(sim->host());
         anadirFila(u"0034111111111"_s, u"x"_s);
         SendMessage();
-        QCOMPARE(appState().log.last().endsWith(
+        QCOMPARE(estadoAplicacion().log.last().endsWith(
                      u"ATENCION: Existe una versión nueva de Quelmo Mensajes SMS, acceda a "
                      "http://www.quelmo.example para descargarla."_s),
                  aviso);
@@ -635,9 +637,9 @@ class TestDelivery : public QObject {
     }
 
     void emptyHostTakesThePlatformsAddress() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador();
-        Settings::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
+        Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
         QString host;
         QCOMPARE(msConsultarSaldo(u"demo"_s, u"demo"_s, host), u"100"_s);
         QCOMPARE(host, sim->host() + u'/');
@@ -660,11 +662,12 @@ class TestDelivery : public QObject {
         QFETCH(QString, saldoSim);
         QFETCH(QString, resultado);
         QFETCH(bool, guardado);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
         QCOMPARE(SendAutCuenta(int16_t(canal)), resultado);
-        const QueryResult c = Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
+        const ResultadoConsulta c =
+            Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toString(), guardado ? saldoSim : u"7"_s);
         QCOMPARE(c.value(0, 1).toString(), guardado ? u"Tienda "_s : u"Tienda"_s);
         QCOMPARE(c.value(0, 2).toString(), guardado ? u"0034600123456"_s : QString());

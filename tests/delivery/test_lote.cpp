@@ -2,8 +2,8 @@
 // the cut of long texts into pieces, what a result writes, the account's
 // update.
 #include "TestSupport.h"
-#include "base/Clock.h"
 #include "base/Error.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "delivery/Lote.h"
 #include "delivery/qmXMLSend.h"
@@ -144,7 +144,7 @@ class TestLote : public QObject {
         QFETCH(bool, tomado);
         QFETCH(int, historial);
         QFETCH(int, intento);
-        FixedClock reloj(kAhora);
+        RelojFijo reloj(kAhora);
         Conexion().exec(
             u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES (5,'2026-01-01 08:00:00',1,'629000000','hola',2)"_s);
         qmXMLSend::Item item;
@@ -160,7 +160,7 @@ class TestLote : public QObject {
             QCOMPARE(Conexion().query(u"select Registro from envios"_s).value(0, 0).toString(),
                      aTextoBD(kAhora));
         if (historial == 1) {
-            const QueryResult h =
+            const ResultadoConsulta h =
                 Conexion().query(u"select Abonado, Mensaje, Resultado, Canal, crem from HEnvios"_s);
             QCOMPARE(h.row(0), (QVector<QVariant>{destino, u"hola"_s, u"Mensaje aceptado"_s,
                                                   qlonglong(1), u"Principal (Tienda)"_s}));
@@ -184,12 +184,13 @@ class TestLote : public QObject {
         bool fallo = false;
         try {
             Lote::actualizarCuenta(Conexion(), 1, saldo, u"Otro "_s, u"0034600123456"_s);
-        } catch (const QuelmoError& e) {
+        } catch (const ErrorQuelmo& e) {
             fallo = true;
             QVERIFY(e.description().contains(u"Saldo no válido"_s));
         }
         QCOMPARE(fallo, guardado.isEmpty());
-        const QueryResult c = Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
+        const ResultadoConsulta c =
+            Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toString(), guardado.isEmpty() ? u"7"_s : guardado);
         QCOMPARE(c.value(0, 1).toString(), guardado.isEmpty() ? u"Tienda "_s : u"Otro "_s);
     }

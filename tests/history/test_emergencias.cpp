@@ -3,9 +3,9 @@
 // account, and a schedule that stays as it was.
 #include "TestSupport.h"
 #include "TestSupportGui.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "history/PantallasHistorico.h"
 #include "history/frmEmergencias.h"
@@ -62,7 +62,7 @@ class TestEmergencias : public QObject {
 
     void listShowsNextAndLastRun() {
         // Wednesday 15/03/2006 10:00:30.
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
         programa(1, u"Periodicidad=1 Hora=11:00"_s);
         nombre(1, u"Diario sin enviar"_s);
         programa(2, u"Periodicidad=1 Hora=11:00"_s);
@@ -74,7 +74,7 @@ class TestEmergencias : public QObject {
         nombre(4, u"Sin programar"_s);
         destinatario(4, u"0034600000001"_s, u"a"_s);
         destinatario(4, u"0034600000002"_s, u"b"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
         frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
         QCOMPARE(pantalla->windowTitle(),
@@ -88,7 +88,7 @@ class TestEmergencias : public QObject {
     }
 
     void nothingToShowClosesTheScreen() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
         QCOMPARE(ui.boxes.size(), 1);
         QCOMPARE(ui.boxes.at(0).text, u"No existen Mensajes Programados"_s);
@@ -118,7 +118,7 @@ class TestEmergencias : public QObject {
         QFETCH(QStringList, destinos);
         QFETCH(QStringList, contactos);
         QFETCH(QStringList, bandeja);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
         programa(7, u"Periodicidad=1 Hora=11:00"_s);
         nombre(7, u"Aviso"_s);
         for (const QString& d : destinos)
@@ -126,7 +126,7 @@ class TestEmergencias : public QObject {
         for (const QString& c : contactos)
             contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
         const QStringList programaAntes = prueba::filas(u"SELECT * FROM Automaticos"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         int envioAbierto = 0, bandejaAlAbrir = -1;
         QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
         Pantallas::registrar(u"frmEnvio"_s, [&] {
@@ -162,7 +162,7 @@ class TestEmergencias : public QObject {
         contacto(u"0034600000001"_s, 1);
         destinatario(3, u"0034600000001"_s, u"del tres"_s);
         destinatario(5, u"0034600000001"_s, u"del cinco"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QVariant abierto;
         Pantallas::registrarConDato(u"frmNewMenAuto2"_s, [&](const QVariant& d) {
             abierto = d;
@@ -182,7 +182,7 @@ class TestEmergencias : public QObject {
     void noRecipientsIsTold() {
         programa(2, u"Periodicidad=1"_s);
         nombre(2, u"Vacío"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();

@@ -2,9 +2,9 @@
 // rule of the date column, resend through today's principal account, and
 // the two deletions with their questions.
 #include "TestSupportGui.h"
-#include "base/AppState.h"
 #include "base/Avisos.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
 #include "history/PantallasHistorico.h"
@@ -46,7 +46,7 @@ QStringList columna(const QAbstractItemModel* m, int c) {
     return t;
 }
 
-QStringList cajas(const ScriptedInterface& ui) {
+QStringList cajas(const InterfazGuionada& ui) {
     QStringList t;
     for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
     return t;
@@ -79,7 +79,7 @@ class TestHistorico : public QObject {
 
     void listShowsSixColumnsNewestFirst() {
         tresMensajes();
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         registrarPantallasHistorico();
         QVERIFY(Pantallas::abrir(u"frmHEnvios"_s));
         frmHEnvios* pantalla = PantallasHijas::instance<frmHEnvios>();
@@ -142,7 +142,7 @@ class TestHistorico : public QObject {
         QFETCH(int, flecha);
         QFETCH(Qt::SortOrder, sentido);
         tresMensajes();
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmHEnvios pantalla;
         for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
         QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
@@ -174,8 +174,8 @@ class TestHistorico : public QObject {
         cuenta(3, false);
         if (principal) cuenta(principal, true);
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, mensaje, 3, u"Otra"_s);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
-        ScriptedInterface ui;
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         QSignalSpy bandeja(&Avisos::instancia(), &Avisos::bandejaCambiada);
         frmHEnvios pantalla;
@@ -210,7 +210,7 @@ class TestHistorico : public QObject {
     void resendFailureIsTold() {
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, u"Hola"_s);
         bd().exec(u"DROP TABLE envios"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {Msg::Yes};
         frmHEnvios pantalla;
         pantalla.ListView1->selectionModel()->select(
@@ -259,7 +259,7 @@ class TestHistorico : public QObject {
         QFETCH(QStringList, preguntas);
         QFETCH(QStringList, quedan);
         tresMensajes();
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         frmHEnvios pantalla;
         if (todos) {
@@ -281,7 +281,7 @@ class TestHistorico : public QObject {
     }
 
     void emptyHistory() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {Msg::Yes};
         frmHEnvios pantalla;
         QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);

@@ -3,8 +3,8 @@
 // What the import tests share: a database with accounts 5 (principal) and
 // 7, files written byte for byte, and the log without its time stamps.
 #include "TestSupport.h"
-#include "base/AppState.h"
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 
 #include <QDir>
@@ -49,7 +49,8 @@ inline QByteArray leer(const QString& ruta) {
 // The log's texts, without "{date time} - ".
 inline QStringList registro() {
     QStringList t;
-    for (const QString& l : appState().log.lines()) t.append(l.mid(l.indexOf(u" - "_s) + 3));
+    for (const QString& l : estadoAplicacion().log.lines())
+        t.append(l.mid(l.indexOf(u" - "_s) + 3));
     return t;
 }
 

@@ -2,8 +2,8 @@
 // run, through the platform simulator.
 #include "AyudaImport.h"
 #include "SimuladorPrueba.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
-#include "base/Settings.h"
 #include "delivery/mdoSendRavion.h"
 
 #include <utime.h>
@@ -22,7 +22,7 @@ class TestCiclo : public QObject {
   private Q_SLOTS:
     void loDejadoSaleEnElMismoCiclo() {
         world.reset();
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(),
                             u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"
                             u"movil=0034600123456\n"_s);
@@ -39,8 +39,8 @@ class TestCiclo : public QObject {
         struct utimbuf t {};
         t.actime = t.modtime = ::time(nullptr) - 60;
         ::utime(QFile::encodeName(vigilado).constData(), &t);
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        Settings::saveSetting(u"ImportA"_s, u"Path"_s, vigilado);
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, vigilado);
 
         SendMessage();
 

@@ -1,7 +1,7 @@
 // The driver: the ways in, the working copy, and the watched file taken
 // exactly once, also when the import stops dead at any point.
 #include "AyudaImport.h"
-#include "base/Settings.h"
+#include "base/Ajustes.h"
 #include "import/mdoImport.h"
 
 #include <sys/stat.h>
@@ -42,7 +42,7 @@ class TestDriver : public QObject {
 
   private:
     TestWorld& world;
-    ScriptedInterface* ui = nullptr;
+    InterfazGuionada* ui = nullptr;
     QString base;
 
     QString carpeta() const { return world.root() + u"/buzon"_s; }
@@ -77,7 +77,7 @@ class TestDriver : public QObject {
   private Q_SLOTS:
     void init() {
         base = baseConCuentas(world);
-        ui = new ScriptedInterface;
+        ui = new InterfazGuionada;
         QDir(carpeta()).removeRecursively();
         QDir().mkpath(carpeta());
         ImportPruebas::establecerPuntoDeFallo({});
@@ -128,13 +128,13 @@ class TestDriver : public QObject {
         escribir(f, "7;600123456;Hola\r\n");
         ruta.replace(u"{f}"_s, f);
         registro.replaceInStrings(u"{f}"_s, f);
-        Settings::saveSetting(seccion, u"Path"_s, ruta);
-        Settings::saveSetting(u"ImportUser"_s, u"Lista"_s, u"-1"_s);
-        appState().gbImportado = false;
+        Ajustes::saveSetting(seccion, u"Path"_s, ruta);
+        Ajustes::saveSetting(u"ImportUser"_s, u"Lista"_s, u"-1"_s);
+        estadoAplicacion().gbImportado = false;
         const bool hecho = seccion == u"Import"_s ? msImportarManual() : msImportarContactos();
         QCOMPARE(hecho, ejecutado);
         QCOMPARE(import_prueba::registro(), registro);
-        if (seccion == u"Import"_s) QCOMPARE(appState().gbImportado, ejecutado);
+        if (seccion == u"Import"_s) QCOMPARE(estadoAplicacion().gbImportado, ejecutado);
         // The user's file stays; no working copy is left behind.
         QCOMPARE(leer(f), QByteArray("7;600123456;Hola\r\n"));
         QCOMPARE(QDir(world.appDir()).entryList({u"Import_*"_s}, QDir::Files), QStringList());
@@ -158,9 +158,9 @@ class TestDriver : public QObject {
         QFETCH(int, miembros);
         const QString f = world.root() + u"/manual.txt"_s;
         escribir(f, "7;600123456;Hola\n");
-        Settings::saveSetting(u"Import"_s, u"Path"_s, f);
-        Settings::saveSetting(u"Import"_s, u"Lista"_s, guardada);
-        Settings::saveSetting(u"Import"_s, u"AddContactos"_s, add);
+        Ajustes::saveSetting(u"Import"_s, u"Path"_s, f);
+        Ajustes::saveSetting(u"Import"_s, u"Lista"_s, guardada);
+        Ajustes::saveSetting(u"Import"_s, u"AddContactos"_s, add);
         QVERIFY(msImportarManual());
         QCOMPARE(filas(u"SELECT Grupo,Nombre FROM Grupos"_s), grupos);
         QCOMPARE(cuantos(u"SELECT count(*) FROM AboGrup"_s), miembros);

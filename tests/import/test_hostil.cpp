@@ -156,7 +156,7 @@ int comprobarDesenlaces(const QStringList& desenlaces, const QStringList& textos
             if (!negativa) return -1;
             continue;
         }
-        const QueryResult r = bd().query(
+        const ResultadoConsulta r = bd().query(
             u"SELECT Id, Abonado, Mensaje FROM envios WHERE Id > ? ORDER BY Id LIMIT 1"_s,
             {ultimoId.isNull() ? QVariant(0) : ultimoId});
         if (r.recordCount() != 1 || r.value(0, 2).toString() != textos.at(i) ||
@@ -186,7 +186,7 @@ class TestHostil : public QObject {
     // Files of 1,000 lines; every other one holds bytes that are not UTF-8,
     // and some end in the middle of a character.
     void lineasDeFichero() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla);
         const QString ruta = world.root() + u"/hostil.txt"_s;
         QVariant ultimoId;
@@ -204,7 +204,7 @@ class TestHostil : public QObject {
                 ++noVacias;
                 textos << campoTexto(l);
             }
-            appState().log.clear();
+            estadoAplicacion().log.clear();
             QString lista = u"-1"_s;
             msLeerFicheroImport(ruta, false, lista, false);
             QStringList desenlaces = registro();
@@ -219,7 +219,7 @@ class TestHostil : public QObject {
     // The fields straight to the line routine: line breaks, NULs and
     // semicolons a file could not carry into one field.
     void camposDeUnaLinea() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla + 1);
         QVariant ultimoId;
         const auto campo = [&azar] {
@@ -242,7 +242,7 @@ class TestHostil : public QObject {
             const QString cuenta = azar.bounded(3) == 0 ? campo() : cuentas.at(azar.bounded(5));
             const QString numero = azar.bounded(3) == 0 ? campo() : u"600123456"_s;
             const QString mensaje = campo();
-            appState().log.clear();
+            estadoAplicacion().log.clear();
             const bool bien = msImportarLinea(cuenta, numero, mensaje, -1, false, false);
             const QStringList desenlaces = registro();
             QCOMPARE(desenlaces.size(), 1);
@@ -344,7 +344,7 @@ class TestHostil : public QObject {
             }
             try {
                 qmXMLSend::leerRespuesta(*cliente, doc);
-            } catch (const QuelmoError& e) {
+            } catch (const ErrorQuelmo& e) {
                 QVERIFY2(e.description().startsWith(u"Respuesta no válida de la plataforma: "_s),
                          qPrintable(e.description()));
             }

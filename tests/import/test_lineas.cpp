@@ -13,7 +13,7 @@ class TestLineas : public QObject {
 
   private:
     TestWorld& world;
-    ScriptedInterface* ui = nullptr;
+    InterfazGuionada* ui = nullptr;
 
     QString fichero() const { return world.root() + u"/lineas.txt"_s; }
 
@@ -26,7 +26,7 @@ class TestLineas : public QObject {
   private Q_SLOTS:
     void init() {
         baseConCuentas(world);
-        ui = new ScriptedInterface;
+        ui = new InterfazGuionada;
     }
     void cleanup() {
         delete ui;

@@ -2,9 +2,9 @@
 // a child `quelmo-sms --headless --once` imports a file of 20,000 lines and
 // is killed at random instants, then restarted until it finishes.
 #include "TestSupport.h"
-#include "base/Conversions.h"
-#include "base/Settings.h"
-#include "db/Database.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
+#include "db/BaseDatos.h"
 
 #include <utime.h>
 #include <QDir>
@@ -43,7 +43,7 @@ class TestMatar : public QObject {
     };
     // The rows of the file whose texts begin with `prefijo`, and the claims.
     Estado estado(const QString& prefijo) {
-        Database db;
+        BaseDatos db;
         Estado e;
         if (!db.open(base())) return e;
         e.filas = numeroDe(db.query(u"SELECT count(*) FROM envios WHERE Mensaje LIKE ?"_s,
@@ -59,7 +59,7 @@ class TestMatar : public QObject {
         world.reset();
         QDir().mkpath(carpeta());
         {
-            Database db;
+            BaseDatos db;
             TestDb::createCurrent(base());
             QVERIFY(db.open(base()));
             // Port 1 refuses at once: the rows stay in the outbox.
@@ -67,11 +67,11 @@ class TestMatar : public QObject {
                 u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
                 u"Principal) VALUES (7,'c',160,1,'127.0.0.1','u','c',0,1)"_s);
         }
-        Settings::saveSetting(u"BD"_s, u"Path"_s, base());
-        Settings::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
-        Settings::saveSetting(u"ImportA"_s, u"Path"_s, vigilado());
-        Settings::saveSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
-        Settings::sync();
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, base());
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, vigilado());
+        Ajustes::saveSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+        Ajustes::sync();
 
         constexpr int kLineas = 20000;
         const quint32 semilla = QRandomGenerator::global()->generate();
@@ -111,7 +111,7 @@ class TestMatar : public QObject {
                 reloj.start();
                 bool terminado = false;
                 {
-                    Database mirando;
+                    BaseDatos mirando;
                     QVERIFY(mirando.open(base()));
                     while (!(terminado = p.waitForFinished(2)) && reloj.elapsed() < 60000)
                         if (numeroDe(mirando
@@ -140,7 +140,7 @@ class TestMatar : public QObject {
             QVERIFY(final.finished);
             QCOMPARE(final.exitCode, 0);
 
-            Database db;
+            BaseDatos db;
             QVERIFY(db.open(base()));
             const QVector<QString> textos = db.queryTexts(
                 u"SELECT Mensaje FROM envios WHERE Mensaje LIKE ?"_s, {QString(prefijo + u'%')});

@@ -2,9 +2,9 @@
 // what accepting, cancelling and "Anular Importación" leave behind.
 #include "AyudaImport.h"
 #include "TestSupportGui.h"
+#include "base/Ajustes.h"
 #include "base/Avisos.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
 #include "db/Conexion.h"
 #include "import/PantallasImportacion.h"
 #include "import/frmSelectDB.h"
@@ -24,13 +24,13 @@ using namespace import_prueba;
 namespace {
 
 // Remembers what each file dialog was opened with.
-class InterfazConDialogos : public ScriptedInterface {
+class InterfazConDialogos : public InterfazGuionada {
   public:
     QStringList dialogos;  // "title|dir|filter"
     QString openFileName(const QString& caption, const QString& dir,
                          const QString& filter) override {
         dialogos.append(caption + u'|' + dir + u'|' + filter);
-        return ScriptedInterface::openFileName(caption, dir, filter);
+        return InterfazGuionada::openFileName(caption, dir, filter);
     }
 };
 
@@ -112,11 +112,11 @@ class TestSeleccion : public QObject {
         QFETCH(QString, guardado);
         QFETCH(int, linea);
         QFETCH(int, segundos);
-        if (!guardado.isNull()) Settings::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
+        if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
         QSignalSpy aviso(&Avisos::instancia(), &Avisos::intervaloLeido);
         frmSelectDB pantalla;
         QCOMPARE(hijo<QComboBox>(&pantalla, u"cmbIntervalo"_s)->currentIndex(), linea);
-        QCOMPARE(Settings::getSetting(u"Tr"_s, u"Interval"_s), QString::number(segundos));
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), QString::number(segundos));
         QCOMPARE(aviso.size(), 1);
         QCOMPARE(aviso.at(0).at(0).toInt(), segundos);
     }
@@ -158,7 +158,7 @@ class TestSeleccion : public QObject {
         QFETCH(QStringList, visibles);
         QFETCH(bool, aceptarActivo);
         QFETCH(QString, dialogo);
-        Settings::saveSetting(u"BD"_s, u"Path"_s, base);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, base);
         for (QString* t : {&ruta, &dialogo})
             t->replace(u"{app}"_s, directorioAplicacion()).replace(u"{base}"_s, base);
         conPantalla(nombre, [&](QDialog* d) {
@@ -239,7 +239,7 @@ class TestSeleccion : public QObject {
         const QString f = world.root() + u"/elegido.txt"_s;
         guardado.replaceInStrings(u"{f}"_s, f);
         for (const QString& clave : {u"Path"_s, u"Lista"_s, u"AddContactos"_s})
-            Settings::saveSetting(seccion, clave, u"antes"_s);
+            Ajustes::saveSetting(seccion, clave, u"antes"_s);
         QSignalSpy detenido(&Avisos::instancia(), &Avisos::cicloDetenido);
         QSignalSpy intervalo(&Avisos::instancia(), &Avisos::intervaloCambiado);
         conPantalla(nombre, [&](QDialog* d) {
@@ -256,8 +256,8 @@ class TestSeleccion : public QObject {
         });
         QStringList leido;
         for (const QString& clave : {u"Path"_s, u"Lista"_s, u"AddContactos"_s})
-            leido.append(Settings::getSetting(seccion, clave));
-        leido.append(Settings::getSetting(u"Tr"_s, u"Interval"_s));
+            leido.append(Ajustes::getSetting(seccion, clave));
+        leido.append(Ajustes::getSetting(u"Tr"_s, u"Interval"_s));
         QCOMPARE(leido, guardado);
         QCOMPARE(detenido.size(), boton == u"XPButton2"_s ? 1 : 0);
         // Accepting restarts the cycle with the chosen interval.
@@ -285,7 +285,7 @@ class TestSeleccion : public QObject {
         QFETCH(QString, prueba);
         QFETCH(QString, aviso);
         QFETCH(bool, cambiada);
-        Settings::saveSetting(u"BD"_s, u"Path"_s, base);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, base);
         const QString otra = world.root() + u"/otra.db"_s;
         if (fichero == u"actual"_s)
             TestDb::createCurrent(otra);
@@ -310,7 +310,7 @@ class TestSeleccion : public QObject {
             QCOMPARE(ui->boxes.at(1).text, aviso);
             QCOMPARE(ui->boxes.at(1).style, 48);
         }
-        QCOMPARE(Settings::getSetting(u"BD"_s, u"Path"_s), cambiada ? otra : base);
+        QCOMPARE(Ajustes::getSetting(u"BD"_s, u"Path"_s), cambiada ? otra : base);
         QCOMPARE(Conexion().path(), cambiada ? otra : base);
     }
 };

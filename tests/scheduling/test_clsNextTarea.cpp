@@ -1,7 +1,7 @@
 // When a scheduled message runs next: every kind of recurrence, to the
 // minute and to the day, at the month's end and across rows.
 #include "TestSupport.h"
-#include "base/Clock.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 
@@ -97,7 +97,7 @@ class TestNextTarea : public QObject {
         QFETCH(bool, alDia);
         QFETCH(QString, esperado);
         programa(7, columnas);
-        FixedClock clock(en(reloj));
+        RelojFijo clock(en(reloj));
         clsNextTarea t;
         t.setCodigo(7);
         try {
@@ -134,7 +134,7 @@ class TestNextTarea : public QObject {
         programa(1, u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=20"_s);
         programa(2, u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=31"_s);
         programa(3, u"TareaProgramada=0"_s);
-        FixedClock clock(en(u"10/04/2006 10:00:30"_s));
+        RelojFijo clock(en(u"10/04/2006 10:00:30"_s));
         clsNextTarea t;
         QCOMPARE(t.FechaProximaTarea(), clsNextTarea::fechaCero());
         t.setCodigo(1);

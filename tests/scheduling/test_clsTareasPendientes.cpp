@@ -1,7 +1,7 @@
 // Scheduled messages becoming outbox rows: at each tick, and at start-up
 // with one question.
 #include "TestSupport.h"
-#include "base/Clock.h"
+#include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "scheduling/clsNextTarea.h"
 #include "scheduling/clsTareasPendientes.h"
@@ -11,7 +11,7 @@ using prueba::en;
 using prueba::programa;
 
 namespace {
-Database& db() {
+BaseDatos& db() {
     return Conexion();
 }
 
@@ -38,7 +38,7 @@ QString ultimaTarea(int codigo) {
 
 QStringList enCola() {
     QStringList filas;
-    const QueryResult r = db().query(
+    const ResultadoConsulta r = db().query(
         u"SELECT Abonado, Mensaje, Canal, intento, Registro "
         u"FROM envios ORDER BY Id"_s);
     for (int i = 0; i < r.recordCount(); ++i) {
@@ -70,8 +70,8 @@ class TestTareasPendientes : public QObject {
     // planned time as the last run, and then next week's is the next.
     void ticksAroundTheMinute() {
         conDestinatario(1, kSemanal10);
-        ScriptedInterface ui;
-        FixedClock clock(en(u"15/03/2006 10:00:20"_s));
+        InterfazGuionada ui;
+        RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 1);
         QCOMPARE(ultimaTarea(1), u"2006-03-15 10:00:00"_s);
         for (const QString& hora : {u"10:00:50"_s, u"10:01:20"_s}) {
@@ -100,9 +100,9 @@ class TestTareasPendientes : public QObject {
         QFETCH(int, disparadas);
         conDestinatario(1, kSemanal10);
         conDestinatario(2, u"Periodicidad=1 Hora=11:30"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
-        FixedClock clock(en(u"15/03/2006 12:00:07"_s));
+        RelojFijo clock(en(u"15/03/2006 12:00:07"_s));
         QCOMPARE(clsTareasPendientes().PendientesEnviar(), disparadas);
         QCOMPARE(ui.boxes.size(), 1);
         QCOMPARE(ui.boxes[0].text,
@@ -134,8 +134,8 @@ class TestTareasPendientes : public QObject {
             u"CREATE TABLE escrituras (n INTEGER); INSERT INTO escrituras VALUES (0);"
             u"CREATE TRIGGER cuenta AFTER UPDATE OF UltimaTarea ON Automaticos "
             u"BEGIN UPDATE escrituras SET n = n + 1; END;"_s);
-        ScriptedInterface ui;
-        FixedClock clock(en(u"15/03/2006 10:00:20"_s));
+        InterfazGuionada ui;
+        RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 1);
         const QString sufijo = u"|2|2006-03-15 10:00:20"_s;
         QCOMPARE(enCola(),
@@ -149,9 +149,9 @@ class TestTareasPendientes : public QObject {
     void rowWithoutRecipientsStaysDue() {
         programa(1, kSemanal10);
         programa(2, u"TareaProgramada=0 "_s + kSemanal10);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {Msg::Yes, Msg::Yes};
-        FixedClock clock(en(u"15/03/2006 10:00:20"_s));
+        RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 1);
         clock.set(en(u"15/03/2006 12:00:00"_s));
         QCOMPARE(clsTareasPendientes().PendientesEnviar(), 1);
@@ -168,9 +168,9 @@ class TestTareasPendientes : public QObject {
         conDestinatario(1, u"Periodicidad=2 DiasSemana=1 Hora=10:00"_s);          // Monday
         conDestinatario(2, u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=31"_s);  // no 31 April
         conDestinatario(3, u"Periodicidad=1 Hora=10:00"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {Msg::Yes};
-        FixedClock clock(en(u"10/04/2006 10:00:20"_s));
+        RelojFijo clock(en(u"10/04/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 3);
         QCOMPARE(ultimaTarea(2), u"2006-04-10 10:00:00"_s);
         QCOMPARE(ultimaTarea(3), u"2006-04-10 10:00:00"_s);

@@ -41,7 +41,7 @@ class TestCtrScheduledTask : public QObject {
 
   private Q_SLOTS:
     void startsOnTheNextFullHourAndToday() {
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0, 30)));
         ctrScheduledTask c;
         QCOMPARE(c.Hora(), u"11:00"_s);
         QCOMPARE(c.Periodicidad(), 0);
@@ -73,7 +73,7 @@ class TestCtrScheduledTask : public QObject {
         QFETCH(int, antes);
         QFETCH(int, escrito);
         QFETCH(QString, dias);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ctrScheduledTask c;
         c.setP_Semanal_Dias(int16_t(antes));
         c.setP_Semanal_Dias(int16_t(escrito));
@@ -96,7 +96,7 @@ class TestCtrScheduledTask : public QObject {
         QFETCH(int, clic);
         QFETCH(int, despues);
         QFETCH(bool, mensaje);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ctrScheduledTask c;
         c.setPeriodicidad(2);
         c.setP_Semanal_Dias(int16_t(dias));
@@ -130,8 +130,8 @@ class TestCtrScheduledTask : public QObject {
         QFETCH(bool, marcado);
         QFETCH(QDate, enElSelector);
         QFETCH(QDate, leido);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
-        ScriptedInterface ui;
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
+        InterfazGuionada ui;
         ctrScheduledTask c;
         c.setP_Fecha_Fin(QDate(2006, 4, 1));
         c.setP_Fecha_Fin(escrito);
@@ -173,8 +173,8 @@ class TestCtrScheduledTask : public QObject {
         QFETCH(QDate, elegida);
         QFETCH(QDate, queda);
         QFETCH(QString, mensaje);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
-        ScriptedInterface ui;
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 15), QTime(10, 0)));
+        InterfazGuionada ui;
         ctrScheduledTask c;
         c.setP_Fecha_Ini(QDate(2006, 3, 20));
         c.setP_Fecha_Fin(que == u"casilla" ? fechaMaxima() : QDate(2006, 3, 22));
@@ -296,8 +296,8 @@ class TestCtrScheduledTask : public QObject {
     void descriptionLines() {
         QFETCH(QString, propiedades);
         QFETCH(QString, texto);
-        FixedClock reloj(QDateTime(QDate(2006, 3, 1), QTime(8, 0)));
-        ScriptedInterface ui;
+        RelojFijo reloj(QDateTime(QDate(2006, 3, 1), QTime(8, 0)));
+        InterfazGuionada ui;
         ctrScheduledTask c;
         for (const QString& par : propiedades.split(u' ')) {
             const QString k = par.section(u'=', 0, 0), v = par.section(u'=', 1);

@@ -66,7 +66,7 @@ class TestFrmMenAuto : public QObject {
         QFETCH(QString, columnas);
         QFETCH(QString, ultima);
         QFETCH(QString, linea);
-        FixedClock reloj(en(u"15/03/2006 10:00:30"_s));
+        RelojFijo reloj(en(u"15/03/2006 10:00:30"_s));
         programa(7, u"Hora=11:00 "_s + columnas);
         bd().exec(u"update Automaticos set Nombre = 'R', UltimaTarea = ?"_s,
                   {ultima.isEmpty() ? QVariant() : QVariant(ultima)});
@@ -97,7 +97,7 @@ class TestFrmMenAuto : public QObject {
         for (int c : codigos)
             bd().exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (?, ?)"_s,
                       {c, u"M%1"_s.arg(c)});
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmMenAuto p;
         QString propuesto;
         alAbrirModal([&](QDialog* d) {
@@ -130,7 +130,7 @@ class TestFrmMenAuto : public QObject {
         bd().exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (1,'A'),(2,'B')"_s);
         recipiente(1, u"0034600000001"_s);
         recipiente(2, u"0034600000001"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         frmMenAuto p;
         p.ListView1->seleccionarFila(0);
@@ -144,7 +144,7 @@ class TestFrmMenAuto : public QObject {
 
     void editOpensTheFirstRowOfTheName() {
         bd().exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (3,'Igual'),(5,'Igual')"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmMenAuto p;
         p.ListView1->seleccionarFila(1);
         int editado = -1;
@@ -161,7 +161,7 @@ class TestFrmMenAuto : public QObject {
     }
 
     void anEmptyTableLeavesEditAndDeleteIdle() {
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmMenAuto p;
         p.cmdEdit->click();
         p.cmdDelete->click();

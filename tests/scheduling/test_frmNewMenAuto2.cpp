@@ -30,7 +30,7 @@ const QStringList kColumnas{u"Periodicidad"_s,     u"Hora"_s,          u"FechaIn
 
 // The schedule columns of a row as "Column=value", dates as stored.
 QString columnasDe(int codigo) {
-    const QueryResult r = bd().query(
+    const ResultadoConsulta r = bd().query(
         u"SELECT "_s + kColumnas.join(u',') + u" FROM Automaticos WHERE Codigo = ?"_s, {codigo});
     QStringList t;
     for (int c = 0; c < kColumnas.size(); ++c)
@@ -119,9 +119,9 @@ class TestFrmNewMenAuto2 : public QObject {
     void loadingMapsColumnsOntoTheControl() {
         QFETCH(QString, columnas);
         QFETCH(QString, propiedades);
-        FixedClock reloj(en(u"15/03/2006 08:00"_s));
+        RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(5, columnas);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(5);
         QCOMPARE(propiedadesDe(e.ctrScheduledTask1), propiedades);
@@ -159,11 +159,11 @@ class TestFrmNewMenAuto2 : public QObject {
     void closingStoresTheKindsOwnColumns() {
         QFETCH(QString, cambios);
         QFETCH(QString, columnas);
-        FixedClock reloj(en(u"15/03/2006 08:00"_s));
+        RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(3,
                  u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=20 MensualNumSemana=2 "
                  u"MensualDiaSemana=2 Cada=5 DiasSemana=1 AnualDia=7 AnualMes=5"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(3);
         ctrScheduledTask* c = e.ctrScheduledTask1;
@@ -190,7 +190,7 @@ class TestFrmNewMenAuto2 : public QObject {
     }
 
     void noProgramarKeepsTheSchedule() {
-        FixedClock reloj(en(u"15/03/2006 08:00"_s));
+        RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(2, u"Periodicidad=2 Cada=2 DiasSemana=65"_s);
         const QString antes = columnasDe(2);
         {
@@ -227,7 +227,7 @@ class TestFrmNewMenAuto2 : public QObject {
     void onlyARealChangeForgetsTheLastRun() {
         QFETCH(QString, cambio);
         QFETCH(bool, olvidada);
-        FixedClock reloj(en(u"15/03/2006 08:00"_s));
+        RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(4, u"Periodicidad=1"_s);
         bd().exec(u"update Automaticos set UltimaTarea = '2006-03-14 09:00:00'"_s);
         frmNewMenAuto2 e;
@@ -241,7 +241,7 @@ class TestFrmNewMenAuto2 : public QObject {
     }
 
     void theNextRunFollowsTheEdits() {
-        FixedClock reloj(en(u"15/03/2006 10:00:30"_s));
+        RelojFijo reloj(en(u"15/03/2006 10:00:30"_s));
         programa(1, u"Periodicidad=1 Cada=3"_s);
         frmNewMenAuto2 e;
         e.setCodigo(1);
@@ -266,7 +266,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QFETCH(QString, nombre);
         QFETCH(bool, rechazado);
         bd().exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (1,'Clientes'),(2,'Propio')"_s);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(2);
         e.txtNombre->setText(nombre);
@@ -311,7 +311,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QFETCH(bool, saludo);
         QFETCH(int, veces);
         QFETCH(QStringList, lineas);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(1);
         e.txtNombre->setText(u"Envío Múltiple nº 1"_s);
@@ -328,7 +328,7 @@ class TestFrmNewMenAuto2 : public QObject {
             cuantos(u"select count(*) from Automaticos where Nombre = 'Envío Múltiple nº 1'"_s),
             lineas.isEmpty() ? 0 : 1);
         QVERIFY(ui.boxes.isEmpty());
-        QCOMPARE(appState().gsDestinos, QString());
+        QCOMPARE(estadoAplicacion().gsDestinos, QString());
     }
 
     void pickersRefuseBlankTexts_data() {
@@ -348,7 +348,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QFETCH(QString, texto);
         QFETCH(QString, mensaje);
         QFETCH(QString, guardado);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(1);
         elegir({u"Ana"_s}, {}, u"Hola"_s);
@@ -390,7 +390,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QFETCH(QString, boton);
         QFETCH(int, respuesta);
         QFETCH(QStringList, quedan);
-        ScriptedInterface ui;
+        InterfazGuionada ui;
         ui.answers = {respuesta};
         frmNewMenAuto2 e;
         e.setCodigo(1);
@@ -421,8 +421,8 @@ class TestFrmNewMenAuto2 : public QObject {
     // A daily multi-send made on the screen one minute ahead goes out at
     // the tick after that minute, each recipient with its own text.
     void aScheduleMadeOnTheScreenFires() {
-        FixedClock reloj(en(u"15/03/2006 10:00:30"_s));
-        ScriptedInterface ui;
+        RelojFijo reloj(en(u"15/03/2006 10:00:30"_s));
+        InterfazGuionada ui;
         {
             frmNewMenAuto2 e;
             e.setCodigo(1);

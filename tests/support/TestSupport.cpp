@@ -1,13 +1,13 @@
 #include "TestSupport.h"
 
-#include "app/Startup.h"
-#include "base/AppState.h"
-#include "base/Clock.h"
-#include "base/Conversions.h"
-#include "base/Settings.h"
+#include "app/Arranque.h"
+#include "base/Ajustes.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
-#include "db/Schema.h"
+#include "db/Esquema.h"
 
 #include <QDir>
 #include <QProcess>
@@ -29,7 +29,7 @@ QString TestWorld::appDir() const {
 }
 
 void TestWorld::reset() {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     Conexion().close();
     g.log.clear();
     g.gbEnviando = g.gbImportado = false;
@@ -40,75 +40,75 @@ void TestWorld::reset() {
     g.gsSaldoCuenta.clear();
     g.gsDestinos.clear();
     g.giMaxLote = 0;
-    Settings::clear();
+    Ajustes::clear();
     QDir(appDir()).removeRecursively();
     QDir().mkpath(appDir());
 }
 
-FixedClock::FixedClock(const QDateTime& at) : m_now(at) {
-    Clock::setSource([this] { return m_now; });
+RelojFijo::RelojFijo(const QDateTime& at) : m_now(at) {
+    Reloj::setSource([this] { return m_now; });
 }
 
-FixedClock::~FixedClock() {
-    Clock::setSource({});
+RelojFijo::~RelojFijo() {
+    Reloj::setSource({});
 }
 
-ScriptedInterface::ScriptedInterface() {
-    setUserInterface(this);
+InterfazGuionada::InterfazGuionada() {
+    establecerInterfaz(this);
 }
-ScriptedInterface::~ScriptedInterface() {
-    setUserInterface(nullptr);
+InterfazGuionada::~InterfazGuionada() {
+    establecerInterfaz(nullptr);
 }
 
-int ScriptedInterface::msgBox(const QString& text, int style, const QString& title) {
+int InterfazGuionada::msgBox(const QString& text, int style, const QString& title) {
     boxes.append({text, style, title});
     if (!answers.isEmpty()) return answers.takeFirst();
     return Msg::defaultAnswer(style);
 }
 
-QString ScriptedInterface::askPassword() {
+QString InterfazGuionada::askPassword() {
     ++passwordPrompts;
     return passwords.isEmpty() ? QString() : passwords.takeFirst();
 }
 
-QString ScriptedInterface::inputBox(const QString& prompt, const QString& title,
-                                    const QString& defaultText) {
+QString InterfazGuionada::inputBox(const QString& prompt, const QString& title,
+                                   const QString& defaultText) {
     inputPrompts.append({prompt, 0, title});
     if (inputs.isEmpty()) return defaultText;
     return inputs.takeFirst();
 }
 
-QString ScriptedInterface::openFileName(const QString&, const QString&, const QString&) {
+QString InterfazGuionada::openFileName(const QString&, const QString&, const QString&) {
     return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
 }
 
-void ScriptedInterface::showSelectDatabase() {
+void InterfazGuionada::showSelectDatabase() {
     ++selectDatabaseShown;
     if (onSelectDatabase) onSelectDatabase();
 }
 
-void ScriptedInterface::showFirstRunSetup() {
+void InterfazGuionada::showFirstRunSetup() {
     ++firstRunShown;
 }
 
-void ScriptedInterface::openUrl(const QString& target) {
+void InterfazGuionada::openUrl(const QString& target) {
     openedUrls.append(target);
 }
 
-void ScriptedInterface::terminateWithoutDatabase() {
+void InterfazGuionada::terminateWithoutDatabase() {
     throw TerminatedWithoutDatabase{};
 }
 
-void ScriptedInterface::processEvents() {
+void InterfazGuionada::processEvents() {
     if (onProcessEvents) onProcessEvents();
 }
 
 namespace TestDb {
 
 namespace {
-QString crear(const QString& path, void (*esquema)(Database&)) {
+QString crear(const QString& path, void (*esquema)(BaseDatos&)) {
     QFile::remove(path);
-    Database db;
+    BaseDatos db;
     QString error;
     if (!db.create(path, &error))
         qFatal("no se pudo crear %s: %s", qPrintable(path), qPrintable(error));
@@ -118,10 +118,10 @@ QString crear(const QString& path, void (*esquema)(Database&)) {
 }  // namespace
 
 QString createCurrent(const QString& path) {
-    return crear(path, Schema::crearActual);
+    return crear(path, Esquema::crearActual);
 }
 QString createBaseline(const QString& path) {
-    return crear(path, Schema::crearBase);
+    return crear(path, Esquema::crearBase);
 }
 
 void openShared(const QString& path) {
@@ -160,7 +160,7 @@ void prepareTestApplication() {
 
 namespace prueba {
 
-Database& bd() {
+BaseDatos& bd() {
     return Conexion();
 }
 
@@ -213,14 +213,14 @@ QDateTime en(const QString& texto) {
 }
 
 QStringList columna(const QString& sql, const QVariantList& params) {
-    const QueryResult r = bd().query(sql, params);
+    const ResultadoConsulta r = bd().query(sql, params);
     QStringList valores;
     for (int f = 0; f < r.recordCount(); ++f) valores.append(textoDe(r.value(f, 0)));
     return valores;
 }
 
 QStringList filas(const QString& sql, const QVariantList& params) {
-    const QueryResult r = bd().query(sql, params);
+    const ResultadoConsulta r = bd().query(sql, params);
     QStringList t;
     for (int f = 0; f < r.recordCount(); ++f) {
         QStringList celdas;
@@ -238,7 +238,7 @@ QString caja(int estilo, const QString& texto) {
     return QString::number(estilo) + u' ' + texto;
 }
 
-QStringList cajas(const ScriptedInterface& ui) {
+QStringList cajas(const InterfazGuionada& ui) {
     QStringList t;
     for (const ShownBox& b : ui.boxes) t << caja(b.style, b.text);
     return t;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "base/AppState.h"
-#include "base/Conversions.h"
-#include "base/UserInterface.h"
+#include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazUsuario.h"
+#include "db/BaseDatos.h"
 #include "db/Conexion.h"
-#include "db/Database.h"
 
 #include <QDateTime>
 #include <QList>
@@ -34,10 +34,10 @@ class TestWorld {
 };
 
 // The clock pinned to an instant that the test moves.
-class FixedClock {
+class RelojFijo {
   public:
-    explicit FixedClock(const QDateTime& at);
-    ~FixedClock();
+    explicit RelojFijo(const QDateTime& at);
+    ~RelojFijo();
     void set(const QDateTime& at) { m_now = at; }
     void advance(int seconds) { m_now = m_now.addSecs(seconds); }
     QDateTime now() const { return m_now; }
@@ -55,10 +55,10 @@ struct ShownBox {
 
 // Answers questions from a script; without one, a box takes its default
 // answer. It records every box, prompt and address it was given.
-class ScriptedInterface : public UserInterface {
+class InterfazGuionada : public InterfazUsuario {
   public:
-    ScriptedInterface();
-    ~ScriptedInterface() override;
+    InterfazGuionada();
+    ~InterfazGuionada() override;
 
     QList<int> answers;                      // next answers to message boxes, in order
     QStringList passwords;                   // next texts typed at the password prompt
@@ -127,7 +127,7 @@ void prepareTestApplication();
 // need.
 namespace prueba {
 
-Database& bd();
+BaseDatos& bd();
 
 // Account `canal` named `nombre`: 160 characters a text, port 80, host "h",
 // user "u", key "c", no credit, not the main one; `columnas` change those
@@ -153,6 +153,6 @@ long long cuantos(const QString& sql, const QVariantList& params = {});
 
 // Message boxes as "style text", so one comparison checks both.
 QString caja(int estilo, const QString& texto);
-QStringList cajas(const ScriptedInterface& ui);
+QStringList cajas(const InterfazGuionada& ui);
 
 }  // namespace prueba

@@ -31,7 +31,7 @@ class BancoPantallas {
   public:
     TestWorld world;
     QApplication app;
-    ScriptedInterface ui;
+    InterfazGuionada ui;
 };
 
 namespace prueba {

@@ -1,7 +1,7 @@
 // Writes an empty database of the current schema (or, with --baseline, of
 // an older release) to a new file.
-#include "db/Database.h"
-#include "db/Schema.h"
+#include "db/BaseDatos.h"
+#include "db/Esquema.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     QFile::remove(ruta);
     QFile::remove(ruta + QStringLiteral("-wal"));
     QFile::remove(ruta + QStringLiteral("-shm"));
-    Database db;
+    BaseDatos db;
     QString error;
     if (!db.create(ruta, &error)) {
         std::fprintf(stderr, "%s\n", qPrintable(error));
@@ -26,13 +26,13 @@ int main(int argc, char** argv) {
     }
     try {
         if (std::strcmp(argv[1], "--current") == 0)
-            Schema::crearActual(db);
+            Esquema::crearActual(db);
         else
-            Schema::crearBase(db);
+            Esquema::crearBase(db);
         // A self-contained file: no journal beside it.
         db.exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
         db.query(QStringLiteral("PRAGMA journal_mode=DELETE"));
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         std::fprintf(stderr, "%s\n", qPrintable(e.description()));
         return 1;
     }

@@ -6,7 +6,7 @@
 
 // Conversions with the meaning the program's rules give to "numeric",
 // "as a 16-bit integer" and "as a boolean". The failing ones throw
-// QuelmoError (type mismatch or overflow).
+// ErrorQuelmo (type mismatch or overflow).
 
 // Digits with an optional sign, an optional decimal point and exponent,
 // and blanks around them. Empty text is not numeric.

@@ -1,6 +1,6 @@
-#include "db/Schema.h"
+#include "db/Esquema.h"
 
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
 using namespace Qt::StringLiterals;
 
@@ -143,7 +143,7 @@ CREATE TABLE AboAuto (
 );
 )SQL"_s;
 
-void crear(Database& db, const QString& propio) {
+void crear(BaseDatos& db, const QString& propio) {
     db.begin();
     try {
         db.execScript(kComun);
@@ -157,11 +157,11 @@ void crear(Database& db, const QString& propio) {
 
 }  // namespace
 
-namespace Schema {
-void crearActual(Database& db) {
+namespace Esquema {
+void crearActual(BaseDatos& db) {
     crear(db, kActual);
 }
-void crearBase(Database& db) {
+void crearBase(BaseDatos& db) {
     crear(db, kBase);
 }
-}  // namespace Schema
+}  // namespace Esquema

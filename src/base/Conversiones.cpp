@@ -1,4 +1,4 @@
-#include "base/Conversions.h"
+#include "base/Conversiones.h"
 
 #include "base/Error.h"
 
@@ -40,10 +40,10 @@ bool leerNumero(const QString& text, double* out) {
 template <typename T>
 T redondear(const QString& text) {
     double v = 0;
-    if (!leerNumero(text, &v)) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
+    if (!leerNumero(text, &v)) throw ErrorQuelmo(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     const double r = std::nearbyint(v);  // default rounding mode: half to even
     if (r < double(std::numeric_limits<T>::min()) || r > double(std::numeric_limits<T>::max()))
-        throw QuelmoError(u"Desbordamiento"_s, ErrNum::Overflow);
+        throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
     return static_cast<T>(r);
 }
 
@@ -58,7 +58,7 @@ int16_t aEntero16(const QString& text) {
 }
 
 int16_t aEntero16(const QVariant& value) {
-    if (value.isNull()) throw QuelmoError(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
+    if (value.isNull()) throw ErrorQuelmo(u"Uso no válido de Null"_s, ErrNum::InvalidUseOfNull);
     return aEntero16(value.toString());
 }
 
@@ -75,7 +75,7 @@ bool aBooleano(const QString& text) {
         t.compare(u"falso"_s, Qt::CaseInsensitive) == 0)
         return false;
     double v = 0;
-    if (!leerNumero(t, &v)) throw QuelmoError(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
+    if (!leerNumero(t, &v)) throw ErrorQuelmo(u"No coinciden los tipos"_s, ErrNum::TypeMismatch);
     return v != 0;
 }
 

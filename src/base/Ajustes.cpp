@@ -1,4 +1,4 @@
-#include "base/Settings.h"
+#include "base/Ajustes.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -37,7 +37,7 @@ void guardar() {
 }
 }  // namespace
 
-namespace Settings {
+namespace Ajustes {
 
 QString getSetting(const QString& section, const QString& key, const QString& def) {
     const QVariant v = almacen().value(clave(section, key));
@@ -71,4 +71,4 @@ QString fileName() {
     return almacen().fileName();
 }
 
-}  // namespace Settings
+}  // namespace Ajustes

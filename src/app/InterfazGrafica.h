@@ -1,14 +1,14 @@
 #pragma once
 
-#include "base/UserInterface.h"
+#include "base/InterfazUsuario.h"
 
 class QWidget;
 
 // The user interface of the desktop: message boxes, input boxes, the file
 // dialog, the password prompt and the desktop's browser.
-class GuiInterface : public UserInterface {
+class InterfazGrafica : public InterfazUsuario {
   public:
-    explicit GuiInterface(QWidget* owner = nullptr) : m_owner(owner) {}
+    explicit InterfazGrafica(QWidget* owner = nullptr) : m_owner(owner) {}
     void setOwner(QWidget* owner) { m_owner = owner; }
 
     int msgBox(const QString& text, int style, const QString& title) override;

@@ -1,9 +1,9 @@
-#include "app/Startup.h"
+#include "app/Arranque.h"
 
-#include "base/AppState.h"
+#include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "base/Error.h"
-#include "base/Settings.h"
+#include "base/EstadoAplicacion.h"
 
 #include <QCoreApplication>
 #include <QLockFile>
@@ -27,12 +27,12 @@ bool adquirirInstanciaUnica(QLockFile& lock) {
 }
 
 void cargarClaveAcceso() {
-    AppState& g = appState();
+    EstadoAplicacion& g = estadoAplicacion();
     g.gsClaveAcceso = QString::fromUtf16(kSinClave);
     try {
-        const QString guardada = Settings::getSetting(u"Tr"_s, u"pwc"_s);
+        const QString guardada = Ajustes::getSetting(u"Tr"_s, u"pwc"_s);
         if (!guardada.isEmpty()) g.gsClaveAcceso = msCifrarClave(guardada, false);
-    } catch (const QuelmoError&) {
+    } catch (const ErrorQuelmo&) {
         // A stored password that can't be decoded leaves the gate open, as
         // if none had been set.
     }

@@ -25,9 +25,9 @@ int defaultAnswer(int style);
 // Where the core must ask or tell the user, it goes through this interface:
 // the GUI implements it with dialogs, tests with scripted answers, headless
 // mode with default answers.
-class UserInterface {
+class InterfazUsuario {
   public:
-    virtual ~UserInterface() = default;
+    virtual ~InterfazUsuario() = default;
 
     // A message box; an empty title means the application's title.
     virtual int msgBox(const QString& text, int style = Msg::OkOnly,

@@ -1,9 +1,9 @@
-#include "base/UserInterface.h"
+#include "base/InterfazUsuario.h"
 
-#include "base/AppState.h"
-#include "base/HeadlessInterface.h"
+#include "base/Ajustes.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
 #include "base/Pantallas.h"
-#include "base/Settings.h"
 
 #include <QCoreApplication>
 
@@ -28,21 +28,21 @@ int defaultAnswer(int style) {
 
 using namespace Qt::StringLiterals;
 
-void UserInterface::showSelectDatabase() {
+void InterfazUsuario::showSelectDatabase() {
     if (Pantallas::abrir(u"frmSelectDB"_s)) return;
     avisoSinVentana(u"[pantalla] No hay una base de datos utilizable (BD/Path: \""_s +
-                    Settings::getSetting(u"BD"_s, u"Path"_s) +
+                    Ajustes::getSetting(u"BD"_s, u"Path"_s) +
                     u"\"). Sin ventana no se puede mostrar la selección de base de datos."_s);
 }
 
-void UserInterface::showFirstRunSetup() {
+void InterfazUsuario::showFirstRunSetup() {
     if (Pantallas::abrir(u"frmTipoRegistro"_s)) return;
     avisoSinVentana(
         u"[pantalla] No hay una cuenta principal utilizable; sin ventana no se puede "
         u"configurar una cuenta."_s);
 }
 
-void UserInterface::processEvents() {
+void InterfazUsuario::processEvents() {
     if (QCoreApplication::instance()) QCoreApplication::processEvents();
 }
 

@@ -1,6 +1,6 @@
-#include "base/HeadlessInterface.h"
+#include "base/InterfazSinVentana.h"
 
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 
 #include <QTextStream>
 #include <cstdio>
@@ -20,7 +20,7 @@ QString enUnaLinea(QString text) {
 }
 }  // namespace
 
-int HeadlessInterface::msgBox(const QString& text, int style, const QString& title) {
+int InterfazSinVentana::msgBox(const QString& text, int style, const QString& title) {
     const int answer = Msg::defaultAnswer(style);
     const QString respuesta = answer == Msg::Yes      ? u"Sí"_s
                               : answer == Msg::No     ? u"No"_s
@@ -31,17 +31,17 @@ int HeadlessInterface::msgBox(const QString& text, int style, const QString& tit
     return answer;
 }
 
-QString HeadlessInterface::askPassword() {
+QString InterfazSinVentana::askPassword() {
     avisoSinVentana(
         u"[pantalla] Se pediría la contraseña de acceso; sin ventana no se introduce ninguna."_s);
     return QString();
 }
 
-void HeadlessInterface::openUrl(const QString& target) {
+void InterfazSinVentana::openUrl(const QString& target) {
     avisoSinVentana(u"[pantalla] Se abriría: "_s + target);
 }
 
-void HeadlessInterface::terminateWithoutDatabase() {
+void InterfazSinVentana::terminateWithoutDatabase() {
     avisoSinVentana(u"Sin base de datos utilizable, no se puede continuar."_s);
     std::fflush(stdout);
     std::exit(kSalidaSinBaseDatos);

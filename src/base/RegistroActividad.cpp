@@ -1,14 +1,14 @@
-#include "base/ActivityLog.h"
+#include "base/RegistroActividad.h"
 
-#include "base/AppState.h"
-#include "base/Clock.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
 #include "base/SecretoOculto.h"
 
 using namespace Qt::StringLiterals;
 
-ActivityLog::ActivityLog(QObject* parent) : QAbstractListModel(parent) {}
+RegistroActividad::RegistroActividad(QObject* parent) : QAbstractListModel(parent) {}
 
-void ActivityLog::append(const QString& line) {
+void RegistroActividad::append(const QString& line) {
     const int row = int(m_lines.size());
     beginInsertRows(QModelIndex(), row, row);
     m_lines.append(line);
@@ -17,25 +17,25 @@ void ActivityLog::append(const QString& line) {
     Q_EMIT lineAdded(row);
 }
 
-void ActivityLog::clear() {
+void RegistroActividad::clear() {
     if (m_lines.isEmpty()) return;
     beginResetModel();
     m_lines.clear();
     endResetModel();
 }
 
-int ActivityLog::rowCount(const QModelIndex& parent) const {
+int RegistroActividad::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(m_lines.size());
 }
 
-QVariant ActivityLog::data(const QModelIndex& index, int role) const {
+QVariant RegistroActividad::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= m_lines.size()) return {};
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return m_lines.at(index.row());
     return {};
 }
 
 QString marcaTiempoLog() {
-    return Clock::now().toString(u"dd/MM/yyyy HH:mm:ss"_s);
+    return Reloj::now().toString(u"dd/MM/yyyy HH:mm:ss"_s);
 }
 
 QString msEscaparBuffer(const QString& text) {
@@ -55,7 +55,7 @@ void msLog(const QString& text) {
     try {
         const QString oculto = ocultarSecretos(text);
         const QString t = oculto.startsWith(u"Buffer: "_s) ? msEscaparBuffer(oculto) : oculto;
-        appState().log.append(marcaTiempoLog() + u" - "_s + t);
+        estadoAplicacion().log.append(marcaTiempoLog() + u" - "_s + t);
         // The yield that lets the user act during a transmitter run.
         ui().processEvents();
     } catch (...) {

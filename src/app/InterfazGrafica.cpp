@@ -1,7 +1,7 @@
-#include "app/GuiInterface.h"
+#include "app/InterfazGrafica.h"
 
 #include "app/frmpwd.h"
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
+int InterfazGrafica::msgBox(const QString& text, int style, const QString& title) {
     QMessageBox box(m_owner);
     box.setWindowTitle(title.isEmpty() ? tituloAplicacion() : title);
     box.setText(text);
@@ -53,31 +53,31 @@ int GuiInterface::msgBox(const QString& text, int style, const QString& title) {
     return (style & 7) == Msg::OkOnly ? Msg::Ok : Msg::Cancel;
 }
 
-QString GuiInterface::askPassword() {
+QString InterfazGrafica::askPassword() {
     frmpwd prompt(m_owner && m_owner->isVisible() ? m_owner : nullptr);
     prompt.exec();
-    return appState().gsClaveIntroducida;
+    return estadoAplicacion().gsClaveIntroducida;
 }
 
-QString GuiInterface::inputBox(const QString& prompt, const QString& title,
-                               const QString& defaultText) {
+QString InterfazGrafica::inputBox(const QString& prompt, const QString& title,
+                                  const QString& defaultText) {
     bool ok = false;
     const QString t = QInputDialog::getText(m_owner, title.isEmpty() ? tituloAplicacion() : title,
                                             prompt, QLineEdit::Normal, defaultText, &ok);
     return ok ? t : QString();
 }
 
-QString GuiInterface::openFileName(const QString& caption, const QString& dir,
-                                   const QString& filter) {
+QString InterfazGrafica::openFileName(const QString& caption, const QString& dir,
+                                      const QString& filter) {
     return QFileDialog::getOpenFileName(m_owner, caption, dir, filter);
 }
 
-void GuiInterface::openUrl(const QString& target) {
+void InterfazGrafica::openUrl(const QString& target) {
     const QUrl url =
         QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
     QDesktopServices::openUrl(url);
 }
 
-void GuiInterface::terminateWithoutDatabase() {
+void InterfazGrafica::terminateWithoutDatabase() {
     std::_Exit(0);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "base/UserInterface.h"
+#include "base/InterfazUsuario.h"
 
 // Without a window: every question takes its default answer, and where a
 // dialog would be shown a clear line goes to standard error instead.
-class HeadlessInterface : public UserInterface {
+class InterfazSinVentana : public InterfazUsuario {
   public:
     int msgBox(const QString& text, int style, const QString& title) override;
     QString askPassword() override;

@@ -1,10 +1,10 @@
-#include "app/Headless.h"
+#include "app/SinVentana.h"
 
-#include "app/Startup.h"
-#include "app/Transmitter.h"
+#include "app/Arranque.h"
+#include "app/Transmisor.h"
 #include "app/mdoMain.h"
-#include "base/AppState.h"
-#include "base/HeadlessInterface.h"
+#include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
 #include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -32,7 +32,7 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
     QCoreApplication app(argc, argv);
     nombrarAplicacion();
 
-    Transmitter transmisor;
+    Transmisor transmisor;
     bool pararPedido = false;
     // SIGINT and SIGTERM stop between runs: the tick runs to its end first.
     // Caught from the start, so a signal while the database opens is not
@@ -56,9 +56,9 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez) {
     QLockFile bloqueo(rutaBloqueoInstancia());
     if (!adquirirInstanciaUnica(bloqueo)) return 0;
 
-    HeadlessInterface interfaz;
-    setUserInterface(&interfaz);
-    AppState& g = appState();
+    InterfazSinVentana interfaz;
+    establecerInterfaz(&interfaz);
+    EstadoAplicacion& g = estadoAplicacion();
     g.log.setEcho([](const QString& linea) {
         static QTextStream out(stdout);
         out << linea << Qt::endl;

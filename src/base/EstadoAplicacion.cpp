@@ -1,6 +1,6 @@
-#include "base/AppState.h"
+#include "base/EstadoAplicacion.h"
 
-#include "base/HeadlessInterface.h"
+#include "base/InterfazSinVentana.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -24,7 +24,7 @@ QString identificacionAplicacion() {
     return u"Quelmo Mensajes SMS - "_s + QString::number(versionCodigo());
 }
 
-void AppState::reset() {
+void EstadoAplicacion::reset() {
     giMaxLote = 0;
     gsClaveAcceso = QString::fromUtf16(kSinClave);
     gsClaveIntroducida.clear();
@@ -37,19 +37,19 @@ void AppState::reset() {
     log.clear();
 }
 
-AppState& appState() {
-    static AppState s;
+EstadoAplicacion& estadoAplicacion() {
+    static EstadoAplicacion s;
     return s;
 }
 
-UserInterface& ui() {
-    static HeadlessInterface porDefecto;
-    AppState& s = appState();
+InterfazUsuario& ui() {
+    static InterfazSinVentana porDefecto;
+    EstadoAplicacion& s = estadoAplicacion();
     return s.ui ? *s.ui : porDefecto;
 }
 
-void setUserInterface(UserInterface* ui) {
-    appState().ui = ui;
+void establecerInterfaz(InterfazUsuario* ui) {
+    estadoAplicacion().ui = ui;
 }
 
 QString directorioAplicacion() {

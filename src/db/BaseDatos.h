@@ -11,16 +11,16 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-// A failed statement or open. Its number is ErrNum::Database (or
+// A failed statement or open. Its number is ErrNum::BaseDatos (or
 // ErrNum::ItemNotFound for a missing column), its description the engine's.
-class DbError : public QuelmoError {
+class ErrorBD : public ErrorQuelmo {
   public:
-    using QuelmoError::QuelmoError;
+    using ErrorQuelmo::ErrorQuelmo;
 };
 
 // The rows of a query, fetched at once, so their count is known at once and
 // no read lock outlives the call.
-class QueryResult {
+class ResultadoConsulta {
   public:
     int recordCount() const { return int(m_rows.size()); }
     bool isEmpty() const { return m_rows.isEmpty(); }
@@ -30,12 +30,12 @@ class QueryResult {
     int columnIndex(const QString& name) const;
 
     const QVariant& value(int row, int column) const { return m_rows.at(row).at(column); }
-    // Throws DbError (ErrNum::ItemNotFound) for a column the result lacks.
+    // Throws ErrorBD (ErrNum::ItemNotFound) for a column the result lacks.
     const QVariant& value(int row, const QString& column) const;
     const QVector<QVariant>& row(int row) const { return m_rows.at(row); }
 
   private:
-    friend class Database;
+    friend class BaseDatos;
     QStringList m_columns;
     QVector<QVector<QVariant>> m_rows;
 };
@@ -43,12 +43,12 @@ class QueryResult {
 // One SQLite connection. Every value is a bound parameter: "?" in the text,
 // in the order of `params`. Dates go in as QDateTime and are stored as
 // "yyyy-MM-dd HH:mm:ss"; they come back as that text.
-class Database {
+class BaseDatos {
   public:
-    Database() = default;
-    ~Database();
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
+    BaseDatos() = default;
+    ~BaseDatos();
+    BaseDatos(const BaseDatos&) = delete;
+    BaseDatos& operator=(const BaseDatos&) = delete;
 
     // Opens an existing database file (never creates one). False when the
     // file is missing or is not a database; `error` then says why.
@@ -58,11 +58,11 @@ class Database {
     void close();
     // The last open failed because another connection (another process)
     // held the file locked past the wait: the file is busy, not broken.
-    bool aperturaOcupada() const { return m_ocupada; }
+    bool openWasBusy() const { return m_busy; }
     bool isOpen() const { return m_db != nullptr; }
     const QString& path() const { return m_path; }
 
-    QueryResult query(const QString& sql, const QVariantList& params = {});
+    ResultadoConsulta query(const QString& sql, const QVariantList& params = {});
     // Every column of every row as text (null as a null string), row after
     // row in one vector: a list of a hundred thousand rows is read without
     // a value object per cell.
@@ -86,13 +86,13 @@ class Database {
     sqlite3* handle() const { return m_db; }
 
   private:
-    bool abrir(const QString& path, int flags, QString* error);
-    sqlite3_stmt* preparar(const QString& sql);
-    void vincular(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
-    [[noreturn]] void fallo(const QString& sql);
+    bool openWith(const QString& path, int flags, QString* error);
+    sqlite3_stmt* prepare(const QString& sql);
+    void bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
+    [[noreturn]] void fail(const QString& sql);
 
     sqlite3* m_db = nullptr;
     QString m_path;
-    bool m_ocupada = false;
+    bool m_busy = false;
     QHash<QString, sqlite3_stmt*> m_cache;
 };

@@ -1,6 +1,6 @@
-#include "db/Database.h"
+#include "db/BaseDatos.h"
 
-#include "base/Clock.h"
+#include "base/Reloj.h"
 
 #include <sqlite3.h>
 #include <QDateTime>
@@ -49,35 +49,35 @@ QVariant leerColumna(sqlite3_stmt* stmt, int i) {
 
 }  // namespace
 
-int QueryResult::columnIndex(const QString& name) const {
+int ResultadoConsulta::columnIndex(const QString& name) const {
     for (int i = 0; i < m_columns.size(); ++i)
         if (m_columns.at(i).compare(name, Qt::CaseInsensitive) == 0) return i;
     return -1;
 }
 
-const QVariant& QueryResult::value(int row, const QString& column) const {
+const QVariant& ResultadoConsulta::value(int row, const QString& column) const {
     const int i = columnIndex(column);
     if (i < 0)
-        throw DbError(u"No se encontró el elemento en la colección: "_s + column,
+        throw ErrorBD(u"No se encontró el elemento en la colección: "_s + column,
                       ErrNum::ItemNotFound);
     return m_rows.at(row).at(i);
 }
 
-Database::~Database() {
+BaseDatos::~BaseDatos() {
     close();
 }
 
-bool Database::open(const QString& path, QString* error) {
+bool BaseDatos::open(const QString& path, QString* error) {
     if (!QFileInfo(path).isFile()) {
         close();
-        m_ocupada = false;
+        m_busy = false;
         if (error) *error = u"No existe el fichero: "_s + path;
         return false;
     }
-    return abrir(path, SQLITE_OPEN_READWRITE, error);
+    return openWith(path, SQLITE_OPEN_READWRITE, error);
 }
 
-bool Database::create(const QString& path, QString* error) {
+bool BaseDatos::create(const QString& path, QString* error) {
     // The file holds the platforms' passwords: readable by its owner only,
     // from its first byte on. The engine gives its journal files the same
     // permissions.
@@ -86,12 +86,12 @@ bool Database::create(const QString& path, QString* error) {
         if (nuevo.open(QIODevice::WriteOnly))
             nuevo.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     }
-    return abrir(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
+    return openWith(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
 }
 
-bool Database::abrir(const QString& path, int flags, QString* error) {
+bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     close();
-    m_ocupada = false;
+    m_busy = false;
     sqlite3* db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
@@ -114,17 +114,17 @@ bool Database::abrir(const QString& path, int flags, QString* error) {
         // A committed row survives a crash or a power cut.
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
-    } catch (const DbError& e) {
+    } catch (const ErrorBD& e) {
         if (error) *error = e.description();
         const int codigo = sqlite3_errcode(m_db) & 0xff;
-        m_ocupada = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
+        m_busy = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
         close();
         return false;
     }
     return true;
 }
 
-void Database::close() {
+void BaseDatos::close() {
     for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
     m_cache.clear();
     if (m_db) sqlite3_close_v2(m_db);
@@ -132,15 +132,15 @@ void Database::close() {
     m_path.clear();
 }
 
-void Database::fallo(const QString& sql) {
+void BaseDatos::fail(const QString& sql) {
     const QString msg = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : u"Base de datos cerrada"_s;
-    const int num = msg.contains(u"no such column"_s) ? ErrNum::ItemNotFound : ErrNum::Database;
-    throw DbError(msg + u" [" + sql.left(200) + u']', num);
+    const int num = msg.contains(u"no such column"_s) ? ErrNum::ItemNotFound : ErrNum::BaseDatos;
+    throw ErrorBD(msg + u" [" + sql.left(200) + u']', num);
 }
 
-sqlite3_stmt* Database::preparar(const QString& sql) {
+sqlite3_stmt* BaseDatos::prepare(const QString& sql) {
     if (!m_db)
-        throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+        throw ErrorBD(u"La conexión con la base de datos no está abierta"_s, ErrNum::BaseDatos);
     if (sqlite3_stmt* s = m_cache.value(sql)) {
         sqlite3_reset(s);
         sqlite3_clear_bindings(s);
@@ -151,7 +151,7 @@ sqlite3_stmt* Database::preparar(const QString& sql) {
     const char* tail = nullptr;
     if (sqlite3_prepare_v2(m_db, u.constData(), int(u.size()), &s, &tail) != SQLITE_OK || !s) {
         if (s) sqlite3_finalize(s);
-        fallo(sql);
+        fail(sql);
     }
     if (m_cache.size() > 200) {
         for (sqlite3_stmt* old : std::as_const(m_cache)) sqlite3_finalize(old);
@@ -161,10 +161,10 @@ sqlite3_stmt* Database::preparar(const QString& sql) {
     return s;
 }
 
-void Database::vincular(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql) {
+void BaseDatos::bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql) {
     if (params.size() != sqlite3_bind_parameter_count(stmt))
-        throw DbError(u"Número de parámetros incorrecto [" + sql.left(200) + u']',
-                      ErrNum::Database);
+        throw ErrorBD(u"Número de parámetros incorrecto [" + sql.left(200) + u']',
+                      ErrNum::BaseDatos);
     for (int i = 0; i < params.size(); ++i) {
         const QVariant& v = params.at(i);
         int rc = SQLITE_OK;
@@ -206,14 +206,14 @@ void Database::vincular(sqlite3_stmt* stmt, const QVariantList& params, const QS
                 }
             }
         }
-        if (rc != SQLITE_OK) fallo(sql);
+        if (rc != SQLITE_OK) fail(sql);
     }
 }
 
-QueryResult Database::query(const QString& sql, const QVariantList& params) {
-    sqlite3_stmt* s = preparar(sql);
-    vincular(s, params, sql);
-    QueryResult r;
+ResultadoConsulta BaseDatos::query(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = prepare(sql);
+    bind(s, params, sql);
+    ResultadoConsulta r;
     const int n = sqlite3_column_count(s);
     r.m_columns.reserve(n);
     for (int i = 0; i < n; ++i) r.m_columns.append(QString::fromUtf8(sqlite3_column_name(s, i)));
@@ -226,15 +226,15 @@ QueryResult Database::query(const QString& sql, const QVariantList& params) {
     }
     if (rc != SQLITE_DONE) {
         sqlite3_reset(s);
-        fallo(sql);
+        fail(sql);
     }
     sqlite3_reset(s);
     return r;
 }
 
-QVector<QString> Database::queryTexts(const QString& sql, const QVariantList& params) {
-    sqlite3_stmt* s = preparar(sql);
-    vincular(s, params, sql);
+QVector<QString> BaseDatos::queryTexts(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = prepare(sql);
+    bind(s, params, sql);
     const int n = sqlite3_column_count(s);
     QVector<QString> celdas;
     int rc;
@@ -246,69 +246,69 @@ QVector<QString> Database::queryTexts(const QString& sql, const QVariantList& pa
     }
     if (rc != SQLITE_DONE) {
         sqlite3_reset(s);
-        fallo(sql);
+        fail(sql);
     }
     sqlite3_reset(s);
     return celdas;
 }
 
-int Database::exec(const QString& sql, const QVariantList& params) {
-    sqlite3_stmt* s = preparar(sql);
-    vincular(s, params, sql);
+int BaseDatos::exec(const QString& sql, const QVariantList& params) {
+    sqlite3_stmt* s = prepare(sql);
+    bind(s, params, sql);
     int rc;
     while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
     }
     if (rc != SQLITE_DONE) {
         sqlite3_reset(s);
-        fallo(sql);
+        fail(sql);
     }
     sqlite3_reset(s);
     return sqlite3_changes(m_db);
 }
 
-void Database::execScript(const QString& sql) {
+void BaseDatos::execScript(const QString& sql) {
     if (!m_db)
-        throw DbError(u"La conexión con la base de datos no está abierta"_s, ErrNum::Database);
+        throw ErrorBD(u"La conexión con la base de datos no está abierta"_s, ErrNum::BaseDatos);
     char* err = nullptr;
     if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {
         const QString msg = QString::fromUtf8(err ? err : "error");
         sqlite3_free(err);
-        throw DbError(msg, ErrNum::Database);
+        throw ErrorBD(msg, ErrNum::BaseDatos);
     }
 }
 
-long long Database::lastInsertId() const {
+long long BaseDatos::lastInsertId() const {
     return m_db ? sqlite3_last_insert_rowid(m_db) : 0;
 }
 
-bool Database::hasTable(const QString& table) {
+bool BaseDatos::hasTable(const QString& table) {
     return !query(u"SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"_s,
                   {table})
                 .isEmpty();
 }
 
-bool Database::hasColumn(const QString& table, const QString& column) {
-    const QueryResult r = query(u"SELECT name FROM pragma_table_info(?)"_s, {table});
+bool BaseDatos::hasColumn(const QString& table, const QString& column) {
+    const ResultadoConsulta r = query(u"SELECT name FROM pragma_table_info(?)"_s, {table});
     for (int i = 0; i < r.recordCount(); ++i)
         if (r.value(i, 0).toString().compare(column, Qt::CaseInsensitive) == 0) return true;
     return false;
 }
 
-void Database::begin() {
+void BaseDatos::begin() {
     exec(u"BEGIN IMMEDIATE"_s);
 }
-void Database::commit() {
+void BaseDatos::commit() {
     exec(u"COMMIT"_s);
 }
-void Database::rollback() {
+void BaseDatos::rollback() {
     if (m_db && !sqlite3_get_autocommit(m_db)) exec(u"ROLLBACK"_s);
 }
-void Database::savepoint(const QString& name) {
+void BaseDatos::savepoint(const QString& name) {
     exec(u"SAVEPOINT "_s + name);
 }
-void Database::release(const QString& name) {
+void BaseDatos::release(const QString& name) {
     exec(u"RELEASE "_s + name);
 }
-void Database::rollbackTo(const QString& name) {
+void BaseDatos::rollbackTo(const QString& name) {
     exec(u"ROLLBACK TO "_s + name);
 }

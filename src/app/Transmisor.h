@@ -6,10 +6,10 @@
 
 // The transmitter's engine: `Timer1` and its tick. The main window owns
 // one; headless mode owns one without a window.
-class Transmitter : public QObject {
+class Transmisor : public QObject {
     Q_OBJECT
   public:
-    explicit Transmitter(QObject* parent = nullptr);
+    explicit Transmisor(QObject* parent = nullptr);
 
     // Reads `Tr`/`Interval` (at least 15 s, else 60, saved back), sets the
     // timer and restarts the interval.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/ActivityLog.h"
-#include "base/UserInterface.h"
+#include "base/InterfazUsuario.h"
+#include "base/RegistroActividad.h"
 
 #include <QString>
 #include <cstdint>
@@ -25,7 +25,7 @@ QString directorioAplicacion();
 inline constexpr char16_t kSinClave[] = u"sinclavedeentrada";
 
 // The shared state record: one per process, public to the whole program.
-struct AppState {
+struct EstadoAplicacion {
     int16_t giMaxLote = 0;
     QString gsClaveAcceso = QString::fromUtf16(kSinClave);
     QString gsClaveIntroducida;
@@ -36,8 +36,8 @@ struct AppState {
     QString gsSaldoCuenta;
     QString gsDestinos;
 
-    ActivityLog log;
-    UserInterface* ui = nullptr;
+    RegistroActividad log;
+    InterfazUsuario* ui = nullptr;
 
     // Back to the state of a run that has loaded nothing yet: no access
     // password, nothing sending or imported, no account figures, an empty
@@ -45,7 +45,7 @@ struct AppState {
     void reset();
 };
 
-AppState& appState();
+EstadoAplicacion& estadoAplicacion();
 // The interface in use (headless defaults until a GUI or a test sets one).
-UserInterface& ui();
-void setUserInterface(UserInterface* ui);
+InterfazUsuario& ui();
+void establecerInterfaz(InterfazUsuario* ui);

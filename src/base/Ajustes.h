@@ -4,7 +4,7 @@
 
 // The per-user settings store of application "Quelmo Mensajes SMS":
 // an INI file under XDG_CONFIG_HOME, section = group.
-namespace Settings {
+namespace Ajustes {
 QString getSetting(const QString& section, const QString& key, const QString& def = QString());
 void saveSetting(const QString& section, const QString& key, const QString& value);
 bool hasSetting(const QString& section, const QString& key);
@@ -15,4 +15,4 @@ void clear();
 void sync();
 // Full path of the INI file, for diagnostics and tests.
 QString fileName();
-}  // namespace Settings
+}  // namespace Ajustes

@@ -7,10 +7,10 @@
 // The in-memory activity log: one line per event, "{date time} - {text}",
 // in order of arrival, without limit, written to no file. A list model, so
 // the log panel shows thousands of lines without a widget per line.
-class ActivityLog : public QAbstractListModel {
+class RegistroActividad : public QAbstractListModel {
     Q_OBJECT
   public:
-    explicit ActivityLog(QObject* parent = nullptr);
+    explicit RegistroActividad(QObject* parent = nullptr);
 
     void append(const QString& line);
     void clear();

@@ -1,4 +1,4 @@
-#include "base/Clock.h"
+#include "base/Reloj.h"
 
 #include <QString>
 
@@ -9,7 +9,7 @@ std::function<QDateTime()>& fuente() {
 }
 }  // namespace
 
-namespace Clock {
+namespace Reloj {
 
 QDateTime now() {
     if (fuente()) return fuente()();
@@ -26,7 +26,7 @@ void setSource(std::function<QDateTime()> source) {
     fuente() = std::move(source);
 }
 
-}  // namespace Clock
+}  // namespace Reloj
 
 QString aTextoBD(const QDateTime& value) {
     return value.toString(QString::fromUtf16(kDbDateTimeFormat));
