@@ -8,3 +8,12 @@ target_compile_definitions(quelmo_common_cfg INTERFACE
     QT_NO_CAST_FROM_BYTEARRAY
     QT_USE_QSTRINGBUILDER
     QT_NO_KEYWORDS)
+
+# Memory errors and undefined behaviour stop the program at once
+# (scripts/test --sanitize builds the core and its tests this way).
+option(QUELMO_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+if(QUELMO_SANITIZE)
+    target_compile_options(quelmo_common_cfg INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(quelmo_common_cfg INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,5 +1,11 @@
 #include "base/Ajustes.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -13,6 +19,22 @@ QSettings& almacen() {
 QString clave(const QString& section, const QString& key) {
     return section + u'/' + key;
 }
+
+// The store keeps the account and access passwords: the file is its
+// owner's alone. It stands (empty if new) before every write, because the
+// store rewrites it through a new file that takes the old one's mode.
+void guardar() {
+    const QString ruta = almacen().fileName();
+    QDir().mkpath(QFileInfo(ruta).absolutePath());
+    const int fd = ::open(QFile::encodeName(ruta).constData(), O_WRONLY | O_CREAT | O_CLOEXEC,
+                          S_IRUSR | S_IWUSR);
+    if (fd >= 0) {
+        // A file of an older installation may be readable by others.
+        ::fchmod(fd, S_IRUSR | S_IWUSR);
+        ::close(fd);
+    }
+    almacen().sync();
+}
 }  // namespace
 
 namespace Ajustes {
@@ -24,7 +46,7 @@ QString getSetting(const QString& section, const QString& key, const QString& de
 
 void saveSetting(const QString& section, const QString& key, const QString& value) {
     almacen().setValue(clave(section, key), value);
-    almacen().sync();
+    guardar();
 }
 
 bool hasSetting(const QString& section, const QString& key) {
@@ -33,16 +55,16 @@ bool hasSetting(const QString& section, const QString& key) {
 
 void deleteSetting(const QString& section, const QString& key) {
     almacen().remove(clave(section, key));
-    almacen().sync();
+    guardar();
 }
 
 void clear() {
     almacen().clear();
-    almacen().sync();
+    guardar();
 }
 
 void sync() {
-    almacen().sync();
+    guardar();
 }
 
 QString fileName() {

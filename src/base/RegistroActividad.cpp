@@ -2,6 +2,7 @@
 
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
+#include "base/SecretoOculto.h"
 
 using namespace Qt::StringLiterals;
 
@@ -52,7 +53,8 @@ QString msEscaparBuffer(const QString& text) {
 
 void msLog(const QString& text) {
     try {
-        const QString t = text.startsWith(u"Buffer: "_s) ? msEscaparBuffer(text) : text;
+        const QString oculto = ocultarSecretos(text);
+        const QString t = oculto.startsWith(u"Buffer: "_s) ? msEscaparBuffer(oculto) : oculto;
         estadoAplicacion().log.append(marcaTiempoLog() + u" - "_s + t);
         // The yield that lets the user act during a transmitter run.
         ui().processEvents();

@@ -11,6 +11,7 @@
 #include "base/Interruptor.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "base/SecretoOculto.h"
 #include "db/Conexion.h"
 #include "db/Identidad.h"
 #include "db/Transaccion.h"
@@ -309,6 +310,8 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     QElapsedTimer reloj;
     reloj.start();
     int entregadas = 0;
+    // Up to the last line about the batch, the debug lines included.
+    std::optional<SecretoOculto> oculta;
     try {
         g.giMaxLote = msMaxLote();
         const ResultadoConsulta lote = Lote::leerFilas(db, canal, g.giMaxLote);
@@ -322,6 +325,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         medida.lectura = reloj.nsecsElapsed();
         anunciarLote(lote.recordCount(), *cuenta);
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = clientePara(*cuenta);
+        oculta.emplace(cliente->clave);
         reloj.restart();
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
@@ -369,6 +373,7 @@ void msAvisoVersionLog() {
 
 QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host) {
     EstadoAplicacion& g = estadoAplicacion();
+    const SecretoOculto oculta(clave);
     try {
         // A balance query names no sender and no application.
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = qmXMLSend::crear();

@@ -269,6 +269,10 @@ class LectorLineas {
             const QString trozo = prueba(m_f.read(1 << 16));
             (void)trozo;
         }
+        // A file cut in the middle of its last character isn't UTF-8
+        // either; the decoder only says so when one more byte comes.
+        const QString fin = prueba(QByteArrayView("\n"));
+        (void)fin;
         const bool utf8 = !prueba.hasError();
         m_f.seek(0);
         m_dec = utf8 ? QStringDecoder(QStringDecoder::Utf8) : QStringDecoder("windows-1252");

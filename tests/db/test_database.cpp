@@ -1,6 +1,7 @@
 // The connection wrapper: values travel intact, names compare as users
 // expect, and failures say what failed.
 #include "TestSupport.h"
+#include "base/Ajustes.h"
 #include "db/BaseDatos.h"
 #include "db/Transaccion.h"
 
@@ -190,17 +191,33 @@ class TestDatabase : public QObject {
     }
 
     // The database holds the platforms' passwords.
-    void newFilesAreTheOwnersOnly() {
+    // The files that hold the passwords: the database with its WAL files,
+    // and the settings store, new or rewritten through a new file.
+    void filesAreTheOwnersOnly_data() {
+        QTest::addColumn<QString>("sufijo");  // of the database's files; none: the settings
+        QTest::addColumn<int>("escrituras");  // to the settings store first
+        QTest::newRow("database") << u""_s << 0;
+        QTest::newRow("its WAL") << u"-wal"_s << 0;
+        QTest::newRow("its shared memory") << u"-shm"_s << 0;
+        QTest::newRow("new settings file") << QString() << 1;
+        QTest::newRow("settings file rewritten") << QString() << 3;
+    }
+    void filesAreTheOwnersOnly() {
+        QFETCH(QString, sufijo);
+        QFETCH(int, escrituras);
         BaseDatos nueva;
         const QString ruta = world.root() + u"/nueva.db"_s;
+        for (const QString& f : QStringList{ruta, ruta + u"-wal"_s, ruta + u"-shm"_s})
+            QFile::remove(f);
         QVERIFY(nueva.create(ruta));
         nueva.exec(u"CREATE TABLE t (x)"_s);
-        const auto soloDueno = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-        for (const QString& f : QStringList{ruta, ruta + u"-wal"_s, ruta + u"-shm"_s}) {
-            QVERIFY2(QFile::exists(f), qPrintable(f));
-            QCOMPARE(QFile::permissions(f) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
-                     soloDueno);
-        }
+        QFile::remove(Ajustes::fileName());
+        for (int i = 0; i < escrituras; ++i)
+            Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(60 + i));
+        const QString f = sufijo.isNull() ? Ajustes::fileName() : ruta + sufijo;
+        QVERIFY2(QFile::exists(f), qPrintable(f));
+        QCOMPARE(QFile::permissions(f) & ~(QFileDevice::ReadUser | QFileDevice::WriteUser),
+                 QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     }
 
   private:

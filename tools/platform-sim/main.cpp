@@ -69,6 +69,8 @@ struct Configuracion {
     QString fallo = u"ninguno"_s;
     int veces = 0;
     int retrasoMs = 0;
+    // The trace of every reply repeats the request as it arrived.
+    bool eco = false;
 };
 
 Configuracion leerConfiguracion(const QString& ruta) {
@@ -88,6 +90,7 @@ Configuracion leerConfiguracion(const QString& ruta) {
             c.fallo = s.value(u"fallo"_s, u"ninguno"_s).toString().trimmed();
             c.veces = s.value(u"veces"_s, 0).toInt();
             c.retrasoMs = s.value(u"retraso_ms"_s, 0).toInt();
+            c.eco = s.value(u"eco"_s, false).toBool();
             c.saldoRegistro = s.value(u"saldo_registro"_s, 10).toLongLong();
         } else if (grupo.startsWith(u"cuenta"_s)) {
             Cuenta k;
@@ -185,6 +188,7 @@ class Plataforma {
     QByteArray atender(const QByteArray& xml, QString& fallo) {
         std::lock_guard<std::mutex> bloqueo(m_mutex);
         ++m_peticiones;
+        m_peticion = QString::fromUtf8(xml);
         fallo = (m_conf.veces == 0 || m_peticiones <= m_conf.veces) ? m_conf.fallo : u"ninguno"_s;
         Peticion p;
         QString error;
@@ -308,7 +312,9 @@ class Plataforma {
         }
         if (!m_conf.version.isEmpty()) w.writeAttribute(u"version"_s, m_conf.version);
         w.writeTextElement(u"comentario"_s, r.comentario);
-        w.writeTextElement(u"traza"_s, u"sim peticion "_s + QString::number(m_peticiones));
+        w.writeTextElement(u"traza"_s, m_conf.eco
+                                           ? m_peticion
+                                           : u"sim peticion "_s + QString::number(m_peticiones));
         w.writeEndElement();
         if (!r.resultados.isEmpty()) {
             w.writeStartElement(u"mensajes"_s);
@@ -395,6 +401,7 @@ class Plataforma {
     // Account and reference of every item taken, with its comment.
     QHash<QString, QString> m_tomados;
     int m_peticiones = 0;
+    QString m_peticion;
 };
 
 // The form parameter "xml" of a url-encoded body.
