@@ -5,7 +5,9 @@
 #include "base/Reloj.h"
 #include "delivery/qmXMLSend.h"
 
+#include <QDeadlineTimer>
 #include <QStringList>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -129,6 +131,12 @@ void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const 
                           ErrNum::Plataforma);
     db.exec(u"Update canales set saldo=?, Remitente=?, movil=? Where canal = ?"_s,
             {saldo.trimmed(), remitente, movil, canal});
+}
+
+void pausaEntreEnvios(const std::function<QTime()>& pared) {
+    QDeadlineTimer plazo(std::chrono::milliseconds(1000 - pared().msec()));
+    while (!plazo.hasExpired())
+        QThread::msleep(quint64(std::min<qint64>(50, plazo.remainingTime())));
 }
 
 }  // namespace Lote

@@ -3,9 +3,11 @@
 #include "db/BaseDatos.h"
 
 #include <QString>
+#include <QTime>
 #include <QVariant>
 #include <QVector>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace qmXMLSend {
@@ -76,5 +78,11 @@ bool aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant
 // Throws ErrorQuelmo, writing nothing, for a balance that is not a number.
 void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const QString& remitente,
                       const QString& movil);
+
+// Paces exchanges to at most one a second: waits until the second that the
+// wall clock `pared` shows now has passed. The wall clock is read once; the
+// wait runs on a monotonic clock, so a wall clock stepped back meanwhile
+// can't stretch it.
+void pausaEntreEnvios(const std::function<QTime()>& pared = &QTime::currentTime);
 
 }  // namespace Lote

@@ -19,10 +19,8 @@
 #include "delivery/qmXMLSend.h"
 #include "import/mdoImport.h"
 
-#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QScopeGuard>
-#include <QThread>
 #include <QTime>
 #include <optional>
 
@@ -105,17 +103,6 @@ namespace {
 // Read anew at each place that asks: the user may switch it during a run.
 bool depuracion() {
     return Ajustes::getSetting(u"Tr"_s, u"Debug"_s) == u"RXXML"_s;
-}
-
-// Paces exchanges to at most one a second: waits until the second noted
-// now has passed. The second is read on the wall clock (not the program's
-// clock, which tests pin to an instant); the wait runs on a monotonic
-// clock, so a wall clock stepped back cannot stretch it.
-void pausaEntreEnvios() {
-    const int ms = QTime::currentTime().msec();
-    QDeadlineTimer plazo(std::chrono::milliseconds(1000 - ms));
-    while (!plazo.hasExpired())
-        QThread::msleep(quint64(std::min<qint64>(50, plazo.remainingTime())));
 }
 
 // What the platform's comment says, compared in upper case.
@@ -330,7 +317,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
         reloj.restart();
-        pausaEntreEnvios();
+        Lote::pausaEntreEnvios();
         medida.pausa = reloj.nsecsElapsed();
         if (depuracion())
             msLog(u"Total Mensajes: "_s + QString::number(cliente->XMLMensajes.Count()));

@@ -8,6 +8,8 @@
 #include "delivery/Lote.h"
 #include "delivery/qmXMLSend.h"
 
+#include <QElapsedTimer>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -206,6 +208,27 @@ class TestLote : public QObject {
         QFETCH(QVariant, remopc);
         QFETCH(QString, guardado);
         QCOMPARE(Lote::remitenteAGuardar(remopc, u"Tienda"_s, u"0034600123456"_s), guardado);
+    }
+
+    // A wall clock that jumps while the pacing waits must neither freeze it
+    // nor stretch it past the second.
+    void pacingIgnoresWallClockSteps_data() {
+        QTest::addColumn<int>("salto");  // seconds the wall clock moves after its first reading
+        QTest::newRow("steady") << 0;
+        QTest::newRow("stepped back an hour") << -3600;
+        QTest::newRow("stepped forward an hour") << 3600;
+    }
+    void pacingIgnoresWallClockSteps() {
+        QFETCH(int, salto);
+        const QTime inicio(10, 0, 0, 200);
+        int lecturas = 0;
+        QElapsedTimer reloj;
+        reloj.start();
+        Lote::pausaEntreEnvios([&] {
+            return lecturas++ == 0 ? inicio : inicio.addSecs(salto).addMSecs(reloj.elapsed());
+        });
+        QVERIFY2(reloj.elapsed() < 1500, qPrintable(QString::number(reloj.elapsed())));
+        QVERIFY(reloj.elapsed() >= 700);
     }
 };
 
