@@ -1,5 +1,7 @@
 #include "db/BaseDatos.h"
 
+#include "base/ReglaListas.h"
+
 #include "base/Reloj.h"
 
 #include <sqlite3.h>
@@ -22,6 +24,14 @@ int compararSinMayusculas(void*, int n1, const void* s1, int n2, const void* s2)
     const QString a = QString::fromUtf8(static_cast<const char*>(s1), n1);
     const QString b = QString::fromUtf8(static_cast<const char*>(s2), n2);
     return QString::compare(a, b, Qt::CaseInsensitive);
+}
+
+// The order of the lists the user sees, so that the engine can sort a list
+// too large to hold (the sent history) as the lists sort in memory.
+constexpr char kReglaListas[] = "REGLA_LISTAS";
+int compararReglaListas(void*, int n1, const void* s1, int n2, const void* s2) {
+    return ReglaListas::comparar(static_cast<const char*>(s1), n1, static_cast<const char*>(s2),
+                                 n2);
 }
 
 // upper() and lower() of the engine know only ASCII; these know every letter.
@@ -146,6 +156,7 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     sqlite3_busy_timeout(m_db, 5000);
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, kSinCaso, SQLITE_UTF8, nullptr, compararSinMayusculas);
+    sqlite3_create_collation(m_db, kReglaListas, SQLITE_UTF8, nullptr, compararReglaListas);
     sqlite3_create_function(m_db, "upper", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                             funcionCaso<true>, nullptr, nullptr);
     sqlite3_create_function(m_db, "lower", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,

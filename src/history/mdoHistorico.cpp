@@ -8,10 +8,10 @@
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
+
 #include <QDate>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <unordered_map>
 
@@ -20,116 +20,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
-
-// ---- The lists' compare rule, on UTF-8 text --------------------------------
-
-// The weight of a UTF-16 unit under the lists' rule, plus one so that 0
-// marks the end of a text: letters folded to lower case and stripped of
-// accents, "ñ" just after "n" and before "o".
-const std::array<uint32_t, 0x10000>& pesos() {
-    static const auto tabla = [] {
-        std::array<uint32_t, 0x10000> t{};
-        for (uint32_t u = 0; u < 0x10000; ++u) {
-            const QChar c(char16_t(u), 0);
-            char16_t base = char16_t(u);
-            uint32_t extra = 0;
-            if (u < 0x80) {
-                if (u >= 'A' && u <= 'Z') base = char16_t(u + 32);
-            } else if (u == u'ñ' || u == u'Ñ') {
-                base = u'n';
-                extra = 1;
-            } else if (c.decompositionTag() == QChar::Canonical) {
-                base = c.decomposition().at(0).toCaseFolded().unicode();
-            } else {
-                base = c.toCaseFolded().unicode();
-            }
-            t[u] = uint32_t(base) * 2 + extra + 1;
-        }
-        return t;
-    }();
-    return tabla;
-}
-
-// Walks a UTF-8 text as the UTF-16 units that the rule weighs.
-class Unidades {
-  public:
-    Unidades(const char* p, const char* fin, char16_t pendiente = 0)
-        : m_p(reinterpret_cast<const unsigned char*>(p)),
-          m_fin(reinterpret_cast<const unsigned char*>(fin)),
-          m_pesos(pesos().data()),
-          m_pendiente(pendiente) {}
-
-    // Where the walk stands: the next byte, and the second half of a
-    // character outside the basic plane still to come.
-    const char* posicion() const { return reinterpret_cast<const char*>(m_p); }
-    char16_t pendiente() const { return m_pendiente; }
-
-    // The next unit's weight; 0 at the end.
-    uint32_t siguiente() {
-        if (m_pendiente) {
-            const uint32_t w = m_pesos[m_pendiente];
-            m_pendiente = 0;
-            return w;
-        }
-        if (m_p == m_fin) return 0;
-        const uint32_t c = *m_p++;
-        if (c < 0x80) return m_pesos[c];
-        uint32_t cp = 0xFFFD;
-        if ((c & 0xE0) == 0xC0 && m_fin - m_p >= 1) {
-            cp = ((c & 0x1F) << 6) | (m_p[0] & 0x3F);
-            m_p += 1;
-        } else if ((c & 0xF0) == 0xE0 && m_fin - m_p >= 2) {
-            cp = ((c & 0x0F) << 12) | ((m_p[0] & 0x3Fu) << 6) | (m_p[1] & 0x3F);
-            m_p += 2;
-        } else if ((c & 0xF8) == 0xF0 && m_fin - m_p >= 3) {
-            cp = ((c & 0x07) << 18) | ((m_p[0] & 0x3Fu) << 12) | ((m_p[1] & 0x3Fu) << 6) |
-                 (m_p[2] & 0x3F);
-            m_p += 3;
-        }
-        if (cp > 0xFFFF) {
-            cp -= 0x10000;
-            m_pendiente = char16_t(0xDC00 | (cp & 0x3FF));
-            return m_pesos[0xD800 | (cp >> 10)];
-        }
-        return m_pesos[cp];
-    }
-
-  private:
-    const unsigned char* m_p;
-    const unsigned char* m_fin;
-    const uint32_t* m_pesos;
-    char16_t m_pendiente;
-};
-
-// The lists' rule as the engine's collation, so that the engine sorts the
-// history and the list needs no copy of it. Bytes that two texts share at
-// the start weigh the same: the walk begins at the first character in
-// which they differ.
-int compararRegla(void*, int n1, const void* s1, int n2, const void* s2) {
-    const auto* a = static_cast<const unsigned char*>(s1);
-    const auto* b = static_cast<const unsigned char*>(s2);
-    const int n = std::min(n1, n2);
-    int i = 0;
-    while (i < n && a[i] == b[i]) ++i;
-    while (i > 0 && (a[i - 1] & 0x80)) --i;
-    const auto* ca = reinterpret_cast<const char*>(a);
-    const auto* cb = reinterpret_cast<const char*>(b);
-    Unidades x(ca + i, ca + n1), y(cb + i, cb + n2);
-    for (;;) {
-        const uint32_t p = x.siguiente(), q = y.siguiente();
-        if (p != q) return p < q ? -1 : 1;
-        if (p == 0) return 0;
-    }
-}
-
-constexpr const char* kRegla = "REGLA_LISTAS";
-
-// The connection learns the rule the first time a statement names it
-// (nothing else asks this connection for collations).
-void pedirRegla(void*, sqlite3* db, int, const char* nombre) {
-    if (sqlite3_stricmp(nombre, kRegla) == 0)
-        sqlite3_create_collation(db, kRegla, SQLITE_UTF8, nullptr, compararRegla);
-}
 
 // Rows read at once, and pages kept for scrolling back and forth.
 constexpr int kFilasPagina = 1000;
@@ -228,7 +118,6 @@ void Historico::limpiar() {
 void Historico::cargar() {
     limpiar();
     BaseDatos& bd = Conexion();
-    if (bd.handle()) sqlite3_collation_needed(bd.handle(), nullptr, pedirRegla);
     // The count comes from the date's index, the highest rowid from the
     // table's own key: neither walks the rows.
     m_filas = int(bd.query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toLongLong());

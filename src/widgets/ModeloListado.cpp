@@ -1,5 +1,7 @@
 #include "widgets/ModeloListado.h"
 
+#include "base/ReglaListas.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -109,31 +111,13 @@ void ModeloListado::sort(int column, Qt::SortOrder order) {
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
-QString ModeloListado::claveOrden(const QString& texto) {
-    QString clave;
-    clave.reserve(texto.size() + 1);
-    for (const QChar c : texto) {
-        const char16_t u = c.unicode();
-        if (u < 0x80) {
-            clave.append(u >= u'A' && u <= u'Z' ? QChar(u + 32) : c);
-        } else if (u == u'ñ' || u == u'Ñ') {
-            clave.append(u'n');
-            clave.append(QChar(0xFFFF));
-        } else if (c.decompositionTag() == QChar::Canonical) {
-            clave.append(c.decomposition().at(0).toCaseFolded());
-        } else {
-            clave.append(c.toCaseFolded());
-        }
-    }
-    return clave;
-}
-
 QVector<int> ModeloListado::ordenar() {
     if (m_columnaOrden < 0 || m_cabeceras.isEmpty()) return {};
     const qsizetype ancho = m_cabeceras.size();
     const int n = rowCount();
     QVector<QString> claves(n);
-    for (int f = 0; f < n; ++f) claves[f] = claveOrden(m_celdas.at(f * ancho + m_columnaOrden));
+    for (int f = 0; f < n; ++f)
+        claves[f] = ReglaListas::clave(m_celdas.at(f * ancho + m_columnaOrden));
     QVector<int> orden(n);
     std::iota(orden.begin(), orden.end(), 0);
     if (m_orden == Qt::AscendingOrder)

@@ -8,8 +8,8 @@
 // vector, so a list of a hundred thousand lines loads and sorts without an
 // object per line.
 //
-// Sorting is on the texts as shown, with the list's compare rule (see
-// claveOrden): case and accents don't count, "ñ" comes after "n". Equal
+// Sorting is on the texts as shown, with the lists' rule (base/ReglaListas):
+// case and accents don't count, "ñ" comes after "n". Equal
 // texts keep the order they had. Once sorted, the model stays sorted: a
 // later `asignar` or `anadirFila` puts the lines in their place, the way a
 // sorted report list keeps its order when it is filled again.
@@ -43,10 +43,6 @@ class ModeloListado : public QAbstractTableModel {
     // The column of the last sort, -1 while unsorted.
     int columnaOrden() const { return m_columnaOrden; }
     Qt::SortOrder orden() const { return m_orden; }
-
-    // The key under which a text sorts: letters folded to lower case and
-    // stripped of accents, "ñ" kept apart just after "n".
-    static QString claveOrden(const QString& texto);
 
   private:
     // Sorts the cells; returns the old line of each new line.

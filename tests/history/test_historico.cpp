@@ -6,10 +6,10 @@
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
+#include "base/ReglaListas.h"
 #include "db/Conexion.h"
 #include "history/PantallasHistorico.h"
 #include "history/frmHEnvios.h"
-#include "widgets/ModeloListado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -197,7 +197,7 @@ class TestHistorico : public QObject {
             const QString clave = columnaMirada == 3   ? mensaje
                                   : columnaMirada == 2 ? (crem.isNull() ? u"9"_s : crem.toString())
                                                        : QString::number(10 + i % 7);
-            esperadas.push_back({ModeloListado::claveOrden(clave), numero, i + 1});
+            esperadas.push_back({ReglaListas::clave(clave), numero, i + 1});
         }
         bd().commit();
         std::stable_sort(esperadas.begin(), esperadas.end(),
