@@ -4,6 +4,7 @@
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
+#include "delivery/Intercambio.h"
 #include "delivery/qmXMLSend.h"
 
 #include <QCoreApplication>
@@ -108,8 +109,8 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         }
         cliente->SendParam = u"xml="_s;
         QString nn, ff;
-        cliente->SendXMLLista(nn, ff);
-        ui().processEvents();
+        Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
+                             [&] { cliente->SendXMLLista(nn, ff); });
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
     } catch (const ErrorQuelmo&) {

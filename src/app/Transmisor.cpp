@@ -4,7 +4,9 @@
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/Error.h"
+#include "base/Interruptor.h"
 #include "base/Reloj.h"
+#include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
@@ -26,6 +28,11 @@ Transmisor::Transmisor(QObject* parent) : QObject(parent) {
     connect(&Avisos::instancia(), &Avisos::cicloDetenido, this, [this] {
         m_timer.stop();
         m_seguido.stop();
+    });
+    // Switched off, the batch in flight is given up; a screen's balance
+    // query goes on.
+    connect(&Interruptor::instancia(), &Interruptor::cambiado, this, [](bool activo) {
+        if (!activo) Intercambio::abandonar(Intercambio::Clase::Envio);
     });
     connect(&Avisos::instancia(), &Avisos::intervaloLeido, this,
             [this](int segundos) { m_timer.setInterval(segundos * 1000); });
@@ -89,6 +96,9 @@ void Transmisor::Timer1_Timer() {
 
 void Transmisor::detener() {
     m_detenido = true;
+    // Stopping never waits for the platform: every exchange in flight is
+    // given up, and its rows go again under the same references.
+    Intercambio::abandonarTodo();
     m_timer.stop();
     m_seguido.stop();
 }

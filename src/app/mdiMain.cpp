@@ -17,6 +17,7 @@
 #include "base/Pantallas.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
+#include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
 #include "import/mdoImport.h"
 #include "scheduling/clsTareasPendientes.h"
@@ -87,6 +88,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     connect(&Interruptor::instancia(), &Interruptor::cambiado, this,
             &mdiMain::mostrarEstadoTransmisor);
     m_transmisor.armarTemporizador();
+    connect(&m_transmisor, &Transmisor::tickTerminado, this, &mdiMain::cerrarSiPedido);
     cargarClaveAcceso();
     QCoreApplication::processEvents();
 
@@ -410,6 +412,11 @@ void mdiMain::showEvent(QShowEvent* event) {
                        [this] { QTimer::singleShot(0, this, [this] { primeraActivacion(); }); });
 }
 
+void mdiMain::cerrarSiPedido() {
+    // Out of the tick's own call: the close then runs with the run over.
+    if (m_cerrarAlTerminar) QTimer::singleShot(0, this, &QWidget::close);
+}
+
 void mdiMain::primeraActivacion() {
     msAbrirBaseInicial();
     // The picture may live in the database just opened.
@@ -423,11 +430,19 @@ void mdiMain::closeEvent(QCloseEvent* event) {
     EstadoAplicacion& g = estadoAplicacion();
     // Closing now would cut a batch in the middle of its exchange.
     if (g.gbEnviando) {
-        ui().msgBox(
-            u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
-            u"termine el envío para cerrar la aplicación."_s,
-            Msg::Exclamation);
         event->ignore();
+        if (m_cerrarAlTerminar) return;
+        // The run may wait for a platform that never answers: the user can
+        // give it up instead of waiting for it.
+        const int respuesta = ui().msgBox(
+            u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
+            u"termine el envío para cerrar la aplicación.\n\n¿Desea detener el envío y "
+            u"cerrar ahora? Los mensajes no enviados quedan en la bandeja de salida."_s,
+            Msg::YesNo + Msg::Exclamation + Msg::DefaultButton2);
+        if (respuesta != Msg::Yes) return;
+        m_cerrarAlTerminar = true;
+        msLog(u"Deteniendo el envío en curso para cerrar la aplicación"_s);
+        Intercambio::abandonarTodo();
         return;
     }
     // Other screens get no say: the process ends here.

@@ -73,6 +73,10 @@ class mdiMain : public QMainWindow {
     void ocultar();
 
     Transmisor m_transmisor;
+    // The user chose to stop the run in flight and close: the window closes
+    // when the run has ended.
+    bool m_cerrarAlTerminar = false;
+    void cerrarSiPedido();
     frmweb* m_web = nullptr;
     frmLog* m_log = nullptr;
     QToolBar* m_barra = nullptr;

@@ -153,7 +153,7 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     }
     m_db = db;
     m_path = path;
-    sqlite3_busy_timeout(m_db, 5000);
+    sqlite3_busy_timeout(m_db, m_espera);
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, kSinCaso, SQLITE_UTF8, nullptr, compararSinMayusculas);
     sqlite3_create_collation(m_db, kReglaListas, SQLITE_UTF8, nullptr, compararReglaListas);
@@ -179,7 +179,14 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
 }
 
 void BaseDatos::establecerEspera(int ms) {
+    m_espera = ms;
     if (m_db) sqlite3_busy_timeout(m_db, ms);
+}
+
+bool BaseDatos::lastWasBusy() const {
+    if (!m_db) return false;
+    const int codigo = sqlite3_errcode(m_db) & 0xff;
+    return codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
 }
 
 void BaseDatos::close() {

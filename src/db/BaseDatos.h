@@ -63,6 +63,9 @@ class BaseDatos {
     // How long a statement waits for a lock another connection holds
     // before it fails as busy (5 s from the open on).
     void establecerEspera(int ms);
+    int espera() const { return m_espera; }
+    // The last statement failed because another connection held the lock.
+    bool lastWasBusy() const;
     const QString& path() const { return m_path; }
 
     ResultadoConsulta query(const QString& sql, const QVariantList& params = {});
@@ -97,5 +100,6 @@ class BaseDatos {
     sqlite3* m_db = nullptr;
     QString m_path;
     bool m_busy = false;
+    int m_espera = 5000;
     QHash<QString, sqlite3_stmt*> m_cache;
 };

@@ -3,11 +3,10 @@
 #include "base/Conversiones.h"
 #include "base/Error.h"
 #include "base/Reloj.h"
+#include "delivery/Intercambio.h"
 #include "delivery/qmXMLSend.h"
 
-#include <QDeadlineTimer>
 #include <QStringList>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -133,10 +132,8 @@ void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const 
             {saldo.trimmed(), remitente, movil, canal});
 }
 
-void pausaEntreEnvios(const std::function<QTime()>& pared) {
-    QDeadlineTimer plazo(std::chrono::milliseconds(1000 - pared().msec()));
-    while (!plazo.hasExpired())
-        QThread::msleep(quint64(std::min<qint64>(50, plazo.remainingTime())));
+bool pausaEntreEnvios(const std::function<QTime()>& pared) {
+    return Intercambio::pausa(Intercambio::Clase::Envio, 1000 - pared().msec());
 }
 
 }  // namespace Lote

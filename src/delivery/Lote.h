@@ -80,9 +80,10 @@ void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const 
                       const QString& movil);
 
 // Paces exchanges to at most one a second: waits until the second that the
-// wall clock `pared` shows now has passed. The wall clock is read once; the
-// wait runs on a monotonic clock, so a wall clock stepped back meanwhile
-// can't stretch it.
-void pausaEntreEnvios(const std::function<QTime()>& pared = &QTime::currentTime);
+// wall clock `pared` shows now has passed, with the event loop turning. The
+// wall clock is read once; the wait runs on a monotonic clock, so a wall
+// clock stepped back meanwhile can't stretch it. False when the wait was
+// given up (the transmitter stopped).
+bool pausaEntreEnvios(const std::function<QTime()>& pared = &QTime::currentTime);
 
 }  // namespace Lote

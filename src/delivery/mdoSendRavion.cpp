@@ -15,6 +15,7 @@
 #include "db/Conexion.h"
 #include "db/Identidad.h"
 #include "db/Transaccion.h"
+#include "delivery/Intercambio.h"
 #include "delivery/Lote.h"
 #include "delivery/qmXMLSend.h"
 #include "import/mdoImport.h"
@@ -110,6 +111,10 @@ bool comentarioDice(const QString& comentario, const QString& texto) {
     return comentario.toUpper().contains(texto.toUpper());
 }
 
+const QString kTextoAbandonado =
+    u"Envío interrumpido al detener el transmisor: los mensajes siguen en la bandeja de "
+    u"salida y se enviarán con la misma referencia"_s;
+
 const QString kTextoRemitente =
     u"Su Remitente Personalizado no ha sido aceptado.\n\n"
     "Para utilizar un remitente pesonalizado alternativo, envíe un SMS al 5303 con el texto:\n"
@@ -200,34 +205,74 @@ struct Desenlace {
     QStringList avisos;  // what the reading of the reply passed over
     QStringList lineas;
     bool aceptado = false;
-    int entregadas = 0;  // rows that left the outbox
+    bool abandonado = false;  // given up on our side: the rows wait as they were
+    int entregadas = 0;       // rows that left the outbox
 };
 
-// The exchange and its results under one write transaction, taken before
-// the platform sees the batch: a lock held by another process then fails
-// the run before anything is sent, never between the platform's acceptance
-// and our record of it. A resent item (after a crash) carries the same
-// reference, which the platform answers without sending again.
+// The write lock for an exchange's results, taken without stopping the
+// window: short tries with the event loop turning between them. Another
+// program holding the database (a script's --send, a sqlite3 shell) delays
+// the record and never loses it. Null when the transmitter was stopped
+// meanwhile: the rows then go again under the same references, which the
+// platform answers without sending twice.
+std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
+    const int espera = db.espera();
+    bool avisado = false;
+    for (;;) {
+        db.establecerEspera(50);
+        try {
+            auto transaccion = std::make_unique<Transaccion>(db);
+            db.establecerEspera(espera);
+            return transaccion;
+        } catch (const ErrorBD&) {
+            db.establecerEspera(espera);
+            if (!db.lastWasBusy()) throw;
+        }
+        if (!avisado) {
+            msLog(
+                u"La base de datos está ocupada por otro programa: el resultado del envío se "
+                u"guardará en cuanto quede libre"_s);
+            avisado = true;
+        }
+        if (!Intercambio::pausa(Intercambio::Clase::Envio, 100)) return nullptr;
+    }
+}
+
+// The exchange off the window's thread, then its results in one short
+// write transaction: the lock is never held while the platform thinks. A
+// row the user deleted meanwhile was still taken by the platform: its
+// history row is written and nothing goes twice; rows added meanwhile wait
+// for the next run.
 Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
                        int16_t canal, MedidaLote& medida) {
     Desenlace d;
-    // Kept apart from the results: a reference must survive a rolled-back
-    // exchange, or its resend would look new to the platform.
+    // Read before the exchange: a resend (after a crash or a stop) carries
+    // the same references, which the platform answers without sending again.
     cliente.Origen = identidadBase(db);
-    Transaccion transaccion(db);
     QString nn, ff;
-    cliente.SendXML(nn, ff);
+    Intercambio::esperar(Intercambio::Clase::Envio, cliente.cancelacion,
+                         [&] { cliente.SendXML(nn, ff); });
     medida.documento = cliente.nsDocumento;
     medida.http = cliente.nsHttp;
     medida.respuesta = cliente.nsRespuesta;
     const qmXMLSend::Autentificacion& rx = cliente.RXAutentificacion;
     if (depuracion()) d.depuracion = lineasDepuracion(rx, nn, ff);
     d.avisos = cliente.RXAvisos;
+    if (cliente.RXTransporte.fallo == Transporte::Fallo::Abandonado) {
+        d.abandonado = true;
+        return d;
+    }
     if (rx.Resultado.trimmed() != u"1"_s) return d;
     d.aceptado = true;
 
     QElapsedTimer reloj;
     reloj.start();
+    const std::unique_ptr<Transaccion> transaccion = tomarEscritura(db);
+    if (!transaccion) {
+        d.aceptado = false;
+        d.abandonado = true;
+        return d;
+    }
     const QString crem = Lote::remitenteHistorial(cuenta);
     try {
         QStringList sinResultado;
@@ -256,13 +301,13 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
                 Lote::remitenteAGuardar(cuenta.remopc, cuenta.remitente, rx.Movil), rx.Movil);
     } catch (const ErrorQuelmo&) {
         // Items handled before the failure stay handled.
-        transaccion.commit();
+        transaccion->commit();
         for (const QString& l : std::as_const(d.depuracion)) msLog(l);
         for (const QString& l : std::as_const(d.avisos)) msLog(l);
         for (const QString& l : std::as_const(d.lineas)) msLog(l);
         throw;
     }
-    transaccion.commit();
+    transaccion->commit();
     medida.escritura = reloj.nsecsElapsed();
     return d;
 }
@@ -317,7 +362,10 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
         reloj.restart();
-        Lote::pausaEntreEnvios();
+        if (!Lote::pausaEntreEnvios()) {
+            msLog(kTextoAbandonado);
+            return 0;
+        }
         medida.pausa = reloj.nsecsElapsed();
         if (depuracion())
             msLog(u"Total Mensajes: "_s + QString::number(cliente->XMLMensajes.Count()));
@@ -328,6 +376,10 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
             const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
             for (const QString& l : d.depuracion) msLog(l);
             for (const QString& l : d.avisos) msLog(l);
+            if (d.abandonado) {
+                msLog(kTextoAbandonado);
+                return 0;
+            }
             if (!d.aceptado) {
                 avisarRechazo(rx);
             } else {
@@ -373,7 +425,8 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         cliente->XMLMensajes.Add(0, u"xxx"_s, u"getsaldo"_s);
         msLog(u"Conectando con Usuario: '"_s + usuario + u"' ...."_s);
         QString nn, ff;
-        cliente->SendXML(nn, ff);
+        Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
+                             [&] { cliente->SendXML(nn, ff); });
         // No reply has no number: it ends as a failure.
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         const int16_t resultado = aEntero16(rx.Resultado);

@@ -3,7 +3,6 @@
 #include "base/Despliegue.h"
 #include "base/Error.h"
 
-#include <curl/curl.h>
 #include <QElapsedTimer>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -176,23 +175,12 @@ void leerRespuesta(XMLSendClass& c, const QByteArray& respuesta) {
 
 namespace {
 
-// Stops the transfer (by taking fewer bytes than given) at the limit.
-size_t acumular(char* datos, size_t tam, size_t n, void* destino) {
-    auto* respuesta = static_cast<QByteArray*>(destino);
-    if (respuesta->size() + qsizetype(tam * n) > kMaximoRespuesta) return 0;
-    respuesta->append(datos, qsizetype(tam * n));
-    return tam * n;
-}
-
-// The libcurl client: one blocking POST per exchange.
-class ClienteCurl : public XMLSendClass {
+// The client over the program's one transport: one POST per exchange.
+class ClienteHttp : public XMLSendClass {
   public:
-    ClienteCurl() : m_curl(curl_easy_init()) {
-        if (!m_curl)
-            throw ErrorQuelmo(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
-                              ErrNum::Plataforma);
-    }
-    ~ClienteCurl() override { curl_easy_cleanup(m_curl); }
+    // The limits are read here, on the caller's thread: the exchange itself
+    // runs on another one and reads no settings.
+    ClienteHttp() : m_plantilla(Transporte::peticion(QString(), QByteArray())) {}
 
     void SendXML(QString& nn, QString& ff) override { intercambio(false, nn, ff); }
     void SendXMLLista(QString& nn, QString& ff) override { intercambio(true, nn, ff); }
@@ -205,67 +193,44 @@ class ClienteCurl : public XMLSendClass {
         QElapsedTimer reloj;
         reloj.start();
         const QByteArray doc = documentoPeticion(*this, lista);
-        char* escapado = curl_easy_escape(m_curl, doc.constData(), int(doc.size()));
-        QByteArray cuerpo = SendParam.toUtf8();
-        cuerpo.append(escapado);
-        curl_free(escapado);
-
+        Transporte::Peticion p = m_plantilla;
+        p.url = url;
+        p.cuerpo = SendParam.toUtf8() + doc.toPercentEncoding();
+        p.maximo = kMaximoRespuesta;
+        p.cancelacion = cancelacion;
         nsDocumento = reloj.nsecsElapsed();
         reloj.restart();
-        QByteArray respuesta;
-        char error[CURL_ERROR_SIZE] = {};
-        const QByteArray direccion = url.toUtf8();
-        curl_slist* cabeceras = curl_slist_append(
-            nullptr, "Content-Type: application/x-www-form-urlencoded; charset=UTF-8");
-        // Large batches: no "Expect: 100-continue" round trip.
-        cabeceras = curl_slist_append(cabeceras, "Expect:");
-        curl_easy_setopt(m_curl, CURLOPT_URL, direccion.constData());
-        curl_easy_setopt(m_curl, CURLOPT_HTTPHEADER, cabeceras);
-        curl_easy_setopt(m_curl, CURLOPT_POSTFIELDS, cuerpo.constData());
-        curl_easy_setopt(m_curl, CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(cuerpo.size()));
-        curl_easy_setopt(m_curl, CURLOPT_WRITEFUNCTION, &acumular);
-        curl_easy_setopt(m_curl, CURLOPT_WRITEDATA, &respuesta);
-        curl_easy_setopt(m_curl, CURLOPT_ERRORBUFFER, error);
-        curl_easy_setopt(m_curl, CURLOPT_CONNECTTIMEOUT, long(Despliegue::segundosConexion()));
-        curl_easy_setopt(m_curl, CURLOPT_TIMEOUT, long(Despliegue::segundosTotal()));
-        curl_easy_setopt(m_curl, CURLOPT_NOSIGNAL, 1L);
-        const CURLcode rc = curl_easy_perform(m_curl);
-        long estado = 0;
-        curl_easy_getinfo(m_curl, CURLINFO_RESPONSE_CODE, &estado);
-        curl_slist_free_all(cabeceras);
+
+        RXTransporte = Transporte::enviar(p);
+        const Transporte::Respuesta& r = RXTransporte;
         nsHttp = reloj.nsecsElapsed();
         reloj.restart();
 
-        nn = QString::number(estado);
-        ff = rc == CURLE_OK ? QString()
-                            : QString::fromUtf8(error[0] ? error : curl_easy_strerror(rc));
-        if (rc == CURLE_WRITE_ERROR)
+        nn = QString::number(r.estado);
+        ff = r.textoLibreria;
+        if (r.fallo == Transporte::Fallo::Demasiado)
             throw ErrorQuelmo(u"La respuesta de la plataforma supera el límite de %1 MB"_s.arg(
                                   kMaximoRespuesta / (1024 * 1024)),
                               ErrNum::Plataforma);
-        // No reply (refused, dropped, timed out): the caller sees an empty
-        // Resultado and tells the user about the connection.
-        if (rc != CURLE_OK) return;
-        RXXML = QString::fromUtf8(respuesta);
-        if (estado < 200 || estado > 299)
-            throw ErrorQuelmo(
-                u"La plataforma respondió con el estado HTTP "_s + QString::number(estado),
-                ErrNum::Plataforma);
-        leerRespuesta(*this, respuesta);
+        if (r.fallo == Transporte::Fallo::Estado) {
+            RXXML = QString::fromUtf8(r.cuerpo);
+            throw ErrorQuelmo(Transporte::descripcion(r), ErrNum::Plataforma);
+        }
+        // No reply (refused, dropped, timed out, given up): the caller sees
+        // an empty Resultado and tells the user about the connection.
+        if (!r.bien()) return;
+        RXXML = QString::fromUtf8(r.cuerpo);
+        leerRespuesta(*this, r.cuerpo);
         nsRespuesta = reloj.nsecsElapsed();
     }
 
-    CURL* m_curl;
+    const Transporte::Peticion m_plantilla;
 };
 
 }  // namespace
 
 std::unique_ptr<XMLSendClass> crear() {
-    static const bool iniciado = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    if (!iniciado)
-        throw ErrorQuelmo(u"No se puede crear el objeto qmXMLSend.XMLSendClass"_s,
-                          ErrNum::Plataforma);
-    return std::make_unique<ClienteCurl>();
+    return std::make_unique<ClienteHttp>();
 }
 
 }  // namespace qmXMLSend

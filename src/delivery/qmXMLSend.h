@@ -1,5 +1,7 @@
 #pragma once
 
+#include "delivery/Transporte.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -82,12 +84,19 @@ class XMLSendClass {
     // What the reading of the reply passed over, one line each, for the
     // caller to log once the results are written.
     QStringList RXAvisos;
+    // What the transport said of the last exchange: what failed, and the
+    // library's words, for the line that names the cause.
+    Transporte::Respuesta RXTransporte;
+    // Cancelled from the window's thread to give the exchange up; the
+    // exchange then comes back as one that got no reply.
+    Transporte::Cancelacion cancelacion;
 
-    // One exchange with the platform. Comes back normally with an empty
-    // RXAutentificacion.Resultado when no connection could be made or it
-    // timed out; throws ErrorQuelmo for an HTTP error status or a reply that
-    // is not a valid document. nn gets the HTTP status, ff the transport's
-    // error text.
+    // One exchange with the platform; it blocks, so callers run it through
+    // Intercambio, and it touches neither the log nor the database. Comes
+    // back normally with an empty RXAutentificacion.Resultado when no
+    // connection could be made, it timed out or it was given up; throws
+    // ErrorQuelmo for an HTTP error status or a reply that is not a valid
+    // document. nn gets the HTTP status, ff the transport's error text.
     virtual void SendXML(QString& nn, QString& ff) = 0;
     // The same exchange for a list publication.
     virtual void SendXMLLista(QString& nn, QString& ff) = 0;
@@ -99,7 +108,8 @@ class XMLSendClass {
 // The largest reply read: a larger one fails the exchange.
 inline constexpr qsizetype kMaximoRespuesta = 16 * 1024 * 1024;
 
-// Creates a client; throws ErrorQuelmo when none can be made.
+// Creates a client, reading the deployment's limits on the caller's
+// thread; throws ErrorQuelmo when none can be made.
 std::unique_ptr<XMLSendClass> crear();
 
 // The document of a request and the reading of a reply, apart from the

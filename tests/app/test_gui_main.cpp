@@ -305,18 +305,24 @@ class TestGuiMain : public QObject {
         auto cerrar = [&] { via.isNull() ? void(w->close()) : accion(w.get(), via)->trigger(); };
         estadoAplicacion().gbEnviando = true;
         cerrar();
-        const QStringList aviso{
-            u"48 Quelmo Mensajes SMS está ahora mismo realizando un envío."
-            u"\n\nEspere a que termine el envío para cerrar la aplicación."_s};
-        QCOMPARE(cajas(ui), aviso);
+        const QString aviso =
+            u"308 Quelmo Mensajes SMS está ahora mismo realizando un envío."
+            u"\n\nEspere a que termine el envío para cerrar la aplicación.\n\n¿Desea detener "
+            u"el envío y cerrar ahora? Los mensajes no enviados quedan en la bandeja de salida."_s;
+        QCOMPARE(cajas(ui), QStringList{aviso});
         QVERIFY(w->isVisible());
         QCOMPARE(terminado, 0);
         QVERIFY(Conexion().isOpen());
 
-        estadoAplicacion().gbEnviando = false;
+        // Stopping the run instead: the window closes once the run is over.
+        ui.answers = {Msg::Yes};
         cerrar();
-        QCOMPARE(cajas(ui), aviso);
-        QCOMPARE(terminado, 1);
+        QCOMPARE(cajas(ui), (QStringList{aviso, aviso}));
+        QCOMPARE(terminado, 0);
+        estadoAplicacion().gbEnviando = false;
+        Q_EMIT w->transmisor().tickTerminado();
+        QTRY_COMPARE(terminado, 1);
+        QCOMPARE(cajas(ui).size(), 2);
         QVERIFY(!Conexion().isOpen());
         QVERIFY(!w->transmisor().Timer1().isActive());
     }
