@@ -174,8 +174,28 @@ void msHacerPrincipal(int16_t canal, const QString& nombre) {
     avisarCambio();
 }
 
+namespace {
+
+// Messages waiting in the outbox for an account.
+long long enBandeja(int16_t canal) {
+    return numeroDe(
+        Conexion().query(u"Select Count(*) from envios where Canal = ?"_s, {canal}).value(0, 0));
+}
+
+void avisarEnBandeja(long long n) {
+    ui().msgBox(u"Imposible eliminar esta Cuenta.\nHay "_s + QString::number(n) +
+                    (n == 1 ? u" mensaje"_s : u" mensajes"_s) +
+                    u" en la Bandeja de Salida esperando a ser enviados con esta Cuenta. "
+                    u"Envíelos o elimínelos antes de eliminar la Cuenta."_s,
+                Msg::Critical);
+}
+
+}  // namespace
+
 bool msEliminarCuenta(int16_t canal) {
-    // Only contacts hold an account back; outbox, history and schedules don't.
+    // Contacts hold an account back, and so do messages waiting in the
+    // outbox: a new account takes the highest code plus one, and would
+    // otherwise send them with its own credit and sender.
     const long long contactos = numeroDe(
         Conexion().query(u"Select Count(*) from abonados where canal = ?"_s, {canal}).value(0, 0));
     if (contactos > 0) {
@@ -185,11 +205,24 @@ bool msEliminarCuenta(int16_t canal) {
             Msg::Critical);
         return false;
     }
+    if (const long long n = enBandeja(canal); n > 0) {
+        avisarEnBandeja(n);
+        return false;
+    }
     if (ui().msgBox(u"Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s,
                     kPregunta) != Msg::Yes)
         return false;
     try {
-        Conexion().exec(u"delete from canales where canal = ?"_s, {canal});
+        // Checked again in the one statement: a script may have queued a
+        // message for it while the question was open.
+        const int borradas = Conexion().exec(
+            u"delete from canales where canal = ? and not exists "
+            u"(select 1 from envios where Canal = ?)"_s,
+            {canal, canal});
+        if (borradas == 0) {
+            if (const long long n = enBandeja(canal); n > 0) avisarEnBandeja(n);
+            return false;
+        }
     } catch (const ErrorBD& e) {
         ui().msgBox(e.description());
         return false;

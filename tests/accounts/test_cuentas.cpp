@@ -99,8 +99,18 @@ class TestCuentas : public QObject {
             << QStringList{
                    u"16 Imposible eliminar esta Cuenta.\nPara eliminar una Cuenta, no "
                    u"deben de existir Contactos asociados a  la Cuenta ."_s};
-        QTest::newRow("outbox rows don't")
-            << u"envios"_s << Msg::Yes << true << QStringList{pregunta};
+        QTest::newRow("a waiting message holds it back")
+            << u"envios"_s << Msg::Yes << false
+            << QStringList{
+                   u"16 Imposible eliminar esta Cuenta.\nHay 1 mensaje en la Bandeja de Salida "
+                   u"esperando a ser enviados con esta Cuenta. Envíelos o elimínelos antes de "
+                   u"eliminar la Cuenta."_s};
+        QTest::newRow("a message queued while the question is open holds it back")
+            << u"envios tarde"_s << Msg::Yes << false
+            << QStringList{pregunta,
+                           u"16 Imposible eliminar esta Cuenta.\nHay 1 mensaje en la Bandeja de "
+                           u"Salida esperando a ser enviados con esta Cuenta. Envíelos o "
+                           u"elimínelos antes de eliminar la Cuenta."_s};
         QTest::newRow("history rows don't")
             << u"HEnvios"_s << Msg::Yes << true << QStringList{pregunta};
         QTest::newRow("answered no") << QString() << Msg::No << false << QStringList{pregunta};
@@ -118,6 +128,12 @@ class TestCuentas : public QObject {
         else if (tabla == u"envios"_s)
             Conexion().exec(
                 u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
+        else if (tabla == u"envios tarde"_s)
+            // Another program queues it while the user reads the question.
+            ui.onMsgBox = [] {
+                Conexion().exec(
+                    u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
+            };
         else if (tabla == u"HEnvios"_s)
             Conexion().exec(u"INSERT INTO HEnvios (Canal,Abonado,Mensaje) VALUES (2,'x','m')"_s);
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -68,6 +69,7 @@ InterfazGuionada::~InterfazGuionada() {
 
 int InterfazGuionada::msgBox(const QString& text, int style, const QString& title) {
     boxes.append({text, style, title});
+    if (onMsgBox) std::exchange(onMsgBox, nullptr)();
     if (!answers.isEmpty()) return answers.takeFirst();
     return Msg::defaultAnswer(style);
 }

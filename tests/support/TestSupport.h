@@ -68,6 +68,7 @@ class InterfazGuionada : public InterfazUsuario {
     QStringList fileNames;                   // next files chosen in file dialogs (empty cancels)
     std::function<void()> onSelectDatabase;  // what the selection screen does
     std::function<void()> onProcessEvents;   // called at each turn of the loop
+    std::function<void()> onMsgBox;          // runs once while the next box is shown
 
     QList<ShownBox> boxes;
     QList<ShownBox> inputPrompts;  // prompt, 0, title of each input box
