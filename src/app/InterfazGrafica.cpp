@@ -5,15 +5,37 @@
 
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QUrl>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// Tells what the file dialog lists by the file's name alone. Qt's own
+// provider reads a file's first bytes to find its type and icon, and a
+// descriptor of the open database closed inside this process drops every
+// lock the engine holds on it: another program then takes the database's
+// log away from under the window.
+class IconosSinLeer : public QFileIconProvider {
+  public:
+    QIcon icon(IconType tipo) const override { return QFileIconProvider::icon(tipo); }
+    QIcon icon(const QFileInfo& info) const override {
+        return QFileIconProvider::icon(info.isDir() ? Folder : File);
+    }
+    QString type(const QFileInfo& info) const override {
+        return QMimeDatabase().mimeTypeForFile(info, QMimeDatabase::MatchExtension).comment();
+    }
+};
+
+}  // namespace
 
 int InterfazGrafica::msgBox(const QString& text, int style, const QString& title) {
     QMessageBox box(m_owner);
@@ -81,8 +103,17 @@ QString InterfazGrafica::openFileName(const QString& caption, const QString& dir
         const QRegularExpressionMatch m = patrones.match(f);
         f += u" ("_s + (m.hasMatch() ? m.captured(1) : f) + u')';
     }
-    return QFileDialog::getOpenFileName(m_owner, caption, dir, filtros.join(u";;"_s), nullptr,
-                                        QFileDialog::HideNameFilterDetails);
+    // Qt's own dialog, never the desktop's: only there is what reads the
+    // files in this process ours to choose.
+    QFileDialog dialogo(m_owner, caption, dir);
+    IconosSinLeer iconos;
+    dialogo.setOptions(QFileDialog::HideNameFilterDetails | QFileDialog::DontUseNativeDialog |
+                       QFileDialog::DontUseCustomDirectoryIcons);
+    dialogo.setIconProvider(&iconos);
+    dialogo.setFileMode(QFileDialog::ExistingFile);
+    dialogo.setNameFilters(filtros);
+    if (dialogo.exec() != QDialog::Accepted || dialogo.selectedFiles().isEmpty()) return QString();
+    return dialogo.selectedFiles().constFirst();
 }
 
 void InterfazGrafica::openUrl(const QString& target) {

@@ -3,6 +3,7 @@
 #include "app/Arranque.h"
 #include "app/Transmisor.h"
 #include "app/mdoMain.h"
+#include "base/Avisos.h"
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazSinVentana.h"
@@ -95,6 +96,15 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     });
 
     Transmisor::continuoPorOrden(continuo);
+    // Nothing more can be written: ending lets the service manager start
+    // a new process on the file that is there now.
+    QObject::connect(
+        &Avisos::instancia(), &Avisos::baseDatosPerdida, &app,
+        [&transmisor] {
+            transmisor.detener();
+            QCoreApplication::exit(kSalidaSinBaseDatos);
+        },
+        Qt::QueuedConnection);
 
     // What the main window's load and first activation do, without screens
     // and without the balance exchange of the first-run logic.
@@ -108,6 +118,8 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     if (unaVez) {
         transmisor.msForzarEnvio();
         transmisor.detener();
+        QCoreApplication::processEvents();
+        if (Conexion().perdida()) codigo = kSalidaSinBaseDatos;
     } else if (!pararPedido) {
         // Unless a stop came during start-up: then it ends here.
         codigo = app.exec();

@@ -9,6 +9,7 @@
 #include "app/frmweb.h"
 #include "app/mdoMain.h"
 #include "base/Ajustes.h"
+#include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/Despliegue.h"
 #include "base/EstadoAplicacion.h"
@@ -89,6 +90,14 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
             &mdiMain::mostrarEstadoTransmisor);
     m_transmisor.armarTemporizador();
     connect(&m_transmisor, &Transmisor::tickTerminado, this, &mdiMain::cerrarSiPedido);
+    connect(
+        &Avisos::instancia(), &Avisos::baseDatosPerdida, this,
+        [](const QString& ruta) {
+            ui().msgBox(textoBaseDatosPerdida(ruta) +
+                            u"\n\nCierre Quelmo Mensajes SMS y vuelva a abrirlo."_s,
+                        Msg::Critical);
+        },
+        Qt::QueuedConnection);
     cargarClaveAcceso();
     QCoreApplication::processEvents();
 

@@ -34,6 +34,9 @@ class Avisos : public QObject {
     // A screen read the interval: the cycle takes it, counted from now if
     // it runs; a stopped cycle stays stopped.
     void intervaloLeido(int segundos);
+    // The database file, or its log, was removed or replaced by another
+    // program while open: the connection was closed and writes stop.
+    void baseDatosPerdida(const QString& ruta);
 
   private:
     Avisos() = default;

@@ -2,9 +2,11 @@
 
 #include "base/ReglaListas.h"
 
+#include "base/Avisos.h"
 #include "base/Reloj.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -46,6 +48,10 @@ void funcionCaso(sqlite3_context* ctx, int, sqlite3_value** argv) {
     const QByteArray u = (Mayusculas ? texto.toUpper() : texto.toLower()).toUtf8();
     sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
 }
+
+const QString kTextoPerdida =
+    u"La base de datos ha sido borrada o sustituida por otro programa mientras estaba abierta: "
+    u"no se escribe más en ella"_s;
 
 QVariant leerColumna(sqlite3_stmt* stmt, int i) {
     switch (sqlite3_column_type(stmt, i)) {
@@ -153,6 +159,9 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     }
     m_db = db;
     m_path = path;
+    m_perdida = false;
+    m_base = m_diario = {};
+    m_exterior.clear();
     sqlite3_busy_timeout(m_db, m_espera);
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, kSinCaso, SQLITE_UTF8, nullptr, compararSinMayusculas);
@@ -167,6 +176,7 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         // A committed row survives a crash or a power cut.
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
+        recordarArchivos();
         adoptarSinCaso(*this);
     } catch (const ErrorBD& e) {
         if (error) *error = e.description();
@@ -205,7 +215,9 @@ void BaseDatos::fail(const QString& sql) {
 
 sqlite3_stmt* BaseDatos::prepare(const QString& sql) {
     if (!m_db)
-        throw ErrorBD(u"La conexión con la base de datos no está abierta"_s, ErrNum::BaseDatos);
+        throw ErrorBD(
+            m_perdida ? kTextoPerdida : u"La conexión con la base de datos no está abierta"_s,
+            ErrNum::BaseDatos);
     if (sqlite3_stmt* s = m_cache.value(sql)) {
         sqlite3_reset(s);
         sqlite3_clear_bindings(s);
@@ -278,6 +290,7 @@ void BaseDatos::bind(sqlite3_stmt* stmt, const QVariantList& params, const QStri
 ResultadoConsulta BaseDatos::query(const QString& sql, const QVariantList& params) {
     sqlite3_stmt* s = prepare(sql);
     bind(s, params, sql);
+    if (!sqlite3_stmt_readonly(s) && sqlite3_get_autocommit(m_db)) exigirArchivos();
     ResultadoConsulta r;
     const int n = sqlite3_column_count(s);
     r.m_columns.reserve(n);
@@ -320,6 +333,7 @@ QVector<QString> BaseDatos::queryTexts(const QString& sql, const QVariantList& p
 int BaseDatos::exec(const QString& sql, const QVariantList& params) {
     sqlite3_stmt* s = prepare(sql);
     bind(s, params, sql);
+    if (!sqlite3_stmt_readonly(s) && sqlite3_get_autocommit(m_db)) exigirArchivos();
     int rc;
     while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
     }
@@ -363,17 +377,72 @@ void BaseDatos::begin() {
     exec(u"BEGIN IMMEDIATE"_s);
 }
 void BaseDatos::commit() {
+    exigirArchivos();
     exec(u"COMMIT"_s);
 }
 void BaseDatos::rollback() {
     if (m_db && !sqlite3_get_autocommit(m_db)) exec(u"ROLLBACK"_s);
 }
 void BaseDatos::savepoint(const QString& name) {
+    const bool exterior = m_db && sqlite3_get_autocommit(m_db);
     exec(u"SAVEPOINT "_s + name);
+    if (exterior) m_exterior = name;
 }
 void BaseDatos::release(const QString& name) {
+    if (name == m_exterior) exigirArchivos();
     exec(u"RELEASE "_s + name);
+    if (name == m_exterior) m_exterior.clear();
 }
 void BaseDatos::rollbackTo(const QString& name) {
     exec(u"ROLLBACK TO "_s + name);
+}
+
+// ---- the files under the connection -----------------------------------------
+
+BaseDatos::Identidad BaseDatos::identidad(const QString& ruta) {
+    struct stat st {};
+    if (::stat(QFile::encodeName(ruta).constData(), &st) != 0) return {};
+    return {static_cast<unsigned long long>(st.st_dev), static_cast<unsigned long long>(st.st_ino)};
+}
+
+void BaseDatos::recordarArchivos() {
+    m_base = identidad(m_path);
+    // None when the file could not take a log (read-only folder): only the
+    // database itself is watched then.
+    m_diario = identidad(m_path + u"-wal"_s);
+}
+
+bool BaseDatos::archivosIntactos() {
+    if (!m_db || m_base == Identidad{}) return true;
+    if (identidad(m_path) == m_base &&
+        (m_diario == Identidad{} || identidad(m_path + u"-wal"_s) == m_diario))
+        return true;
+    perder();
+    return false;
+}
+
+void BaseDatos::exigirArchivos() {
+    if (m_perdida || !archivosIntactos()) throw ErrorBD(kTextoPerdida, ErrNum::BaseDatos);
+}
+
+void BaseDatos::perder() {
+    const QString ruta = m_path;
+    // No checkpoint on close: the log this connection holds may be one that
+    // another process has already copied into the file and removed, and
+    // copying it again would undo that process's later writes.
+    sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    close();
+    m_perdida = true;
+    Q_EMIT Avisos::instancia().baseDatosPerdida(ruta);
+}
+
+bool BaseDatos::esArchivoPropio(const QString& ruta) const {
+    if (!m_db) return false;
+    const Identidad id = identidad(ruta);
+    if (id == Identidad{}) return false;
+    const QStringList propios = {m_path, m_path + u"-wal"_s, m_path + u"-shm"_s,
+                                 m_path + u"-journal"_s};
+    for (const QString& propio : propios)
+        if (identidad(propio) == id) return true;
+    return false;
 }

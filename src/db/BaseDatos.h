@@ -91,14 +91,43 @@ class BaseDatos {
 
     sqlite3* handle() const { return m_db; }
 
+    // The files this connection writes to are still the ones at its path:
+    // the database not unlinked or replaced, its write-ahead log not taken
+    // from under it. Another process removes the log when it believes
+    // itself the file's last user, which it does once something in this
+    // process has opened and closed the file outside the engine (the
+    // engine's locks belong to the process and go with any descriptor
+    // closed). Every write checks first; when they are gone, the
+    // connection is closed without touching the file, Avisos tells, and
+    // the write fails: nothing is written where no one would read it.
+    bool archivosIntactos();
+    // The connection was closed because its files were taken from under it.
+    bool perdida() const { return m_perdida; }
+    // `ruta` is the database file, or its log or shared-memory file, of
+    // this connection: reading it outside the engine would drop its locks.
+    bool esArchivoPropio(const QString& ruta) const;
+
   private:
     bool openWith(const QString& path, int flags, QString* error);
     sqlite3_stmt* prepare(const QString& sql);
     void bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
     [[noreturn]] void fail(const QString& sql);
 
+    struct Identidad {
+        unsigned long long dispositivo = 0, nodo = 0;
+        bool operator==(const Identidad&) const = default;
+    };
+    static Identidad identidad(const QString& ruta);
+    void recordarArchivos();
+    // Before a statement that writes (or commits) outside a transaction.
+    void exigirArchivos();
+    void perder();
+
     sqlite3* m_db = nullptr;
     QString m_path;
+    Identidad m_base, m_diario;
+    bool m_perdida = false;
+    QString m_exterior;  // the savepoint whose release commits
     bool m_busy = false;
     int m_espera = 5000;
     QHash<QString, sqlite3_stmt*> m_cache;

@@ -1,11 +1,13 @@
 #include "db/Conexion.h"
 
 #include "base/Ajustes.h"
+#include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
+#include "base/RegistroActividad.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -15,7 +17,17 @@ using namespace Qt::StringLiterals;
 
 BaseDatos& Conexion() {
     static BaseDatos conexion;
+    // Logged from the event loop, not from inside the statement that found it.
+    [[maybe_unused]] static const auto aviso = QObject::connect(
+        &Avisos::instancia(), &Avisos::baseDatosPerdida, &Avisos::instancia(),
+        [](const QString& ruta) { msLog(textoBaseDatosPerdida(ruta)); }, Qt::QueuedConnection);
     return conexion;
+}
+
+QString textoBaseDatosPerdida(const QString& ruta) {
+    return u"La base de datos "_s + ruta +
+           u" ha sido borrada o sustituida por otro programa mientras estaba abierta. Para no "
+           u"perder nada, Quelmo Mensajes SMS ha dejado de escribir en ella."_s;
 }
 
 QString& gsCadenaConexion() {

@@ -9,6 +9,9 @@
 
 // The connection every routine's SQL goes through.
 BaseDatos& Conexion();
+// The line logged when the connection's files were taken from under it
+// (Avisos::baseDatosPerdida); screens show it in their box.
+QString textoBaseDatosPerdida(const QString& ruta);
 // The connection string of the open file, kept for what shows it.
 QString& gsCadenaConexion();
 

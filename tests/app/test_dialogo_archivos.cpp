@@ -1,0 +1,155 @@
+// The file dialog in the folder of the open database, then another program
+// that writes the database and ends: the window's writes must still reach
+// the file. Every open() of the process is watched, and one of the
+// database's files opened by anything but the engine fails the test (its
+// close would drop the engine's locks, and the other program would then
+// take the database's log away from under the window).
+#include "TestSupportGui.h"
+#include "app/InterfazGrafica.h"
+#include "base/Ajustes.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <QFileDialog>
+#include <QMutex>
+#include <atomic>
+#include <cstdarg>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+using namespace prueba;
+
+namespace {
+
+std::atomic<bool> g_vigilando{false};
+QByteArray g_prefijo;  // the database's path: its log and shared memory share it
+QMutex g_cerrojo;
+QStringList g_ajenas;  // what opened one of its files, and which
+
+bool delMotor(void* llamador) {
+    Dl_info info{};
+    return dladdr(llamador, &info) != 0 && info.dli_fname &&
+           std::strstr(info.dli_fname, "libsqlite3") != nullptr;
+}
+
+void anotar(const char* ruta, void* llamador) {
+    if (!g_vigilando.load() || !ruta ||
+        std::strncmp(ruta, g_prefijo.constData(), size_t(g_prefijo.size())) != 0)
+        return;
+    if (delMotor(llamador)) return;
+    Dl_info info{};
+    dladdr(llamador, &info);
+    const QMutexLocker bloqueo(&g_cerrojo);
+    g_ajenas.append(QString::fromUtf8(ruta) + u" desde "_s +
+                    QString::fromUtf8(info.dli_fname ? info.dli_fname : "?"));
+}
+
+mode_t modoDe(int flags, va_list& args) {
+    return (flags & (O_CREAT | O_TMPFILE)) ? mode_t(va_arg(args, int)) : 0;
+}
+
+template <typename F>
+F real(const char* nombre) {
+    return reinterpret_cast<F>(dlsym(RTLD_NEXT, nombre));
+}
+
+}  // namespace
+
+// Every way a library opens a file by its name goes through one of these.
+extern "C" int open(const char* ruta, int flags, ...) {
+    va_list a;
+    va_start(a, flags);
+    const mode_t modo = modoDe(flags, a);
+    va_end(a);
+    anotar(ruta, __builtin_return_address(0));
+    static const auto f = real<int (*)(const char*, int, ...)>("open");
+    return f(ruta, flags, modo);
+}
+extern "C" int open64(const char* ruta, int flags, ...) {
+    va_list a;
+    va_start(a, flags);
+    const mode_t modo = modoDe(flags, a);
+    va_end(a);
+    anotar(ruta, __builtin_return_address(0));
+    static const auto f = real<int (*)(const char*, int, ...)>("open64");
+    return f(ruta, flags, modo);
+}
+extern "C" int openat(int dir, const char* ruta, int flags, ...) {
+    va_list a;
+    va_start(a, flags);
+    const mode_t modo = modoDe(flags, a);
+    va_end(a);
+    anotar(ruta, __builtin_return_address(0));
+    static const auto f = real<int (*)(int, const char*, int, ...)>("openat");
+    return f(dir, ruta, flags, modo);
+}
+extern "C" int openat64(int dir, const char* ruta, int flags, ...) {
+    va_list a;
+    va_start(a, flags);
+    const mode_t modo = modoDe(flags, a);
+    va_end(a);
+    anotar(ruta, __builtin_return_address(0));
+    static const auto f = real<int (*)(int, const char*, int, ...)>("openat64");
+    return f(dir, ruta, flags, modo);
+}
+
+class TestDialogoArchivos : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestDialogoArchivos(TestWorld& w) : world(w) {}
+
+  private Q_SLOTS:
+    void init() { world.reset(); }
+
+    void theDialogLeavesTheDatabaseToTheEngine() {
+        const QString ruta = TestDb::createCurrent(world.appDir() + u"/mensajes.db"_s);
+        TestDb::openShared(ruta);
+        cuenta(1, u"Uno"_s, {{u"Principal"_s, 1}});
+        Conexion().exec(
+            u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'0034600000001',"
+            u"'antes',2)"_s);
+        Ajustes::saveSetting(u"BD"_s, u"Path"_s, ruta);
+        Ajustes::sync();
+
+        g_prefijo = QFile::encodeName(QFileInfo(ruta).canonicalFilePath());
+        g_ajenas.clear();
+        g_vigilando = true;
+        InterfazGrafica ventana;
+        // As the user did: the folder listed in detail, with its types and
+        // icons, for a while; then Escape.
+        alAbrirModal([](QDialog* d) {
+            auto* dialogo = qobject_cast<QFileDialog*>(d);
+            QVERIFY(dialogo);
+            dialogo->setViewMode(QFileDialog::Detail);
+            QTest::qWait(1500);
+            QTest::keyClick(d, Qt::Key_Escape);
+        });
+        const QString elegido =
+            ventana.openFileName(u"Importar"_s, world.appDir(), u"Todos los ficheros (*.*)"_s);
+        g_vigilando = false;
+        QVERIFY(elegido.isEmpty());
+        QCOMPARE(g_ajenas, QStringList{});
+
+        // A script sends while the window runs, and ends.
+        const ProcessResult envio = runProgram(world, {u"--send"_s, u"600999777"_s, u"X"_s});
+        QCOMPARE(envio.exitCode, 0);
+        QVERIFY(QFile::exists(ruta + u"-wal"_s));
+        QVERIFY(Conexion().archivosIntactos());
+        Conexion().exec(
+            u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'0034600000002',"
+            u"'despues',2)"_s);
+
+        // What any other program reads now: the window's rows and the script's.
+        QProcess lector;
+        lector.start(u"sqlite3"_s, {ruta, u"SELECT Mensaje FROM envios ORDER BY Id"_s});
+        QVERIFY(lector.waitForFinished(20000));
+        QCOMPARE(QString::fromUtf8(lector.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts),
+                 (QStringList{u"antes"_s, u"X"_s, u"despues"_s}));
+    }
+
+  private:
+    TestWorld& world;
+};
+
+QUELMO_GUI_TEST_MAIN(TestDialogoArchivos)
+#include "test_dialogo_archivos.moc"

@@ -1,0 +1,146 @@
+// The connection and the files under it: another program that removes or
+// replaces the database, or takes its log away, never receives a write
+// that no one would read. The write fails, the connection says so once,
+// and what is on disk is what the other program left there.
+#include "TestSupport.h"
+#include "base/Avisos.h"
+#include "db/BaseDatos.h"
+
+#include <QFile>
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// What another program (the sqlite3 shell) reads or writes.
+QString shell(const QString& ruta, const QString& sql) {
+    QProcess p;
+    p.start(u"sqlite3"_s, {ruta, sql});
+    if (!p.waitForFinished(20000) || p.exitCode() != 0)
+        qFatal("sqlite3 failed: %s", p.readAllStandardError().constData());
+    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
+}
+
+const QString kFila =
+    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,'m',2)"_s;
+
+}  // namespace
+
+class TestArchivos : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestArchivos(TestWorld& w) : world(w) {}
+
+  private Q_SLOTS:
+    void init() { world.reset(); }
+
+    void writesStopWhenTheFilesAreTaken_data() {
+        QTest::addColumn<QString>("suceso");
+        QTest::addColumn<bool>("perdida");
+        QTest::addColumn<QString>("enDisco");  // the outbox another program reads afterwards
+        QTest::newRow("nothing happened") << u"nada"_s << false << u"1,2,3"_s;
+        // The fault users met: a descriptor of the database opened and
+        // closed in this process drops the engine's locks, and another
+        // program that ends believes itself the last user: it copies the
+        // log into the file and removes it.
+        QTest::newRow("log taken by another program") << u"diario"_s << true << u"1,2,9"_s;
+        QTest::newRow("database unlinked") << u"borrada"_s << true << QString();
+        QTest::newRow("database replaced") << u"sustituida"_s << true << QString();
+    }
+    void writesStopWhenTheFilesAreTaken() {
+        QFETCH(QString, suceso);
+        QFETCH(bool, perdida);
+        const QString ruta = TestDb::createCurrent(world.root() + u"/mensajes.db"_s);
+        BaseDatos db;
+        QVERIFY(db.open(ruta));
+        db.exec(kFila, {QDateTime::currentDateTime(), u"1"_s});
+        db.exec(kFila, {QDateTime::currentDateTime(), u"2"_s});
+
+        if (suceso == u"diario"_s) {
+            QFile f(ruta);
+            QVERIFY(f.open(QIODevice::ReadOnly));
+            f.read(16);
+            f.close();
+            shell(ruta,
+                  u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'9','m',2)"_s);
+            QVERIFY(!QFile::exists(ruta + u"-wal"_s));
+        } else if (suceso == u"borrada"_s) {
+            QVERIFY(QFile::remove(ruta));
+        } else if (suceso == u"sustituida"_s) {
+            const QString otra = TestDb::createCurrent(world.root() + u"/otra.db"_s);
+            shell(otra,
+                  u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'7','m',2)"_s);
+            QVERIFY(::rename(QFile::encodeName(otra).constData(),
+                             QFile::encodeName(ruta).constData()) == 0);
+        }
+
+        QSignalSpy aviso(&Avisos::instancia(), &Avisos::baseDatosPerdida);
+        bool fallo = false;
+        try {
+            db.exec(kFila, {QDateTime::currentDateTime(), u"3"_s});
+        } catch (const ErrorBD& e) {
+            fallo = true;
+            QVERIFY(e.description().contains(u"borrada o sustituida"_s));
+        }
+        QCOMPARE(fallo, perdida);
+        QCOMPARE(db.perdida(), perdida);
+        QCOMPARE(aviso.count(), perdida ? 1 : 0);
+        if (perdida) {
+            QCOMPARE(aviso.at(0).at(0).toString(), ruta);
+            // Every later statement fails too: nothing is written anywhere.
+            QVERIFY_THROWS_EXCEPTION(ErrorBD, db.exec(kFila, {QDateTime(), u"4"_s}));
+            QCOMPARE(aviso.count(), 1);
+        }
+        db.close();
+        QFETCH(QString, enDisco);
+        if (!enDisco.isNull())
+            QCOMPARE(shell(ruta,
+                           u"SELECT group_concat(Abonado) FROM (SELECT Abonado FROM envios "
+                           u"ORDER BY Abonado)"_s),
+                     enDisco);
+    }
+
+    // A transaction under way when the log is taken: the commit finds it
+    // and nothing of the transaction is anywhere.
+    void commitChecksTheFiles() {
+        const QString ruta = TestDb::createCurrent(world.root() + u"/mensajes.db"_s);
+        BaseDatos db;
+        QVERIFY(db.open(ruta));
+        db.exec(kFila, {QDateTime::currentDateTime(), u"1"_s});
+        db.begin();
+        db.exec(kFila, {QDateTime::currentDateTime(), u"2"_s});
+        QFile f(ruta);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        f.close();
+        shell(ruta, u"SELECT count(*) FROM envios"_s);
+        QVERIFY_THROWS_EXCEPTION(ErrorBD, db.commit());
+        QVERIFY(db.perdida());
+        db.close();
+        QCOMPARE(shell(ruta, u"SELECT group_concat(Abonado) FROM envios"_s), u"1"_s);
+    }
+
+    void ownFilesAreKnown() {
+        const QString ruta = TestDb::createCurrent(world.root() + u"/mensajes.db"_s);
+        BaseDatos db;
+        QVERIFY(db.open(ruta));
+        db.exec(kFila, {QDateTime::currentDateTime(), u"1"_s});
+        QVERIFY(db.esArchivoPropio(ruta));
+        QVERIFY(db.esArchivoPropio(ruta + u"-wal"_s));
+        // Under another name (a link, or the folder written another way).
+        QVERIFY(QFile::link(ruta, world.root() + u"/enlace.db"_s));
+        QVERIFY(db.esArchivoPropio(world.root() + u"/enlace.db"_s));
+        QVERIFY(db.esArchivoPropio(world.root() + u"/./mensajes.db"_s));
+        QVERIFY(!db.esArchivoPropio(world.root() + u"/otra.txt"_s));
+        QFile otra(world.root() + u"/otra.txt"_s);
+        QVERIFY(otra.open(QIODevice::WriteOnly));
+        otra.close();
+        QVERIFY(!db.esArchivoPropio(otra.fileName()));
+    }
+
+  private:
+    TestWorld& world;
+};
+
+QUELMO_TEST_MAIN(TestArchivos)
+#include "test_archivos.moc"
