@@ -82,7 +82,7 @@ frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
     v->addLayout(botones);
     resize(520, 400);
 
-    connect(cmdPublicar, &QPushButton::clicked, this, &frmSubirListaWeb::cmdPublicar_Click);
+    conectarUnaVez(cmdPublicar, this, &frmSubirListaWeb::cmdPublicar_Click);
     connect(XPButton1, &QPushButton::clicked, this, &QDialog::reject);
     msCargarCanales();
 }

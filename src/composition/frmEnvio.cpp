@@ -194,8 +194,8 @@ void frmEnvio::construir() {
     resize(820, 600);
 
     connect(cmdAbonados, &QPushButton::clicked, this, &frmEnvio::cmdAbonados_Click);
-    connect(cmdAnadir, &QPushButton::clicked, this, &frmEnvio::cmdAnadir_Click);
-    connect(cmdEnviar, &QPushButton::clicked, this, &frmEnvio::cmdEnviar_Click);
+    conectarUnaVez(cmdAnadir, this, &frmEnvio::cmdAnadir_Click);
+    conectarUnaVez(cmdEnviar, this, &frmEnvio::cmdEnviar_Click);
     connect(cmdModificar, &QPushButton::clicked, this, &frmEnvio::cmdModificar_Click);
     connect(ListView1, &Listado::dobleClicFila, this, &frmEnvio::cmdModificar_Click);
     connect(cmdEliminar, &QPushButton::clicked, this, &frmEnvio::cmdEliminar_Click);

@@ -33,7 +33,7 @@ frmEmergencias::frmEmergencias(QWidget* parent) : QWidget(parent) {
     v->addLayout(botones);
     resize(640, 380);
 
-    connect(cmdEnviar, &QPushButton::clicked, this, &frmEmergencias::cmdEnviar_Click);
+    conectarUnaVez(cmdEnviar, this, &frmEmergencias::cmdEnviar_Click);
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
     connect(ListView1, &Listado::dobleClicFila, this, &frmEmergencias::editar);
     msCargar();

@@ -132,7 +132,7 @@ frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHi
         if (i.isValid()) XPButton2_Click();
     });
     connect(XPButton1, &QPushButton::clicked, this, &frmHEnvios::XPButton1_Click);
-    connect(XPButton2, &QPushButton::clicked, this, &frmHEnvios::XPButton2_Click);
+    conectarUnaVez(XPButton2, this, &frmHEnvios::XPButton2_Click);
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
 
     msCargarHistorico();

@@ -106,7 +106,7 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     connect(cmdexaminar, &QPushButton::clicked, this, [this] { cmdexaminar_Click(); });
     connect(XPButton1, &QPushButton::clicked, this, [this] { XPButton1_Click(); });
     connect(XPButton2, &QPushButton::clicked, this, [this] { XPButton2_Click(); });
-    connect(cmdAdd, &QPushButton::clicked, this, [this] { cerrarCon(true); });
+    conectarUnaVez(cmdAdd, this, [this] { cerrarCon(true); });
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarCon(false); });
 
     // Load.

@@ -118,7 +118,7 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     connect(ListView1, &Listado::dobleClicFila, this, [this](int fila) {
         if (!ListView1->modelo()->texto(fila, 0).isEmpty()) XPButton3_Click();
     });
-    connect(XPButton2, &QPushButton::clicked, this, &frmNewMenAuto2::XPButton2_Click);
+    conectarUnaVez(XPButton2, this, &frmNewMenAuto2::XPButton2_Click);
 }
 
 void frmNewMenAuto2::editar(int32_t codigo, QWidget* parent) {
