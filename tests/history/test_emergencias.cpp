@@ -154,6 +154,55 @@ class TestEmergencias : public QObject {
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
 
+    // One press, one send: the multi-send goes once for a double click or
+    // for a press that comes while it is being queued, twice for two presses.
+    void onePressOneSend_data() {
+        QTest::addColumn<QString>("gesto");
+        QTest::addColumn<int>("envios");
+        QTest::newRow("double click") << u"doble"_s << 1;
+        QTest::newRow("a press while it runs") << u"durante"_s << 1;
+        QTest::newRow("two presses apart") << u"dos"_s << 2;
+    }
+    void onePressOneSend() {
+        QFETCH(QString, gesto);
+        programa(7, u"Periodicidad=1"_s);
+        nombre(7, u"Aviso"_s);
+        destinatario(7, u"0034600000001"_s, u"a"_s);
+        destinatario(7, u"0034600000002"_s, u"b"_s);
+        contacto(u"0034600000001"_s, 1);
+        contacto(u"0034600000002"_s, 1);
+        InterfazGuionada ui;
+        Pantallas::registrar(u"frmEnvio"_s, [] {});
+        frmEmergencias pantalla;
+        pantalla.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&pantalla));
+        pantalla.ListView1->seleccionarFila(0);
+        bool pulsadoDurante = false;
+        if (gesto == u"durante"_s)
+            ui.onProcessEvents = [&] {
+                if (pulsadoDurante) return;
+                pulsadoDurante = true;
+                QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
+            };
+        if (gesto == u"doble"_s) {
+            // What the window system delivers for a double click.
+            QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
+            QTest::mousePress(pantalla.cmdEnviar, Qt::LeftButton);
+            QTest::mouseDClick(pantalla.cmdEnviar, Qt::LeftButton);
+            QTest::mouseRelease(pantalla.cmdEnviar, Qt::LeftButton);
+        } else {
+            QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
+            if (gesto == u"dos"_s) {
+                QTest::qWait(QApplication::doubleClickInterval() + 100);
+                QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
+            }
+        }
+        QCOMPARE(pulsadoDurante, gesto == u"durante"_s);
+        QFETCH(int, envios);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
+        Pantallas::registrar(u"frmEnvio"_s, {});
+    }
+
     void twoRecordsOfOneNameSendTheFirst() {
         programa(3, u"Periodicidad=1"_s);
         nombre(3, u"Club d'Amics"_s);
