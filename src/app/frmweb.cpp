@@ -3,6 +3,7 @@
 #include "app/mdoOpciones.h"
 #include "base/Avisos.h"
 #include "base/EstadoAplicacion.h"
+#include "db/Conexion.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -40,7 +41,9 @@ void frmweb::cargarfondo() {
     // The user's picture; otherwise (or if it can't be read) ours.
     const QString imgfondo = leerImagenFondo();
     QImage propia;
-    if (!imgfondo.isEmpty()) {
+    // The database named as the picture is never read outside the engine:
+    // closing that descriptor would drop the engine's locks on it.
+    if (!imgfondo.isEmpty() && !Conexion().esArchivoPropio(imgfondo)) {
         QImageReader lector(imgfondo);
         lector.setAutoTransform(true);
         propia = lector.read();

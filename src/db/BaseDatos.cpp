@@ -433,7 +433,7 @@ void BaseDatos::perder() {
     sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     close();
     m_perdida = true;
-    Q_EMIT Avisos::instancia().baseDatosPerdida(ruta);
+    if (m_avisar) Q_EMIT Avisos::instancia().baseDatosPerdida(ruta);
 }
 
 bool BaseDatos::esArchivoPropio(const QString& ruta) const {

@@ -103,6 +103,9 @@ class BaseDatos {
     bool archivosIntactos();
     // The connection was closed because its files were taken from under it.
     bool perdida() const { return m_perdida; }
+    // Tells Avisos::baseDatosPerdida when that happens (the shared
+    // connection does; a short-lived one that checks a file does not).
+    void avisarSiSePierde() { m_avisar = true; }
     // `ruta` is the database file, or its log or shared-memory file, of
     // this connection: reading it outside the engine would drop its locks.
     bool esArchivoPropio(const QString& ruta) const;
@@ -127,6 +130,7 @@ class BaseDatos {
     QString m_path;
     Identidad m_base, m_diario;
     bool m_perdida = false;
+    bool m_avisar = false;
     QString m_exterior;  // the savepoint whose release commits
     bool m_busy = false;
     int m_espera = 5000;

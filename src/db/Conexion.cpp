@@ -18,9 +18,12 @@ using namespace Qt::StringLiterals;
 BaseDatos& Conexion() {
     static BaseDatos conexion;
     // Logged from the event loop, not from inside the statement that found it.
-    [[maybe_unused]] static const auto aviso = QObject::connect(
-        &Avisos::instancia(), &Avisos::baseDatosPerdida, &Avisos::instancia(),
-        [](const QString& ruta) { msLog(textoBaseDatosPerdida(ruta)); }, Qt::QueuedConnection);
+    [[maybe_unused]] static const auto aviso =
+        (conexion.avisarSiSePierde(),
+         QObject::connect(
+             &Avisos::instancia(), &Avisos::baseDatosPerdida, &Avisos::instancia(),
+             [](const QString& ruta) { msLog(textoBaseDatosPerdida(ruta)); },
+             Qt::QueuedConnection));
     return conexion;
 }
 

@@ -636,6 +636,13 @@ QString aliasConSufijo(const QString& alias) {
 ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
                                      const QString& lista, bool addContactos) {
     if (path.isEmpty()) return {};
+    // Read, copied or claimed by this process, the database would lose the
+    // engine's locks (and a claim would take it away from the program).
+    if (Conexion().esArchivoPropio(path)) {
+        msLog(u"El fichero "_s + path +
+              u" es la base de datos de la aplicación o uno de sus ficheros; no se importa"_s);
+        return {};
+    }
     // The import yields between its stretches; a second import started
     // from there (a menu, a forced run) would read the same claims.
     if (g_enCurso) {

@@ -5,6 +5,7 @@
 #include "TestSupport.h"
 #include "base/Avisos.h"
 #include "db/BaseDatos.h"
+#include "import/mdoImport.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -53,6 +54,7 @@ class TestArchivos : public QObject {
         QFETCH(bool, perdida);
         const QString ruta = TestDb::createCurrent(world.root() + u"/mensajes.db"_s);
         BaseDatos db;
+        db.avisarSiSePierde();
         QVERIFY(db.open(ruta));
         db.exec(kFila, {QDateTime::currentDateTime(), u"1"_s});
         db.exec(kFila, {QDateTime::currentDateTime(), u"2"_s});
@@ -136,6 +138,35 @@ class TestArchivos : public QObject {
         QVERIFY(otra.open(QIODevice::WriteOnly));
         otra.close();
         QVERIFY(!db.esArchivoPropio(otra.fileName()));
+    }
+
+    // Named as an import file (by hand or watched), the database or its log
+    // is neither read nor claimed: the engine keeps its locks and the file
+    // stays where it is.
+    void theDatabaseIsNeverImported_data() {
+        QTest::addColumn<QString>("sufijo");
+        QTest::addColumn<bool>("vigilado");
+        QTest::newRow("the database, by hand") << QString() << false;
+        QTest::newRow("the database, watched") << QString() << true;
+        QTest::newRow("its log, watched") << u"-wal"_s << true;
+    }
+    void theDatabaseIsNeverImported() {
+        QFETCH(QString, sufijo);
+        QFETCH(bool, vigilado);
+        const QString ruta = TestDb::createCurrent(world.root() + u"/mensajes.db"_s);
+        TestDb::openShared(ruta);
+        Conexion().exec(kFila, {QDateTime::currentDateTime(), u"1"_s});
+        QCoreApplication::processEvents();  // what earlier cases left to log
+        estadoAplicacion().log.clear();
+        const ResumenImportacion r =
+            msImportarFichero(ruta + sufijo, false, vigilado, u"-1"_s, false);
+        QVERIFY(!r.leido);
+        QVERIFY(QFile::exists(ruta + sufijo));
+        QVERIFY(Conexion().archivosIntactos());
+        QVERIFY(estadoAplicacion().log.last().endsWith(
+            u" es la base de datos de la aplicación o uno de sus ficheros; no se importa"_s));
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
+        Conexion().close();
     }
 
   private:
