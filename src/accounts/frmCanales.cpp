@@ -7,6 +7,7 @@
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
+#include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -59,7 +60,7 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
     connect(ListView1, &Listado::dobleClicFila, this, &frmCanales::cmdEdit_Click);
     connect(cmdDelete, &QPushButton::clicked, this, &frmCanales::cmdDelete_Click);
     connect(cmdPrede, &QPushButton::clicked, this, &frmCanales::cmdPrede_Click);
-    connect(cmdGetSaldo, &QPushButton::clicked, this, &frmCanales::cmdGetSaldo_Click);
+    conectarUnaVez(cmdGetSaldo, this, &frmCanales::cmdGetSaldo_Click);
     connect(cmdRecarga, &QPushButton::clicked, this, &frmCanales::cmdRecarga_Click);
     connect(cmdRegistro, &QPushButton::clicked, this, &frmCanales::cmdRegistro_Click);
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
@@ -137,6 +138,7 @@ void frmCanales::cmdPrede_Click() {
 void frmCanales::cmdGetSaldo_Click() {
     const int f = filaElegida();
     if (f < 0) return;
+    const Intercambio::Encargo encargo(this);
     msVerSaldo(canalDe(f));
 }
 

@@ -1,6 +1,7 @@
 #include "accounts/frmIniCanal.h"
 
 #include "accounts/mdoCuentas.h"
+#include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -52,13 +53,13 @@ frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
     v->addLayout(botones);
     setMinimumWidth(460);
 
-    connect(cmdAceptar, &QPushButton::clicked, this, &frmIniCanal::cmdAceptar_Click);
+    conectarUnaVez(cmdAceptar, this, &frmIniCanal::cmdAceptar_Click);
     connect(cmdCancelar, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void frmIniCanal::cmdAceptar_Click() {
+    const Intercambio::Encargo encargo(this);
     // Refused or not written, the user stays here to correct.
-    if (msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text()) ==
-        AltaInicial::Hecha)
-        accept();
+    const AltaInicial alta = msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text());
+    if (!encargo.abandonada() && alta == AltaInicial::Hecha) accept();
 }

@@ -3,6 +3,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
+#include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -164,7 +165,7 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     connect(txtUsuario, &QLineEdit::returnPressed, txtClave,
             [this] { txtClave->setFocus(Qt::TabFocusReason); });
     connect(txtClave, &QLineEdit::returnPressed, cmdAceptar, &QPushButton::click);
-    connect(cmdAceptar, &QPushButton::clicked, this, &frmNewCanal::cmdAceptar_Click);
+    conectarUnaVez(cmdAceptar, this, &frmNewCanal::cmdAceptar_Click);
     connect(CmdSalir, &QPushButton::clicked, this, &QDialog::reject);
     connect(XPButton1, &QPushButton::clicked, this,
             [this] { msAbrirUrl(msUrlRecarga(txtUsuario->text())); });
@@ -274,8 +275,11 @@ void frmNewCanal::Image4_Click(int indice) {
 }
 
 void frmNewCanal::cmdAceptar_Click() {
+    const Intercambio::Encargo encargo(this);
     DatosCuenta d = datos();
-    switch (msGuardarCuenta(d, m_edicion, m_canal)) {
+    const Guardado guardado = msGuardarCuenta(d, m_edicion, m_canal);
+    if (encargo.abandonada()) return;
+    switch (guardado) {
         case Guardado::Guardada:
             txtSMSHost->setText(d.host);
             accept();

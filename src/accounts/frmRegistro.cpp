@@ -3,6 +3,7 @@
 #include "accounts/mdoCuentas.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
+#include "delivery/Intercambio.h"
 #include "delivery/Registro.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
@@ -153,7 +154,9 @@ bool frmRegistro::registrar() {
     s.usuario = txtUsuario->text().trimmed();
     s.clave = txtClave->text();
     s.condiciones = chkAcepto->isChecked();
+    const Intercambio::Encargo encargo(this);
     const RespuestaRegistro r = msRegistrarUsuario(s);
+    if (encargo.abandonada()) return false;
     if (!r.conectado) {
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "

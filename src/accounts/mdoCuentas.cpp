@@ -11,6 +11,7 @@
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
+#include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
 
 #include <QUrl>
@@ -234,6 +235,7 @@ bool msEliminarCuenta(int16_t canal) {
 
 void msVerSaldo(int16_t canal) {
     const QString r = SendAutCuenta(canal);
+    if (Intercambio::respuestaDescartada()) return;
     const long long n = esNumerico(r) ? numeroDe(r) : 0;
     if (n == -1)
         ui().msgBox(kDenegada, Msg::Critical | Msg::DefaultButton2);
@@ -289,6 +291,8 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     estadoAplicacion().MovilCuenta.clear();
     QString host;
     QString saldo = msConsultarSaldo(d.usuario, d.clave, host);
+    // The editor was closed while the platform was asked: nothing is saved.
+    if (Intercambio::respuestaDescartada()) return Guardado::Descartada;
     if (saldo == u"-1"_s) {
         saldo = u"0"_s;
         if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
@@ -375,6 +379,7 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
     estadoAplicacion().MovilCuenta.clear();
     QString host;
     const QString saldo = msConsultarSaldo(usuario, clave, host);
+    if (Intercambio::respuestaDescartada()) return AltaInicial::Invalida;
     // A failed connection is not told apart: the account is written.
     if (saldo == u"-1"_s) {
         ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);

@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoPublicar.h"
 #include "base/EstadoAplicacion.h"
+#include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -113,16 +114,12 @@ void frmSubirListaWeb::cmdPublicar_Click() {
     if (ImageCombo1->currentIndex() < 0) return;
     const int16_t canal = int16_t(ImageCombo1->currentData().toString().mid(1).toInt());
 
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    // The screen waits for the platform, not the window.
+    const Intercambio::Encargo encargo(this);
+    setCursor(Qt::BusyCursor);
     setEnabled(false);
-    ui().processEvents();
-    const qint64 inicio = QDateTime::currentSecsSinceEpoch();
     msPublicarLista(u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked());
-    // Not again within the same second: a double click publishes once.
-    while (QDateTime::currentSecsSinceEpoch() <= inicio) {
-        ui().processEvents();
-        QThread::msleep(20);
-    }
+    if (encargo.abandonada()) return;
     setEnabled(true);
-    QApplication::restoreOverrideCursor();
+    unsetCursor();
 }

@@ -117,6 +117,7 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         // A failed exchange is the platform's failure to the user.
         resultado = ResultadoPublicacion();
     }
+    if (Intercambio::respuestaDescartada()) return resultado;
     if (resultado.correcta)
         ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
                         resultado.CADD + u"\nContactos Actualizados: "_s + resultado.CUP +

@@ -151,6 +151,18 @@ QString fechaBandeja(const QString& registro) {
 }  // namespace
 
 QVector<QString> leerBandeja() {
+    return leerBandejaDesde(-1);
+}
+
+QSet<qint64> idsBandeja() {
+    const QVector<QString> ids = Conexion().queryTexts(u"select envios.Id"_s + kDesdeBandeja);
+    QSet<qint64> r;
+    r.reserve(ids.size());
+    for (const QString& id : ids) r.insert(id.toLongLong());
+    return r;
+}
+
+QVector<QString> leerBandejaDesde(qint64 id) {
     BaseDatos& db = Conexion();
     // The account column repeats the same few texts: each is made once and
     // shared by its rows, and the engine formats the dates, so a hundred
@@ -168,7 +180,8 @@ QVector<QString> leerBandeja() {
         u"select Id,case when length(registro)=19 then substr(registro,9,2)||'/'||"
         u"substr(registro,6,2)||' '||substr(registro,12,8) else registro end,abonado,"
         u"cast(envios.canal as text),mensaje"_s +
-        kDesdeBandeja);
+            kDesdeBandeja + u" where envios.Id > ?"_s,
+        {id});
     for (qsizetype i = 0; i < celdas.size(); i += kColumnasBandeja) {
         QString& fecha = celdas[i + 1];
         if (fecha.size() != 14 || fecha.at(2) != u'/') fecha = fechaBandeja(fecha);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -60,6 +61,10 @@ int contarBandeja();
 // (with its sender in brackets), text.
 QVector<QString> leerBandeja();
 inline constexpr int kColumnasBandeja = 5;
+// The same for the rows numbered above `id` only (the rows added since).
+QVector<QString> leerBandejaDesde(qint64 id);
+// The numbers of the rows the outbox list shows.
+QSet<qint64> idsBandeja();
 
 // An outbox row taken back to be composed again.
 struct MensajeRetirado {

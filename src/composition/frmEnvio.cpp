@@ -11,6 +11,7 @@
 #include "composition/Envio.h"
 #include "composition/crtAutoComplete.h"
 #include "db/Conexion.h"
+#include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
 #include "widgets/Boton.h"
 #include "widgets/EstadoTransmisor.h"
@@ -200,7 +201,7 @@ void frmEnvio::construir() {
     connect(ListView1, &Listado::dobleClicFila, this, &frmEnvio::cmdModificar_Click);
     connect(cmdEliminar, &QPushButton::clicked, this, &frmEnvio::cmdEliminar_Click);
     connect(cmdEliminarTodos, &QPushButton::clicked, this, &frmEnvio::cmdEliminarTodos_Click);
-    connect(cmdSaldo, &QPushButton::clicked, this, &frmEnvio::cmdSaldo_Click);
+    conectarUnaVez(cmdSaldo, this, &frmEnvio::cmdSaldo_Click);
     connect(cmdRecarga, &QPushButton::clicked, this, &frmEnvio::cmdRecarga_Click);
     connect(cmdMenPro, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmSelecMenPro"_s); });
     connect(cmdEnvMult, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmEmergencias"_s); });
@@ -345,7 +346,7 @@ void frmEnvio::msPintarBandeja() {
             ListView1->modelo()->limpiar();
         } else if (n != mlMensajes) {
             mlMensajes = n;
-            ListView1->modelo()->asignar(leerBandeja());
+            actualizarBandeja(n);
         }
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
@@ -353,6 +354,34 @@ void frmEnvio::msPintarBandeja() {
         // Every ten seconds: the list stays as last drawn until the
         // database answers again, rather than a box at each tick.
     }
+}
+
+void frmEnvio::actualizarBandeja(int filas) {
+    ModeloListado* m = ListView1->modelo();
+    if (m->rowCount() == 0) {
+        m->asignar(leerBandeja());
+        return;
+    }
+    // A batch that left, or rows that came: the lines that are gone leave
+    // the list and the new ones join it, without reading and drawing a
+    // hundred thousand lines again every few seconds of a drain.
+    const QSet<qint64> ids = idsBandeja();
+    QList<int> idas;
+    qint64 mayor = 0;
+    for (int f = 0; f < m->rowCount(); ++f) {
+        const qint64 id = m->texto(f, 0).toLongLong();
+        mayor = std::max(mayor, id);
+        if (!ids.contains(id)) idas.append(f);
+    }
+    const qsizetype quedan = m->rowCount() - idas.size();
+    QVector<QString> nuevas = ids.size() > quedan ? leerBandejaDesde(mayor) : QVector<QString>();
+    if (quedan + nuevas.size() / kColumnasBandeja != ids.size() || ids.size() != filas) {
+        // Rows came back under older numbers: read the list whole.
+        m->asignar(leerBandeja());
+        return;
+    }
+    m->quitarFilas(idas);
+    m->anadirCeldas(std::move(nuevas));
 }
 
 QString frmEnvio::preguntaFila(const QString& inicio, int fila) const {
@@ -426,7 +455,9 @@ void frmEnvio::cmdEnviar_Click() {
 }
 
 void frmEnvio::cmdSaldo_Click() {
+    const Intercambio::Encargo encargo(this);
     const QString saldo = SendAutCuenta(int16_t(canalElegido()));
+    if (encargo.abandonada()) return;
     if (saldo.isEmpty() || saldo == u"-1"_s) {
         ui().msgBox(
             u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté "

@@ -47,6 +47,8 @@ class frmEnvio : public QWidget {
     void Timer1_Timer();
     void msAbrirBandeja();
     void msPintarBandeja();
+    // Brings the outbox list to the `filas` rows of the outbox.
+    void actualizarBandeja(int filas);
     void msCargarContactos();
     void contador();
     void mostrarTransmisor(bool activo);

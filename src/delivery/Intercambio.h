@@ -2,7 +2,11 @@
 
 #include "delivery/Transporte.h"
 
+#include <QList>
+#include <QPointer>
 #include <functional>
+
+class QObject;
 
 // How an exchange with the platform waits without stopping the window: the
 // transfer runs on a thread of its own while the calling thread's event
@@ -34,5 +38,38 @@ void abandonarTodo();
 
 // Exchanges in flight, for the screens that say so and for tests.
 int enCurso();
+
+// The exchange just made answered a screen that has closed meanwhile: the
+// routine drops the answer (no box for a screen that is gone).
+bool respuestaDescartada();
+
+// The screen an exchange answers to. A screen's action makes one on its
+// stack before it calls a routine that talks to the platform. While it
+// lives, closing the screen gives up the exchanges the action started, and
+// the screen's deletion waits until the action has returned: the action
+// then sees abandonada() and drops the late answer instead of showing it
+// on a screen that is gone.
+class Encargo {
+  public:
+    explicit Encargo(QObject* pantalla);
+    ~Encargo();
+    Encargo(const Encargo&) = delete;
+    Encargo& operator=(const Encargo&) = delete;
+
+    bool abandonada() const { return m_abandonada; }
+    // The screen was closed: its exchanges are given up.
+    void abandonar();
+    // Deleting `objeto` (the screen or a window that holds it) waits.
+    void retener(QObject* objeto);
+    // The exchanges of this depth of waiting belong to this screen.
+    int nivel() const { return m_nivel; }
+
+  private:
+    QObject* m_pantalla;
+    QObject* m_vigia;
+    int m_nivel;
+    bool m_abandonada = false;
+    QList<QPointer<QObject>> m_retenidos;
+};
 
 }  // namespace Intercambio

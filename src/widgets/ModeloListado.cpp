@@ -53,6 +53,22 @@ void ModeloListado::limpiar() {
     asignar({});
 }
 
+void ModeloListado::anadirCeldas(QVector<QString> celdas) {
+    const qsizetype ancho = m_cabeceras.size();
+    if (ancho == 0 || celdas.size() < ancho) return;
+    celdas.resize(celdas.size() - celdas.size() % ancho);
+    if (m_columnaOrden >= 0) {
+        QVector<QString> todas = m_celdas;
+        todas.append(std::move(celdas));
+        asignar(std::move(todas));
+        return;
+    }
+    const int n = rowCount();
+    beginInsertRows(QModelIndex(), n, n + int(celdas.size() / ancho) - 1);
+    m_celdas.append(std::move(celdas));
+    endInsertRows();
+}
+
 void ModeloListado::anadirFila(const QStringList& nueva) {
     anadirFilas({nueva});
 }
@@ -82,6 +98,25 @@ void ModeloListado::quitarFilas(QList<int> filas) {
         if (f >= 0 && f < n) fuera[f] = alguna = true;
     if (!alguna) return;
     const qsizetype ancho = m_cabeceras.size();
+    // The runs of lines to remove, last first so earlier lines keep their
+    // numbers while the later runs go.
+    QList<std::pair<int, int>> tramos;
+    for (int f = n - 1; f >= 0; --f) {
+        if (!fuera.at(f)) continue;
+        int desde = f;
+        while (desde > 0 && fuera.at(desde - 1)) --desde;
+        tramos.append({desde, f});
+        f = desde;
+    }
+    if (tramos.size() <= 64) {
+        for (const auto& [desde, hasta] : std::as_const(tramos)) {
+            beginRemoveRows(QModelIndex(), desde, hasta);
+            m_celdas.erase(m_celdas.begin() + desde * ancho,
+                           m_celdas.begin() + (hasta + 1) * ancho);
+            endRemoveRows();
+        }
+        return;
+    }
     beginResetModel();
     QVector<QString> celdas;
     celdas.reserve(m_celdas.size());

@@ -35,8 +35,13 @@ class ModeloListado : public QAbstractTableModel {
     void limpiar();
     void anadirFila(const QStringList& fila);
     void anadirFilas(const QList<QStringList>& filas);
-    // Removes the given lines (any order, duplicates allowed).
+    // Removes the given lines (any order, duplicates allowed). A few runs
+    // of lines (a batch that left the outbox) go one run at a time, so the
+    // view keeps its place and its selection.
     void quitarFilas(QList<int> filas);
+    // Appends lines given as cells row after row (in their places when
+    // sorted).
+    void anadirCeldas(QVector<QString> celdas);
 
     QString texto(int fila, int columna) const;
     QStringList fila(int fila) const;

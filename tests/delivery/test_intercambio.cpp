@@ -1,0 +1,118 @@
+// A batch while the platform takes its time: the write lock is not held
+// across the exchange, so the user's edits of the outbox and other
+// programs go on; a stop gives the exchange up, and the rows go again under
+// the same references without reaching anybody twice.
+#include "SimuladorPrueba.h"
+#include "TestSupport.h"
+#include "base/Cifrado.h"
+#include "base/EstadoAplicacion.h"
+#include "db/Conexion.h"
+#include "delivery/Intercambio.h"
+#include "delivery/mdoSendRavion.h"
+
+#include <sqlite3.h>
+#include <QElapsedTimer>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using prueba::columna;
+using prueba::cuantos;
+
+class TestIntercambio : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestIntercambio(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+    std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
+        auto s = std::make_unique<SimuladorPrueba>(
+            world.root(),
+            u"[plataforma]\nretraso_ms=%1\n[cuenta1]\nusuario=demo\nclave=demo\n"
+            u"saldo=100\nmovil=0034600123456\n"_s.arg(retrasoMs));
+        if (!s->listo()) qFatal("the platform simulator did not start");
+        prueba::cuenta(1, u"Principal"_s,
+                       {{u"Host"_s, s->host()},
+                        {u"usuario"_s, u"demo"_s},
+                        {u"clave"_s, msCifrarClave(u"demo"_s, true)},
+                        {u"Principal"_s, 1}});
+        return s;
+    }
+    static void fila(const QString& abonado) {
+        Conexion().exec(
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-01-01 08:00:00',1,?,'hola',2)"_s,
+            {abonado});
+    }
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::openShared(TestDb::createCurrent(world.root() + u"/intercambio.db"_s));
+        estadoAplicacion().log.clear();
+    }
+
+    // While the platform thinks, the user deletes a row of the batch and
+    // adds another, and a script writes through its own connection: what
+    // the platform took goes to the history, the new rows wait.
+    void theOutboxStaysOpenDuringTheExchange() {
+        InterfazGuionada ui;
+        auto sim = simulador(1500);
+        fila(u"600000001"_s);
+        fila(u"600000002"_s);
+        fila(u"600000003"_s);
+        bool otroEscribio = false;
+        QTimer::singleShot(600, [&] {
+            Conexion().exec(u"DELETE FROM envios WHERE Abonado='600000002'"_s);
+            fila(u"600000004"_s);
+            sqlite3* otro = nullptr;
+            sqlite3_open(Conexion().path().toUtf8().constData(), &otro);
+            sqlite3_busy_timeout(otro, 200);
+            otroEscribio = sqlite3_exec(otro,
+                                        "INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES "
+                                        "(1,'600000005','x',2)",
+                                        nullptr, nullptr, nullptr) == SQLITE_OK;
+            sqlite3_close(otro);
+        });
+        QCOMPARE(msEnviarLote(1, false), 3);
+        QVERIFY(otroEscribio);
+        QCOMPARE(columna(u"SELECT Abonado FROM HEnvios ORDER BY Abonado"_s),
+                 (QStringList{u"0034600000001"_s, u"0034600000002"_s, u"0034600000003"_s}));
+        QCOMPARE(columna(u"SELECT Abonado FROM envios ORDER BY Abonado"_s),
+                 (QStringList{u"600000004"_s, u"600000005"_s}));
+        QCOMPARE(sim->registro().size(), 3);
+    }
+
+    // Switched off or stopped in the middle of an exchange: the batch is
+    // given up at once, its rows wait, and the next run's resend under the
+    // same references reaches nobody twice.
+    void aStopGivesTheExchangeUp() {
+        InterfazGuionada ui;
+        auto sim = simulador(2500);
+        fila(u"600000001"_s);
+        fila(u"600000002"_s);
+        QElapsedTimer reloj;
+        QTimer::singleShot(400, [&] {
+            reloj.start();
+            Intercambio::abandonar(Intercambio::Clase::Envio);
+        });
+        QCOMPARE(msEnviarLote(1, false), 0);
+        // Given up, not waited for: the platform would answer 2.1 s later.
+        QVERIFY2(reloj.elapsed() < 2000, qPrintable(QString::number(reloj.elapsed())));
+        QVERIFY(estadoAplicacion().log.last().contains(u"Envío interrumpido"_s));
+        QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 2LL);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 0LL);
+        QCOMPARE(Intercambio::enCurso(), 0);
+
+        QCOMPARE(msEnviarLote(1, false), 2);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 0LL);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 2LL);
+        QCOMPARE(sim->registro().size(), 2);
+    }
+
+  private:
+};
+
+QUELMO_TEST_MAIN(TestIntercambio)
+#include "test_intercambio.moc"
