@@ -9,6 +9,7 @@
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 
 #include <fcntl.h>
 #include <QDateTime>
@@ -718,7 +719,7 @@ QStringList msListasSeleccion() {
     try {
         const ResultadoConsulta r = Conexion().query(
             u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) "
-            u"AS Contactos FROM Grupos order by nombre"_s);
+            u"AS Contactos FROM Grupos order by nombre COLLATE REGLA_LISTAS"_s);
         for (int i = 0; i < r.recordCount(); ++i)
             lineas.append(u"%1"_s.arg(numeroDe(r.value(i, u"Grupo"_s)), 3, 10, QChar(u'0')) +
                           u" - "_s + textoDe(r.value(i, u"Nombre"_s)));
@@ -730,8 +731,10 @@ QStringList msListasSeleccion() {
 
 QString msCodigoListaPorNombre(const QString& nombre) {
     try {
+        QVariantList valores;
+        const QString donde = condicionNombre(u"nombre"_s, nombre, valores);
         const ResultadoConsulta r =
-            Conexion().query(u"select grupo from grupos where nombre=?"_s, {nombre});
+            Conexion().query(u"select grupo from grupos where "_s + donde, valores);
         if (!r.isEmpty()) return textoDe(r.value(0, 0));
     } catch (const ErrorQuelmo&) {
         // A database without lists knows no list by that name.

@@ -3,8 +3,10 @@
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
+#include "base/ReglaNombres.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 #include "scheduling/clsNextTarea.h"
 
 #include <QLocale>
@@ -313,8 +315,10 @@ QVector<QString> leerDestinatarios(int32_t codigo) {
 }
 
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
-    const ResultadoConsulta r =
-        bd().query(u"Select codigo from Automaticos where nombre = ? order by codigo"_s, {nombre});
+    QVariantList valores;
+    const QString donde = condicionNombre(u"nombre"_s, nombre, valores);
+    const ResultadoConsulta r = bd().query(
+        u"Select codigo from Automaticos where "_s + donde + u" order by codigo", valores);
     for (int i = 0; i < r.recordCount(); ++i) {
         const int32_t c = int32_t(numeroDe(r.value(i, 0)));
         if (c != codigo) return c;
@@ -330,11 +334,13 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
     QMap<long long, std::pair<QString, QString>> contactos;
     QStringList vistos;
     for (const QString& a : aliases) {
-        const QString clave = a.toCaseFolded();
+        const QString clave = ReglaNombres::clave(a);
         if (a.isEmpty() || vistos.contains(clave)) continue;
         vistos.append(clave);
+        QVariantList valores;
+        const QString donde = condicionNombre(u"alias"_s, a, valores);
         const ResultadoConsulta r =
-            db.query(u"select rowid, codigo, alias from abonados where alias = ?"_s, {a});
+            db.query(u"select rowid, codigo, alias from abonados where "_s + donde, valores);
         for (int i = 0; i < r.recordCount(); ++i)
             contactos.insert(numeroDe(r.value(i, 0)),
                              {textoDe(r.value(i, 1)), textoDe(r.value(i, 2))});
