@@ -90,8 +90,20 @@ QString normalizarNumero(const QString& numero) {
     return numero;
 }
 
+// How many contacts bear the alias, compared as names are.
+long long contactosConAlias(const QString& alias) {
+    QVariantList valores;
+    const QString donde = condicionNombre(u"alias"_s, alias, valores);
+    return numeroDe(
+        Conexion().query(u"Select count(*) from Abonados where "_s + donde, valores).value(0, 0));
+}
+
+// Fails for a number that is a contact already, and for an alias that
+// another contact bears: the table keeps no rule of its own for aliases
+// (any SQLite client may write it), so the import keeps it here.
 bool insertarContacto(const QString& cuenta, const QString& numero, const QString& alias) {
     try {
+        if (contactosConAlias(alias) > 0) return false;
         Conexion().exec(u"Insert Into Abonados (Canal,Codigo,alias,Comentario) values (?,?,?,'')"_s,
                         {valorCuenta(cuenta), numero, alias});
         return true;
@@ -165,9 +177,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         if (!hecho) {
             QString otro = alias;
             try {
-                const ResultadoConsulta r = Conexion().query(
-                    u"Select count(*) from Abonados where upper(alias) = upper(?)"_s, {alias});
-                if (numeroDe(r.value(0, 0)) >= 1) otro = aliasConSufijo(alias);
+                if (contactosConAlias(alias) >= 1) otro = aliasConSufijo(alias);
             } catch (const ErrorQuelmo&) {
                 // Without the count the alias is tried as it is; a refusal is logged below.
             }

@@ -153,6 +153,7 @@ class TestLineas : public QObject {
     }
 
     void contactos_data() {
+        QTest::addColumn<QStringList>("previos");  // aliases already there, besides Eva
         QTest::addColumn<bool>("contactos");
         QTest::addColumn<bool>("addContactos");
         QTest::addColumn<QString>("linea");
@@ -163,33 +164,63 @@ class TestLineas : public QObject {
 
         const QString existente = u"0034600999999|Eva|cliente"_s;
         QTest::newRow("contacto nuevo en la lista")
-            << true << true << u"5;600123456;Ana"_s
+            << QStringList() << true << true << u"5;600123456;Ana"_s
             << QStringList{u"Contacto: Ana Importado, Número: 0034600123456"_s,
                            u"Contacto: Ana Añadido a lista: 003"_s}
             << QStringList{u"0034600123456|Ana|"_s, existente} << QStringList{u"0034600123456|3"_s}
             << true;
         QTest::newRow("sin alias, el número")
-            << true << true << u"600123456"_s
+            << QStringList() << true << true << u"600123456"_s
             << QStringList{u"Contacto: 0034600123456 Importado, Número: 0034600123456"_s,
                            u"Contacto: 0034600123456 Añadido a lista: 003"_s}
             << QStringList{u"0034600123456|0034600123456|"_s, existente}
             << QStringList{u"0034600123456|3"_s} << true;
         QTest::newRow("número ya conocido: no se toca, pero entra en la lista")
-            << true << true << u"7;600999999;Ana"_s
+            << QStringList() << true << true << u"7;600999999;Ana"_s
             << QStringList{u"ERROR: Contacto: Ana NO Importado, Número: 0034600999999"_s,
                            u"Contacto: Ana Añadido a lista: 003"_s}
             << QStringList{existente} << QStringList{u"0034600999999|3"_s} << false;
         QTest::newRow("mensaje que añade contacto conocido")
-            << false << true << u"7;600999999;Hola"_s
+            << QStringList() << false << true << u"7;600999999;Hola"_s
             << QStringList{u"Mensaje Importado para el Destino : 0034600999999, Texto: Hola"_s,
                            u"ERROR: Contacto: 0034600999999 NO Importado, Número: 0034600999999"_s,
                            u"Contacto: 0034600999999 Añadido a lista: 003"_s}
             << QStringList{existente} << QStringList{u"0034600999999|3"_s} << false;
         QTest::newRow("fichero de contactos sin añadir")
-            << true << false << u"5;600123456;Ana"_s << QStringList() << QStringList{existente}
-            << QStringList() << false;
+            << QStringList() << true << false << u"5;600123456;Ana"_s << QStringList()
+            << QStringList{existente} << QStringList() << false;
+        // A taken alias gets a suffix; the logged name stays the line's.
+        QTest::newRow("alias tomado por otro número")
+            << QStringList{u"Luis"_s} << true << true << u"5;600000014;Luis"_s
+            << QStringList{u"Contacto: Luis Importado, Número: 0034600000014"_s,
+                           u"Contacto: Luis Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Luis|"_s, u"0034600000014|Luis_1|"_s, existente}
+            << QStringList{u"0034600000014|3"_s} << true;
+        QTest::newRow("alias tomado en otra grafía, acentos incluidos")
+            << QStringList{u"Ángel"_s} << true << true << u"5;600123456;áNGEL"_s
+            << QStringList{u"Contacto: áNGEL Importado, Número: 0034600123456"_s,
+                           u"Contacto: áNGEL Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Ángel|"_s, u"0034600123456|áNGEL_1|"_s, existente}
+            << QStringList{u"0034600123456|3"_s} << true;
+        QTest::newRow("sufijo contando los nombres que empiezan igual")
+            << QStringList{u"Ana"_s, u"Ana_1"_s, u"Anabel"_s} << true << true
+            << u"5;600123456;ana"_s
+            << QStringList{u"Contacto: ana Importado, Número: 0034600123456"_s,
+                           u"Contacto: ana Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Ana|"_s, u"0034600000001|Ana_1|"_s,
+                           u"0034600000002|Anabel|"_s, u"0034600123456|ana_3|"_s, existente}
+            << QStringList{u"0034600123456|3"_s} << true;
+        QTest::newRow("mensaje que añade un contacto cuyo número es ya un alias")
+            << QStringList{u"0034600123456"_s} << false << true << u"7;600123456;Hola"_s
+            << QStringList{u"Mensaje Importado para el Destino : 0034600123456, Texto: Hola"_s,
+                           u"Contacto: 0034600123456 Importado, Número: 0034600123456"_s,
+                           u"Contacto: 0034600123456 Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|0034600123456|"_s, u"0034600123456|0034600123456_1|"_s,
+                           existente}
+            << QStringList{u"0034600123456|3"_s} << true;
     }
     void contactos() {
+        QFETCH(QStringList, previos);
         QFETCH(bool, contactos);
         QFETCH(bool, addContactos);
         QFETCH(QString, linea);
@@ -201,6 +232,9 @@ class TestLineas : public QObject {
         bd().exec(
             u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES "
             u"('0034600999999','Eva','cliente',5)"_s);
+        for (int i = 0; i < previos.size(); ++i)
+            bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',5)"_s,
+                      {u"00346000000%1"_s.arg(i, 2, 10, QChar(u'0')), previos.at(i)});
         QVERIFY(importar(linea.toUtf8() + "\n", contactos, u"3"_s, addContactos));
         QStringList log = import_prueba::registro();
         const QString cierre = log.takeLast();
