@@ -3,6 +3,8 @@
 #include "AyudaImport.h"
 #include "import/mdoImport.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
 
@@ -244,6 +246,42 @@ class TestLineas : public QObject {
         QCOMPARE(filas(u"SELECT Codigo,Alias,Comentario FROM Abonados ORDER BY Codigo"_s),
                  abonados);
         QCOMPARE(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), miembros);
+    }
+
+    // What a line quotes reaches the log, and the terminal of --import,
+    // without its control characters; the row keeps them.
+    void controlesEnElRegistro_data() {
+        QTest::addColumn<QByteArray>("linea");
+        QTest::addColumn<bool>("contactos");
+        QTest::addColumn<QString>("registro");
+        QTest::addColumn<QString>("guardado");  // the outbox's text or the new alias
+        QTest::newRow("texto con escape, campana y borrado")
+            << QByteArray("7;600123456;\x1b[2J\x1b]0;t\x07 Ñandú \x7f fin") << false
+            << u"Mensaje Importado para el Destino : 0034600123456, Texto: <27>[2J<27>]0;t<7> "
+               u"Ñandú <127> fin"_s
+            << u"\x1b[2J\x1b]0;t\x07 Ñandú \x7f fin"_s;
+        QTest::newRow("nulo en el número")
+            << QByteArray("7;6001\0\x1b[31m;Hola", 17) << false
+            << u"ERROR en número de movil para el Destino : 00346001<0><27>[31m"_s << QString();
+        QTest::newRow("alias con un carácter C1")
+            << QByteArray(
+                   "5;600123456;Jos\xc3\xa9\xc2\x9b"
+                   "2J")
+            << true << u"Contacto: José<155>2J Importado, Número: 0034600123456"_s
+            << u"José"_s + QChar(0x9b) + u"2J"_s;
+    }
+    void controlesEnElRegistro() {
+        QFETCH(QByteArray, linea);
+        QFETCH(bool, contactos);
+        QFETCH(QString, registro);
+        QFETCH(QString, guardado);
+        importar(linea + "\r\n", contactos, u"-1"_s, contactos);
+        QCOMPARE(import_prueba::registro().value(0), registro);
+        for (const QString& l : estadoAplicacion().log.lines())
+            QVERIFY(std::none_of(l.cbegin(), l.cend(), [](QChar c) { return c.unicode() < 32; }));
+        const QString tabla =
+            contactos ? u"SELECT Alias FROM Abonados"_s : u"SELECT Mensaje FROM envios"_s;
+        QCOMPARE(filas(tabla), guardado.isNull() ? QStringList() : QStringList{guardado});
     }
 
     void aliasConSufijo_data() {
