@@ -162,8 +162,8 @@ int comprobarDesenlaces(const QStringList& desenlaces, const QStringList& textos
             {ultimoId.isNull() ? QVariant(0) : ultimoId});
         // The row holds the text as it came; the log, without its control characters.
         if (r.recordCount() != 1 || r.value(0, 2).toString() != textos.at(i) ||
-            d != kImportado + r.value(0, 1).toString() + u", Texto: "_s +
-                     msEscaparControles(textos.at(i))) {
+            d != msEscaparControles(kImportado + r.value(0, 1).toString() + u", Texto: "_s +
+                                    textos.at(i))) {
             qWarning("línea %d: %s", i, qPrintable(d.left(200)));
             return -1;
         }
