@@ -3,7 +3,10 @@
 #include "TestSupport.h"
 #include "base/Ajustes.h"
 #include "base/ReglaNombres.h"
+#include "composition/Envio.h"
 #include "db/BaseDatos.h"
+#include "db/Conexion.h"
+#include "db/Identidad.h"
 #include "db/Nombres.h"
 #include "db/Transaccion.h"
 
@@ -94,14 +97,8 @@ class TestDatabase : public QObject {
                     {QString(u"0034600"_s + QString::number(a.size()) + a.left(1)), a});
         db.exec(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (0,'Amigos')"_s);
         db.exec(u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (1,'Semanal')"_s);
-        const QString ruta = db.path();
-        db.close();
-        const QString shell = QStandardPaths::findExecutable(u"sqlite3"_s);
-        QVERIFY2(!shell.isEmpty(), "the sqlite3 shell (scripts/deps.sh) is missing");
-        QProcess p;
-        p.start(shell, {u"-bail"_s, ruta});
-        QVERIFY(p.waitForStarted());
-        p.write(R"SQL(
+        identidadBase(db);
+        const QByteArray guion = R"SQL(
 INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES ('0034699000001','Ángela','',1);
 INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES ('0034699000002','borrar','',1);
 UPDATE Abonados SET Comentario='del shell' WHERE Alias='Carmen';
@@ -130,9 +127,29 @@ DELETE FROM envios WHERE Canal=9;
 INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal) VALUES ('600','2006-03-15 10:00:00','x','OK',1);
 UPDATE HEnvios SET crem='Cuenta_1';
 DELETE FROM HEnvios WHERE Canal=9;
-UPDATE opciones SET maxlote=100;
+INSERT INTO opciones (id,maxlote) VALUES (2,10);
+UPDATE opciones SET maxlote=100 WHERE id=1;
+DELETE FROM opciones WHERE id=2;
+INSERT INTO Identidad (uuid) VALUES ('otra');
+UPDATE Identidad SET uuid='otra bis' WHERE uuid='otra';
+DELETE FROM Identidad WHERE uuid='otra bis';
 PRAGMA integrity_check;
-)SQL");
+)SQL";
+        // Every table the program made is written: a new one must join the script.
+        for (const QString& tabla :
+             db.queryTexts(u"SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE "
+                           u"'sqlite_%'"_s))
+            for (const QString& orden : {u"INSERT INTO "_s, u"UPDATE "_s, u"DELETE FROM "_s})
+                QVERIFY2(guion.contains((orden + tabla + u' ').toUtf8()),
+                         qPrintable(orden + tabla));
+        const QString ruta = db.path();
+        db.close();
+        const QString shell = QStandardPaths::findExecutable(u"sqlite3"_s);
+        QVERIFY2(!shell.isEmpty(), "the sqlite3 shell (scripts/deps.sh) is missing");
+        QProcess p;
+        p.start(shell, {u"-bail"_s, ruta});
+        QVERIFY(p.waitForStarted());
+        p.write(guion);
         p.closeWriteChannel();
         QVERIFY(p.waitForFinished());
         QCOMPARE(QString::fromUtf8(p.readAllStandardError()), QString());
@@ -154,10 +171,17 @@ PRAGMA integrity_check;
                  QVector<QString>{u"SEMANAL"_s});
         QCOMPARE(db.queryTexts(u"SELECT Alias FROM Abonados ORDER BY Alias COLLATE REGLA_LISTAS"_s),
                  (QVector<QString>{u"Ángela"_s, u"beatriz"_s, u"Carmen"_s, u"Zoe"_s}));
-        // What the program writes after the shell, the shell reads back.
-        db.exec(
-            u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES ('0034611','ñu','',1)"_s);
         db.close();
+        // The compose screen's routines: the alias typed in another case,
+        // and the names it offers, in their order.
+        TestDb::openShared(ruta);
+        QCOMPARE(msBuscarAlias(u"ángela"_s), u"0034699000001"_s);
+        QCOMPARE(leerAliasContactos(),
+                 (QStringList{u"Ángela"_s, u"beatriz"_s, u"Carmen"_s, u"Zoe"_s}));
+        // What the program writes after the shell, the shell reads back.
+        Conexion().exec(
+            u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES ('0034611','ñu','',1)"_s);
+        Conexion().close();
         p.start(shell, {ruta, u"PRAGMA integrity_check; SELECT count(*) FROM Abonados;"_s});
         QVERIFY(p.waitForFinished());
         QCOMPARE(QString::fromUtf8(p.readAllStandardOutput()), u"ok\n5\n"_s);
