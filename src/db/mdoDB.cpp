@@ -93,8 +93,9 @@ void reconstruir(BaseDatos& con, const QString& tabla) {
         con.exec(
             cambiarIntercalaciones(anexos.value(i, 1).toString(), indice ? kPorIndice : QString()));
     }
-    if (!secuencia.isNull())
-        con.exec(u"UPDATE sqlite_sequence SET seq=? WHERE name=?"_s, {secuencia, tabla});
+    if (!secuencia.isNull() &&
+        con.exec(u"UPDATE sqlite_sequence SET seq=? WHERE name=?"_s, {secuencia, tabla}) == 0)
+        con.exec(u"INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"_s, {tabla, secuencia});
 }
 
 }  // namespace

@@ -209,7 +209,10 @@ PRAGMA integrity_check;
                               "CREATE TABLE Grupos (Grupo INTEGER NOT NULL PRIMARY KEY, "
                               "Nombre TEXT(50) COLLATE \"SINCASO\");"
                               "CREATE TABLE AboAuto (id_AboAuto INTEGER PRIMARY KEY "
-                              "AUTOINCREMENT, Automatico INTEGER, Abonado TEXT(50), Mensaje TEXT);"
+                              "AUTOINCREMENT, Automatico INTEGER, Abonado TEXT(50), Mensaje TEXT "
+                              "COLLATE SINCASO);"
+                              "INSERT INTO AboAuto (Mensaje) VALUES ('a'),('b'),('c');"
+                              "DELETE FROM AboAuto;"
                               "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n "
                               "WHERE i<300) INSERT INTO Abonados (Codigo, Alias) "
                               "SELECT i, substr('ÑñÁáZ', i%5+1, 1) || i FROM n;"
@@ -226,6 +229,9 @@ PRAGMA integrity_check;
             db.queryTexts(u"SELECT sql FROM sqlite_master WHERE name='Abonados_Alias'"_s),
             QVector<QString>{u"CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE)"_s});
         QCOMPARE(db.queryTexts(u"SELECT count(*) FROM Abonados"_s), QVector<QString>{u"300"_s});
+        // A rebuilt table hands out no identity twice.
+        db.exec(u"INSERT INTO AboAuto (Mensaje) VALUES ('d')"_s);
+        QCOMPARE(db.lastInsertId(), 4);
         QVariantList valores;
         const QString donde = condicionNombre(u"Alias"_s, u"ñ5"_s, valores);
         QCOMPARE(db.queryTexts(u"SELECT Codigo FROM Abonados WHERE "_s + donde, valores),
