@@ -326,6 +326,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QTest::newRow("a number picker") << u"cada"_s << true;
         QTest::newRow("switching the option alone") << u"opcion"_s << true;
         QTest::newRow("the name is no change of schedule") << u"nombre"_s << false;
+        QTest::newRow("closing without a change") << u"cerrar"_s << false;
     }
     void onlyARealChangeForgetsTheLastRun() {
         QFETCH(QString, cambio);
@@ -339,6 +340,7 @@ class TestFrmNewMenAuto2 : public QObject {
         if (cambio == u"cada") e.ctrScheduledTask1->crtNumberPick1->arriba->click();
         if (cambio == u"opcion") e.optTask[0]->click();
         if (cambio == u"nombre") e.txtNombre->setText(u"Otro"_s);
+        if (cambio == u"cerrar") e.XPButton2->click();
         QCOMPARE(cuantos(u"select count(*) from Automaticos where UltimaTarea is null"_s),
                  olvidada ? 1 : 0);
     }
