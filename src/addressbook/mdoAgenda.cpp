@@ -197,7 +197,7 @@ ResultadoConsulta abrirContactos() {
     return bd().query(
         u"select Abonados.Codigo,Abonados.Alias,Canales.nombre,Abonados.Comentario, "
         u"Abonados.Canal from Abonados inner join canales on abonados.canal=Canales.Canal "
-        u"order by Alias"_s);
+        u"order by Abonados.Alias COLLATE REGLA_LISTAS"_s);
 }
 
 ResultadoConsulta abrirCuentas() {
@@ -221,7 +221,7 @@ int primeraFilaCon(const ResultadoConsulta& rs, const QString& columna, const QS
 ResultadoConsulta abrirListasConContactos() {
     return bd().query(
         u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) AS "
-        u"Contactos FROM Grupos order by nombre"_s);
+        u"Contactos FROM Grupos order by nombre COLLATE REGLA_LISTAS"_s);
 }
 
 int msAltaLista(QString* nombreDado) {
@@ -298,7 +298,9 @@ bool msBorrarLista(int16_t grupo, const QString& nombre) {
 ResultadoConsulta abrirMiembrosLista(int16_t grupo) {
     return bd().query(
         u"select upper(abonados.alias), abonados.codigo, abogrup.grupo from abonados inner join "
-        u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by alias"_s,
+        u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by "
+        u"abonados.alias COLLATE "
+        u"REGLA_LISTAS"_s,
         {grupo});
 }
 
@@ -306,7 +308,7 @@ ResultadoConsulta abrirNoMiembrosLista(int16_t grupo) {
     return bd().query(
         u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
         u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
-        u"abonados.Alias"_s,
+        u"abonados.Alias COLLATE REGLA_LISTAS"_s,
         {grupo});
 }
 

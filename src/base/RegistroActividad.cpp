@@ -4,11 +4,39 @@
 #include "base/Reloj.h"
 #include "base/SecretoOculto.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+bool esControl(char16_t c) {
+    return c < 32 || (c >= 127 && c < 160);
+}
+
+}  // namespace
+
+// Lines quote the texts of files and replies, which may carry control
+// characters; raw, an escape sequence would reach the terminal that shows
+// the log of --headless or --import. Letters, accented ones too, stay.
+QString msEscaparControles(const QString& line) {
+    if (std::none_of(line.cbegin(), line.cend(), [](QChar c) { return esControl(c.unicode()); }))
+        return line;
+    QString out;
+    out.reserve(line.size() + 8);
+    for (const QChar c : line) {
+        if (esControl(c.unicode()))
+            out += u'<' + QString::number(c.unicode()) + u'>';
+        else
+            out += c;
+    }
+    return out;
+}
 
 RegistroActividad::RegistroActividad(QObject* parent) : QAbstractListModel(parent) {}
 
-void RegistroActividad::append(const QString& line) {
+void RegistroActividad::append(const QString& texto) {
+    const QString line = msEscaparControles(texto);
     const int row = int(m_lines.size());
     beginInsertRows(QModelIndex(), row, row);
     m_lines.append(line);

@@ -12,6 +12,8 @@ class RegistroActividad : public QAbstractListModel {
   public:
     explicit RegistroActividad(QObject* parent = nullptr);
 
+    // Control characters (below 32, 127 to 159) are written as "<code>",
+    // as in a "Buffer: " line; every other character stays as it is.
     void append(const QString& line);
     void clear();
     const QStringList& lines() const { return m_lines; }
@@ -36,5 +38,8 @@ class RegistroActividad : public QAbstractListModel {
 // "Buffer: " has its control and non-ASCII characters written as "<code>".
 void msLog(const QString& text);
 QString msEscaparBuffer(const QString& text);
+// Control characters only (below 32, 127 to 159) as "<code>": what every
+// line of the log gets, whatever text it quotes.
+QString msEscaparControles(const QString& text);
 // The date and time in front of every log line.
 QString marcaTiempoLog();

@@ -36,11 +36,10 @@ const std::array<uint32_t, 0x10000>& tabla() {
 // Walks a UTF-8 text as the UTF-16 units that the rule weighs.
 class Unidades {
   public:
-    Unidades(const char* p, const char* fin, char16_t pendiente = 0)
+    Unidades(const uint32_t* pesos, const char* p, const char* fin)
         : m_p(reinterpret_cast<const unsigned char*>(p)),
           m_fin(reinterpret_cast<const unsigned char*>(fin)),
-          m_pesos(tabla().data()),
-          m_pendiente(pendiente) {}
+          m_pesos(pesos) {}
 
     // The next unit's weight; 0 at the end.
     uint32_t siguiente() {
@@ -76,7 +75,7 @@ class Unidades {
     const unsigned char* m_p;
     const unsigned char* m_fin;
     const uint32_t* m_pesos;
-    char16_t m_pendiente;
+    char16_t m_pendiente = 0;
 };
 
 }  // namespace
@@ -93,9 +92,13 @@ QString clave(const QString& texto) {
     return k;
 }
 
+int comparar(const char* s1, int n1, const char* s2, int n2) {
+    return compararPorPesos(tabla().data(), s1, n1, s2, n2);
+}
+
 // Bytes that two texts share at the start weigh the same: the walk begins
 // at the first character in which they differ.
-int comparar(const char* s1, int n1, const char* s2, int n2) {
+int compararPorPesos(const uint32_t* pesos, const char* s1, int n1, const char* s2, int n2) {
     const auto* a = reinterpret_cast<const unsigned char*>(s1);
     const auto* b = reinterpret_cast<const unsigned char*>(s2);
     const int n = std::min(n1, n2);
@@ -104,7 +107,7 @@ int comparar(const char* s1, int n1, const char* s2, int n2) {
     while (i > 0 && (a[i - 1] & 0x80)) --i;
     const auto* ca = reinterpret_cast<const char*>(a);
     const auto* cb = reinterpret_cast<const char*>(b);
-    Unidades x(ca + i, ca + n1), y(cb + i, cb + n2);
+    Unidades x(pesos, ca + i, ca + n1), y(pesos, cb + i, cb + n2);
     for (;;) {
         const uint32_t p = x.siguiente(), q = y.siguiente();
         if (p != q) return p < q ? -1 : 1;

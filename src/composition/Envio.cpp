@@ -6,6 +6,7 @@
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 
 #include <QHash>
 
@@ -31,8 +32,8 @@ QVector<CuentaEnvio> leerCuentasEnvio() {
 }
 
 QStringList leerAliasContactos() {
-    const ResultadoConsulta r =
-        Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
+    const ResultadoConsulta r = Conexion().query(
+        u"Select Alias, Codigo from abonados order by alias COLLATE REGLA_LISTAS"_s);
     QStringList alias;
     alias.reserve(r.recordCount());
     for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
@@ -52,8 +53,10 @@ bool leerSoloContactos() {
 
 QString msBuscarAlias(const QString& elemento) {
     if (elemento.trimmed().isEmpty()) return {};
+    QVariantList valores;
+    const QString donde = condicionNombre(u"alias"_s, elemento, valores);
     const ResultadoConsulta r =
-        Conexion().query(u"Select codigo from Abonados where alias = ?"_s, {elemento});
+        Conexion().query(u"Select codigo from Abonados where "_s + donde, valores);
     if (r.isEmpty()) return {};
     return textoDe(r.value(0, 0)).trimmed();
 }

@@ -2,7 +2,9 @@
 
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "base/ReglaNombres.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 
 #include <QSet>
 
@@ -10,8 +12,8 @@ using namespace Qt::StringLiterals;
 
 bool leerContactosSeleccion(QVector<QString>* celdas) {
     try {
-        const ResultadoConsulta r =
-            Conexion().query(u"Select Alias, Codigo from abonados order by alias"_s);
+        const ResultadoConsulta r = Conexion().query(
+            u"Select Alias, Codigo from abonados order by alias COLLATE REGLA_LISTAS"_s);
         if (r.isEmpty()) return false;
         celdas->clear();
         celdas->reserve(qsizetype(r.recordCount()) * 2);
@@ -55,10 +57,9 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
         QVariantList nombres;
         for (const DestinoElegido& d : destinos) {
             if (d.texto.isEmpty() || !d.detalle.startsWith(u"Lista"_s)) continue;
-            listas.append(u"Grupos.Nombre = ?"_s);
-            nombres.append(d.texto);
+            listas.append(condicionNombre(u"Grupos.Nombre"_s, d.texto, nombres));
         }
-        // Aliases compare ignoring case, as in the database.
+        // Aliases compare as names do (base/ReglaNombres).
         QSet<QString> excluidos;
         if (!listas.isEmpty()) {
             const ResultadoConsulta r = Conexion().query(
@@ -71,7 +72,7 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
             for (int i = 0; i < r.recordCount(); ++i) {
                 const QString alias = textoDe(r.value(i, 1));
                 resultado += u';' + alias;
-                excluidos.insert(alias.toCaseFolded());
+                excluidos.insert(ReglaNombres::clave(alias));
             }
         }
         if (resultado.startsWith(u';')) resultado.remove(0, 1);
@@ -81,15 +82,21 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
         QSet<QString> elegidos;
         for (const DestinoElegido& d : destinos)
             if (!d.texto.isEmpty() && !d.detalle.startsWith(u"Lista"_s))
-                elegidos.insert(d.texto.toCaseFolded());
+                elegidos.insert(ReglaNombres::clave(d.texto));
         if (!elegidos.isEmpty()) {
+            // Each name once, however many contacts bear it.
             const ResultadoConsulta r = Conexion().query(
-                u"select alias from abonados where alias is not null group by alias order by alias"_s);
+                u"select alias from abonados where alias is not null order by alias COLLATE "
+                u"REGLA_LISTAS"_s);
+            QSet<QString> dados;
             for (int i = 0; i < r.recordCount(); ++i) {
                 const QString alias = textoDe(r.value(i, 0));
-                const QString clave = alias.toCaseFolded();
-                if (elegidos.contains(clave) && !excluidos.contains(clave))
+                const QString clave = ReglaNombres::clave(alias);
+                if (elegidos.contains(clave) && !excluidos.contains(clave) &&
+                    !dados.contains(clave)) {
+                    dados.insert(clave);
                     resultado += u';' + alias;
+                }
             }
         }
         if (resultado.startsWith(u';')) resultado.remove(0, 1);

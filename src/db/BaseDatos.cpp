@@ -1,31 +1,28 @@
 #include "db/BaseDatos.h"
 
-#include "base/ReglaListas.h"
-
 #include "base/Avisos.h"
+#include "base/ReglaListas.h"
+#include "base/ReglaNombres.h"
 #include "base/Reloj.h"
+#include "db/mdoDB.h"
 
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // Names and aliases compare without regard to case, accented letters too
-// ("Á" equals "á"), as users expect of an address book. The comparison has
-// a name of its own: under the engine's name NOCASE (ASCII only) another
-// SQLite client would order an index differently from us and leave it
-// corrupt in our eyes.
+// ("Á" equals "á"), as users expect of an address book. Only the program's
+// queries name this collation; the schema names none of ours.
 constexpr char kSinCaso[] = "SINCASO";
 int compararSinMayusculas(void*, int n1, const void* s1, int n2, const void* s2) {
-    const QString a = QString::fromUtf8(static_cast<const char*>(s1), n1);
-    const QString b = QString::fromUtf8(static_cast<const char*>(s2), n2);
-    return QString::compare(a, b, Qt::CaseInsensitive);
+    return ReglaNombres::comparar(static_cast<const char*>(s1), n1, static_cast<const char*>(s2),
+                                  n2);
 }
 
 // The order of the lists the user sees, so that the engine can sort a list
@@ -65,43 +62,6 @@ QVariant leerColumna(sqlite3_stmt* stmt, int i) {
             const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt, i));
             return QVariant(QString::fromUtf8(t, sqlite3_column_bytes(stmt, i)));
         }
-    }
-}
-
-void adoptarSinCaso(BaseDatos& db) {
-    static const QRegularExpression nocase(uR"(\bCOLLATE\s+(NOCASE\b|"NOCASE"|'NOCASE'))"_s,
-                                           QRegularExpression::CaseInsensitiveOption);
-    // The new text, type and name of each schema entry that names NOCASE.
-    const auto pendientes = [&] {
-        QVector<QVariantList> out;
-        const ResultadoConsulta r = db.query(
-            u"SELECT type, name, sql FROM sqlite_master WHERE sql LIKE '%COLLATE%NOCASE%'"_s);
-        for (int i = 0; i < r.recordCount(); ++i) {
-            QString sql = r.value(i, 2).toString();
-            if (sql.contains(nocase))
-                out.append({sql.replace(nocase, u"COLLATE "_s + QLatin1StringView(kSinCaso)),
-                            r.value(i, 0), r.value(i, 1)});
-        }
-        return out;
-    };
-    if (pendientes().isEmpty() || sqlite3_db_readonly(db.handle(), "main") == 1) return;
-    // Files of earlier releases, or made by another tool, name the engine's
-    // NOCASE. They take our name, and every index is rebuilt in our order.
-    // If another process holds the file, it stays as it is until the next
-    // open: names then compare as the engine's NOCASE does, nothing breaks.
-    try {
-        db.begin();
-        const int version = db.query(u"PRAGMA schema_version"_s).value(0, 0).toInt();
-        db.exec(u"PRAGMA writable_schema=ON"_s);
-        for (const QVariantList& p : pendientes())
-            db.exec(u"UPDATE sqlite_master SET sql=? WHERE type=? AND name=?"_s, p);
-        db.exec(u"PRAGMA schema_version=%1"_s.arg(version + 1));
-        db.exec(u"PRAGMA writable_schema=RESET"_s);
-        db.exec(u"REINDEX"_s);
-        db.commit();
-    } catch (const ErrorBD&) {
-        db.rollback();
-        db.exec(u"PRAGMA writable_schema=RESET"_s);
     }
 }
 
@@ -177,7 +137,8 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
         recordarArchivos();
-        adoptarSinCaso(*this);
+        // A file of an earlier release still names our collations.
+        msQuitarIntercalaciones(*this);
     } catch (const ErrorBD& e) {
         if (error) *error = e.description();
         const int codigo = sqlite3_errcode(m_db) & 0xff;

@@ -11,7 +11,7 @@ const auto kComun =
     uR"SQL(
 CREATE TABLE Grupos (
     Grupo INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE SINCASO
+    Nombre TEXT(50)
 );
 CREATE TABLE AboGrup (
     Abonado TEXT(50) NOT NULL,
@@ -34,11 +34,15 @@ CREATE TABLE envios (
 CREATE INDEX envios_Canal ON envios (Canal);
 )SQL"_s;
 
+// Names compare without case in the program's queries (db/Nombres), never
+// by a collation of the schema, so that any SQLite client can read and
+// write the file; the index on the alias is under the engine's own NOCASE,
+// which every client keeps in the same order.
 const auto kActual =
     uR"SQL(
 CREATE TABLE Canales (
     Canal INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE SINCASO,
+    Nombre TEXT(50),
     maxmen INTEGER,
     Puerto INTEGER,
     Host TEXT(255),
@@ -55,11 +59,11 @@ CREATE TABLE Canales (
 );
 CREATE TABLE Abonados (
     Codigo TEXT(50) NOT NULL PRIMARY KEY,
-    Alias TEXT(100) COLLATE SINCASO,
+    Alias TEXT(100),
     Comentario TEXT(100),
     Canal INTEGER
 );
-CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE SINCASO);
+CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
 CREATE TABLE HEnvios (
     Abonado TEXT(50),
     Registro DATETIME,
@@ -78,7 +82,7 @@ CREATE TABLE opciones (
 INSERT INTO opciones (id, maxlote, solocontactos, imgfondo) VALUES (1, 50, 0, '');
 CREATE TABLE Automaticos (
     Codigo INTEGER NOT NULL PRIMARY KEY,
-    Nombre TEXT(50) COLLATE SINCASO,
+    Nombre TEXT(50),
     TareaProgramada BOOLEAN,
     Hora DATETIME,
     Periodicidad SMALLINT,

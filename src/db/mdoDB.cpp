@@ -2,6 +2,10 @@
 
 #include "db/BaseDatos.h"
 #include "db/Esquema.h"
+#include "db/Transaccion.h"
+
+#include <sqlite3.h>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +18,133 @@ int ejecutar(BaseDatos& con, const QString& sql) {
         return -1;
     }
 }
+
+QString citar(QString nombre) {
+    return u'"' + nombre.replace(u'"', u"\"\""_s) + u'"';
+}
+
+// A "COLLATE name" clause, the name bare or quoted.
+const QRegularExpression& clausulaIntercalacion() {
+    static const QRegularExpression re(
+        uR"(\s+COLLATE\s+("(?:[^"]|"")+"|'(?:[^']|'')+'|`[^`]+`|\[[^\]]+\]|\w+))"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+// The collations that every SQLite client knows.
+bool delMotor(QString nombre) {
+    if (nombre.size() >= 2 && u"\"'`["_s.contains(nombre.front()))
+        nombre = nombre.mid(1, nombre.size() - 2);
+    return QStringList{u"BINARY"_s, u"NOCASE"_s, u"RTRIM"_s}.contains(nombre, Qt::CaseInsensitive);
+}
+
+// `sql` with each collation unknown to the engine replaced by `por`.
+QString cambiarIntercalaciones(const QString& sql, const QString& por, bool* cambio = nullptr) {
+    QString out;
+    qsizetype desde = 0;
+    auto it = clausulaIntercalacion().globalMatch(sql);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        if (delMotor(m.captured(1))) continue;
+        out += sql.mid(desde, m.capturedStart() - desde) + por;
+        desde = m.capturedEnd();
+        if (cambio) *cambio = true;
+    }
+    return out + sql.mid(desde);
+}
+
+// Indexes keep comparing names without case: under the engine's NOCASE,
+// which the program's name look-ups probe (db/Nombres).
+const QString kPorIndice = u" COLLATE NOCASE"_s;
+
+// The engine's way to change a column's definition: a new table, the rows
+// copied in their order, the old one dropped, the new one renamed, then its
+// indexes and triggers again; the autoincrement counter stays where it was.
+void reconstruir(BaseDatos& con, const QString& tabla) {
+    const QString sql =
+        con.query(u"SELECT sql FROM sqlite_master WHERE type='table' AND name=?"_s, {tabla})
+            .value(0, 0)
+            .toString();
+    const ResultadoConsulta anexos = con.query(
+        u"SELECT type, sql FROM sqlite_master WHERE tbl_name=? AND type IN ('index','trigger') "
+        u"AND sql IS NOT NULL ORDER BY rowid"_s,
+        {tabla});
+    QVariant secuencia;
+    if (con.hasTable(u"sqlite_sequence"_s)) {
+        const ResultadoConsulta r =
+            con.query(u"SELECT seq FROM sqlite_sequence WHERE name=?"_s, {tabla});
+        if (!r.isEmpty()) secuencia = r.value(0, 0);
+    }
+    static const QRegularExpression cabecera(
+        uR"(^\s*CREATE\s+TABLE\s+("(?:[^"]|"")+"|\[[^\]]+\]|`[^`]+`|[^\s(]+))"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    QString crear = cambiarIntercalaciones(sql, QString());
+    const QRegularExpressionMatch m = cabecera.match(crear);
+    if (!m.hasMatch()) throw ErrorBD(u"Definición de tabla no reconocida: "_s + tabla);
+    const QString nueva = tabla + u"_sin_intercalar"_s;
+    crear.replace(m.capturedStart(1), m.capturedLength(1), citar(nueva));
+    con.exec(crear);
+    con.exec(u"INSERT INTO "_s + citar(nueva) + u" SELECT * FROM " + citar(tabla) +
+             u" ORDER BY rowid");
+    con.exec(u"DROP TABLE "_s + citar(tabla));
+    con.exec(u"ALTER TABLE "_s + citar(nueva) + u" RENAME TO " + citar(tabla));
+    for (int i = 0; i < anexos.recordCount(); ++i) {
+        const bool indice = anexos.value(i, 0).toString() == u"index"_s;
+        con.exec(
+            cambiarIntercalaciones(anexos.value(i, 1).toString(), indice ? kPorIndice : QString()));
+    }
+    if (!secuencia.isNull() &&
+        con.exec(u"UPDATE sqlite_sequence SET seq=? WHERE name=?"_s, {secuencia, tabla}) == 0)
+        con.exec(u"INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"_s, {tabla, secuencia});
+}
+
 }  // namespace
+
+int msQuitarIntercalaciones(BaseDatos& con) {
+    QStringList tablas;
+    QVector<QStringList> otros;  // type, name, sql of an index, trigger or view
+    try {
+        const ResultadoConsulta r = con.query(
+            u"SELECT type, name, tbl_name, sql FROM sqlite_master WHERE sql LIKE '%COLLATE%'"_s);
+        for (int i = 0; i < r.recordCount(); ++i) {
+            bool cambia = false;
+            cambiarIntercalaciones(r.value(i, 3).toString(), QString(), &cambia);
+            if (!cambia) continue;
+            const QString tipo = r.value(i, 0).toString();
+            if (tipo == u"table"_s)
+                tablas.append(r.value(i, 1).toString());
+            else
+                otros.append({tipo, r.value(i, 1).toString(), r.value(i, 2).toString(),
+                              r.value(i, 3).toString()});
+        }
+    } catch (const ErrorBD&) {
+        return -1;
+    }
+    if ((tablas.isEmpty() && otros.isEmpty()) || sqlite3_db_readonly(con.handle(), "main") == 1)
+        return -1;
+    // Another process that holds the file makes this wait for a later open.
+    const int espera = con.espera();
+    con.establecerEspera(0);
+    int resultado = -1;
+    try {
+        Transaccion t(con);
+        for (const QString& tabla : std::as_const(tablas)) reconstruir(con, tabla);
+        for (const QStringList& o : std::as_const(otros)) {
+            if (tablas.contains(o.at(2))) continue;  // made again with its table
+            const QString tipo = o.at(0) == u"index"_s     ? u"INDEX"_s
+                                 : o.at(0) == u"trigger"_s ? u"TRIGGER"_s
+                                                           : u"VIEW"_s;
+            con.exec(u"DROP "_s + tipo + u' ' + citar(o.at(1)));
+            con.exec(cambiarIntercalaciones(o.at(3), tipo == u"INDEX"_s ? kPorIndice : QString()));
+        }
+        t.commit();
+        resultado = 0;
+    } catch (const ErrorBD&) {
+        // Left as it was; the program registers the old collations too.
+    }
+    con.establecerEspera(espera);
+    return resultado;
+}
 
 int msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
                 const QString& def) {

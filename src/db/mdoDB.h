@@ -17,6 +17,14 @@ int msAddColumn(BaseDatos& con, const QString& table, const QString& column, con
                 const QString& def);
 int msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn);
 int msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column);
+// A file of an earlier release names collations that only this program
+// registers (SINCASO), and another SQLite client can't then write a name or
+// even compare one. Its tables are rebuilt without them and their indexes
+// take the engine's NOCASE, all in one transaction; a file that is busy or
+// read-only stays as it is until a later open. -1 when nothing changed.
+// Runs at every open: such a file passes msValidarBD and never reaches the
+// upgrade.
+int msQuitarIntercalaciones(BaseDatos& con);
 // The engine can't drop a primary key or add an identity column in place, so
 // AboAuto gains `id_AboAuto` by a rebuild that keeps every row.
 int msRebuildAboAuto(BaseDatos& con);

@@ -6,6 +6,7 @@
 #include "base/Pantallas.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 #include "scheduling/clsNextTarea.h"
 
 using namespace Qt::StringLiterals;
@@ -63,8 +64,11 @@ QList<FilaEmergencia> msCargarEmergencias(bool* completa) {
 
 int32_t codigoDeNombre(const QString& nombre) {
     try {
+        QVariantList valores;
+        const QString donde = condicionNombre(u"Nombre"_s, nombre, valores);
         const ResultadoConsulta r = Conexion().query(
-            u"SELECT Codigo FROM Automaticos WHERE Nombre = ? ORDER BY Codigo LIMIT 1"_s, {nombre});
+            u"SELECT Codigo FROM Automaticos WHERE "_s + donde + u" ORDER BY Codigo LIMIT 1",
+            valores);
         return r.isEmpty() ? -1 : int32_t(numeroDe(r.value(0, 0)));
     } catch (const ErrorBD&) {
         return -1;

@@ -9,6 +9,7 @@
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 
 #include <fcntl.h>
 #include <QDateTime>
@@ -89,8 +90,20 @@ QString normalizarNumero(const QString& numero) {
     return numero;
 }
 
+// How many contacts bear the alias, compared as names are.
+long long contactosConAlias(const QString& alias) {
+    QVariantList valores;
+    const QString donde = condicionNombre(u"alias"_s, alias, valores);
+    return numeroDe(
+        Conexion().query(u"Select count(*) from Abonados where "_s + donde, valores).value(0, 0));
+}
+
+// Fails for a number that is a contact already, and for an alias that
+// another contact bears: the table keeps no rule of its own for aliases
+// (any SQLite client may write it), so the import keeps it here.
 bool insertarContacto(const QString& cuenta, const QString& numero, const QString& alias) {
     try {
+        if (contactosConAlias(alias) > 0) return false;
         Conexion().exec(u"Insert Into Abonados (Canal,Codigo,alias,Comentario) values (?,?,?,'')"_s,
                         {valorCuenta(cuenta), numero, alias});
         return true;
@@ -164,9 +177,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         if (!hecho) {
             QString otro = alias;
             try {
-                const ResultadoConsulta r = Conexion().query(
-                    u"Select count(*) from Abonados where upper(alias) = upper(?)"_s, {alias});
-                if (numeroDe(r.value(0, 0)) >= 1) otro = aliasConSufijo(alias);
+                if (contactosConAlias(alias) >= 1) otro = aliasConSufijo(alias);
             } catch (const ErrorQuelmo&) {
                 // Without the count the alias is tried as it is; a refusal is logged below.
             }
@@ -725,7 +736,7 @@ QStringList msListasSeleccion() {
     try {
         const ResultadoConsulta r = Conexion().query(
             u"SELECT Grupos.*, (select count(*) from abogrup where abogrup.grupo=Grupos.grupo) "
-            u"AS Contactos FROM Grupos order by nombre"_s);
+            u"AS Contactos FROM Grupos order by nombre COLLATE REGLA_LISTAS"_s);
         for (int i = 0; i < r.recordCount(); ++i)
             lineas.append(u"%1"_s.arg(numeroDe(r.value(i, u"Grupo"_s)), 3, 10, QChar(u'0')) +
                           u" - "_s + textoDe(r.value(i, u"Nombre"_s)));
@@ -737,8 +748,10 @@ QStringList msListasSeleccion() {
 
 QString msCodigoListaPorNombre(const QString& nombre) {
     try {
+        QVariantList valores;
+        const QString donde = condicionNombre(u"nombre"_s, nombre, valores);
         const ResultadoConsulta r =
-            Conexion().query(u"select grupo from grupos where nombre=?"_s, {nombre});
+            Conexion().query(u"select grupo from grupos where "_s + donde, valores);
         if (!r.isEmpty()) return textoDe(r.value(0, 0));
     } catch (const ErrorQuelmo&) {
         // A database without lists knows no list by that name.

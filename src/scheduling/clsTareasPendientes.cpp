@@ -6,6 +6,7 @@
 #include "base/InterfazUsuario.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Transaccion.h"
 #include "scheduling/clsNextTarea.h"
 
 using namespace Qt::StringLiterals;
@@ -36,6 +37,12 @@ void ejecutar(bool pasarFallos, F&& paso) {
     } catch (const ErrorQuelmo&) {
         // Silent on purpose: the caller asked for this step to be passed over.
     }
+}
+
+// A run of today that has come and not yet gone out.
+bool pendienteHoy(const clsNextTarea& tarea) {
+    return Reloj::now() >= tarea.FechaProximaTarea() && tarea.HayTarea() &&
+           tarea.FechaProximaTarea() > tarea.UltimaTarea();
 }
 
 }  // namespace
@@ -104,8 +111,14 @@ int16_t clsTareasPendientes::ReLoad() {
         if (hay && fecha > ultima && tarea.m_reloj.isValid() && tarea.m_reloj >= fecha) {
             ++cuenta;
             const QDateTime planeada = tarea.FechaProximaTarea();
-            dispararFila(
-                codigo, [&] { return planeada; }, pasar);
+            // The outbox rows and the last run go in together: a kill
+            // between them would send the run again at the next start.
+            ejecutar(pasar, [&] {
+                Transaccion t(Conexion());
+                dispararFila(
+                    codigo, [&] { return planeada; }, pasar);
+                t.commit();
+            });
         }
     }
     return cuenta;
@@ -132,8 +145,7 @@ int16_t clsTareasPendientes::recorrerPendientes() {
         const int32_t codigo = codigoDe(m_activas, i);
         tarea.setFila(codigo, m_activas, i);
         tarea.CalcularProximaTarea2();
-        if (!(Reloj::now() >= tarea.FechaProximaTarea())) continue;
-        if (!tarea.HayTarea() || !(tarea.FechaProximaTarea() > tarea.UltimaTarea())) continue;
+        if (!pendienteHoy(tarea)) continue;
         if (!preguntado) {
             // Only today's runs are offered; the first of another day ends
             // the walk.
@@ -145,10 +157,18 @@ int16_t clsTareasPendientes::recorrerPendientes() {
             if (respuesta != Msg::Yes) return 0;
             preguntado = true;
         }
+        // The rows were read before the question, and the timer ticks while
+        // it waits: a tick may have fired this row since. It is judged
+        // again on what the database holds, in the transaction that fires it.
+        Transaccion t(Conexion());
+        tarea.setCodigo(codigo);
+        tarea.CalcularProximaTarea2();
+        if (!pendienteHoy(tarea)) continue;
         // The time of sending stands as the last run, read for each recipient.
         ++cuenta;
         dispararFila(
             codigo, [] { return Reloj::now(); }, false);
+        t.commit();
     }
     return cuenta;
 }

@@ -21,7 +21,7 @@ class clsTareasPendientes {
   private:
     int16_t recorrerPendientes();
     // Queues one outbox row per recipient and records `ultima()` as the
-    // row's last run, once for each recipient.
+    // row's last run, once for each recipient; in the caller's transaction.
     void dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima, bool pasarFallos);
 
     ResultadoConsulta m_activas;

@@ -51,10 +51,11 @@ void ctrNumberPick::setValor(const QString& valor) {
     txtNumber->setText(valor);
 }
 
-int ctrNumberPick::numero(int siVacio) const {
+std::optional<int> ctrNumberPick::numero() const {
     bool ok = false;
     const int n = txtNumber->text().toInt(&ok);
-    return ok ? n : siVacio;
+    if (!ok) return std::nullopt;
+    return n;
 }
 
 // Only digits are typed; keys that type nothing (arrows, Delete, Tab) move

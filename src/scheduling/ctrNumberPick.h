@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <cstdint>
+#include <optional>
 
 class QLineEdit;
 class QToolButton;
@@ -21,8 +22,8 @@ class ctrNumberPick : public QWidget {
     // The text of the field; callers that want a number convert it.
     QString Valor() const;
     void setValor(const QString& valor);
-    // The number shown, or `siVacio` when the text is no number.
-    int numero(int siVacio = 0) const;
+    // The number shown; none when the field is empty: reading it fails.
+    std::optional<int> numero() const;
 
     QLineEdit* txtNumber;
     QToolButton* arriba;

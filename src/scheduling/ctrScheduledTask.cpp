@@ -4,6 +4,7 @@
 #include "base/Reloj.h"
 #include "scheduling/ctrNumberPick.h"
 
+#include <QAbstractSpinBox>
 #include <QButtonGroup>
 #include <QCalendarWidget>
 #include <QCheckBox>
@@ -290,8 +291,10 @@ void ctrScheduledTask::mvFecha_Change() {
     Q_EMIT Change();
 }
 
-int16_t ctrScheduledTask::numeroDe(const ctrNumberPick* n) {
-    return int16_t(n->numero());
+std::optional<int16_t> ctrScheduledTask::numeroDe(const ctrNumberPick* n) {
+    const std::optional<int> v = n->numero();
+    if (!v) return std::nullopt;
+    return int16_t(*v);
 }
 
 // ---- Properties -------------------------------------------------------------
@@ -319,14 +322,14 @@ void ctrScheduledTask::setP_UnaSolaVez_Fecha(const QDate& v) {
     m_escribiendo = false;
 }
 
-int16_t ctrScheduledTask::p_Diaria_Cada() const {
+std::optional<int16_t> ctrScheduledTask::p_Diaria_Cada() const {
     return numeroDe(crtNumberPick1);
 }
 void ctrScheduledTask::setP_Diaria_Cada(int16_t v) {
     crtNumberPick1->setValor(QString::number(v));
 }
 
-int16_t ctrScheduledTask::p_Semanal_Cada() const {
+std::optional<int16_t> ctrScheduledTask::p_Semanal_Cada() const {
     return numeroDe(crtNumberPick2);
 }
 void ctrScheduledTask::setP_Semanal_Cada(int16_t v) {
@@ -360,7 +363,7 @@ void ctrScheduledTask::setP_Mensual_Es_Dia(bool v) {
     if (v != antes) Q_EMIT Change();
 }
 
-int16_t ctrScheduledTask::p_Mensual_Dia_Mes() const {
+std::optional<int16_t> ctrScheduledTask::p_Mensual_Dia_Mes() const {
     return numeroDe(crtNumberPick3);
 }
 void ctrScheduledTask::setP_Mensual_Dia_Mes(int16_t v) {
@@ -381,7 +384,7 @@ void ctrScheduledTask::setP_Mensual_dia_Semana(int32_t v) {
     cmbMesDia->setCurrentIndex(v - 1);
 }
 
-int16_t ctrScheduledTask::p_Anual_Dia() const {
+std::optional<int16_t> ctrScheduledTask::p_Anual_Dia() const {
     return numeroDe(crtNumberPickAnualDia);
 }
 void ctrScheduledTask::setP_Anual_Dia(int16_t v) {
@@ -468,6 +471,13 @@ void ctrScheduledTask::setPropiedad(Propiedad p, const QVariant& v) {
             setP_Fecha_Fin(v.toDate());
             break;
     }
+}
+
+void ctrScheduledTask::terminarEdicion() {
+    for (QAbstractSpinBox* campo :
+         {static_cast<QAbstractSpinBox*>(dpHora), static_cast<QAbstractSpinBox*>(dpFechaIni),
+          static_cast<QAbstractSpinBox*>(dpFechaFin)})
+        campo->interpretText();
 }
 
 Programa ctrScheduledTask::programa() const {

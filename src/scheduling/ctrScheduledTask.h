@@ -7,6 +7,7 @@
 #include <QVector>
 #include <QWidget>
 #include <cstdint>
+#include <optional>
 
 class ctrNumberPick;
 class QCalendarWidget;
@@ -35,22 +36,23 @@ class ctrScheduledTask : public QWidget {
     void setHora(const QTime& v);
     QDate p_UnaSolaVez_Fecha() const;
     void setP_UnaSolaVez_Fecha(const QDate& v);
-    int16_t p_Diaria_Cada() const;
+    // The number fields read as none while they are empty.
+    std::optional<int16_t> p_Diaria_Cada() const;
     void setP_Diaria_Cada(int16_t v);
-    int16_t p_Semanal_Cada() const;
+    std::optional<int16_t> p_Semanal_Cada() const;
     void setP_Semanal_Cada(int16_t v);
     // Bit i set for each checked chkDay(i), Monday bit 0.
     int16_t p_Semanal_Dias() const;
     void setP_Semanal_Dias(int16_t v);
     bool p_Mensual_Es_Dia() const;
     void setP_Mensual_Es_Dia(bool v);
-    int16_t p_Mensual_Dia_Mes() const;
+    std::optional<int16_t> p_Mensual_Dia_Mes() const;
     void setP_Mensual_Dia_Mes(int16_t v);
     int32_t p_Mensual_Num_Semana() const;
     void setP_Mensual_Num_Semana(int32_t v);
     int32_t p_Mensual_dia_Semana() const;
     void setP_Mensual_dia_Semana(int32_t v);
-    int16_t p_Anual_Dia() const;
+    std::optional<int16_t> p_Anual_Dia() const;
     void setP_Anual_Dia(int16_t v);
     int16_t p_Anual_Mes() const;
     void setP_Anual_Mes(int16_t v);
@@ -66,6 +68,9 @@ class ctrScheduledTask : public QWidget {
     QVariant propiedad(Propiedad p) const;
     void setPropiedad(Propiedad p, const QVariant& v);
     Programa programa() const;
+    // The hour and dates take what their fields show, as leaving a field
+    // does; a closing reached by a shortcut or by Enter leaves none.
+    void terminarEdicion();
     QString Descripcion() const { return descripcionPrograma(programa()); }
 
     QComboBox* cmbTipoTask;
@@ -99,7 +104,7 @@ class ctrScheduledTask : public QWidget {
     void dpFechaFin_Change();
     void mvFecha_Change();
     void error(const QString& texto);
-    static int16_t numeroDe(const ctrNumberPick* n);
+    static std::optional<int16_t> numeroDe(const ctrNumberPick* n);
 
     // Set while a property is written: the user's checks don't apply to
     // values the program puts in.

@@ -95,6 +95,8 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     tabs->addTab(programar, u"&Programar"_s);
 
     XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Cerrar"_s);
+    // Enter in a field closes and saves, as Alt+C does.
+    XPButton2->setDefault(true);
     auto* abajo = new QHBoxLayout;
     abajo->addStretch(1);
     abajo->addWidget(XPButton2);
@@ -267,6 +269,8 @@ void frmNewMenAuto2::XPButton3_Click() {
 }
 
 void frmNewMenAuto2::XPButton2_Click() {
+    // What the fields show is what is stored, however Cerrar was reached.
+    ctrScheduledTask1->terminarEdicion();
     guardarMensajeProgramado(m_codigo, txtNombre->text(), optTask[1]->isChecked(),
                              ctrScheduledTask1->programa());
     accept();

@@ -3,8 +3,10 @@
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
+#include "base/ReglaNombres.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Nombres.h"
 #include "scheduling/clsNextTarea.h"
 
 #include <QLocale>
@@ -20,6 +22,14 @@ BaseDatos& bd() {
 
 QString textoDia(const QDate& d) {
     return d.toString(u"dd/MM/yyyy"_s);
+}
+
+QVariant valorDe(const std::optional<int>& n) {
+    return n ? QVariant(*n) : QVariant();
+}
+
+QString textoNumero(const std::optional<int>& n) {
+    return n ? QString::number(*n) : QString();
 }
 
 // The date that stands for a time of day alone, as the old engine stored it.
@@ -38,21 +48,21 @@ QVariant Programa::valor(Propiedad p) const {
         case Propiedad::UnaSolaVezFecha:
             return unaSolaVezFecha;
         case Propiedad::DiariaCada:
-            return diariaCada;
+            return valorDe(diariaCada);
         case Propiedad::SemanalCada:
-            return semanalCada;
+            return valorDe(semanalCada);
         case Propiedad::SemanalDias:
             return semanalDias;
         case Propiedad::MensualEsDia:
             return mensualEsDia;
         case Propiedad::MensualDiaMes:
-            return mensualDiaMes;
+            return valorDe(mensualDiaMes);
         case Propiedad::MensualNumSemana:
             return mensualNumSemana;
         case Propiedad::MensualDiaSemana:
             return mensualDiaSemana;
         case Propiedad::AnualDia:
-            return anualDia;
+            return valorDe(anualDia);
         case Propiedad::AnualMes:
             return anualMes;
         case Propiedad::FechaIni:
@@ -172,21 +182,21 @@ QString descripcionPrograma(const Programa& p) {
             t = u"Una sola vez"_s + nl + textoDia(p.unaSolaVezFecha);
             break;
         case 1:
-            t = u"Diariamente"_s + nl + u"Cada "_s + QString::number(p.diariaCada) + u" día"_s;
+            t = u"Diariamente"_s + nl + u"Cada "_s + textoNumero(p.diariaCada) + u" día"_s;
             break;
         case 2: {
             // Sunday first and shortened, as the users have always read it.
             static const char16_t* const kDias[] = {
                 u"Lunes ", u"Martes ", u"Miercoles ", u"Jueves ", u"Viernes ", u"Sabado ", u"Dom "};
-            t = u"Semanalmente"_s + nl + u"Cada "_s + QString::number(p.semanalCada) +
-                u" semana"_s + nl + u"cada: "_s;
+            t = u"Semanalmente"_s + nl + u"Cada "_s + textoNumero(p.semanalCada) + u" semana"_s +
+                nl + u"cada: "_s;
             for (int i = 6; i >= 0; --i)
                 if (p.semanalDias & (1 << i)) t += QString::fromUtf16(kDias[i]);
             break;
         }
         case 3:
             if (p.mensualEsDia) {
-                t = nl + u"Mensualmente"_s + nl + u"cada "_s + QString::number(p.mensualDiaMes) +
+                t = nl + u"Mensualmente"_s + nl + u"cada "_s + textoNumero(p.mensualDiaMes) +
                     u" de cada mes"_s;
             } else {
                 static const char16_t* const kSemanas[] = {u"primer ", u"segundo ", u"tercero ",
@@ -201,7 +211,7 @@ QString descripcionPrograma(const Programa& p) {
             }
             break;
         case 4:
-            t = u"Anualmente"_s + nl + u"Dia: "_s + QString::number(p.anualDia) + u" Mes:"_s +
+            t = u"Anualmente"_s + nl + u"Dia: "_s + textoNumero(p.anualDia) + u" Mes:"_s +
                 QLocale(QLocale::Spanish).monthName(qBound(1, p.anualMes, 12), QLocale::LongFormat);
             break;
         default:
@@ -313,8 +323,10 @@ QVector<QString> leerDestinatarios(int32_t codigo) {
 }
 
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
-    const ResultadoConsulta r =
-        bd().query(u"Select codigo from Automaticos where nombre = ? order by codigo"_s, {nombre});
+    QVariantList valores;
+    const QString donde = condicionNombre(u"nombre"_s, nombre, valores);
+    const ResultadoConsulta r = bd().query(
+        u"Select codigo from Automaticos where "_s + donde + u" order by codigo", valores);
     for (int i = 0; i < r.recordCount(); ++i) {
         const int32_t c = int32_t(numeroDe(r.value(i, 0)));
         if (c != codigo) return c;
@@ -330,11 +342,13 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
     QMap<long long, std::pair<QString, QString>> contactos;
     QStringList vistos;
     for (const QString& a : aliases) {
-        const QString clave = a.toCaseFolded();
+        const QString clave = ReglaNombres::clave(a);
         if (a.isEmpty() || vistos.contains(clave)) continue;
         vistos.append(clave);
+        QVariantList valores;
+        const QString donde = condicionNombre(u"alias"_s, a, valores);
         const ResultadoConsulta r =
-            db.query(u"select rowid, codigo, alias from abonados where alias = ?"_s, {a});
+            db.query(u"select rowid, codigo, alias from abonados where "_s + donde, valores);
         for (int i = 0; i < r.recordCount(); ++i)
             contactos.insert(numeroDe(r.value(i, 0)),
                              {textoDe(r.value(i, 1)), textoDe(r.value(i, 2))});
@@ -432,6 +446,8 @@ int escribirPrograma(int32_t codigo, const QString& nombre, bool programada,
         for (const auto& [col, prop] :
              columnasAlGuardar(programa.periodicidad, programa.mensualEsDia)) {
             QVariant v = programa.valor(prop);
+            // Reading an empty field fails, and the column keeps its value.
+            if (!v.isValid()) continue;
             if (prop == Propiedad::Hora)
                 v = QDateTime(kDiaDeLaHora, programa.hora);
             else if (v.typeId() == QMetaType::QDate)

@@ -11,6 +11,7 @@
 #include <QVariant>
 #include <QVector>
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 // The schedule screens' work on the database: the multi-sends of
@@ -49,18 +50,20 @@ struct Programa {
     int periodicidad = 0;
     QTime hora;
     QDate unaSolaVezFecha;
-    int diariaCada = 1;
-    int semanalCada = 1;
+    // A number field left empty holds none: its column keeps its value.
+    std::optional<int> diariaCada = 1;
+    std::optional<int> semanalCada = 1;
     int semanalDias = 0;  // bit 0 Monday .. bit 6 Sunday
     bool mensualEsDia = true;
-    int mensualDiaMes = 1;
+    std::optional<int> mensualDiaMes = 1;
     int mensualNumSemana = 1;  // 1..4, 5 the last
     int mensualDiaSemana = 1;  // 1 Monday .. 7 Sunday
-    int anualDia = 1;
+    std::optional<int> anualDia = 1;
     int anualMes = 1;
     QDate fechaIni;
     QDate fechaFin;  // fechaMaxima() when there is no end
 
+    // An invalid QVariant for a number field left empty.
     QVariant valor(Propiedad p) const;
 };
 

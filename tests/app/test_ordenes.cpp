@@ -37,6 +37,11 @@ class TestOrdenes : public QObject {
             << QStringList{u"--send"_s, u"600123456"_s, u"Hola; qué tal"_s} << 0 << 0
             << u"Mensaje Importado para el Destino : 0034600123456, Texto: Hola; qué tal\n"_s
             << QStringList() << bandeja << QStringList{u"5|0034600123456|Hola; qué tal"_s};
+        // An escape sequence reaches the outbox, not the terminal.
+        QTest::newRow("control characters are written as codes")
+            << QStringList{u"--send"_s, u"600123456"_s, u"Hola\x1b[2J\x07"_s} << 0 << 0
+            << u"Texto: Hola<27>[2J<7>\n"_s << QStringList() << bandeja
+            << QStringList{u"5|0034600123456|Hola\x1b[2J\x07"_s};
         // Longer than the engine's usual wait: a transmitter's exchange holds
         // the lock that long, and the row must then be there exactly once.
         QTest::newRow("send waits for a writer holding the file")

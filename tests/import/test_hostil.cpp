@@ -5,6 +5,7 @@
 // replies (10,000 of each unless set).
 #include "AyudaImport.h"
 #include "base/Error.h"
+#include "base/RegistroActividad.h"
 #include "delivery/qmXMLSend.h"
 #include "import/mdoImport.h"
 
@@ -159,8 +160,10 @@ int comprobarDesenlaces(const QStringList& desenlaces, const QStringList& textos
         const ResultadoConsulta r = bd().query(
             u"SELECT Id, Abonado, Mensaje FROM envios WHERE Id > ? ORDER BY Id LIMIT 1"_s,
             {ultimoId.isNull() ? QVariant(0) : ultimoId});
+        // The row holds the text as it came; the log, without its control characters.
         if (r.recordCount() != 1 || r.value(0, 2).toString() != textos.at(i) ||
-            d != kImportado + r.value(0, 1).toString() + u", Texto: "_s + textos.at(i)) {
+            d != msEscaparControles(kImportado + r.value(0, 1).toString() + u", Texto: "_s +
+                                    textos.at(i))) {
             qWarning("línea %d: %s", i, qPrintable(d.left(200)));
             return -1;
         }

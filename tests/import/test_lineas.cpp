@@ -3,6 +3,8 @@
 #include "AyudaImport.h"
 #include "import/mdoImport.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
 
@@ -153,6 +155,7 @@ class TestLineas : public QObject {
     }
 
     void contactos_data() {
+        QTest::addColumn<QStringList>("previos");  // aliases already there, besides Eva
         QTest::addColumn<bool>("contactos");
         QTest::addColumn<bool>("addContactos");
         QTest::addColumn<QString>("linea");
@@ -163,33 +166,63 @@ class TestLineas : public QObject {
 
         const QString existente = u"0034600999999|Eva|cliente"_s;
         QTest::newRow("contacto nuevo en la lista")
-            << true << true << u"5;600123456;Ana"_s
+            << QStringList() << true << true << u"5;600123456;Ana"_s
             << QStringList{u"Contacto: Ana Importado, Número: 0034600123456"_s,
                            u"Contacto: Ana Añadido a lista: 003"_s}
             << QStringList{u"0034600123456|Ana|"_s, existente} << QStringList{u"0034600123456|3"_s}
             << true;
         QTest::newRow("sin alias, el número")
-            << true << true << u"600123456"_s
+            << QStringList() << true << true << u"600123456"_s
             << QStringList{u"Contacto: 0034600123456 Importado, Número: 0034600123456"_s,
                            u"Contacto: 0034600123456 Añadido a lista: 003"_s}
             << QStringList{u"0034600123456|0034600123456|"_s, existente}
             << QStringList{u"0034600123456|3"_s} << true;
         QTest::newRow("número ya conocido: no se toca, pero entra en la lista")
-            << true << true << u"7;600999999;Ana"_s
+            << QStringList() << true << true << u"7;600999999;Ana"_s
             << QStringList{u"ERROR: Contacto: Ana NO Importado, Número: 0034600999999"_s,
                            u"Contacto: Ana Añadido a lista: 003"_s}
             << QStringList{existente} << QStringList{u"0034600999999|3"_s} << false;
         QTest::newRow("mensaje que añade contacto conocido")
-            << false << true << u"7;600999999;Hola"_s
+            << QStringList() << false << true << u"7;600999999;Hola"_s
             << QStringList{u"Mensaje Importado para el Destino : 0034600999999, Texto: Hola"_s,
                            u"ERROR: Contacto: 0034600999999 NO Importado, Número: 0034600999999"_s,
                            u"Contacto: 0034600999999 Añadido a lista: 003"_s}
             << QStringList{existente} << QStringList{u"0034600999999|3"_s} << false;
         QTest::newRow("fichero de contactos sin añadir")
-            << true << false << u"5;600123456;Ana"_s << QStringList() << QStringList{existente}
-            << QStringList() << false;
+            << QStringList() << true << false << u"5;600123456;Ana"_s << QStringList()
+            << QStringList{existente} << QStringList() << false;
+        // A taken alias gets a suffix; the logged name stays the line's.
+        QTest::newRow("alias tomado por otro número")
+            << QStringList{u"Luis"_s} << true << true << u"5;600000014;Luis"_s
+            << QStringList{u"Contacto: Luis Importado, Número: 0034600000014"_s,
+                           u"Contacto: Luis Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Luis|"_s, u"0034600000014|Luis_1|"_s, existente}
+            << QStringList{u"0034600000014|3"_s} << true;
+        QTest::newRow("alias tomado en otra grafía, acentos incluidos")
+            << QStringList{u"Ángel"_s} << true << true << u"5;600123456;áNGEL"_s
+            << QStringList{u"Contacto: áNGEL Importado, Número: 0034600123456"_s,
+                           u"Contacto: áNGEL Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Ángel|"_s, u"0034600123456|áNGEL_1|"_s, existente}
+            << QStringList{u"0034600123456|3"_s} << true;
+        QTest::newRow("sufijo contando los nombres que empiezan igual")
+            << QStringList{u"Ana"_s, u"Ana_1"_s, u"Anabel"_s} << true << true
+            << u"5;600123456;ana"_s
+            << QStringList{u"Contacto: ana Importado, Número: 0034600123456"_s,
+                           u"Contacto: ana Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|Ana|"_s, u"0034600000001|Ana_1|"_s,
+                           u"0034600000002|Anabel|"_s, u"0034600123456|ana_3|"_s, existente}
+            << QStringList{u"0034600123456|3"_s} << true;
+        QTest::newRow("mensaje que añade un contacto cuyo número es ya un alias")
+            << QStringList{u"0034600123456"_s} << false << true << u"7;600123456;Hola"_s
+            << QStringList{u"Mensaje Importado para el Destino : 0034600123456, Texto: Hola"_s,
+                           u"Contacto: 0034600123456 Importado, Número: 0034600123456"_s,
+                           u"Contacto: 0034600123456 Añadido a lista: 003"_s}
+            << QStringList{u"0034600000000|0034600123456|"_s, u"0034600123456|0034600123456_1|"_s,
+                           existente}
+            << QStringList{u"0034600123456|3"_s} << true;
     }
     void contactos() {
+        QFETCH(QStringList, previos);
         QFETCH(bool, contactos);
         QFETCH(bool, addContactos);
         QFETCH(QString, linea);
@@ -201,6 +234,9 @@ class TestLineas : public QObject {
         bd().exec(
             u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES "
             u"('0034600999999','Eva','cliente',5)"_s);
+        for (int i = 0; i < previos.size(); ++i)
+            bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',5)"_s,
+                      {u"00346000000%1"_s.arg(i, 2, 10, QChar(u'0')), previos.at(i)});
         QVERIFY(importar(linea.toUtf8() + "\n", contactos, u"3"_s, addContactos));
         QStringList log = import_prueba::registro();
         const QString cierre = log.takeLast();
@@ -210,6 +246,42 @@ class TestLineas : public QObject {
         QCOMPARE(filas(u"SELECT Codigo,Alias,Comentario FROM Abonados ORDER BY Codigo"_s),
                  abonados);
         QCOMPARE(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), miembros);
+    }
+
+    // What a line quotes reaches the log, and the terminal of --import,
+    // without its control characters; the row keeps them.
+    void controlesEnElRegistro_data() {
+        QTest::addColumn<QByteArray>("linea");
+        QTest::addColumn<bool>("contactos");
+        QTest::addColumn<QString>("registro");
+        QTest::addColumn<QString>("guardado");  // the outbox's text or the new alias
+        QTest::newRow("texto con escape, campana y borrado")
+            << QByteArray("7;600123456;\x1b[2J\x1b]0;t\x07 Ñandú \x7f fin") << false
+            << u"Mensaje Importado para el Destino : 0034600123456, Texto: <27>[2J<27>]0;t<7> "
+               u"Ñandú <127> fin"_s
+            << u"\x1b[2J\x1b]0;t\x07 Ñandú \x7f fin"_s;
+        QTest::newRow("nulo en el número")
+            << QByteArray("7;6001\0\x1b[31m;Hola", 17) << false
+            << u"ERROR en número de movil para el Destino : 00346001<0><27>[31m"_s << QString();
+        QTest::newRow("alias con un carácter C1")
+            << QByteArray(
+                   "5;600123456;Jos\xc3\xa9\xc2\x9b"
+                   "2J")
+            << true << u"Contacto: José<155>2J Importado, Número: 0034600123456"_s
+            << u"José"_s + QChar(0x9b) + u"2J"_s;
+    }
+    void controlesEnElRegistro() {
+        QFETCH(QByteArray, linea);
+        QFETCH(bool, contactos);
+        QFETCH(QString, registro);
+        QFETCH(QString, guardado);
+        importar(linea + "\r\n", contactos, u"-1"_s, contactos);
+        QCOMPARE(import_prueba::registro().value(0), registro);
+        for (const QString& l : estadoAplicacion().log.lines())
+            QVERIFY(std::none_of(l.cbegin(), l.cend(), [](QChar c) { return c.unicode() < 32; }));
+        const QString tabla =
+            contactos ? u"SELECT Alias FROM Abonados"_s : u"SELECT Mensaje FROM envios"_s;
+        QCOMPARE(filas(tabla), guardado.isNull() ? QStringList() : QStringList{guardado});
     }
 
     void aliasConSufijo_data() {

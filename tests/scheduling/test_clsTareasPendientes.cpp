@@ -50,6 +50,17 @@ QStringList enCola() {
 }
 
 const QString kSemanal10 = u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s;  // Wednesday 10:00
+
+// A question that stays open while something else happens, as the start-up
+// question does while the transmitter's timer goes on ticking.
+class PreguntaQueEspera : public InterfazGuionada {
+  public:
+    std::function<void()> mientras;
+    int msgBox(const QString& text, int style, const QString& title) override {
+        if (mientras) mientras();
+        return InterfazGuionada::msgBox(text, style, title);
+    }
+};
 }  // namespace
 
 class TestTareasPendientes : public QObject {
@@ -118,6 +129,65 @@ class TestTareasPendientes : public QObject {
         ui.answers = {Msg::No};
         QCOMPARE(clsTareasPendientes().PendientesEnviar(), 0);
         QCOMPARE(ui.boxes.size(), disparadas ? 1 : 2);
+    }
+
+    // A tick while the start-up question waits fires what comes due; the
+    // answer then judges each row on what the database holds, so nothing
+    // goes twice, whichever comes first.
+    void tickWhileTheQuestionWaits_data() {
+        QTest::addColumn<QString>("arranque");
+        QTest::addColumn<QString>("tic");
+        QTest::addColumn<bool>("ticEnLaPregunta");
+        QTest::addColumn<QString>("respuesta");
+        QTest::addColumn<int>("alArrancar");  // rows PendientesEnviar fires
+        QTest::addColumn<int>("alTic");       // rows the tick fires
+        QTest::addColumn<QStringList>("ultimas");
+        // Row 1 daily at 08:00, missed; row 2 daily at 09:00; row 3 daily
+        // at 10:00.
+        QTest::newRow("another row comes due while it waits")
+            << u"08:59:30"_s << u"09:00:20"_s << true << u"09:00:46"_s << 1 << 1
+            << QStringList{u"2006-03-15 09:00:46"_s, u"2006-03-15 09:00:00"_s, QString()};
+        QTest::newRow("the asked row itself goes at a tick while it waits")
+            << u"10:00:05"_s << u"10:00:20"_s << true << u"10:00:30"_s << 2 << 1
+            << QStringList{u"2006-03-15 10:00:30"_s, u"2006-03-15 10:00:30"_s,
+                           u"2006-03-15 10:00:00"_s};
+        QTest::newRow("answered before the tick")
+            << u"10:00:05"_s << u"10:00:20"_s << false << u"10:00:10"_s << 3 << 0
+            << QStringList{u"2006-03-15 10:00:10"_s, u"2006-03-15 10:00:10"_s,
+                           u"2006-03-15 10:00:10"_s};
+    }
+    void tickWhileTheQuestionWaits() {
+        QFETCH(QString, arranque);
+        QFETCH(QString, tic);
+        QFETCH(bool, ticEnLaPregunta);
+        QFETCH(QString, respuesta);
+        QFETCH(int, alArrancar);
+        QFETCH(int, alTic);
+        QFETCH(QStringList, ultimas);
+        conDestinatario(1, u"Periodicidad=1 Hora=08:00"_s);
+        conDestinatario(2, u"Periodicidad=1 Hora=09:00"_s);
+        conDestinatario(3, u"Periodicidad=1 Hora=10:00"_s);
+        RelojFijo clock(en(u"15/03/2006 "_s + arranque));
+        int disparadasAlTic = -1;
+        const auto unTic = [&] {
+            clock.set(en(u"15/03/2006 "_s + tic));
+            disparadasAlTic = clsTareasPendientes().ReLoad();
+        };
+        PreguntaQueEspera ui;
+        ui.answers = {Msg::Yes};
+        ui.mientras = [&] {
+            if (ticEnLaPregunta) unTic();
+            clock.set(en(u"15/03/2006 "_s + respuesta));
+        };
+        QCOMPARE(clsTareasPendientes().PendientesEnviar(), alArrancar);
+        if (!ticEnLaPregunta) unTic();
+        QCOMPARE(disparadasAlTic, alTic);
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE((QStringList{ultimaTarea(1), ultimaTarea(2), ultimaTarea(3)}), ultimas);
+        // Each run that went, went once.
+        QCOMPARE(enCola().size(), alArrancar + alTic);
+        QCOMPARE(db().query(u"SELECT count(DISTINCT Abonado) FROM envios"_s).value(0, 0).toInt(),
+                 alArrancar + alTic);
     }
 
     // Each recipient with its own text and its contact's account, numbers

@@ -2,6 +2,7 @@
 // the schedule control and what closing stores, the recipients with their
 // texts, and a schedule made on the screen that fires at its minute.
 #include "AyudaProgramacion.h"
+#include "scheduling/clsNextTarea.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "scheduling/ctrNumberPick.h"
 #include "scheduling/ctrScheduledTask.h"
@@ -9,12 +10,14 @@
 #include "scheduling/frmSeleccionMensaje.h"
 #include "scheduling/frmSeleccionMensaje2.h"
 
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <QTimeEdit>
 #include <QToolButton>
 
@@ -44,14 +47,14 @@ QString propiedadesDe(const ctrScheduledTask* c) {
     return u"tipo=%1 hora=%2 fecha=%3 ini=%4 fin=%5 diaria=%6 semanal=%7 dias=%8 esdia=%9 "
            u"diames=%10 semana=%11 diasemana=%12 anual=%13/%14"_s.arg(c->Periodicidad())
                .arg(c->Hora(), d(c->p_UnaSolaVez_Fecha()), d(c->p_Fecha_Ini()), d(c->p_Fecha_Fin()))
-               .arg(c->p_Diaria_Cada())
-               .arg(c->p_Semanal_Cada())
+               .arg(c->p_Diaria_Cada().value_or(0))
+               .arg(c->p_Semanal_Cada().value_or(0))
                .arg(c->p_Semanal_Dias())
                .arg(int(c->p_Mensual_Es_Dia()))
-               .arg(c->p_Mensual_Dia_Mes())
+               .arg(c->p_Mensual_Dia_Mes().value_or(0))
                .arg(c->p_Mensual_Num_Semana())
                .arg(c->p_Mensual_dia_Semana())
-               .arg(c->p_Anual_Dia())
+               .arg(c->p_Anual_Dia().value_or(0))
                .arg(c->p_Anual_Mes());
 }
 
@@ -189,6 +192,106 @@ class TestFrmNewMenAuto2 : public QObject {
         QVERIFY(ui.boxes.isEmpty());
     }
 
+    // Reading an emptied number field fails; Cerrar passes over it and the
+    // column keeps its value, so the run is neither sent again nor lost.
+    void emptiedNumberKeepsItsColumn_data() {
+        QTest::addColumn<QString>("columnas");
+        QTest::addColumn<QString>("campo");
+        QTest::addColumn<QString>("nombreColumna");
+        QTest::addColumn<QString>("valor");
+        QTest::newRow("Cada, daily")
+            << u"Periodicidad=1 Cada=3"_s << u"crtNumberPick1"_s << u"Cada"_s << u"3"_s;
+        QTest::newRow("Cada, weekly") << u"Periodicidad=2 Cada=2 DiasSemana=8"_s
+                                      << u"crtNumberPick2"_s << u"Cada"_s << u"2"_s;
+        QTest::newRow("day of the month") << u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=20"_s
+                                          << u"crtNumberPick3"_s << u"MensualDiaMes"_s << u"20"_s;
+        QTest::newRow("day of the year") << u"Periodicidad=4 AnualDia=7 AnualMes=5"_s
+                                         << u"crtNumberPickAnualDia"_s << u"AnualDia"_s << u"7"_s;
+    }
+    void emptiedNumberKeepsItsColumn() {
+        QFETCH(QString, columnas);
+        QFETCH(QString, campo);
+        QFETCH(QString, nombreColumna);
+        QFETCH(QString, valor);
+        // Today's 09:00 run went out an hour ago.
+        RelojFijo reloj(en(u"15/03/2006 10:00:00"_s));
+        programa(6, columnas);
+        bd().exec(u"update Automaticos set UltimaTarea = '2006-03-15 09:00:00'"_s);
+        InterfazGuionada ui;
+        {
+            frmNewMenAuto2 e;
+            e.setCodigo(6);
+            QLineEdit* texto = e.ctrScheduledTask1->findChild<ctrNumberPick*>(campo)->txtNumber;
+            texto->selectAll();
+            QTest::keyClick(texto, Qt::Key_Delete);
+            QCOMPARE(texto->text(), QString());
+            e.XPButton2->click();
+        }
+        QCOMPARE(columna(u"select "_s + nombreColumna + u" from Automaticos where Codigo = 6"),
+                 QStringList{valor});
+        clsNextTarea t;
+        t.setCodigo(6);
+        t.CalcularProximaTarea();
+        QVERIFY(t.HayTarea());
+        QVERIFY(t.FechaProximaTarea() > en(u"15/03/2006 10:00:00"_s));
+        QCOMPARE(clsTareasPendientes().ReLoad(), 0);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
+    // What a field shows when Cerrar acts is what is stored, however Cerrar
+    // was reached: the hour and the dates take their value only as their
+    // field is left, and a shortcut or Enter leaves none.
+    void typedValuesReachTheRowWhateverClosesTheEditor_data() {
+        QTest::addColumn<QString>("campo");
+        QTest::addColumn<QString>("tecleado");
+        QTest::addColumn<QString>("cierre");
+        QTest::addColumn<QString>("nombreColumna");
+        QTest::addColumn<QString>("guardado");
+        for (const QString& cierre : {u"Alt+C"_s, u"Enter"_s, u"clic"_s}) {
+            QTest::addRow("hour, %s", qPrintable(cierre))
+                << u"dpHora"_s << u"16"_s << cierre << u"Hora"_s << u"1899-12-30 16:00:00"_s;
+            QTest::addRow("start, %s", qPrintable(cierre))
+                << u"dpFechaIni"_s << u"20"_s << cierre << u"FechaIni"_s
+                << u"2006-01-20 00:00:00"_s;
+            QTest::addRow("end, %s", qPrintable(cierre))
+                << u"dpFechaFin"_s << u"15"_s << cierre << u"FechaFin"_s
+                << u"2006-06-15 00:00:00"_s;
+        }
+    }
+    void typedValuesReachTheRowWhateverClosesTheEditor() {
+        QFETCH(QString, campo);
+        QFETCH(QString, tecleado);
+        QFETCH(QString, cierre);
+        QFETCH(QString, nombreColumna);
+        QFETCH(QString, guardado);
+        RelojFijo reloj(en(u"15/03/2006 08:00"_s));
+        programa(7, u"Periodicidad=1 FechaFin=2006-06-30"_s);
+        bd().exec(u"update Automaticos set UltimaTarea = '2006-03-14 09:00:00'"_s);
+        InterfazGuionada ui;
+        frmNewMenAuto2 e;
+        e.setCodigo(7);
+        e.tabs->setCurrentIndex(2);
+        e.show();
+        QVERIFY(QTest::qWaitForWindowActive(&e));
+        auto* editor = e.ctrScheduledTask1->findChild<QAbstractSpinBox*>(campo);
+        editor->setFocus();
+        QTest::keyClicks(editor, tecleado);
+        QCOMPARE(editor->text().left(2), tecleado);
+        QSignalSpy cerrado(e.XPButton2, &QPushButton::clicked);
+        if (cierre == u"Alt+C")
+            QTest::keyClick(editor, Qt::Key_C, Qt::AltModifier);
+        else if (cierre == u"Enter")
+            QTest::keyClick(editor, Qt::Key_Return);
+        else
+            QTest::mouseClick(e.XPButton2, Qt::LeftButton);
+        QTRY_COMPARE(cerrado.count(), 1);
+        QCOMPARE(columna(u"select "_s + nombreColumna + u" from Automaticos where Codigo = 7"),
+                 QStringList{guardado});
+        // The typed change is a change: today's run may go again.
+        QCOMPARE(cuantos(u"select count(*) from Automaticos where UltimaTarea is null"_s), 1);
+        QVERIFY(ui.boxes.isEmpty());
+    }
+
     void noProgramarKeepsTheSchedule() {
         RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(2, u"Periodicidad=2 Cada=2 DiasSemana=65"_s);
@@ -211,7 +314,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QCOMPARE(e.lblTarea->text(), u"No hay ninguna tera programada"_s);
         e.optTask[1]->click();
         QCOMPARE(e.ctrScheduledTask1->p_Semanal_Dias(), 65);
-        QCOMPARE(e.ctrScheduledTask1->p_Semanal_Cada(), 2);
+        QCOMPARE(e.ctrScheduledTask1->p_Semanal_Cada(), std::optional<int16_t>(2));
         QVERIFY(e.lblTarea->text().startsWith(u"Semanalmente\nCada 2 semana\ncada: Dom Lunes"_s));
     }
 
@@ -223,6 +326,7 @@ class TestFrmNewMenAuto2 : public QObject {
         QTest::newRow("a number picker") << u"cada"_s << true;
         QTest::newRow("switching the option alone") << u"opcion"_s << true;
         QTest::newRow("the name is no change of schedule") << u"nombre"_s << false;
+        QTest::newRow("closing without a change") << u"cerrar"_s << false;
     }
     void onlyARealChangeForgetsTheLastRun() {
         QFETCH(QString, cambio);
@@ -236,6 +340,7 @@ class TestFrmNewMenAuto2 : public QObject {
         if (cambio == u"cada") e.ctrScheduledTask1->crtNumberPick1->arriba->click();
         if (cambio == u"opcion") e.optTask[0]->click();
         if (cambio == u"nombre") e.txtNombre->setText(u"Otro"_s);
+        if (cambio == u"cerrar") e.XPButton2->click();
         QCOMPARE(cuantos(u"select count(*) from Automaticos where UltimaTarea is null"_s),
                  olvidada ? 1 : 0);
     }
