@@ -58,7 +58,6 @@ frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
 
 void frmIniCanal::cmdAceptar_Click() {
     // Refused or not written, the user stays here to correct.
-    if (msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text()) ==
-        AltaInicial::Hecha)
-        accept();
+    const AltaInicial alta = msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text());
+    if (alta == AltaInicial::Hecha || alta == AltaInicial::SinVerificar) accept();
 }
