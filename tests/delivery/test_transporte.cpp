@@ -365,6 +365,24 @@ class TestTransporte : public QObject {
         QTEST(Transporte::proxyPara(url, ajuste, sinProxy), "proxy");
     }
 
+    // A name that does not resolve is the network's business: the old
+    // advice stands, and the line after it names the host.
+    void nameNotResolved() {
+        InterfazGuionada ui;
+        anadirCuenta(u"http://plataforma.invalid"_s);
+        QCOMPARE(enviarYConsultar(), u"-2"_s);
+        QCOMPARE(msLotesSinEntregar(), 1);
+        const QString linea =
+            u"No se pudo resolver el nombre de la plataforma: Could not resolve "
+            u"host: plataforma.invalid"_s;
+        QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
+        QVERIFY2(registroContiene(linea), qPrintable(registro()));
+        QVERIFY(
+            registroContiene(u"Error de conexión. Imposible conectar con Quelmo Mensajes, "
+                             u"revise su conexión a Internet"_s));
+        QCOMPARE(cuantos(u"select count(*) from envios where intento = 2"_s), 1);
+    }
+
     // An https account is spoken over TLS, its certificate and host name
     // verified against the system's store and the deployment's authorities.
     void certificates_data() {
