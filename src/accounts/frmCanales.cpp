@@ -91,7 +91,7 @@ void frmCanales::msCargarListaCuentas() {
         celdas.append(textoDe(rs.value(f, u"Nombre"_s)));
         celdas.append(textoDe(rs.value(f, u"Remitente"_s)));
         celdas.append(numeroDe(rs.value(f, u"Principal"_s)) == 1 ? u"Sí"_s : u"No"_s);
-        celdas.append(textoDe(rs.value(f, u"saldo"_s)));
+        celdas.append(textoSaldo(rs.value(f, u"saldo"_s)));
         celdas.append(textoDe(rs.value(f, u"usuario"_s)));
         celdas.append(textoDe(rs.value(f, u"canal"_s)));
     }

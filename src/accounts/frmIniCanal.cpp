@@ -61,5 +61,6 @@ void frmIniCanal::cmdAceptar_Click() {
     const Intercambio::Encargo encargo(this);
     // Refused or not written, the user stays here to correct.
     const AltaInicial alta = msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text());
-    if (!encargo.abandonada() && alta == AltaInicial::Hecha) accept();
+    if (encargo.abandonada()) return;
+    if (alta == AltaInicial::Hecha || alta == AltaInicial::SinVerificar) accept();
 }

@@ -129,11 +129,12 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
     setPage(Fin, fin);
     connect(this, &QWizard::currentIdChanged, this, [this, lblFin](int id) {
         if (id != Fin) return;
+        const QString saldo = m_saldo.isEmpty()
+                                  ? u", con un saldo que se conocerá en el próximo envío"_s
+                                  : u", con un saldo de "_s + m_saldo + u" SMS"_s;
         lblFin->setText(u"Su cuenta '"_s + m_usuario +
-                        u"' está dada de alta en la plataforma y en la aplicación, con un saldo "
-                        u"de "_s +
-                        m_saldo +
-                        u" SMS.\n\nYa puede enviar mensajes. En Configurar > Cuentas puede "
+                        u"' está dada de alta en la plataforma y en la aplicación"_s + saldo +
+                        u".\n\nYa puede enviar mensajes. En Configurar > Cuentas puede "
                         u"personalizar su cuenta."_s);
     });
     setMinimumSize(560, 400);
@@ -160,7 +161,8 @@ bool frmRegistro::registrar() {
     if (!r.conectado) {
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
-            u"conexión a Internet."_s,
+            u"conexión a Internet.\n"_s +
+                r.comentario,
             Msg::Critical);
         return false;
     }

@@ -49,11 +49,19 @@ QString remitenteDe(const DatosCuenta& d) {
     return d.remitente;
 }
 
-// A stored host starts with its scheme from the first edit on; the test
-// ignores case so it is never put twice.
-QString conEsquema(const QString& host) {
-    if (host.toUpper().startsWith(u"HTTP://"_s)) return host;
-    return u"HTTP://"_s + host;
+// Said when the platform could not be reached (as opposed to a refusal):
+// what the user typed is kept, and the next exchange tells.
+void avisarSinVerificar() {
+    ui().msgBox(
+        u"No se pudo verificar la cuenta con la plataforma. Se ha guardado tal como la escribió "
+        u"y se comprobará en el próximo envío.\n"_s +
+            msCausaFallo(),
+        Msg::Exclamation);
+}
+
+// A balance the platform did not give is unknown, never an error code.
+QVariant saldoConocido(const QString& saldo) {
+    return esNumerico(saldo) && numeroDe(saldo) >= 0 ? QVariant(saldo) : QVariant();
 }
 
 }  // namespace
@@ -242,7 +250,8 @@ void msVerSaldo(int16_t canal) {
     else if (n == -2)
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a "
-            u"Internet."_s,
+            u"Internet.\n"_s +
+                msCausaFallo(),
             Msg::Critical | Msg::DefaultButton2);
     avisarCambio();
 }
@@ -251,8 +260,8 @@ void msVerSaldo(int16_t canal) {
 
 QString msHostPlataforma() {
     QString h = Despliegue::plataforma().trimmed();
-    for (const QString& esquema : {u"http://"_s, u"https://"_s})
-        if (h.startsWith(esquema, Qt::CaseInsensitive)) h = h.mid(esquema.size());
+    // Only the plain scheme goes: an https address stays one.
+    if (h.startsWith(u"http://"_s, Qt::CaseInsensitive)) h = h.mid(7);
     while (h.endsWith(u'/')) h.chop(1);
     return h;
 }
@@ -293,6 +302,7 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     QString saldo = msConsultarSaldo(d.usuario, d.clave, host);
     // The editor was closed while the platform was asked: nothing is saved.
     if (Intercambio::respuestaDescartada()) return Guardado::Descartada;
+    const bool sinVerificar = saldo == u"-2"_s;
     if (saldo == u"-1"_s) {
         saldo = u"0"_s;
         if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
@@ -310,9 +320,17 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
     const int remopc = d.remopc < 0 ? 0 : d.remopc;
     try {
         const QString clave = msCifrarClave(d.clave, true);
-        const QString movil = estadoAplicacion().MovilCuenta;
+        QString movil = estadoAplicacion().MovilCuenta;
+        // Unreached, the platform said nothing of the number: the stored
+        // one stands (and with it a sender taken from it).
+        if (sinVerificar && edicion) {
+            movil = textoDe(Conexion()
+                                .query(u"select Movil from canales where canal = ?"_s, {canal})
+                                .value(0, 0));
+            estadoAplicacion().MovilCuenta = movil;
+        }
         if (edicion) {
-            d.host = conEsquema(d.host);
+            d.host = msConEsquema(d.host);
             Conexion().exec(
                 u"Update Canales set nombre = ?, MaxMen = ?, Host = ?, Puerto = 80, Usuario = ?, "
                 u"Clave = ?, Remitente = ?, remopc = ?, tini = ?, tfin = ?, imptextos = ?, "
@@ -325,13 +343,15 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
                 u"Insert into Canales (Canal,Nombre,maxmen,Puerto,usuario,clave,Host,Saldo,"
                 u"Principal,Remitente,remopc,tini,tfin,imptextos,Movil) "
                 u"Values (?,?,?,80,?,?,?,?,0,?,?,?,?,?,?)"_s,
-                {canal, d.nombre, maxmenNuevo(d.maxmen), d.usuario, clave, d.host, saldo,
-                 remitenteDe(d), remopc, d.tini, d.tfin, d.importacion ? 1 : 0, movil});
+                {canal, d.nombre, maxmenNuevo(d.maxmen), d.usuario, clave, d.host,
+                 saldoConocido(saldo), remitenteDe(d), remopc, d.tini, d.tfin,
+                 d.importacion ? 1 : 0, movil});
         }
     } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
         return Guardado::Incompleta;
     }
+    if (sinVerificar) avisarSinVerificar();
     avisarCambio();
     return Guardado::Guardada;
 }
@@ -358,8 +378,8 @@ bool NewChannel(const QString& saldo, const QString& usuario, const QString& cla
         db.exec(
             u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
             u"Remitente,remopc,movil) Values (?,?,160,80,?,?,?,?,1,'',0,?)"_s,
-            {canal, QString(u"Cuenta_"_s + usuario), QString(u"HTTP://"_s + msHostPlataforma()),
-             usuario, msCifrarClave(clave, true), saldo, estadoAplicacion().MovilCuenta});
+            {canal, QString(u"Cuenta_"_s + usuario), msConEsquema(msHostPlataforma()), usuario,
+             msCifrarClave(clave, true), saldoConocido(saldo), estadoAplicacion().MovilCuenta});
         return true;
     } catch (const ErrorBD&) {
         // A statement the file can't take means a database of the wrong kind.
@@ -380,7 +400,7 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
     QString host;
     const QString saldo = msConsultarSaldo(usuario, clave, host);
     if (Intercambio::respuestaDescartada()) return AltaInicial::Invalida;
-    // A failed connection is not told apart: the account is written.
+    // Unreached is not refused: the account is written, but not called a success.
     if (saldo == u"-1"_s) {
         ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
         return AltaInicial::Invalida;
@@ -390,6 +410,11 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
                     Msg::Critical);
         msMostrarSeleccionBD();
         return AltaInicial::FalloBase;
+    }
+    if (saldo == u"-2"_s) {
+        avisarSinVerificar();
+        avisarCambio();
+        return AltaInicial::SinVerificar;
     }
     ui().msgBox(
         u"Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
@@ -403,9 +428,7 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
 QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
     estadoAplicacion().MovilCuenta.clear();
     QString host;
-    QString saldo = msConsultarSaldo(usuario, clave, host);
-    // Signed up a moment ago: a failed query only means the balance is not known yet.
-    if (!esNumerico(saldo) || numeroDe(saldo) < 0) saldo = u"0"_s;
+    const QVariant saldo = saldoConocido(msConsultarSaldo(usuario, clave, host));
     try {
         BaseDatos& db = Conexion();
         const bool primera = db.query(u"select canal from canales where principal=1"_s).isEmpty();
@@ -413,13 +436,14 @@ QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
             u"Insert into Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal,"
             u"Remitente,remopc,tini,tfin,imptextos,movil) "
             u"Values (?,?,160,80,?,?,?,?,?,'',0,'','',0,?)"_s,
-            {msSiguienteCanal(), QString(u"Cuenta_"_s + usuario),
-             QString(u"HTTP://"_s + msHostPlataforma()), usuario, msCifrarClave(clave, true), saldo,
-             primera ? 1 : 0, estadoAplicacion().MovilCuenta});
+            {msSiguienteCanal(), QString(u"Cuenta_"_s + usuario), msConEsquema(msHostPlataforma()),
+             usuario, msCifrarClave(clave, true), saldo, primera ? 1 : 0,
+             estadoAplicacion().MovilCuenta});
     } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
         return QString();
     }
     avisarCambio();
-    return saldo;
+    // Signed up a moment ago: a failed query only means the balance is not known yet.
+    return saldo.isNull() ? u""_s : saldo.toString();
 }

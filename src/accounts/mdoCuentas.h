@@ -72,7 +72,8 @@ DatosCuenta msCuentaNueva();
 // The stored account as the editor shows it; nullopt-like empty name and
 // host when the code is unknown.
 DatosCuenta msLeerCuenta(int16_t canal);
-// The platform's message host, without scheme or trailing slash.
+// The platform's message host, without a plain scheme or trailing slash;
+// an https address keeps its scheme.
 QString msHostPlataforma();
 
 enum class Guardado {
@@ -97,14 +98,16 @@ QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
 bool NewChannel(const QString& saldo, const QString& usuario, const QString& clave);
 
 enum class AltaInicial {
-    Hecha,      // account written and the success told; the form closes
-    Invalida,   // a check failed or the platform refused; the form stays
-    FalloBase,  // the row could not be written; the database selection opened
+    Hecha,         // account written and the success told; the form closes
+    SinVerificar,  // the platform could not be reached: written, and said so; closes
+    Invalida,      // a check failed or the platform refused; the form stays
+    FalloBase,     // the row could not be written; the database selection opened
 };
 // What the first-run form's "Aceptar" does: checks, verification, the row.
 AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QString& clave2);
 
 // After the platform signed a new user up: asks for the new account's
 // balance and writes its row, principal when no account is principal yet.
-// The balance stored, or a null string when the row could not be written.
+// The balance stored (empty when unknown), or a null string when the row
+// could not be written.
 QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave);

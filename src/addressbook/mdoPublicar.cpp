@@ -3,6 +3,7 @@
 #include "base/Cifrado.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "delivery/Intercambio.h"
 #include "delivery/qmXMLSend.h"
@@ -40,7 +41,7 @@ QList<CuentaPublicacion> msCuentasPublicacion() {
         const ResultadoConsulta r = Conexion().query(u"SELECT * FROM Canales"_s);
         for (int i = 0; i < r.recordCount(); ++i)
             cuentas.append({textoDe(r.value(i, u"Nombre"_s)) + u" ("_s +
-                                textoDe(r.value(i, u"saldo"_s)) + u" SMS)"_s,
+                                textoSaldo(r.value(i, u"saldo"_s)) + u" SMS)"_s,
                             u"c"_s + textoDe(r.value(i, u"canal"_s)),
                             numeroDe(r.value(i, u"Principal"_s)) == 1});
     } catch (const ErrorQuelmo& e) {
@@ -80,6 +81,8 @@ bool esPalabraClaveValida(const QString& ltag) {
 ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const QString& ltag,
                                      int16_t canal, bool nborrar) {
     ResultadoPublicacion resultado;
+    // What kept the exchange from an answer, for the log and the box.
+    QString causa;
     try {
         DatosCuenta cuenta;
         leerCuenta(canal, &cuenta);
@@ -111,12 +114,15 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         QString nn, ff;
         Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
                              [&] { cliente->SendXMLLista(nn, ff); });
+        causa = Transporte::descripcion(cliente->RXTransporte);
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
-    } catch (const ErrorQuelmo&) {
+    } catch (const ErrorQuelmo& e) {
         // A failed exchange is the platform's failure to the user.
         resultado = ResultadoPublicacion();
+        causa = e.description();
     }
+    if (!causa.isEmpty()) msLog(causa);
     if (Intercambio::respuestaDescartada()) return resultado;
     if (resultado.correcta)
         ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
@@ -126,6 +132,8 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
                         u"Web."_s,
                     Msg::Information, tituloPublicacion());
     else
-        ui().msgBox(u"FALLO en la Publicación de Lista"_s, Msg::Critical, tituloPublicacion());
+        ui().msgBox(
+            u"FALLO en la Publicación de Lista"_s + (causa.isEmpty() ? QString() : u"\n"_s + causa),
+            Msg::Critical, tituloPublicacion());
     return resultado;
 }

@@ -112,6 +112,11 @@ QString textoUso() {
            u"  --version             muestra la versión y termina\n"
            u"  --help                muestra esta ayuda y termina\n"
            u"\n"
+           u"Proxy: el de las variables http_proxy, https_proxy, all_proxy y no_proxy, o\n"
+           u"el de Proxy y SinProxy en la sección [Despliegue] de la configuración.\n"
+           u"\n"
            u"Códigos de salida: 0 bien; 1 el mensaje o alguna línea no se ha importado;\n"
-           u"2 orden mal escrita; 3 sin base de datos utilizable.\n"_s;
+           u"2 orden mal escrita; 3 sin base de datos utilizable; 4 (--once) el ciclo no\n"
+           u"pudo entregar lo que esperaba en la bandeja de salida (plataforma\n"
+           u"inalcanzable, cuenta rechazada, fallo del proxy o del certificado).\n"_s;
 }

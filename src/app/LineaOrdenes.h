@@ -32,3 +32,7 @@ QString textoUso();
 inline constexpr int kSalidaBien = 0;
 inline constexpr int kSalidaFallo = 1;
 inline constexpr int kSalidaUso = 2;
+// --once: the run could not deliver what was waiting (the platform not
+// reached or refusing the account, a proxy or certificate failure); the
+// messages wait in the outbox. 3 is kSalidaSinBaseDatos.
+inline constexpr int kSalidaSinEntregar = 4;

@@ -1,6 +1,7 @@
 #include "app/SinVentana.h"
 
 #include "app/Arranque.h"
+#include "app/LineaOrdenes.h"
 #include "app/Transmisor.h"
 #include "app/mdoMain.h"
 #include "base/Avisos.h"
@@ -10,6 +11,7 @@
 #include "base/Interruptor.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
+#include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
 #include <sys/socket.h>
@@ -119,7 +121,11 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
         transmisor.msForzarEnvio();
         transmisor.detener();
         QCoreApplication::processEvents();
-        if (Conexion().perdida()) codigo = kSalidaSinBaseDatos;
+        // A script or the user service must learn that nothing went out.
+        if (Conexion().perdida())
+            codigo = kSalidaSinBaseDatos;
+        else if (msLotesSinEntregar() > 0)
+            codigo = kSalidaSinEntregar;
     } else if (!pararPedido) {
         // Unless a stop came during start-up: then it ends here.
         codigo = app.exec();

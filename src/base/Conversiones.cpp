@@ -151,6 +151,11 @@ QString textoDe(const QVariant& value) {
     return value.isNull() ? QString() : value.toString();
 }
 
+QString textoSaldo(const QVariant& value) {
+    const QString t = textoDe(value).trimmed();
+    return esNumerico(t) && aNumero(t) >= 0 ? t : QString();
+}
+
 long long numeroDe(const QVariant& value) {
     if (value.isNull()) return 0;
     // A column's own number needs no reading ("1.125" would read as grouped).

@@ -40,3 +40,7 @@ bool aBooleano(const QString& text);
 QString textoDe(const QVariant& value);
 // Number of a column value: null or empty reads as 0.
 long long numeroDe(const QVariant& value);
+// A stored balance as the screens show it: empty when unknown, or when it
+// is the error code of a failed query ("-1", "-2") that an older release
+// stored; never an error shown as credits.
+QString textoSaldo(const QVariant& value);

@@ -48,3 +48,17 @@ int segundosTotal() {
 }
 
 }  // namespace Despliegue
+
+namespace Despliegue {
+
+QString autoridadesCA() {
+    return leer(u"AutoridadesCA"_s, QString()).trimmed();
+}
+QString proxy() {
+    return leer(u"Proxy"_s, QString()).trimmed();
+}
+QString sinProxy() {
+    return leer(u"SinProxy"_s, QString()).trimmed();
+}
+
+}  // namespace Despliegue

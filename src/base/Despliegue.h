@@ -27,3 +27,17 @@ namespace Despliegue {
 int segundosConexion();
 int segundosTotal();
 }  // namespace Despliegue
+
+namespace Despliegue {
+// A file of extra certificate authorities (PEM) for a private platform,
+// trusted beside the system's store; empty for none. There is no setting
+// that skips verification.
+QString autoridadesCA();
+// The proxy of every exchange, over the environment's: empty to follow the
+// environment (http_proxy, https_proxy, all_proxy, no_proxy), "directo" to
+// use none.
+QString proxy();
+// Hosts reached without the proxy, over the environment's no_proxy; empty
+// to follow the environment.
+QString sinProxy();
+}  // namespace Despliegue

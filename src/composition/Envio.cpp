@@ -19,8 +19,9 @@ QVector<CuentaEnvio> leerCuentasEnvio() {
     for (int i = 0; i < r.recordCount(); ++i) {
         CuentaEnvio c;
         c.canal = int(numeroDe(r.value(i, u"Canal"_s)));
-        c.texto = textoDe(r.value(i, u"Nombre"_s)) + u"   ("_s + textoDe(r.value(i, u"Saldo"_s)) +
-                  u" Créditos)"_s;
+        c.texto = textoDe(r.value(i, u"Nombre"_s));
+        if (const QString saldo = textoSaldo(r.value(i, u"Saldo"_s)); !saldo.isEmpty())
+            c.texto += u"   ("_s + saldo + u" Créditos)"_s;
         const QString remitente = textoDe(r.value(i, u"Remitente"_s)).trimmed();
         if (!remitente.isEmpty()) c.texto += u"  Remitente: "_s + remitente;
         c.largoTextos =

@@ -466,7 +466,8 @@ void frmEnvio::cmdSaldo_Click() {
     } else if (saldo == u"-2"_s) {
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
-            u"conexión a Internet."_s,
+            u"conexión a Internet.\n"_s +
+                msCausaFallo(),
             Msg::Critical);
     } else {
         msCargarCanales();

@@ -49,6 +49,10 @@ struct Peticion {
     int segundosTotal = 60;
     qsizetype maximo = 16 * 1024 * 1024;
     Cancelacion cancelacion;
+    // The deployment's word on proxies and authorities (see Despliegue).
+    QString proxy;
+    QString sinProxy;
+    QString autoridades;
 };
 
 struct Respuesta {
@@ -56,14 +60,35 @@ struct Respuesta {
     long estado = 0;  // the HTTP status, 0 when none came
     QByteArray cuerpo;
     QString textoLibreria;  // the transport library's own words
+    QString proxy;          // the proxy it went through, without credentials; empty if none
+    long estadoProxy = 0;   // the proxy's HTTP status, when it answered for itself
     bool bien() const { return fallo == Fallo::Ninguno; }
 };
 
-// A request with the deployment's limits; read on the caller's thread.
+// A request with the deployment's limits, proxy and authorities; read on
+// the caller's thread.
 Peticion peticion(const QString& url, const QByteArray& cuerpo);
+
+// True for an address that must travel over verified TLS: "https://" in any case.
+bool esSegura(const QString& url);
+
+// The proxy that an address goes through, empty for none. The deployment's
+// `proxy` wins ("directo": none); else the environment as the transport
+// library reads it: http_proxy (lower case only, as an upper-case
+// HTTP_PROXY can be set by a web server from a request's header), then for
+// https https_proxy or HTTPS_PROXY, then all_proxy or ALL_PROXY. A host
+// named by `sinProxy`, else by no_proxy or NO_PROXY, goes direct. Chosen
+// here rather than inside the library so that a refusal can be laid at
+// the proxy's door.
+QString proxyPara(const QString& url, const QString& proxy, const QString& sinProxy);
 
 // One POST; never throws.
 Respuesta enviar(const Peticion& p);
+
+// True when the platform could not be reached for a reason of the network
+// (name, connection, time), where "revise su conexión a Internet" is the
+// right advice; a proxy, a certificate or a reply are not.
+bool culpaDeLaRed(const Respuesta& r);
 
 // One Spanish line that names what failed, with the library's own words
 // behind it; empty for a reply that came.

@@ -29,6 +29,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// Batches of this run that could not be delivered.
+int g_lotesSinEntregar = 0;
+// Why the last balance query failed.
+QString g_causaFallo;
+
 // A code that can name an account: the outbox may hold anything an older
 // program or another tool wrote there.
 std::optional<int16_t> codigoCuenta(const QVariant& valor) {
@@ -55,6 +60,7 @@ bool SendMessage() {
     bool lleno = false;
     try {
         if (!Interruptor::instancia().paraEnvio()) return false;
+        g_lotesSinEntregar = 0;
         g.gsVersionPlataforma.clear();
         g.log.clear();
         g.gbEnviando = true;
@@ -184,12 +190,16 @@ QStringList lineasDepuracion(const qmXMLSend::Autentificacion& rx, const QString
             u"Valor AuTrace: "_s + rx.AuTrace};
 }
 
-// Refused or not reached: no row changes.
-void avisarRechazo(const qmXMLSend::Autentificacion& rx) {
-    if (rx.Resultado.trimmed().isEmpty())
-        msLog(
-            u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a Internet"_s);
-    else
+// Refused or not reached: no row changes. The old words where they hold,
+// then the line that names what failed.
+void avisarRechazo(const qmXMLSend::Autentificacion& rx, const Transporte::Respuesta& t) {
+    if (rx.Resultado.trimmed().isEmpty()) {
+        const QString causa = Transporte::descripcion(t);
+        if (causa.isEmpty() || Transporte::culpaDeLaRed(t))
+            msLog(
+                u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a Internet"_s);
+        if (!causa.isEmpty()) msLog(causa);
+    } else
         msLog(u"Acceso Denegado, causa: "_s +
               (rx.Comentario.isEmpty() ? u" Desconocida....."_s : rx.Comentario));
     if (comentarioDice(rx.Comentario, u"su cuenta esté Activa"_s) ||
@@ -314,10 +324,15 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
 
 }  // namespace
 
+QString msConEsquema(const QString& host) {
+    // A host named https must never be reached in clear.
+    if (host.left(7).toUpper() == u"HTTP://"_s || Transporte::esSegura(host)) return host;
+    return u"HTTP://"_s + host;
+}
+
 void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host) {
-    cliente.url = host + (host.endsWith(u'/') ? QString() : u"/"_s) +
-                  u"servlet/quelmoMessage.servlet.Servlet"_s;
-    if (cliente.url.left(7).toUpper() != u"HTTP://"_s) cliente.url = u"HTTP://"_s + cliente.url;
+    cliente.url = msConEsquema(host + (host.endsWith(u'/') ? QString() : u"/"_s) +
+                               u"servlet/quelmoMessage.servlet.Servlet"_s);
 }
 
 int16_t msMaxLote() {
@@ -351,6 +366,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         // The rows wait, untouched, for an account.
         const std::optional<Lote::Cuenta> cuenta = Lote::leerCuenta(db, canal);
         if (!cuenta) {
+            ++g_lotesSinEntregar;
             msLog(u"No existen Cuentas definidas para estos mensajes, envios cancelados ..."_s);
             return 0;
         }
@@ -381,7 +397,8 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
                 return 0;
             }
             if (!d.aceptado) {
-                avisarRechazo(rx);
+                ++g_lotesSinEntregar;
+                avisarRechazo(rx, cliente->RXTransporte);
             } else {
                 for (const QString& l : d.lineas) msLog(l);
                 if (!esNumerico(rx.saldo))
@@ -397,6 +414,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         }
         if (depuracion()) msLog(cliente->RXXML);
     } catch (const ErrorQuelmo& e) {
+        ++g_lotesSinEntregar;
         msLog(u"Se ha producido un error en el proceso de envio, Cod: "_s +
               QString::number(e.number()) + u", Descripcion: "_s + e.description());
         return 0;
@@ -413,6 +431,8 @@ void msAvisoVersionLog() {
 QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host) {
     EstadoAplicacion& g = estadoAplicacion();
     const SecretoOculto oculta(clave);
+    g_causaFallo.clear();
+    Transporte::Respuesta transporte;
     try {
         // A balance query names no sender and no application.
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = qmXMLSend::crear();
@@ -425,8 +445,14 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         cliente->XMLMensajes.Add(0, u"xxx"_s, u"getsaldo"_s);
         msLog(u"Conectando con Usuario: '"_s + usuario + u"' ...."_s);
         QString nn, ff;
-        Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
-                             [&] { cliente->SendXML(nn, ff); });
+        try {
+            Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
+                                 [&] { cliente->SendXML(nn, ff); });
+        } catch (const ErrorQuelmo&) {
+            transporte = cliente->RXTransporte;
+            throw;
+        }
+        transporte = cliente->RXTransporte;
         // No reply has no number: it ends as a failure.
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         const int16_t resultado = aEntero16(rx.Resultado);
@@ -441,10 +467,23 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         }
         msLog(comentario);
         return u"-1"_s;
-    } catch (const ErrorQuelmo&) {
-        msLog(u"Error de conexión. Revise el estado de su conexión a Internet."_s);
+    } catch (const ErrorQuelmo& e) {
+        // The old words where they hold, then what failed.
+        g_causaFallo = Transporte::descripcion(transporte);
+        if (g_causaFallo.isEmpty() || Transporte::culpaDeLaRed(transporte))
+            msLog(u"Error de conexión. Revise el estado de su conexión a Internet."_s);
+        if (g_causaFallo.isEmpty()) g_causaFallo = e.description();
+        msLog(g_causaFallo);
         return u"-2"_s;
     }
+}
+
+QString msCausaFallo() {
+    return g_causaFallo;
+}
+
+int msLotesSinEntregar() {
+    return g_lotesSinEntregar;
 }
 
 QString SendAutCuenta(int16_t canal) {

@@ -43,5 +43,19 @@ void msAvisoVersion();
 void msAvisoVersionLog();
 
 // Sets the client's url for an account's host: the servlet path behind the
-// host, and "HTTP://" in front unless the value already starts with it.
+// host, and "HTTP://" in front unless the value already starts with it or
+// with "https://" (any case), which is kept and spoken over verified TLS.
 void msPonerUrl(qmXMLSend::XMLSendClass& cliente, const QString& host);
+// The same rule for a stored host: "HTTP://" in front unless it already
+// has that scheme or https.
+QString msConEsquema(const QString& host);
+
+// Why the last exchange of a balance query failed, in one Spanish line
+// (empty when it did not fail): the second line of the boxes that tell the
+// user about it.
+QString msCausaFallo();
+
+// Batches of the last transmitter run that could not be delivered: no
+// reply, a refusal of the account, a proxy or certificate failure, an
+// error in the run. Their rows wait in the outbox.
+int msLotesSinEntregar();

@@ -67,4 +67,20 @@ inline QStringList cajas(const InterfazGuionada& ui) {
     return t;
 }
 
+// The boxes with the transport library's own words cut from the line that
+// names a failure's cause: they vary with its version and the machine.
+inline QStringList cajasSinLibreria(const InterfazGuionada& ui) {
+    QStringList t = cajas(ui);
+    for (QString& c : t) {
+        const qsizetype salto = c.indexOf(u'\n');
+        const qsizetype dosPuntos = salto < 0 ? -1 : c.indexOf(u": "_s, salto);
+        if (dosPuntos >= 0) c.truncate(dosPuntos);
+    }
+    return t;
+}
+
+inline const QString kSinVerificar =
+    u"48 No se pudo verificar la cuenta con la plataforma. Se ha guardado tal como la escribió "
+    u"y se comprobará en el próximo envío.\nNo se pudo conectar con la plataforma"_s;
+
 }  // namespace cuentas_prueba

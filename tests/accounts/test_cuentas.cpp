@@ -175,7 +175,7 @@ class TestCuentas : public QObject {
             << u"demo"_s << false << u"7"_s
             << QStringList{
                    u"272 Error de conexión. Imposible conectar con Quelmo Mensajes, "
-                   u"revise su conexión a Internet."_s};
+                   u"revise su conexión a Internet.\nNo se pudo conectar con la plataforma"_s};
     }
     void balanceOutcomes() {
         QFETCH(QString, clave);
@@ -187,7 +187,7 @@ class TestCuentas : public QObject {
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         msVerSaldo(1);
         QTEST(textoDe(Conexion().query(u"select saldo from canales"_s).value(0, 0)), "saldo");
-        QTEST(cajas(ui), "mensajes");
+        QTEST(cajasSinLibreria(ui), "mensajes");
         QCOMPARE(avisos.count(), 1);
     }
 
@@ -215,9 +215,18 @@ class TestCuentas : public QObject {
         QTest::newRow("new, refused and dropped")
             << false << u"mala"_s << true << 2 << u"sms.test"_s << QList<int>{Msg::No}
             << int(Guardado::Descartada) << u"-"_s << QStringList{pregunta};
-        QTest::newRow("new, no connection: saved with the answer as balance")
+        QTest::newRow("new, no connection: saved, balance unknown, and said")
             << false << u"demo"_s << false << 0 << u"sms.test"_s << QList<int>{} << ok
-            << u"L'Hospitalet|sms.test|demo|demo|-2|0|MiTienda|0||160"_s << QStringList{};
+            << u"L'Hospitalet|sms.test|demo|demo||0|MiTienda|0||160"_s
+            << QStringList{kSinVerificar};
+        QTest::newRow("edit, no connection: the stored mobile and its sender stay")
+            << true << u"demo"_s << false << 1 << u"sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|HTTP://sms.test|demo|demo|7|1|611111111|1|0034611111111|160"_s
+            << QStringList{kSinVerificar};
+        QTest::newRow("edit keeps an https host")
+            << true << u"demo"_s << true << 0 << u"https://sms.test"_s << QList<int>{} << ok
+            << u"L'Hospitalet|https://sms.test|demo|demo|7|1|MiTienda|0|0034600123456|160"_s
+            << QStringList{};
         QTest::newRow("new, empty host stays open")
             << false << u"demo"_s << true << 0 << QString() << QList<int>{}
             << int(Guardado::Incompleta) << u"-"_s
@@ -259,7 +268,7 @@ class TestCuentas : public QObject {
         d.remitente = u"MiTienda"_s;
         QTEST(int(msGuardarCuenta(d, edicion, 3)), "resultado");
         QTEST(fila(3), "guardada");
-        QTEST(cajas(ui), "mensajes");
+        QTEST(cajasSinLibreria(ui), "mensajes");
     }
 
     // First run: the checks in their order, then the platform, then the row.
@@ -298,9 +307,10 @@ class TestCuentas : public QObject {
         QTest::newRow("beside an unusable principal: next code, a second principal")
             << u"demo"_s << u"demo"_s << u"demo"_s << true << true << int(AltaInicial::Hecha)
             << exito << 5 << u"Cuenta_demo|HTTP://%1|demo|demo|100|1||0|0034600123456|160"_s;
-        QTest::newRow("no connection is not told apart")
-            << u"demo"_s << u"demo"_s << u"demo"_s << false << false << int(AltaInicial::Hecha)
-            << exito << 0 << u"Cuenta_demo|HTTP://127.0.0.1:1|demo|demo|-2|1||0||160"_s;
+        QTest::newRow("no connection: written, balance unknown, not called a success")
+            << u"demo"_s << u"demo"_s << u"demo"_s << false << false
+            << int(AltaInicial::SinVerificar) << kSinVerificar << 0
+            << u"Cuenta_demo|HTTP://127.0.0.1:1|demo|demo||1||0||160"_s;
     }
     void firstRunAccount() {
         QFETCH(QString, usuario);
@@ -315,10 +325,56 @@ class TestCuentas : public QObject {
         if (existente) cuenta(4, u"Vacía"_s, 1, QString(), QString());
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         QTEST(int(msAltaInicial(usuario, clave, clave2)), "resultado");
-        QTEST(cajas(ui).join(u" / "_s), "mensaje");
+        QTEST(cajasSinLibreria(ui).join(u" / "_s), "mensaje");
         QCOMPARE(fila(canal), QString(guardada).replace(u"%1"_s, sim->host().mid(7)));
         QCOMPARE(principales().size(), guardada == u"-"_s ? int(existente) : 1 + int(existente));
         QCOMPARE(avisos.count(), guardada == u"-"_s ? 0 : 1);
+    }
+
+    // An https platform address is kept by every way an account comes
+    // about; only a plain one gives way to the "HTTP://" rule.
+    void platformSchemeIsKept_data() {
+        QTest::addColumn<QString>("plataforma");
+        QTest::addColumn<QString>("editor");  // the new account's host in the editor
+        QTest::addColumn<QString>("guardado");
+        QTest::newRow("https") << u"https://127.0.0.1:1/"_s << u"https://127.0.0.1:1"_s
+                               << u"https://127.0.0.1:1"_s;
+        QTest::newRow("https in upper case")
+            << u"HTTPS://127.0.0.1:1"_s << u"HTTPS://127.0.0.1:1"_s << u"HTTPS://127.0.0.1:1"_s;
+        QTest::newRow("http") << u"http://127.0.0.1:1/"_s << u"127.0.0.1:1"_s
+                              << u"HTTP://127.0.0.1:1"_s;
+        QTest::newRow("no scheme")
+            << u"127.0.0.1:1"_s << u"127.0.0.1:1"_s << u"HTTP://127.0.0.1:1"_s;
+    }
+    void platformSchemeIsKept() {
+        QFETCH(QString, plataforma);
+        QFETCH(QString, guardado);
+        InterfazGuionada ui;
+        Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, plataforma);
+        QTEST(msCuentaNueva().host, "editor");
+        QCOMPARE(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s), AltaInicial::SinVerificar);
+        // After a sign-up the balance may not be known yet: empty, never 0.
+        const QString saldo = msAnadirCuentaRegistrada(u"nuevo"_s, u"x"_s);
+        QCOMPARE(saldo, u""_s);
+        QVERIFY(!saldo.isNull());  // null means the row could not be written
+        QCOMPARE(
+            enteros(u"select count(*) from canales where Host = ? and Saldo is null"_s, {guardado}),
+            QList<int>{2});
+    }
+
+    void balanceShownOnlyWhenKnown_data() {
+        QTest::addColumn<QVariant>("saldo");
+        QTest::addColumn<QString>("visto");
+        QTest::newRow("a balance") << QVariant(u"100"_s) << u"100"_s;
+        QTest::newRow("zero") << QVariant(0) << u"0"_s;
+        QTest::newRow("unknown") << QVariant() << QString();
+        QTest::newRow("failed query of an older release") << QVariant(u"-2"_s) << QString();
+        QTest::newRow("refused query of an older release") << QVariant(-1) << QString();
+        QTest::newRow("no number") << QVariant(u"abc"_s) << QString();
+    }
+    void balanceShownOnlyWhenKnown() {
+        QFETCH(QVariant, saldo);
+        QTEST(textoSaldo(saldo), "visto");
     }
 
     void firstRunInsertRefusedOpensSelection() {

@@ -347,6 +347,29 @@ class TestPantallasCuentas : public QObject {
         QCOMPARE(enteros(u"select count(*) from envios"_s), QList<int>{0});
     }
 
+    // Without the platform the first account is still written and the form
+    // closes, on a warning instead of a success; no balance is shown.
+    void freshStartWithoutThePlatform() {
+        InterfazGuionada ui;
+        plataforma(*sim, false);
+        bool cerrado = false;
+        alAbrirModal([&cerrado](QDialog* ini) {
+            escribir(ini, u"txtUsuario"_s, u"demo"_s);
+            escribir(ini, u"txtClave"_s, u"demo"_s);
+            escribir(ini, u"txtClave2"_s, u"demo"_s);
+            hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+            cerrado = !ini->isVisible();
+            if (!cerrado) ini->reject();
+        });
+        Pantallas::abrir(u"frmIniCanal"_s);
+        QVERIFY(cerrado);
+        QCOMPARE(cajasSinLibreria(ui), QStringList{kSinVerificar});
+        frmCanales lista;
+        QCOMPARE(lista.ListView1->modelo()->fila(0).join(u'|'), u"Cuenta_demo||Sí||demo|0"_s);
+        frmEnvio envio;
+        QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(), u"Cuenta_demo"_s);
+    }
+
     // A new user signs up: a refusal in words, corrected, then an account
     // that is principal, shows in the compose screen and sends at once.
     void signUpEndToEnd() {

@@ -1,7 +1,9 @@
 // `quelmo-sms --headless` as servers and scripts use it: a real process in a
 // temporary home.
+#include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "base/Ajustes.h"
+#include "base/Cifrado.h"
 #include "db/BaseDatos.h"
 
 #include <QProcess>
@@ -84,6 +86,51 @@ class TestHeadless : public QObject {
         QVERIFY(r.finished);
         QVERIFY(r.exitCode != 0);
         QVERIFY2(r.err.contains(u"base de datos"_s), qPrintable(r.err));
+    }
+
+    // A cron job or the user service learns from the exit code whether the
+    // run delivered what was waiting.
+    void onceExitCodeSaysWhetherItDelivered_data() {
+        QTest::addColumn<QString>("clave");  // of the account; empty: no row waits
+        QTest::addColumn<bool>("alcanzable");
+        QTest::addColumn<int>("codigo");
+        QTest::addColumn<QString>("linea");
+        QTest::newRow("nothing waiting") << QString() << true << 0 << QString();
+        QTest::newRow("delivered")
+            << u"demo"_s << true << 0 << u"Envío simulado Para el ENVIO_SIMULADO"_s;
+        QTest::newRow("platform not reached")
+            << u"demo"_s << false << 4 << u"No se pudo conectar con la plataforma: "_s;
+        QTest::newRow("account refused") << u"mala"_s << true << 4 << u"Acceso Denegado, causa: "_s;
+    }
+    void onceExitCodeSaysWhetherItDelivered() {
+        QFETCH(QString, clave);
+        QFETCH(bool, alcanzable);
+        QFETCH(int, codigo);
+        QFETCH(QString, linea);
+        SimuladorPrueba sim(world.root(),
+                            u"[plataforma]\nversion=\n[cuenta1]\nusuario=demo\nclave=demo\n"_s);
+        QVERIFY(sim.listo());
+        QDir().mkpath(world.appDir());
+        TestDb::createCurrent(base());
+        {
+            BaseDatos db;
+            QVERIFY(db.open(base()));
+            if (!clave.isEmpty()) {
+                db.exec(
+                    u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,"
+                    u"Principal) VALUES (1,'Uno',160,80,?,'demo',?,1)"_s,
+                    {alcanzable ? sim.host() : u"http://127.0.0.1:1"_s,
+                     msCifrarClave(clave, true)});
+                db.exec(
+                    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+                    u"VALUES ('2026-01-01 08:00:00',1,'0034111111111','hola',2)"_s);
+            }
+        }
+        escribirIni("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
+        const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
+        QVERIFY(r.finished);
+        QCOMPARE(r.exitCode, codigo);
+        if (!linea.isEmpty()) QVERIFY2(r.out.contains(linea), qPrintable(r.out));
     }
 
     void secondInstanceEndsSilentlyAndSignalsStopCleanly() {
