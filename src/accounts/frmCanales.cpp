@@ -7,6 +7,7 @@
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -26,6 +27,7 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
                             {u"Cuenta"_s, u"Remitente"_s, u"Principal"_s, u"Saldo"_s, u"Usuario"_s,
                              u"Codigo de Cuenta"_s},
                             this);
+    nombreAccesible(ListView1, u"Cuentas"_s);
     ListView1->setColumnWidth(0, 170);
     for (int c = 1; c < 5; ++c) ListView1->setColumnWidth(c, 90);
 

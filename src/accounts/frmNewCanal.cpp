@@ -96,8 +96,13 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     L2->hide();
 
     auto info = [this](int i, const QString& ayuda = QString()) {
+        // Read aloud, the picture alone says nothing of what it explains.
+        static const QStringList sobre{u"Información sobre el texto inicio de mensaje"_s,
+                                       u"Información sobre el texto final de mensaje"_s, QString(),
+                                       QString(), u"Condiciones del remitente personalizado"_s};
         auto* b = new QToolButton(this);
         b->setObjectName(u"Image4_%1"_s.arg(i));
+        b->setAccessibleName(sobre.value(i));
         b->setIcon(iconoQuelmo(u"info"_s));
         b->setAutoRaise(true);
         if (!ayuda.isEmpty()) b->setToolTip(ayuda);

@@ -12,6 +12,7 @@
 #include "composition/crtAutoComplete.h"
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
@@ -205,6 +206,24 @@ void frmEnvio::construir() {
     connect(cmdMenPro, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmSelecMenPro"_s); });
     connect(cmdEnvMult, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmEmergencias"_s); });
     connect(CmdSalir, &QPushButton::clicked, this, &QWidget::close);
+
+    nombreAccesible(ImageCombo1, u"Cuenta"_s, u"La cuenta que paga los mensajes nuevos"_s);
+    nombreAccesible(crtAutoComplete1->Text1(), u"Destinatarios"_s,
+                    u"Contactos o números separados por punto y coma"_s);
+    nombreAccesible(cmdAbonados, u"Elegir destinatarios"_s,
+                    u"Elegir contactos y listas de la agenda"_s);
+    nombreAccesible(txtMensaje, u"Texto del Mensaje"_s,
+                    u"Escape vacía el texto; F2 elige un mensaje predefinido"_s);
+    nombreAccesible(ListView1, u"Bandeja de Salida"_s, u"Intro modifica el mensaje elegido"_s);
+    // The switch answers the keyboard as it answers a double click.
+    imgmt->setFocusPolicy(Qt::StrongFocus);
+    imgmt->setStyleSheet(
+        u"QLabel { border: 1px solid transparent } QLabel:focus { border-color: palette(highlight) }"_s);
+    imgmt->setAccessibleDescription(
+        u"Pulse Espacio o haga doble clic para activar o desactivar el envío de SMS"_s);
+    ordenTabulacion({ImageCombo1, cmdSaldo, cmdRecarga, crtAutoComplete1->Text1(), cmdAbonados,
+                     txtMensaje, cmdMenPro, cmdEnvMult, cmdAnadir, ListView1, imgmt, cmdEnviar,
+                     cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir});
 }
 
 // ---- accounts and counter -------------------------------------------------
@@ -267,6 +286,8 @@ int64_t frmEnvio::canalElegido() const {
 void frmEnvio::contador() {
     const int n = largoMensaje(txtMensaje->toPlainText()) + miLargoTextos;
     lblCaracteres->setText(textoContador(n, msNotaTextos));
+    // Read out as words, not as a number in brackets.
+    lblCaracteres->setAccessibleName(QString::number(n) + u" caracteres"_s + msNotaTextos);
     lblmas->setVisible(n > kLargoUnSms);
 }
 
@@ -349,6 +370,7 @@ void frmEnvio::msPintarBandeja() {
         }
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
+        lblcont->setAccessibleName(n < 1 ? u"Ningún mensaje listo para enviar"_s : lblcont->text());
     } catch (const ErrorQuelmo&) {
         // Every ten seconds: the list stays as last drawn until the
         // database answers again, rather than a box at each tick.
@@ -455,6 +477,7 @@ void frmEnvio::mostrarTransmisor(bool activo) {
     p.setColor(QPalette::WindowText, EstadoTransmisor::color(activo));
     lmt->setPalette(p);
     imgmt->setPixmap(EstadoTransmisor::icono(activo).pixmap(QSize(24, 24)));
+    imgmt->setAccessibleName(EstadoTransmisor::texto(activo));
 }
 
 void frmEnvio::imgmt_DblClick() {
@@ -487,6 +510,12 @@ bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
     } else if (objeto == imgmt && evento->type() == QEvent::MouseButtonDblClick) {
         imgmt_DblClick();
         return true;
+    } else if (objeto == imgmt && evento->type() == QEvent::KeyPress) {
+        const int tecla = static_cast<QKeyEvent*>(evento)->key();
+        if (tecla == Qt::Key_Space || tecla == Qt::Key_Return || tecla == Qt::Key_Enter) {
+            imgmt_DblClick();
+            return true;
+        }
     } else if (evento->type() == QEvent::Resize && objeto == PantallasHijas::subWindowOf(this)) {
         colocarEnMarco(false);
     }

@@ -3,6 +3,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
 #include "scheduling/ctrNumberPick.h"
+#include "widgets/Accesible.h"
 
 #include <QButtonGroup>
 #include <QCalendarWidget>
@@ -13,6 +14,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -221,6 +223,25 @@ void ctrScheduledTask::construir() {
     for (QGroupBox* g : frame1) v->addWidget(g);
     v->addWidget(frameFechaIniFechaFin);
     v->addStretch(1);
+    nombrarControles();
+}
+
+void ctrScheduledTask::nombrarControles() {
+    // The labels stand apart from their fields, or say half of it ("Cada").
+    nombreAccesible(cmbTipoTask, u"Tarea Programada"_s);
+    nombreAccesible(dpHora, u"Hora comienzo"_s);
+    nombreAccesible(mvFecha, u"Fecha Tarea"_s);
+    nombreAccesible(crtNumberPick1->txtNumber, u"Cada cuántos días"_s);
+    nombreAccesible(crtNumberPick2->txtNumber, u"Cada cuántas semanas"_s);
+    nombreAccesible(Option1[0], u"Un día fijo del mes"_s);
+    nombreAccesible(crtNumberPick3->txtNumber, u"Día del mes"_s);
+    nombreAccesible(Option1[1], u"Un día de la semana del mes"_s);
+    nombreAccesible(cmbMesSemana, u"Semana del mes"_s);
+    nombreAccesible(cmbMesDia, u"Día de la semana"_s);
+    nombreAccesible(crtNumberPickAnualDia->txtNumber, u"Día"_s);
+    nombreAccesible(cmbAnualMes, u"Mes"_s);
+    nombreAccesible(dpFechaIni, u"Fecha Inicio"_s);
+    nombreAccesible(dpFechaFin, u"Fecha de fin"_s);
 }
 
 void ctrScheduledTask::mostrarPaneles() {
