@@ -153,7 +153,10 @@ void frmEnvio::construir() {
 
     // Layout.
     auto* rejilla = new QGridLayout();
-    rejilla->addWidget(etiqueta(this, u"Label2"_s, u"Cuenta"_s), 0, 0);
+    // A combo is read by its value: its label comes through the buddy.
+    QLabel* Label2 = etiqueta(this, u"Label2"_s, u"Cuenta"_s);
+    Label2->setBuddy(ImageCombo1);
+    rejilla->addWidget(Label2, 0, 0);
     auto* filaCuenta = new QHBoxLayout();
     filaCuenta->addWidget(ImageCombo1, 1);
     filaCuenta->addWidget(cmdSaldo);

@@ -187,7 +187,9 @@ void ctrScheduledTask::construir() {
     g4->addWidget(new QLabel(u"Dia:"_s, frame1[4]));
     g4->addWidget(crtNumberPickAnualDia);
     g4->addSpacing(12);
-    g4->addWidget(new QLabel(u"Mes:"_s, frame1[4]));
+    auto* etiquetaMes = new QLabel(u"Mes:"_s, frame1[4]);
+    etiquetaMes->setBuddy(cmbAnualMes);
+    g4->addWidget(etiquetaMes);
     g4->addWidget(cmbAnualMes);
     g4->addStretch(1);
 
@@ -211,7 +213,9 @@ void ctrScheduledTask::construir() {
     gf->addStretch(1);
 
     auto* cabecera = new QHBoxLayout;
-    cabecera->addWidget(etiqueta(u"Tarea Programada:"_s));
+    QLabel* etiquetaTipo = etiqueta(u"Tarea Programada:"_s);
+    etiquetaTipo->setBuddy(cmbTipoTask);
+    cabecera->addWidget(etiquetaTipo);
     cabecera->addWidget(cmbTipoTask);
     cabecera->addSpacing(16);
     cabecera->addWidget(etiqueta(u"Hora comienzo:"_s));

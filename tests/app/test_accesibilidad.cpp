@@ -29,6 +29,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A combo's name on Linux is its value: what it is for comes from a label
+// whose buddy it is, or from a name given on purpose.
+QString nombre(QAccessibleInterface* c) {
+    if (c->role() != QAccessible::ComboBox) return c->text(QAccessible::Name);
+    auto* w = qobject_cast<QWidget*>(c->object());
+    if (w && !w->accessibleName().isEmpty()) return w->accessibleName();
+    const auto etiquetas = c->relations(QAccessible::Label);
+    return etiquetas.isEmpty() ? QString() : etiquetas.first().first->text(QAccessible::Name);
+}
+
 // The controls of a screen that Tab reaches, with the name assistive
 // technology reads for each. Views, combos and text boxes are one control
 // each: their items are not controls of the screen.
@@ -38,7 +48,7 @@ void recorrer(QAccessibleInterface* i, QMap<QObject*, QString>& controles) {
         if (!c || !c->isValid() || c->state().invisible) continue;
         auto* w = qobject_cast<QWidget*>(c->object());
         if (c->state().focusable && w && (w->focusPolicy() & Qt::TabFocus))
-            controles[w] = c->text(QAccessible::Name);
+            controles[w] = nombre(c);
         switch (c->role()) {
             case QAccessible::List:
             case QAccessible::Table:
