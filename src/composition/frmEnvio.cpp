@@ -220,8 +220,9 @@ void frmEnvio::construir() {
     nombreAccesible(ListView1, u"Bandeja de Salida"_s, u"Intro modifica el mensaje elegido"_s);
     // The switch answers the keyboard as it answers a double click.
     imgmt->setFocusPolicy(Qt::StrongFocus);
-    imgmt->setStyleSheet(
-        u"QLabel { border: 1px solid transparent } QLabel:focus { border-color: palette(highlight) }"_s);
+    // Focused, its picture stands on the highlight colour; no border, so
+    // the screen keeps its size.
+    imgmt->setStyleSheet(u"QLabel:focus { background: palette(highlight) }"_s);
     imgmt->setAccessibleDescription(
         u"Pulse Espacio o haga doble clic para activar o desactivar el envío de SMS"_s);
     ordenTabulacion({ImageCombo1, cmdSaldo, cmdRecarga, crtAutoComplete1->Text1(), cmdAbonados,
