@@ -55,6 +55,7 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
     v->addLayout(arriba, 1);
     v->addWidget(cmdRegistro);
     resize(860, 380);
+    ordenTabulacion({cmdRecarga, cmdClose, cmdRegistro});
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmCanales::cmdAdd_Click);
     connect(cmdEdit, &QPushButton::clicked, this, &frmCanales::cmdEdit_Click);

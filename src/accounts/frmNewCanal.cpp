@@ -3,6 +3,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -174,6 +175,11 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     connect(XPButton1, &QPushButton::clicked, this,
             [this] { msAbrirUrl(msUrlRecarga(txtUsuario->text())); });
     actualizarActivacion();
+    ordenTabulacion({txtNombre, txtUsuario, txtClave, Option1->button(0), Option1->button(1),
+                     Option1->button(2), txtRemitente, findChild<QWidget*>(u"Image4_4"_s),
+                     txtinicio, findChild<QWidget*>(u"Image4_0"_s), txtfinal,
+                     findChild<QWidget*>(u"Image4_1"_s), importacion, XPButton1, cmdAceptar,
+                     CmdSalir});
 }
 
 void frmNewCanal::editar(bool edicion, int16_t canal, QWidget* padre) {
