@@ -3,12 +3,14 @@
 // the mouse does the keyboard does too.
 #include "TestSupportGui.h"
 #include "addressbook/frmUserGroup.h"
+#include "app/frmLog.h"
 #include "app/frmShowLineLog.h"
 #include "app/frmpwd.h"
 #include "app/mdiMain.h"
 #include "base/Ajustes.h"
 #include "base/Interruptor.h"
 #include "base/Pantallas.h"
+#include "base/RegistroActividad.h"
 #include "composition/frmEnvio.h"
 #include "composition/frmSeleccion.h"
 #include "scheduling/frmSeleccionMensaje.h"
@@ -17,8 +19,10 @@
 
 #include <QAccessible>
 #include <QLabel>
+#include <QListView>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
@@ -292,6 +296,17 @@ class TestAccesibilidad : public QObject {
         QCOMPARE(prueba::hijo<QLabel>(envio, u"lblCaracteres"_s)->accessibleName(),
                  u"4 caracteres"_s);
         PantallasHijas::area()->closeAllSubWindows();
+
+        // A line of the log in full: Enter on it.
+        msLog(u"una línea del registro"_s);
+        QListView* log = ventana->panelLog()->List1();
+        log->setFocus();
+        QTest::keyClick(log, Qt::Key_Return);
+        QVERIFY(ventana->panelLog()->detalle());
+        QTRY_VERIFY(ventana->panelLog()->detalle()->isVisible());
+        QVERIFY(ventana->panelLog()->detalle()->txtLog()->toPlainText().endsWith(
+            u" - una línea del registro"_s));
+        ventana->panelLog()->detalle()->close();
 
         // Hiding: its own key.
         ventana->hayBandeja = [] { return true; };
