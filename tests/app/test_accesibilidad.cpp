@@ -300,6 +300,8 @@ class TestAccesibilidad : public QObject {
         // A line of the log in full: Enter on it.
         msLog(u"una línea del registro"_s);
         QListView* log = ventana->panelLog()->List1();
+        ventana->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(ventana.get()));
         log->setFocus();
         QTest::keyClick(log, Qt::Key_Return);
         QVERIFY(ventana->panelLog()->detalle());
