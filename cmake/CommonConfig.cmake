@@ -17,3 +17,13 @@ if(QUELMO_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(quelmo_common_cfg INTERFACE -fsanitize=address,undefined)
 endif()
+
+# Hardened as Debian builds its packages: checked string and memory calls
+# (they need the optimiser, so not in Debug), a guarded stack, and
+# relocations resolved and made read-only at start.
+if(NOT QUELMO_SANITIZE)
+    target_compile_definitions(quelmo_common_cfg INTERFACE
+        $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+endif()
+target_compile_options(quelmo_common_cfg INTERFACE -fstack-protector-strong)
+target_link_options(quelmo_common_cfg INTERFACE LINKER:-z,relro LINKER:-z,now)

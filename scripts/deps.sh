@@ -3,7 +3,8 @@
 QUELMO_PACKAGES="cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite \
 libsqlite3-dev libcurl4-openssl-dev libcpp-httplib-dev libgl-dev sqlite3 xvfb xauth clang-format \
 qt6-translations-l10n desktop-file-utils appstream man-db dpkg-dev file ccache \
-stunnel4 tinyproxy openssl"
+stunnel4 tinyproxy openssl \
+lintian at-spi2-core python3-pyatspi dbus-daemon"
 
 quelmo_install_deps() {
     local missing=""

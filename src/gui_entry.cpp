@@ -1,5 +1,6 @@
 // The entry point of the GUI module: `Main` of the desktop application.
 #include "app/Arranque.h"
+#include "app/Instancia.h"
 #include "app/InterfazGrafica.h"
 #include "app/Transmisor.h"
 #include "app/mdiMain.h"
@@ -11,7 +12,6 @@
 
 #include <QApplication>
 #include <QIcon>
-#include <QLockFile>
 
 using namespace Qt::StringLiterals;
 
@@ -23,19 +23,24 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     // it ends only through the main window's closing rule.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(QIcon(u":/quelmo/iconos/aplicacion.png"_s));
-    // A second instance for this user ends at once, silently.
-    QLockFile bloqueo(rutaBloqueoInstancia());
-    if (!adquirirInstanciaUnica(bloqueo)) return 0;
+    InterfazGrafica interfaz;
+    establecerInterfaz(&interfaz);
+    // A second start for this user hands over to the running program and
+    // touches nothing else.
+    Instancia instancia(Instancia::Papel::Ventana);
+    if (!instancia.adquirir()) {
+        Instancia::cederAlPrimero();
+        return 0;
+    }
     prepararBaseInicial();
     // The command line was checked before this module was loaded.
     Transmisor::continuoPorOrden(QApplication::arguments().contains(u"--continuous"_s));
 
-    InterfazGrafica interfaz;
-    establecerInterfaz(&interfaz);
     // The main window with its caption, its load and its first activation.
     mdiMain ventana;
     interfaz.setOwner(&ventana);
     ventana.show();
+    QObject::connect(&instancia, &Instancia::ventanaPedida, &ventana, &mdiMain::mnurestaurar_Click);
     // After the access gate, the compose screen; refused, the frame stays
     // without it and each command asks again.
     QObject::connect(&ventana, &mdiMain::primeraActivacionTerminada, &ventana, [] {

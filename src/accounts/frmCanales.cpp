@@ -8,6 +8,7 @@
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
 #include "delivery/Intercambio.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -27,6 +28,7 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
                             {u"Cuenta"_s, u"Remitente"_s, u"Principal"_s, u"Saldo"_s, u"Usuario"_s,
                              u"Codigo de Cuenta"_s},
                             this);
+    nombreAccesible(ListView1, u"Cuentas"_s);
     ListView1->setColumnWidth(0, 170);
     for (int c = 1; c < 5; ++c) ListView1->setColumnWidth(c, 90);
 
@@ -54,6 +56,7 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
     v->addLayout(arriba, 1);
     v->addWidget(cmdRegistro);
     resize(860, 380);
+    ordenTabulacion({cmdRecarga, cmdClose, cmdRegistro});
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmCanales::cmdAdd_Click);
     connect(cmdEdit, &QPushButton::clicked, this, &frmCanales::cmdEdit_Click);

@@ -4,6 +4,7 @@
 #include "base/InterfazUsuario.h"
 #include "base/Pantallas.h"
 #include "delivery/Intercambio.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -97,8 +98,13 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     L2->hide();
 
     auto info = [this](int i, const QString& ayuda = QString()) {
+        // Read aloud, the picture alone says nothing of what it explains.
+        static const QStringList sobre{u"Información sobre el texto inicio de mensaje"_s,
+                                       u"Información sobre el texto final de mensaje"_s, QString(),
+                                       QString(), u"Condiciones del remitente personalizado"_s};
         auto* b = new QToolButton(this);
         b->setObjectName(u"Image4_%1"_s.arg(i));
+        b->setAccessibleName(sobre.value(i));
         b->setIcon(iconoQuelmo(u"info"_s));
         b->setAutoRaise(true);
         if (!ayuda.isEmpty()) b->setToolTip(ayuda);
@@ -170,6 +176,11 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
     connect(XPButton1, &QPushButton::clicked, this,
             [this] { msAbrirUrl(msUrlRecarga(txtUsuario->text())); });
     actualizarActivacion();
+    ordenTabulacion({txtNombre, txtUsuario, txtClave, Option1->button(0), Option1->button(1),
+                     Option1->button(2), txtRemitente, findChild<QWidget*>(u"Image4_4"_s),
+                     txtinicio, findChild<QWidget*>(u"Image4_0"_s), txtfinal,
+                     findChild<QWidget*>(u"Image4_1"_s), importacion, XPButton1, cmdAceptar,
+                     CmdSalir});
 }
 
 void frmNewCanal::editar(bool edicion, int16_t canal, QWidget* padre) {

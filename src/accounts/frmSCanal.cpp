@@ -3,6 +3,7 @@
 #include "accounts/mdoCuentas.h"
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -18,6 +19,7 @@ frmSCanal::frmSCanal(QWidget* parent) : QDialog(parent) {
     setWindowTitle(u"Seleccione una Cuenta para este envio"_s);
     setWindowIcon(iconoQuelmo(u"cuentas"_s));
     ListView1 = new Listado(u"ListView1"_s, {u"Cuenta"_s, u"Contacto"_s}, this);
+    nombreAccesible(ListView1, u"Cuentas"_s);
     ListView1->setColumnWidth(0, 200);
     cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Asignar Cuenta"_s);
     auto* botones = new QHBoxLayout;

@@ -5,6 +5,7 @@
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -26,6 +27,7 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     setWindowIcon(iconoQuelmo(u"contactos"_s));
     ListView1 =
         new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
+    nombreAccesible(ListView1, u"Contactos"_s);
     ListView1->setSeleccionMultiple(true);
     // Each column as wide as what it usually holds, so that all four show.
     const QFontMetrics fm = ListView1->fontMetrics();

@@ -3,6 +3,7 @@
 #include "addressbook/frmUserGroup.h"
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -20,6 +21,7 @@ frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
     setWindowIcon(iconoQuelmo(u"listas"_s));
     ListView1 =
         new Listado(u"ListView1"_s, {u"Código"_s, u"Nombre de Lista"_s, u"Nº Contactos"_s}, this);
+    nombreAccesible(ListView1, u"Listas Locales"_s);
     ListView1->setColumnWidth(0, 70);
     ListView1->setColumnWidth(1, 260);
     auto boton = [this](const QString& nombre, const QString& texto) {

@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -18,6 +19,7 @@ frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
     setWindowTitle(u"Mensajes Predefinidos"_s);
     setWindowIcon(iconoQuelmo(u"predefinidos"_s));
     ListView1 = new Listado(u"ListView1"_s, {u"Texto del Mensaje Predefinido"_s}, this);
+    nombreAccesible(ListView1, u"Mensajes Predefinidos"_s);
     auto boton = [this](const QString& nombre, const QString& texto) {
         return botonConNombre(this, nombre, texto);
     };

@@ -42,6 +42,7 @@ frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringL
     lstGrupos->setUniformItemSizes(true);
     lstGrupos->setSelectionMode(QAbstractItemView::MultiSelection);
     lstGrupos->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    lstGrupos->setAccessibleName(u"Asignación a Listas"_s);
     cmdAnadir = botonConNombre(this, u"cmdAñadir"_s, u"&Añadir Contacto"_s);
     CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
 

@@ -29,6 +29,7 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     lstMensajes->setUniformItemSizes(true);
     lstMensajes->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstMensajes->installEventFilter(this);
+    lstMensajes->setAccessibleName(u"Mensajes Predefinidos"_s);
     cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
     cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
     auto* botones = new QHBoxLayout;

@@ -2,6 +2,7 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -50,6 +51,13 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     cmdClose = boton(u"cmdClose"_s, u"&Cancelar"_s, QString());
     lblcont = new QLabel(this);
     lblcont->setObjectName(u"lblcont"_s);
+    // The arrows of the captions say nothing read aloud.
+    nombreAccesible(lstcontactos, u"Contactos disponibles"_s);
+    nombreAccesible(lstLista, u"Contactos en la Lista"_s);
+    nombreAccesible(Command1, u"Añadir los contactos elegidos a la lista"_s);
+    nombreAccesible(cmdTodos, u"Añadir todos los contactos a la lista"_s);
+    nombreAccesible(cmdQuitar, u"Quitar los contactos elegidos de la lista"_s);
+    nombreAccesible(cmdquitarTodos, u"Quitar todos los contactos de la lista"_s);
 
     auto* mueve = new QVBoxLayout;
     mueve->addStretch();

@@ -1,6 +1,7 @@
 #include "app/SinVentana.h"
 
 #include "app/Arranque.h"
+#include "app/Instancia.h"
 #include "app/LineaOrdenes.h"
 #include "app/Transmisor.h"
 #include "app/mdoMain.h"
@@ -17,7 +18,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 #include <QCoreApplication>
-#include <QLockFile>
 #include <QSocketNotifier>
 #include <QTextStream>
 #include <csignal>
@@ -86,8 +86,13 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     sigaction(SIGINT, &sa, nullptr);
     sigaction(SIGTERM, &sa, nullptr);
 
-    QLockFile bloqueo(rutaBloqueoInstancia());
-    if (!adquirirInstanciaUnica(bloqueo)) return 0;
+    Instancia instancia(Instancia::Papel::SinVentana);
+    if (!instancia.adquirir()) {
+        QTextStream(stderr) << u"Quelmo Mensajes SMS ya está en marcha para este usuario: "
+                               u"este arranque termina sin hacer nada."_s
+                            << Qt::endl;
+        return 0;
+    }
 
     InterfazSinVentana interfaz;
     establecerInterfaz(&interfaz);

@@ -1,10 +1,12 @@
 #include "app/frmLog.h"
 
 #include "base/EstadoAplicacion.h"
+#include "widgets/Accesible.h"
 
 #include <QFontDatabase>
 #include <QListView>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +43,15 @@ frmLog::frmLog(QWidget* parent) : QDockWidget(u"Eventos de la aplicación"_s, pa
             m_list->verticalScrollBar()->setValue(max);
     });
     connect(m_list, &QListView::doubleClicked, this, &frmLog::List1_DblClick);
+    // Enter opens the current line in full, as a double click does.
+    for (const auto tecla : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* atajo = new QShortcut(QKeySequence(tecla), m_list);
+        atajo->setContext(Qt::WidgetShortcut);
+        connect(atajo, &QShortcut::activated, this,
+                [this] { List1_DblClick(m_list->currentIndex()); });
+    }
+    nombreAccesible(m_list, u"Eventos de la aplicación"_s,
+                    u"Intro muestra la línea elegida completa"_s);
 }
 
 void frmLog::List1_DblClick(const QModelIndex& index) {

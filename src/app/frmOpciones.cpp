@@ -3,6 +3,7 @@
 #include "app/mdoOpciones.h"
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Iconos.h"
 
 #include <QCheckBox>
@@ -95,6 +96,12 @@ frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
         nota(u"Si la deja en blanco se mostrará la imagen de presentación "
              u"de Quelmo Mensajes SMS."_s,
              aspecto));
+
+    // Their labels stand beside a row, not beside the field itself.
+    nombreAccesible(txtmaxlote, u"Nº máximo de mensajes enviados por Lote"_s);
+    nombreAccesible(txttimer, u"Enviar mensajes en bandeja de Salida cada, en segundos"_s);
+    nombreAccesible(txtimgfondo, u"Imagen de Fondo de Aplicación"_s,
+                    u"Si la deja en blanco se mostrará la imagen de presentación"_s);
 
     auto* botones = new QDialogButtonBox(this);
     cmdAnadir = botones->addButton(u"&Guardar Opciones"_s, QDialogButtonBox::AcceptRole);

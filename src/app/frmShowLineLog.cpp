@@ -12,6 +12,7 @@ frmShowLineLog::frmShowLineLog(QWidget* parent) : QDialog(parent) {
     m_txtLog->setObjectName(u"txtLog"_s);
     m_txtLog->setReadOnly(true);
     m_txtLog->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    m_txtLog->setAccessibleName(u"Línea del registro de eventos"_s);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_txtLog);

@@ -30,6 +30,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -80,6 +81,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     m_log = new frmLog(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {150}, Qt::Vertical);
+    PantallasHijas::setSiguiente(m_log->List1());
 
     registrarTodas();
     crearBandeja();
@@ -102,7 +104,7 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     QCoreApplication::processEvents();
 
     terminar = [] { QCoreApplication::exit(0); };
-    hayBandeja = QSystemTrayIcon::isSystemTrayAvailable();
+    hayBandeja = [] { return QSystemTrayIcon::isSystemTrayAvailable(); };
 }
 
 mdiMain::~mdiMain() {
@@ -262,6 +264,8 @@ void mdiMain::crearBarra() {
         // shows nothing.
         if (consejo.isEmpty()) m_barra->widgetForAction(a)->installEventFilter(this);
         connect(a, &QAction::triggered, this, [this, clave] { Toolbar1_ButtonClick(clave); });
+        // The one button no menu entry stands for needs a key of its own.
+        if (clave == u"OCULTAR"_s) a->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
         // Leave the two closing buttons apart from the commands.
         if (clave == u"INFORMACION"_s) m_barra->addSeparator();
     }
@@ -326,6 +330,12 @@ void mdiMain::crearBandeja() {
     m_icono->setObjectName(u"Icono"_s);
     m_icono->setToolTip(u"Quelmo Mensajes SMS"_s);
     m_icono->setContextMenu(m_mnuopciones);
+    // The desktop tells of no tray coming or going: look while hidden.
+    m_vigiaBandeja = new QTimer(this);
+    m_vigiaBandeja->setInterval(1000);
+    connect(m_vigiaBandeja, &QTimer::timeout, this, [this] {
+        if (!hayBandeja()) mnurestaurar_Click();
+    });
     connect(m_icono, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason r) {
                 if (r == QSystemTrayIcon::DoubleClick) mnurestaurar_Click();
@@ -381,15 +391,17 @@ void mdiMain::importacionContactos() {
 }
 
 void mdiMain::ocultar() {
-    if (!hayBandeja) {
+    if (!hayBandeja()) {
         showMinimized();
         return;
     }
     m_icono->show();
     hide();
+    m_vigiaBandeja->start();
 }
 
 void mdiMain::mnurestaurar_Click() {
+    m_vigiaBandeja->stop();
     // Back as it was hidden: a maximised frame comes back maximised.
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

@@ -10,6 +10,7 @@ class QAction;
 class QMdiArea;
 class QMenu;
 class QSystemTrayIcon;
+class QTimer;
 class QToolBar;
 class frmLog;
 class frmweb;
@@ -41,9 +42,10 @@ class mdiMain : public QMainWindow {
 
     // What ends the process once closing is accepted (tests replace it).
     std::function<void()> terminar;
-    // Whether the desktop shows tray icons; without one, hiding would leave
-    // no way back to the window, so "Ocultar" minimises instead.
-    bool hayBandeja = false;
+    // Whether the desktop shows tray icons now; without one, hiding would
+    // leave no way back to the window, so "Ocultar" minimises instead, and a
+    // tray that goes away while the window hides in it brings the window back.
+    std::function<bool()> hayBandeja;
 
   Q_SIGNALS:
     void primeraActivacionTerminada();
@@ -84,6 +86,7 @@ class mdiMain : public QMainWindow {
     QAction* m_mnutx = nullptr;
     QMenu* m_mnuopciones = nullptr;
     QSystemTrayIcon* m_icono = nullptr;
+    QTimer* m_vigiaBandeja = nullptr;
     QHash<QString, Orden> m_menu;
     QHash<QString, Orden> m_botones;
     bool m_activado = false;

@@ -46,6 +46,12 @@ bool existe(const QString& nombre) {
     return registro().contains(nombre);
 }
 
+QStringList nombres() {
+    QStringList n = registro().keys();
+    n.sort();
+    return n;
+}
+
 void abrirOAvisar(const QString& nombre, const QString& aviso) {
     if (const auto s = sustitutos().constFind(nombre); s != sustitutos().cend()) {
         const Abridor abridor = *s;

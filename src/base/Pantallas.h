@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <functional>
 
@@ -18,6 +19,8 @@ void registrar(const QString& nombre, Abridor abrir);
 // Opens the screen; false when no screen of that name is registered.
 bool abrir(const QString& nombre);
 bool existe(const QString& nombre);
+// Every registered name, sorted (a test walks them all).
+QStringList nombres();
 
 // A screen that opens on one item (e.g. the scheduled message editor on a
 // multi-send's code) registers with a datum; `abrir(nombre, dato)` hands

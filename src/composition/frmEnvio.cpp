@@ -13,6 +13,7 @@
 #include "db/Conexion.h"
 #include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
@@ -153,7 +154,10 @@ void frmEnvio::construir() {
 
     // Layout.
     auto* rejilla = new QGridLayout();
-    rejilla->addWidget(etiqueta(this, u"Label2"_s, u"Cuenta"_s), 0, 0);
+    // A combo is read by its value: its label comes through the buddy.
+    QLabel* Label2 = etiqueta(this, u"Label2"_s, u"Cuenta"_s);
+    Label2->setBuddy(ImageCombo1);
+    rejilla->addWidget(Label2, 0, 0);
     auto* filaCuenta = new QHBoxLayout();
     filaCuenta->addWidget(ImageCombo1, 1);
     filaCuenta->addWidget(cmdSaldo);
@@ -206,6 +210,25 @@ void frmEnvio::construir() {
     connect(cmdMenPro, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmSelecMenPro"_s); });
     connect(cmdEnvMult, &QPushButton::clicked, this, [] { Pantallas::abrir(u"frmEmergencias"_s); });
     connect(CmdSalir, &QPushButton::clicked, this, &QWidget::close);
+
+    nombreAccesible(ImageCombo1, u"Cuenta"_s, u"La cuenta que paga los mensajes nuevos"_s);
+    nombreAccesible(crtAutoComplete1->Text1(), u"Destinatarios"_s,
+                    u"Contactos o números separados por punto y coma"_s);
+    nombreAccesible(cmdAbonados, u"Elegir destinatarios"_s,
+                    u"Elegir contactos y listas de la agenda"_s);
+    nombreAccesible(txtMensaje, u"Texto del Mensaje"_s,
+                    u"Escape vacía el texto; F2 elige un mensaje predefinido"_s);
+    nombreAccesible(ListView1, u"Bandeja de Salida"_s, u"Intro modifica el mensaje elegido"_s);
+    // The switch answers the keyboard as it answers a double click.
+    imgmt->setFocusPolicy(Qt::StrongFocus);
+    // Focused, its picture stands on the highlight colour; no border, so
+    // the screen keeps its size.
+    imgmt->setStyleSheet(u"QLabel:focus { background: palette(highlight) }"_s);
+    imgmt->setAccessibleDescription(
+        u"Pulse Espacio o haga doble clic para activar o desactivar el envío de SMS"_s);
+    ordenTabulacion({ImageCombo1, cmdSaldo, cmdRecarga, crtAutoComplete1->Text1(), cmdAbonados,
+                     txtMensaje, cmdMenPro, cmdEnvMult, cmdAnadir, ListView1, imgmt, cmdEnviar,
+                     cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir});
 }
 
 // ---- accounts and counter -------------------------------------------------
@@ -268,6 +291,8 @@ int64_t frmEnvio::canalElegido() const {
 void frmEnvio::contador() {
     const int n = largoMensaje(txtMensaje->toPlainText()) + miLargoTextos;
     lblCaracteres->setText(textoContador(n, msNotaTextos));
+    // Read out as words, not as a number in brackets.
+    lblCaracteres->setAccessibleName(QString::number(n) + u" caracteres"_s + msNotaTextos);
     lblmas->setVisible(n > kLargoUnSms);
 }
 
@@ -350,6 +375,7 @@ void frmEnvio::msPintarBandeja() {
         }
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
+        lblcont->setAccessibleName(n < 1 ? u"Ningún mensaje listo para enviar"_s : lblcont->text());
     } catch (const ErrorQuelmo&) {
         // Every ten seconds: the list stays as last drawn until the
         // database answers again, rather than a box at each tick.
@@ -487,6 +513,7 @@ void frmEnvio::mostrarTransmisor(bool activo) {
     p.setColor(QPalette::WindowText, EstadoTransmisor::color(activo));
     lmt->setPalette(p);
     imgmt->setPixmap(EstadoTransmisor::icono(activo).pixmap(QSize(24, 24)));
+    imgmt->setAccessibleName(EstadoTransmisor::texto(activo));
 }
 
 void frmEnvio::imgmt_DblClick() {
@@ -519,6 +546,12 @@ bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
     } else if (objeto == imgmt && evento->type() == QEvent::MouseButtonDblClick) {
         imgmt_DblClick();
         return true;
+    } else if (objeto == imgmt && evento->type() == QEvent::KeyPress) {
+        const int tecla = static_cast<QKeyEvent*>(evento)->key();
+        if (tecla == Qt::Key_Space || tecla == Qt::Key_Return || tecla == Qt::Key_Enter) {
+            imgmt_DblClick();
+            return true;
+        }
     } else if (evento->type() == QEvent::Resize && objeto == PantallasHijas::subWindowOf(this)) {
         colocarEnMarco(false);
     }

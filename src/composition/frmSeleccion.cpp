@@ -2,6 +2,7 @@
 
 #include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -109,6 +110,20 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     connect(cmdVaciarLista, &QPushButton::clicked, this, &frmSeleccion::cmdVaciarLista_Click);
     connect(cmdAdd, &QPushButton::clicked, this, &frmSeleccion::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
+
+    // The arrows' captions say nothing read aloud, and two pairs are alike.
+    nombreAccesible(txtBuscar, u"Buscar Contactos"_s);
+    nombreAccesible(lstcontactos, u"Contactos"_s, u"Intro añade el contacto a los destinos"_s);
+    nombreAccesible(lstlistas, u"Listas"_s, u"Intro añade la lista a los destinos"_s);
+    nombreAccesible(lstdestinos, u"Destinos Seleccionados"_s,
+                    u"Intro quita el destino de la selección"_s);
+    nombreAccesible(Command1, u"Añadir los contactos elegidos"_s);
+    nombreAccesible(cmdTodos, u"Añadir todos los contactos"_s);
+    nombreAccesible(Command2, u"Añadir las listas elegidas"_s);
+    nombreAccesible(cmdTodoslista, u"Añadir todas las listas"_s);
+    nombreAccesible(cmdVaciarLista, u"Vaciar Lista"_s);
+    ordenTabulacion({txtBuscar, cmdBuscar, lstcontactos, Command1, cmdTodos, lstlistas, Command2,
+                     cmdTodoslista, cmdVaciarLista, lstdestinos, cmdAdd, cmdClose});
 
     msCargarListados();
 }

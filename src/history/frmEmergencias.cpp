@@ -2,6 +2,7 @@
 
 #include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -19,6 +20,7 @@ frmEmergencias::frmEmergencias(QWidget* parent) : QWidget(parent) {
     ListView1 = new Listado(
         u"ListView1"_s, {u"Descripción"_s, u"Nº de Mensajes"_s, u"Programado"_s, u"Ultimo envío"_s},
         this);
+    nombreAccesible(ListView1, u"Mensajes Programados"_s);
     ListView1->setColumnWidth(0, 260);
     ListView1->setColumnWidth(1, 110);
     ListView1->setColumnWidth(2, 110);

@@ -2,6 +2,7 @@
 
 #include "base/Reloj.h"
 #include "db/BaseDatos.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/PantallasHijas.h"
@@ -132,6 +133,8 @@ frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHi
         if (i.isValid()) XPButton2_Click();
     });
     connect(XPButton1, &QPushButton::clicked, this, &frmHEnvios::XPButton1_Click);
+    nombreAccesible(ListView1, u"Mensajes Enviados"_s);
+    nombreAccesible(txtfecha, u"Fecha anterior a"_s);
     conectarUnaVez(XPButton2, this, &frmHEnvios::XPButton2_Click);
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
 

@@ -3,6 +3,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
 #include "scheduling/ctrNumberPick.h"
+#include "widgets/Accesible.h"
 
 #include <QAbstractSpinBox>
 #include <QButtonGroup>
@@ -14,6 +15,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -186,7 +188,9 @@ void ctrScheduledTask::construir() {
     g4->addWidget(new QLabel(u"Dia:"_s, frame1[4]));
     g4->addWidget(crtNumberPickAnualDia);
     g4->addSpacing(12);
-    g4->addWidget(new QLabel(u"Mes:"_s, frame1[4]));
+    auto* etiquetaMes = new QLabel(u"Mes:"_s, frame1[4]);
+    etiquetaMes->setBuddy(cmbAnualMes);
+    g4->addWidget(etiquetaMes);
     g4->addWidget(cmbAnualMes);
     g4->addStretch(1);
 
@@ -210,7 +214,9 @@ void ctrScheduledTask::construir() {
     gf->addStretch(1);
 
     auto* cabecera = new QHBoxLayout;
-    cabecera->addWidget(etiqueta(u"Tarea Programada:"_s));
+    QLabel* etiquetaTipo = etiqueta(u"Tarea Programada:"_s);
+    etiquetaTipo->setBuddy(cmbTipoTask);
+    cabecera->addWidget(etiquetaTipo);
     cabecera->addWidget(cmbTipoTask);
     cabecera->addSpacing(16);
     cabecera->addWidget(etiqueta(u"Hora comienzo:"_s));
@@ -222,6 +228,25 @@ void ctrScheduledTask::construir() {
     for (QGroupBox* g : frame1) v->addWidget(g);
     v->addWidget(frameFechaIniFechaFin);
     v->addStretch(1);
+    nombrarControles();
+}
+
+void ctrScheduledTask::nombrarControles() {
+    // The labels stand apart from their fields, or say half of it ("Cada").
+    nombreAccesible(cmbTipoTask, u"Tarea Programada"_s);
+    nombreAccesible(dpHora, u"Hora comienzo"_s);
+    nombreAccesible(mvFecha, u"Fecha Tarea"_s);
+    nombreAccesible(crtNumberPick1->txtNumber, u"Cada cuántos días"_s);
+    nombreAccesible(crtNumberPick2->txtNumber, u"Cada cuántas semanas"_s);
+    nombreAccesible(Option1[0], u"Un día fijo del mes"_s);
+    nombreAccesible(crtNumberPick3->txtNumber, u"Día del mes"_s);
+    nombreAccesible(Option1[1], u"Un día de la semana del mes"_s);
+    nombreAccesible(cmbMesSemana, u"Semana del mes"_s);
+    nombreAccesible(cmbMesDia, u"Día de la semana"_s);
+    nombreAccesible(crtNumberPickAnualDia->txtNumber, u"Día"_s);
+    nombreAccesible(cmbAnualMes, u"Mes"_s);
+    nombreAccesible(dpFechaIni, u"Fecha Inicio"_s);
+    nombreAccesible(dpFechaFin, u"Fecha de fin"_s);
 }
 
 void ctrScheduledTask::mostrarPaneles() {

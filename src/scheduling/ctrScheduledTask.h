@@ -96,6 +96,7 @@ class ctrScheduledTask : public QWidget {
 
   private:
     void construir();
+    void nombrarControles();
     void mostrarPaneles();
     void habilitarMensual();
     void chkDay_Click(int indice);

@@ -2,6 +2,7 @@
 
 #include "base/EstadoAplicacion.h"
 #include "scheduling/frmNewMenAuto2.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -21,6 +22,7 @@ frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
     setWindowIcon(iconoQuelmo(u"programar"_s));
     ListView1 = new Listado(u"ListView1"_s,
                             {u"Nombre"_s, u"Nº Men."_s, u"Programado"_s, u"Último envío"_s}, this);
+    nombreAccesible(ListView1, u"Mensajes Programados"_s);
     ListView1->setColumnWidth(0, 220);
     ListView1->setColumnWidth(1, 70);
     ListView1->setColumnWidth(2, 150);

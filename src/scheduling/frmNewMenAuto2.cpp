@@ -6,6 +6,7 @@
 #include "scheduling/frmSeleccionMensaje.h"
 #include "scheduling/frmSeleccionMensaje2.h"
 #include "scheduling/mdoProgramacion.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -121,6 +122,9 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
         if (!ListView1->modelo()->texto(fila, 0).isEmpty()) XPButton3_Click();
     });
     conectarUnaVez(XPButton2, this, &frmNewMenAuto2::XPButton2_Click);
+    nombreAccesible(tabs, u"Apartados del mensaje programado"_s);
+    nombreAccesible(txtNombre, u"Descripción"_s);
+    nombreAccesible(ListView1, u"Contactos y mensajes"_s);
 }
 
 void frmNewMenAuto2::editar(int32_t codigo, QWidget* parent) {

@@ -52,8 +52,11 @@ frmSeleccionMensaje::frmSeleccionMensaje(QWidget* parent) : QDialog(parent) {
     v->addWidget(Check1);
     resize(780, 640);
 
+    txtMensaje->setAccessibleName(u"Mensaje"_s);
     connect(txtMensaje, &QPlainTextEdit::textChanged, this, [this] {
-        lblCaracteres->setText(u"("_s + QString::number(txtMensaje->toPlainText().size()) + u")"_s);
+        const QString n = QString::number(txtMensaje->toPlainText().size());
+        lblCaracteres->setText(u"("_s + n + u")"_s);
+        lblCaracteres->setAccessibleName(n + u" caracteres"_s);
     });
 }
 

@@ -42,8 +42,11 @@ frmSeleccionMensaje2::frmSeleccionMensaje2(QWidget* parent) : QDialog(parent) {
     v->addLayout(botones);
     resize(460, 220);
 
+    txtMensaje->setAccessibleName(u"Mensaje"_s);
     connect(txtMensaje, &QPlainTextEdit::textChanged, this, [this] {
-        lblCaracteres->setText(u"("_s + QString::number(txtMensaje->toPlainText().size()) + u")"_s);
+        const QString n = QString::number(txtMensaje->toPlainText().size());
+        lblCaracteres->setText(u"("_s + n + u")"_s);
+        lblCaracteres->setAccessibleName(n + u" caracteres"_s);
     });
     connect(cmdAdd, &QPushButton::clicked, this, &frmSeleccionMensaje2::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);

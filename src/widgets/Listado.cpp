@@ -1,6 +1,7 @@
 #include "widgets/Listado.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 
 #include <algorithm>
 
@@ -27,6 +28,17 @@ Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* p
     connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
         if (i.isValid()) Q_EMIT dobleClicFila(i.row());
     });
+}
+
+void Listado::keyPressEvent(QKeyEvent* event) {
+    // What a double click does, for those who work with the keyboard.
+    const bool intro = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (intro && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier &&
+        currentIndex().isValid()) {
+        Q_EMIT dobleClicFila(currentIndex().row());
+        return;
+    }
+    QTreeView::keyPressEvent(event);
 }
 
 void Listado::setSeleccionMultiple(bool multiple) {

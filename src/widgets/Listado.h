@@ -32,7 +32,11 @@ class Listado : public QTreeView {
     void ordenarPorColumna(int columna);
 
   Q_SIGNALS:
+    // A double click on a line, or Enter on the current one.
     void dobleClicFila(int fila);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     ModeloListado* m_modelo;

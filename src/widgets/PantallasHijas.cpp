@@ -9,7 +9,45 @@ QPointer<QMdiArea>& areaActual() {
     static QPointer<QMdiArea> a;
     return a;
 }
+QPointer<QWidget>& siguiente() {
+    static QPointer<QWidget> s;
+    return s;
+}
+
+// A sub-window is a focus root of its own: Tab goes round its screen. Out
+// of its last control (or, backwards, its first) this one hands the focus
+// to the frame's next control instead.
+class SubVentana : public QMdiSubWindow {
+  public:
+    using QMdiSubWindow::QMdiSubWindow;
+
+  protected:
+    bool focusNextPrevChild(bool next) override {
+        QWidget* fuera = siguiente().data();
+        if (fuera && fuera->isVisible() && fuera->isEnabled() && enUnExtremo(next)) {
+            fuera->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+        return QMdiSubWindow::focusNextPrevChild(next);
+    }
+
+  private:
+    bool enUnExtremo(bool next) const {
+        QWidgetList orden;
+        for (QWidget* w = nextInFocusChain(); w && w != this; w = w->nextInFocusChain()) {
+            if (isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() && !w->focusProxy() &&
+                (w->focusPolicy() & Qt::TabFocus))
+                orden << w;
+        }
+        return !orden.isEmpty() &&
+               QApplication::focusWidget() == (next ? orden.last() : orden.first());
+    }
+};
 }  // namespace
+
+void setSiguiente(QWidget* control) {
+    siguiente() = control;
+}
 
 void setArea(QMdiArea* area) {
     areaActual() = area;
@@ -27,7 +65,9 @@ void show(QWidget* screen) {
     QMdiArea* a = area();
     bool nueva = false;
     if (a && !subWindowOf(screen)) {
-        QMdiSubWindow* sub = a->addSubWindow(screen);
+        auto* sub = new SubVentana;
+        sub->setWidget(screen);
+        a->addSubWindow(sub);
         sub->setAttribute(Qt::WA_DeleteOnClose);
         sub->setObjectName(screen->objectName() + QStringLiteral("_sub"));
         nueva = true;

@@ -12,6 +12,9 @@ namespace PantallasHijas {
 
 void setArea(QMdiArea* area);
 QMdiArea* area();
+// The frame's control that Tab reaches after a screen's last control (and
+// Shift+Tab before its first): without it Tab would go round one screen.
+void setSiguiente(QWidget* control);
 
 // The sub-window that holds `screen`, or null when it stands alone.
 QMdiSubWindow* subWindowOf(QWidget* screen);

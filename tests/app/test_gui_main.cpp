@@ -336,7 +336,7 @@ class TestGuiMain : public QObject {
         QFETCH(bool, bandeja);
         InterfazGuionada ui;
         auto w = ventana();
-        w->hayBandeja = bandeja;
+        w->hayBandeja = [bandeja] { return bandeja; };
         accion(w.get(), u"OCULTAR"_s)->trigger();
         QVERIFY(bandeja ? !w->isVisible() : w->isMinimized());
         QCOMPARE(w->icono()->isVisible(), bandeja);

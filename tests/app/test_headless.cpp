@@ -2,6 +2,7 @@
 // temporary home.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
+#include "app/Instancia.h"
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "db/BaseDatos.h"
@@ -133,7 +134,7 @@ class TestHeadless : public QObject {
         if (!linea.isEmpty()) QVERIFY2(r.out.contains(linea), qPrintable(r.out));
     }
 
-    void secondInstanceEndsSilentlyAndSignalsStopCleanly() {
+    void secondInstanceSaysSoAndSignalsStopCleanly() {
         QProcess primera;
         iniciar(primera);
         // Wait until the first one holds its lock and opened its database.
@@ -144,14 +145,27 @@ class TestHeadless : public QObject {
         QVERIFY(segunda.finished);
         QCOMPARE(segunda.exitCode, 0);
         QVERIFY(segunda.out.isEmpty());
-        QVERIFY(segunda.err.isEmpty());
+        QCOMPARE(segunda.err.trimmed(),
+                 u"Quelmo Mensajes SMS ya está en marcha para este usuario: "
+                 u"este arranque termina sin hacer nada."_s);
         QCOMPARE(primera.state(), QProcess::Running);
+
+        // The window, started now, learns why it can't come and what to do.
+        QCOMPARE(Instancia::pedirVentana(), Instancia::Respuesta::SinVentana);
+        InterfazGuionada ui;
+        Instancia::cederAlPrimero();
+        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui.boxes[0].style, Msg::Information);
+        QVERIFY2(ui.boxes[0].text.contains(u"sin ventana"_s), qPrintable(ui.boxes[0].text));
+        QVERIFY(
+            ui.boxes[0].text.contains(u"\n\nsystemctl --user stop quelmo-sms-transmisor\n\n"_s));
 
         ::kill(pid_t(primera.processId()), SIGTERM);
         QVERIFY(primera.waitForFinished(10000));
         QCOMPARE(primera.exitStatus(), QProcess::NormalExit);
         QCOMPARE(primera.exitCode(), 0);
         QVERIFY(!QFile::exists(world.appDir() + u"/quelmo-sms.lock"_s));
+        QVERIFY(!QFile::exists(Instancia::nombreServidor()));
     }
 };
 

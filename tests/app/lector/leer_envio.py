@@ -1,0 +1,101 @@
+#!/usr/bin/python3
+# Reads the compose screen of a running quelmo-sms as a screen reader does,
+# through the accessibility bus: the role and name of each control. Fails
+# when a control that takes the focus has no name, when two share one, or
+# when one of the names a user needs to find is missing.
+import sys
+import time
+
+import pyatspi
+
+ESPERADOS = [
+    ("combo box", "Cuenta"),
+    ("text", "Destinatarios"),
+    ("push button", "Elegir destinatarios"),
+    ("text", "Texto del Mensaje"),
+    ("push button", "Enviar Mensaje"),
+    ("tree", "Bandeja de Salida"),
+    ("image", "Envío de SMS Activado"),
+    ("label", "0 caracteres"),
+    ("push button", "Cerrar"),
+]
+# Their items are not controls of the screen.
+SIN_BAJAR = {"table", "tree table", "list", "combo box", "text", "tree"}
+
+
+def buscar(nodo, nombre, profundidad=0):
+    if nodo is None or profundidad > 12:
+        return None
+    if nodo.name == nombre and nodo.getRoleName() != "label":
+        return nodo
+    for hijo in nodo:
+        encontrado = buscar(hijo, nombre, profundidad + 1)
+        if encontrado is not None:
+            return encontrado
+    return None
+
+
+def nombre(nodo, rol):
+    # A combo box says its value as its name; what it is for comes from the
+    # label it is labelled by, as a screen reader announces it.
+    if rol != "combo box":
+        return nodo.name
+    for relacion in nodo.getRelationSet():
+        if relacion.getRelationType() == pyatspi.RELATION_LABELLED_BY and relacion.getNTargets():
+            return relacion.getTarget(0).name
+    return ""
+
+
+def controles(nodo, salida):
+    for hijo in nodo:
+        if hijo is None:
+            continue
+        estado = hijo.getState()
+        if not estado.contains(pyatspi.STATE_SHOWING):
+            continue
+        rol = hijo.getRoleName()
+        enfocable = estado.contains(pyatspi.STATE_FOCUSABLE)
+        if enfocable or rol == "label":
+            salida.append((rol, nombre(hijo, rol), enfocable))
+        if rol not in SIN_BAJAR:
+            controles(hijo, salida)
+
+
+def main():
+    plazo = time.time() + 60
+    pantalla = None
+    while pantalla is None and time.time() < plazo:
+        escritorio = pyatspi.Registry.getDesktop(0)
+        for app in escritorio:
+            if app is not None and app.name in ("quelmo-sms", "Quelmo Mensajes SMS"):
+                pantalla = buscar(app, "Envío de Mensajes")
+        if pantalla is None:
+            time.sleep(0.5)
+    if pantalla is None:
+        print("la pantalla «Envío de Mensajes» no aparece en el bus de accesibilidad")
+        return 1
+
+    leidos = []
+    controles(pantalla, leidos)
+    fallos = []
+    vistos = set()
+    for rol, nombre, enfocable in leidos:
+        print(f"{rol}: {nombre}{'' if enfocable else ' (no enfocable)'}")
+        if not enfocable:
+            continue
+        if not nombre.strip():
+            fallos.append(f"{rol} sin nombre")
+        elif nombre in vistos:
+            fallos.append(f"dos controles se llaman «{nombre}»")
+        vistos.add(nombre)
+    pares = {(rol, nombre) for rol, nombre, _ in leidos}
+    for rol, nombre in ESPERADOS:
+        if (rol, nombre) not in pares:
+            fallos.append(f"falta {rol} «{nombre}»")
+    for f in fallos:
+        print("FALLO:", f)
+    return 1 if fallos else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,90 @@
+// One program per user: a second start of the window brings the running
+// window forward, also from the tray, and leaves everything else as it was.
+#include "TestSupportGui.h"
+#include "app/Instancia.h"
+#include "app/mdiMain.h"
+
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QSystemTrayIcon>
+
+using namespace Qt::StringLiterals;
+
+class TestInstancia : public QObject {
+    Q_OBJECT
+  public:
+    explicit TestInstancia(TestWorld& w) : world(w) {}
+
+  private:
+    TestWorld& world;
+
+  private Q_SLOTS:
+    void init() {
+        world.reset();
+        TestDb::createCurrent(rutaBaseDefecto());
+    }
+
+    void aSecondStartRaisesTheRunningWindow_data() {
+        QTest::addColumn<bool>("oculta");
+        QTest::newRow("hidden in the tray") << true;
+        QTest::newRow("minimised") << false;
+    }
+    void aSecondStartRaisesTheRunningWindow() {
+        QFETCH(bool, oculta);
+        InterfazGuionada ui;
+        Instancia instancia(Instancia::Papel::Ventana);
+        QVERIFY(instancia.adquirir());
+        mdiMain ventana;
+        ventana.terminar = [] {};
+        connect(&instancia, &Instancia::ventanaPedida, &ventana, &mdiMain::mnurestaurar_Click);
+        QSignalSpy lista(&ventana, &mdiMain::primeraActivacionTerminada);
+        ventana.show();
+        QVERIFY(lista.wait(5000));
+        ventana.hayBandeja = [oculta] { return oculta; };
+        prueba::hijo<QAction>(&ventana, u"OCULTAR"_s)->trigger();
+        QVERIFY(oculta ? !ventana.isVisible() : ventana.isMinimized());
+        const QStringList ficheros = QDir(world.appDir()).entryList(QDir::Files);
+
+        // The real program, started again by the same user.
+        QProcess segunda;
+        startProgram(world, segunda, {});
+        QVERIFY(segunda.waitForStarted());
+        // The event loop answers it while the test waits.
+        QTRY_COMPARE_WITH_TIMEOUT(segunda.state(), QProcess::NotRunning, 20000);
+        QCOMPARE(segunda.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(segunda.exitCode(), 0);
+        QVERIFY(ventana.isVisible());
+        QVERIFY(!ventana.isMinimized());
+        QVERIFY(!ventana.icono()->isVisible());
+        // Nothing else: no file of the user's folder made or removed, no
+        // box, the transmitter still armed.
+        QCOMPARE(QDir(world.appDir()).entryList(QDir::Files), ficheros);
+        QVERIFY(ui.boxes.isEmpty());
+        QVERIFY(ventana.transmisor().Timer1().isActive());
+    }
+
+    void theLockAndTheSocketOutliveAKilledProgram() {
+        // What a program killed with -9 leaves: a socket file nobody serves.
+        QDir().mkpath(world.appDir());
+        QFile resto(Instancia::nombreServidor());
+        QVERIFY(resto.open(QIODevice::WriteOnly));
+        resto.close();
+        {
+            Instancia primera(Instancia::Papel::SinVentana);
+            QVERIFY(primera.adquirir());
+            Instancia otra(Instancia::Papel::Ventana);
+            QVERIFY(!otra.adquirir());
+            QLocalSocket s;
+            s.connectToServer(Instancia::nombreServidor());
+            QVERIFY(s.waitForConnected(1000));
+        }
+        // Ended: the next start takes the lock and listens anew.
+        QVERIFY(!QFile::exists(Instancia::nombreServidor()));
+        Instancia siguiente(Instancia::Papel::Ventana);
+        QVERIFY(siguiente.adquirir());
+    }
+};
+
+QUELMO_GUI_TEST_MAIN(TestInstancia)
+#include "test_instancia.moc"
