@@ -3,25 +3,33 @@
 //   matar     the first run of each drain is killed (SIGKILL) at a random
 //             instant, then runs follow until the outbox is empty;
 //   bloquear  another process takes the database's write lock at random
-//             moments of the runs and holds it for a random while.
+//             moments of the runs and holds it for a random while;
+//   dialogos  this process plays the window: it keeps the database open,
+//             queues the outboxes through its connection and opens and
+//             closes the file dialog in the database's folder at random
+//             moments while the runs (killed as in matar) send.
 // Prints the messages lost, the items the simulator received twice (a run
 // killed between the platform's acceptance and our commit sends them again)
 // and the items delivered twice after the simulator's de-duplication. Fails
 // unless nothing is lost and nothing is delivered twice.
 //
-//   bench_kill [--modo matar|bloquear] [--veces N] [--filas F] [--lote L]
+//   bench_kill [--modo matar|bloquear|dialogos] [--veces N] [--filas F] [--lote L]
 //              [--bloqueo-max-ms MS] [--semilla S]
 #include "SimuladorPrueba.h"
-#include "TestSupport.h"
+#include "TestSupportGui.h"
+#include "app/InterfazGrafica.h"
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "db/BaseDatos.h"
 
 #include <sqlite3.h>
 #include <QElapsedTimer>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSet>
 #include <QThread>
+#include <QTimer>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -43,7 +51,7 @@ struct Parametros {
     QString modo = u"matar"_s;
     int veces = 100;
     int filas = 2000;
-    int lote = 0;  // 0: 500 when killing, 100 under locks (more runs per drain)
+    int lote = 0;  // 0: 100 under locks (more runs per drain), else 500
     int bloqueoMaxMs = 30000;
     quint32 semilla = QRandomGenerator::global()->generate();
 };
@@ -70,9 +78,9 @@ bool leerParametros(const QStringList& args, Parametros& p) {
         if (!ok) return false;
     }
     if (args.size() % 2 == 0) return false;
-    if (p.lote == 0) p.lote = p.modo == u"matar"_s ? 500 : 100;
-    return (p.modo == u"matar"_s || p.modo == u"bloquear"_s) && p.veces >= 0 && p.filas > 0 &&
-           p.lote >= 1 && p.lote <= 500 && p.bloqueoMaxMs >= 0;
+    if (p.lote == 0) p.lote = p.modo == u"bloquear"_s ? 100 : 500;
+    return (p.modo == u"matar"_s || p.modo == u"bloquear"_s || p.modo == u"dialogos"_s) &&
+           p.veces >= 0 && p.filas > 0 && p.lote >= 1 && p.lote <= 500 && p.bloqueoMaxMs >= 0;
 }
 
 }  // namespace
@@ -82,13 +90,14 @@ int main(int argc, char** argv) {
         return sostenerBloqueo(QString::fromLocal8Bit(argv[2]), std::atoi(argv[3]));
 
     TestWorld world;
-    QCoreApplication app(argc, argv);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     prepareTestApplication();
     world.reset();
     Parametros par;
     if (!leerParametros(app.arguments(), par)) {
         std::fprintf(stderr,
-                     "usage: bench_kill [--modo matar|bloquear] [--veces N] [--filas F] "
+                     "usage: bench_kill [--modo matar|bloquear|dialogos] [--veces N] [--filas F] "
                      "[--lote 1..500] [--bloqueo-max-ms MS] [--semilla S]\n");
         return 2;
     }
@@ -117,17 +126,41 @@ int main(int argc, char** argv) {
 
     int insertadas = 0;
     int rondas = 0;
+    // The window's connection, open for the whole run in the dialog mode.
+    const bool ventana = par.modo == u"dialogos"_s;
+    if (ventana) TestDb::openShared(base);
+    BaseDatos propia;
     const auto llenar = [&] {
-        BaseDatos db;
-        db.open(base);
+        if (!ventana) propia.open(base);
+        if (ventana && Conexion().perdida()) return;
+        BaseDatos& db = ventana ? Conexion() : propia;
         db.begin();
-        for (int i = 0; i < par.filas; ++i, ++insertadas)
-            db.exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,?,2)"_s,
-                {QDateTime::currentDateTime(), u"6%1"_s.arg(insertadas, 8, 10, QChar(u'0')),
-                 u"R%1-%2 Su pedido está listo"_s.arg(rondas).arg(i)});
-        db.commit();
+        // A refused write of the window is told below, not thrown out of main.
+        try {
+            for (int i = 0; i < par.filas; ++i, ++insertadas)
+                db.exec(
+                    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,?,2)"_s,
+                    {QDateTime::currentDateTime(), u"6%1"_s.arg(insertadas, 8, 10, QChar(u'0')),
+                     u"R%1-%2 Su pedido está listo"_s.arg(rondas).arg(i)});
+            db.commit();
+        } catch (const ErrorBD& e) {
+            std::fprintf(stderr, "the window's write was refused: %s\n",
+                         qPrintable(e.description()));
+        }
+        if (!ventana) propia.close();
         ++rondas;
+    };
+    // The file dialog in the database's folder, listed in detail for a
+    // random while, then cancelled, as a user browsing for a file.
+    InterfazGrafica dialogos;
+    int vistos = 0;
+    const auto mirarDialogo = [&] {
+        prueba::alAbrirModal([&](QDialog* d) {
+            if (auto* f = qobject_cast<QFileDialog*>(d)) f->setViewMode(QFileDialog::Detail);
+            QTimer::singleShot(azar.bounded(50, 400), d, &QDialog::reject);
+        });
+        dialogos.openFileName(u"Importar"_s, QFileInfo(base).absolutePath(), u"(*.*)"_s);
+        ++vistos;
     };
     const auto pendientes = [&] {
         BaseDatos db;
@@ -150,6 +183,10 @@ int main(int argc, char** argv) {
             reloj.start();
             QProcess p;
             arrancar(p);
+            if (ventana && azar.bounded(2) == 0) {
+                QThread::msleep(azar.bounded(int(mediaMs) + 1));
+                mirarDialogo();
+            }
             p.waitForFinished(180000);
             mediaMs = 0.8 * mediaMs + 0.2 * double(reloj.elapsed());
             ++corridas;
@@ -161,7 +198,7 @@ int main(int argc, char** argv) {
     total.start();
     int muertes = 0, bloqueos = 0;
     qint64 msBloqueo = 0;
-    if (par.modo == u"matar"_s) {
+    if (par.modo == u"matar"_s || ventana) {
         // Until `veces` kills have landed: a run that ends before its instant
         // is no kill, and its outbox is simply drained.
         for (int v = 0; muertes < par.veces; ++v) {
@@ -172,6 +209,11 @@ int main(int argc, char** argv) {
             llenar();
             QProcess p;
             arrancar(p);
+            // The dialog while the run sends, the window's writes after it.
+            if (ventana) {
+                QThread::msleep(azar.bounded(int(mediaMs) + 1));
+                mirarDialogo();
+            }
             // Anywhere in a run: its mean length, and a fifth more.
             if (!p.waitForFinished(azar.bounded(int(mediaMs * 1.2) + 1))) {
                 p.kill();
@@ -234,7 +276,10 @@ int main(int argc, char** argv) {
         "%.0f s\n",
         qPrintable(par.modo), par.semilla, rondas, par.filas, par.lote, corridas,
         double(total.elapsed()) / 1000);
-    if (par.modo == u"matar"_s)
+    if (ventana)
+        std::printf("  runs killed                    %d; file dialogs opened %d%s\n", muertes,
+                    vistos, Conexion().perdida() ? "; the window lost its database" : "");
+    else if (par.modo == u"matar"_s)
         std::printf("  runs killed                    %d\n", muertes);
     else
         std::printf(
@@ -246,7 +291,7 @@ int main(int argc, char** argv) {
                 int(historial.size() - enHistorial.size()));
     std::printf("  items the platform got twice   %d\n", int(sim.duplicados().size()));
     std::printf("  items delivered twice          %d\n", dosVeces);
-    const bool bien = perdidos == 0 && quedan == 0 && dosVeces == 0 &&
+    const bool bien = !Conexion().perdida() && perdidos == 0 && quedan == 0 && dosVeces == 0 &&
                       enHistorial.size() == insertadas && historial.size() == insertadas;
     return bien ? 0 : 1;
 }
