@@ -29,6 +29,14 @@ class FiltroUnaVez : public QObject {
     QElapsedTimer m_ultima;
 };
 
+// The screen that holds a button: its window, or its child window in the
+// frame (never the whole frame, whose other screens go on working).
+QWidget* pantallaDe(QWidget* w) {
+    while (w->parentWidget() && !w->isWindow() && !w->parentWidget()->inherits("QMdiSubWindow"))
+        w = w->parentWidget();
+    return w;
+}
+
 }  // namespace
 
 void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<void()> accion) {
@@ -39,11 +47,11 @@ void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<voi
                          if (filtro->enCurso) return;
                          // The screen may close while the action waits.
                          const QPointer<QAbstractButton> vivo(boton);
+                         const QPointer<QWidget> pantalla(pantallaDe(boton));
                          filtro->enCurso = true;
-                         boton->setCursor(Qt::BusyCursor);
+                         pantalla->setCursor(Qt::BusyCursor);
                          accion();
-                         if (!vivo) return;
-                         vivo->unsetCursor();
-                         filtro->enCurso = false;
+                         if (pantalla) pantalla->unsetCursor();
+                         if (vivo) filtro->enCurso = false;
                      });
 }

@@ -18,8 +18,8 @@ inline QPushButton* botonConNombre(QWidget* padre, const QString& nombre, const 
 // One press, one action, for the buttons that write messages: the second
 // press of a double click is taken as part of the first, and a press that
 // arrives while the action still runs (the log and the exchanges give the
-// event loop a turn) is ignored. The busy pointer stands over the button
-// while the action runs.
+// event loop a turn) is ignored. The busy pointer stands over the button's
+// screen while the action runs.
 void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<void()> accion);
 
 template <typename Pantalla>

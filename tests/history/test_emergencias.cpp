@@ -178,10 +178,12 @@ class TestEmergencias : public QObject {
         QVERIFY(QTest::qWaitForWindowExposed(&pantalla));
         pantalla.ListView1->seleccionarFila(0);
         bool pulsadoDurante = false;
+        Qt::CursorShape puntero = Qt::ArrowCursor;
         if (gesto == u"durante"_s)
             ui.onProcessEvents = [&] {
                 if (pulsadoDurante) return;
                 pulsadoDurante = true;
+                puntero = pantalla.cursor().shape();
                 QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
             };
         if (gesto == u"doble"_s) {
@@ -198,6 +200,9 @@ class TestEmergencias : public QObject {
             }
         }
         QCOMPARE(pulsadoDurante, gesto == u"durante"_s);
+        // The busy pointer over the screen while it queued, not after.
+        QCOMPARE(puntero, gesto == u"durante"_s ? Qt::BusyCursor : Qt::ArrowCursor);
+        QCOMPARE(pantalla.cursor().shape(), Qt::ArrowCursor);
         QFETCH(int, envios);
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
         Pantallas::registrar(u"frmEnvio"_s, {});
