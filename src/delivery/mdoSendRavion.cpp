@@ -259,6 +259,7 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     // Read before the exchange: a resend (after a crash or a stop) carries
     // the same references, which the platform answers without sending again.
     cliente.Origen = identidadBase(db);
+    const QString ruta = db.path();
     QString nn, ff;
     Intercambio::esperar(Intercambio::Clase::Envio, cliente.cancelacion,
                          [&] { cliente.SendXML(nn, ff); });
@@ -274,6 +275,14 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     }
     if (rx.Resultado.trimmed() != u"1"_s) return d;
     d.aceptado = true;
+    // The results belong to the file the rows came from: with another one
+    // open now (or none), they wait there and go again under the same
+    // references.
+    if (db.path() != ruta || !db.isOpen()) {
+        d.aceptado = false;
+        d.abandonado = true;
+        return d;
+    }
 
     QElapsedTimer reloj;
     reloj.start();

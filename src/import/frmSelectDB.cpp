@@ -236,6 +236,15 @@ void frmSelectDB::cerrarCon(bool aceptar) {
 }
 
 void frmSelectDB::msAceptarBD() {
+    // A batch waiting for the platform records its results in the file its
+    // rows came from.
+    if (estadoAplicacion().gbEnviando) {
+        ui().msgBox(
+            u"Quelmo Mensajes SMS está ahora mismo realizando un envío.\n\nEspere a que "
+            u"termine el envío para cambiar de Base de Datos."_s,
+            Msg::Exclamation);
+        return;
+    }
     const QString ruta = lblFichero->text();
     if (!msValidarBD(ruta)) {
         ui().msgBox(u"Base de datos no valida"_s, Msg::Exclamation);

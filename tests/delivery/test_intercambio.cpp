@@ -111,6 +111,25 @@ class TestIntercambio : public QObject {
         QCOMPARE(sim->registro().size(), 2);
     }
 
+    // Another database chosen while the platform thinks: the results are
+    // not written into it; the rows wait in their own file and their resend
+    // reaches nobody twice.
+    void anotherDatabaseOpenedDuringTheExchange() {
+        InterfazGuionada ui;
+        auto sim = simulador(1500);
+        fila(u"600000001"_s);
+        const QString primera = Conexion().path();
+        const QString segunda = TestDb::createCurrent(world.root() + u"/segunda.db"_s);
+        QTimer::singleShot(500, [&] { QVERIFY(msAbrirBD(segunda)); });
+        QCOMPARE(msEnviarLote(1, false), 0);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 0LL);
+        QVERIFY(msAbrirBD(primera));
+        QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
+        QCOMPARE(msEnviarLote(1, false), 1);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 1LL);
+        QCOMPARE(sim->registro().size(), 1);
+    }
+
   private:
 };
 
