@@ -134,6 +134,43 @@ class TestHeadless : public QObject {
         if (!linea.isEmpty()) QVERIFY2(r.out.contains(linea), qPrintable(r.out));
     }
 
+    // The database removed while a run waits for the platform: the results
+    // are not written into a file no one will read; the run says so and the
+    // service ends with code 3, for its manager to start it on what is there.
+    void aDatabaseRemovedUnderTheServiceStopsItsWrites() {
+        SimuladorPrueba sim(world.root(),
+                            u"[plataforma]\nretraso_ms=1500\n[cuenta1]\n"
+                            u"usuario=demo\nclave=demo\n"_s);
+        QVERIFY(sim.listo());
+        QDir().mkpath(world.appDir());
+        TestDb::createCurrent(base());
+        {
+            BaseDatos db;
+            QVERIFY(db.open(base()));
+            db.exec(
+                u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,"
+                u"Principal) VALUES (1,'Uno',160,80,?,'demo',?,1)"_s,
+                {sim.host(), msCifrarClave(u"demo"_s, true)});
+            db.exec(
+                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+                u"VALUES ('2026-01-01 08:00:00',1,'0034111111111','hola',2)"_s);
+        }
+        escribirIni("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
+        QProcess p;
+        startProgram(world, p, {u"--headless"_s, u"--once"_s});
+        // Once the platform has the batch, and before it answers.
+        QTRY_VERIFY_WITH_TIMEOUT(!sim.registro().isEmpty(), 10000);
+        QVERIFY(QFile::remove(base()));
+        const ProcessResult r = finishProgram(p);
+        QVERIFY(r.finished);
+        QCOMPARE(r.exitCode, 3);
+        QVERIFY2(r.out.contains(u"ha sido borrada o sustituida por otro programa mientras estaba "
+                                u"abierta. Para no perder nada, Quelmo Mensajes SMS ha dejado de "
+                                u"escribir en ella."_s),
+                 qPrintable(r.out));
+        QVERIFY(!QFile::exists(base()));
+    }
+
     void secondInstanceSaysSoAndSignalsStopCleanly() {
         QProcess primera;
         iniciar(primera);
