@@ -5,6 +5,7 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
+#include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -129,6 +130,7 @@ frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHi
     connect(Option1_1, &QRadioButton::toggled, txtfecha, &QDateEdit::setEnabled);
     Option1_1->setChecked(true);
     connect(h, &QHeaderView::sectionClicked, this, &frmHEnvios::ordenarPorColumna);
+    ordenarConTeclado(ListView1);
     connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
         if (i.isValid()) XPButton2_Click();
     });

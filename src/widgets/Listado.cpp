@@ -5,6 +5,33 @@
 
 #include <algorithm>
 
+namespace {
+
+// Ctrl and a column's number do what a click on that header does.
+class OrdenTeclado : public QObject {
+  public:
+    using QObject::QObject;
+
+  protected:
+    bool eventFilter(QObject* objeto, QEvent* e) override {
+        if (e->type() != QEvent::KeyPress) return false;
+        auto* vista = static_cast<QTreeView*>(objeto);
+        const auto* tecla = static_cast<QKeyEvent*>(e);
+        const int columna = tecla->key() - Qt::Key_1;
+        if (tecla->modifiers() != Qt::ControlModifier || columna < 0 || columna > 8 ||
+            !vista->model() || columna >= vista->model()->columnCount())
+            return false;
+        Q_EMIT vista->header()->sectionClicked(columna);
+        return true;
+    }
+};
+
+}  // namespace
+
+void ordenarConTeclado(QTreeView* vista) {
+    vista->installEventFilter(new OrdenTeclado(vista));
+}
+
 Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent)
     : QTreeView(parent), m_modelo(new ModeloListado(cabeceras, this)) {
     setObjectName(nombre);
@@ -25,6 +52,7 @@ Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* p
     h->setSortIndicatorShown(true);
     h->setSortIndicator(0, Qt::AscendingOrder);
     connect(h, &QHeaderView::sectionClicked, this, &Listado::ordenarPorColumna);
+    ordenarConTeclado(this);
     connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
         if (i.isValid()) Q_EMIT dobleClicFila(i.row());
     });

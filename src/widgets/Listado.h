@@ -13,6 +13,10 @@
 //
 // Screens read the selection with `filasSeleccionadas` / `filaActual` and
 // react to `dobleClicFila`.
+// Ctrl and a column's number (1 to 9) do what a click on that column's
+// header does: sorting needs no mouse. Every Listado has it.
+void ordenarConTeclado(QTreeView* vista);
+
 class Listado : public QTreeView {
     Q_OBJECT
   public:

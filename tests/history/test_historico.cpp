@@ -149,6 +149,13 @@ class TestHistorico : public QObject {
         QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
         QCOMPARE(pantalla.ListView1->header()->sortIndicatorSection(), flecha);
         QCOMPARE(pantalla.ListView1->header()->sortIndicatorOrder(), sentido);
+        // Ctrl and the column's number do the same from the keyboard.
+        frmHEnvios otra;
+        for (int c : clics)
+            QTest::keyClick(otra.ListView1, Qt::Key(Qt::Key_1 + c), Qt::ControlModifier);
+        QCOMPARE(columna(otra.ListView1->model(), columnaMirada), orden);
+        QCOMPARE(otra.ListView1->header()->sortIndicatorSection(), flecha);
+        QCOMPARE(otra.ListView1->header()->sortIndicatorOrder(), sentido);
     }
 
     // The list reads a page of 1,000 rows at a time: the order must hold
