@@ -254,12 +254,8 @@ std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
 // history row is written and nothing goes twice; rows added meanwhile wait
 // for the next run.
 Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
-                       int16_t canal, MedidaLote& medida) {
+                       int16_t canal, MedidaLote& medida, const QString& ruta) {
     Desenlace d;
-    // Read before the exchange: a resend (after a crash or a stop) carries
-    // the same references, which the platform answers without sending again.
-    cliente.Origen = identidadBase(db);
-    const QString ruta = db.path();
     QString nn, ff;
     Intercambio::esperar(Intercambio::Clase::Envio, cliente.cancelacion,
                          [&] { cliente.SendXML(nn, ff); });
@@ -383,11 +379,17 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         anunciarLote(lote.recordCount(), *cuenta);
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = clientePara(*cuenta);
         oculta.emplace(cliente->clave);
+        // The file the rows came from and its identity, read with them: a
+        // resend (after a crash or a stop) carries the same references,
+        // which the platform answers without sending again, and the results
+        // go nowhere but into that file.
+        cliente->Origen = identidadBase(db);
+        const QString ruta = db.path();
         reloj.restart();
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
         reloj.restart();
-        if (!Lote::pausaEntreEnvios()) {
+        if (!Lote::pausaEntreEnvios() || db.path() != ruta) {
             msLog(kTextoAbandonado);
             return 0;
         }
@@ -396,7 +398,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
             msLog(u"Total Mensajes: "_s + QString::number(cliente->XMLMensajes.Count()));
         // A batch of bad destinations makes no exchange.
         if (cliente->XMLMensajes.Count() > 0) {
-            const Desenlace d = intercambiar(db, *cliente, *cuenta, canal, medida);
+            const Desenlace d = intercambiar(db, *cliente, *cuenta, canal, medida, ruta);
             entregadas = d.entregadas;
             const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
             for (const QString& l : d.depuracion) msLog(l);

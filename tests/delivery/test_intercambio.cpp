@@ -111,18 +111,33 @@ class TestIntercambio : public QObject {
         QCOMPARE(sim->registro().size(), 2);
     }
 
-    // Another database chosen while the platform thinks: the results are
-    // not written into it; the rows wait in their own file and their resend
-    // reaches nobody twice.
-    void anotherDatabaseOpenedDuringTheExchange() {
+    // Another database opened while a run waits (the pacing, or the
+    // platform's answer): nothing of the run is written into it; the rows
+    // wait in their own file and their resend reaches nobody twice.
+    void anotherDatabaseOpenedDuringTheRun_data() {
+        QTest::addColumn<bool>("enLaRespuesta");
+        QTest::newRow("during the pacing") << false;
+        QTest::newRow("while the platform answers") << true;
+    }
+    void anotherDatabaseOpenedDuringTheRun() {
+        QFETCH(bool, enLaRespuesta);
         InterfazGuionada ui;
         auto sim = simulador(1500);
         fila(u"600000001"_s);
         const QString primera = Conexion().path();
         const QString segunda = TestDb::createCurrent(world.root() + u"/segunda.db"_s);
-        QTimer::singleShot(500, [&] { QVERIFY(msAbrirBD(segunda)); });
+        QTimer vigia;
+        vigia.setInterval(enLaRespuesta ? 20 : 0);
+        QObject::connect(&vigia, &QTimer::timeout, [&] {
+            if (enLaRespuesta && sim->registro().isEmpty()) return;
+            vigia.stop();
+            QVERIFY(msAbrirBD(segunda));
+        });
+        vigia.start();
         QCOMPARE(msEnviarLote(1, false), 0);
+        QVERIFY(!vigia.isActive());
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 0LL);
+        QCOMPARE(sim->registro().size(), enLaRespuesta ? 1 : 0);
         QVERIFY(msAbrirBD(primera));
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
         QCOMPARE(msEnviarLote(1, false), 1);
