@@ -1,9 +1,8 @@
 // The compose screen while the platform takes its time: the window goes on
 // turning, and a screen closed while its balance query waits drops the late
 // answer (no box, nothing stored) and is deleted once its action returns.
-#include "SimuladorPrueba.h"
+#include "PlataformaLenta.h"
 #include "TestSupportGui.h"
-#include "base/Cifrado.h"
 #include "composition/frmEnvio.h"
 #include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
@@ -26,18 +25,7 @@ class TestEspera : public QObject {
     TestWorld& world;
 
     std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
-        auto s = std::make_unique<SimuladorPrueba>(
-            world.root(),
-            u"[plataforma]\nretraso_ms=%1\n[cuenta1]\nusuario=demo\nclave=demo\n"
-            u"saldo=100\nmovil=0034600123456\n"_s.arg(retrasoMs));
-        if (!s->listo()) qFatal("the platform simulator did not start");
-        prueba::cuenta(1, u"Principal"_s,
-                       {{u"Host"_s, s->host()},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(u"demo"_s, true)},
-                        {u"Saldo"_s, 5},
-                        {u"Principal"_s, 1}});
-        return s;
+        return plataformaLenta(world, retrasoMs, 5);
     }
 
   private Q_SLOTS:

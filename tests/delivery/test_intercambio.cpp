@@ -2,9 +2,8 @@
 // across the exchange, so the user's edits of the outbox and other
 // programs go on; a stop gives the exchange up, and the rows go again under
 // the same references without reaching anybody twice.
-#include "SimuladorPrueba.h"
+#include "PlataformaLenta.h"
 #include "TestSupport.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "delivery/Intercambio.h"
@@ -27,17 +26,7 @@ class TestIntercambio : public QObject {
     TestWorld& world;
 
     std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
-        auto s = std::make_unique<SimuladorPrueba>(
-            world.root(),
-            u"[plataforma]\nretraso_ms=%1\n[cuenta1]\nusuario=demo\nclave=demo\n"
-            u"saldo=100\nmovil=0034600123456\n"_s.arg(retrasoMs));
-        if (!s->listo()) qFatal("the platform simulator did not start");
-        prueba::cuenta(1, u"Principal"_s,
-                       {{u"Host"_s, s->host()},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(u"demo"_s, true)},
-                        {u"Principal"_s, 1}});
-        return s;
+        return plataformaLenta(world, retrasoMs);
     }
     static void fila(const QString& abonado) {
         Conexion().exec(

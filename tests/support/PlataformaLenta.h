@@ -1,0 +1,27 @@
+#pragma once
+
+// A platform that takes its time, and the principal account pointing at it:
+// what the tests of waiting screens and batches share.
+#include "SimuladorPrueba.h"
+#include "TestSupport.h"
+#include "base/Cifrado.h"
+
+#include <memory>
+
+// The simulator answering after `retrasoMs`, with account 1 (demo/demo,
+// balance `saldo`) of the shared connection as the principal account.
+inline std::unique_ptr<SimuladorPrueba> plataformaLenta(const TestWorld& world, int retrasoMs,
+                                                        int saldo = 0) {
+    auto s = std::make_unique<SimuladorPrueba>(
+        world.root(), QStringLiteral("[plataforma]\nretraso_ms=%1\n[cuenta1]\nusuario=demo\n"
+                                     "clave=demo\nsaldo=100\nmovil=0034600123456\n")
+                          .arg(retrasoMs));
+    if (!s->listo()) qFatal("the platform simulator did not start");
+    prueba::cuenta(1, QStringLiteral("Principal"),
+                   {{QStringLiteral("Host"), s->host()},
+                    {QStringLiteral("usuario"), QStringLiteral("demo")},
+                    {QStringLiteral("clave"), msCifrarClave(QStringLiteral("demo"), true)},
+                    {QStringLiteral("Saldo"), saldo},
+                    {QStringLiteral("Principal"), 1}});
+    return s;
+}
