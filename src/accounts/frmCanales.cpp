@@ -138,11 +138,11 @@ void frmCanales::cmdPrede_Click() {
     msHacerPrincipal(canalDe(f), textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
 }
 
-void frmCanales::cmdGetSaldo_Click() {
+QCoro::Task<> frmCanales::cmdGetSaldo_Click() {
     const int f = filaElegida();
-    if (f < 0) return;
+    if (f < 0) co_return;
     const Intercambio::Encargo encargo(this);
-    msVerSaldo(canalDe(f));
+    co_await msVerSaldo(canalDe(f), encargo.cancelacion());
 }
 
 void frmCanales::cmdRecarga_Click() {

@@ -2,6 +2,7 @@
 
 #include "db/BaseDatos.h"
 
+#include <QCoro/QCoroTask>
 #include <QWidget>
 #include <cstdint>
 
@@ -22,7 +23,7 @@ class frmCanales : public QWidget {
     void cmdEdit_Click();
     void cmdDelete_Click();
     void cmdPrede_Click();
-    void cmdGetSaldo_Click();
+    QCoro::Task<> cmdGetSaldo_Click();
     void cmdRecarga_Click();
     void cmdRegistro_Click();
 

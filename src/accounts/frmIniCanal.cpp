@@ -57,10 +57,11 @@ frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
     connect(cmdCancelar, &QPushButton::clicked, this, &QDialog::reject);
 }
 
-void frmIniCanal::cmdAceptar_Click() {
+QCoro::Task<> frmIniCanal::cmdAceptar_Click() {
     const Intercambio::Encargo encargo(this);
     // Refused or not written, the user stays here to correct.
-    const AltaInicial alta = msAltaInicial(txtUsuario->text(), txtClave->text(), txtClave2->text());
-    if (encargo.abandonada()) return;
+    const AltaInicial alta = co_await msAltaInicial(txtUsuario->text(), txtClave->text(),
+                                                    txtClave2->text(), encargo.cancelacion());
+    if (encargo.abandonada()) co_return;
     if (alta == AltaInicial::Hecha || alta == AltaInicial::SinVerificar) accept();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QDialog>
 
 class QLabel;
@@ -21,5 +22,5 @@ class frmIniCanal : public QDialog {
     QPushButton* cmdCancelar;
 
   private:
-    void cmdAceptar_Click();
+    QCoro::Task<> cmdAceptar_Click();
 };

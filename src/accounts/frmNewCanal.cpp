@@ -285,11 +285,13 @@ void frmNewCanal::Image4_Click(int indice) {
     }
 }
 
-void frmNewCanal::cmdAceptar_Click() {
+QCoro::Task<> frmNewCanal::cmdAceptar_Click() {
     const Intercambio::Encargo encargo(this);
     DatosCuenta d = datos();
-    const Guardado guardado = msGuardarCuenta(d, m_edicion, m_canal);
-    if (encargo.abandonada()) return;
+    const Guardado guardado =
+        co_await msGuardarCuenta(d, m_edicion, m_canal, encargo.cancelacion());
+    // Closed meanwhile: the screen is gone, and so is the answer.
+    if (encargo.abandonada()) co_return;
     switch (guardado) {
         case Guardado::Guardada:
             txtSMSHost->setText(d.host);

@@ -2,6 +2,7 @@
 
 #include "accounts/mdoCuentas.h"
 
+#include <QCoro/QCoroTask>
 #include <QDialog>
 #include <cstdint>
 
@@ -58,7 +59,7 @@ class frmNewCanal : public QDialog {
     void Option1_Click(int indice);
     void actualizarActivacion();
     void Image4_Click(int indice);
-    void cmdAceptar_Click();
+    QCoro::Task<> cmdAceptar_Click();
 
     bool m_edicion = false;
     int16_t m_canal = 0;

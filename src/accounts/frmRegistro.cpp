@@ -100,7 +100,11 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
             [] { Pantallas::abrir(u"condiciones"_s); });
 
     auto* usuario = new Pagina(this);
-    usuario->validar = [this] { return registrar(); };
+    usuario->validar = [this] {
+        if (m_registrado) return true;
+        if (!m_registrando) registrarYSeguir();
+        return false;
+    };
     usuario->setObjectName(u"pagUsuario"_s);
     usuario->setTitle(u"Usuario y contraseña"_s);
     txtUsuario = campo(usuario, u"txtUsuario"_s, 50);
@@ -140,13 +144,26 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
     setMinimumSize(560, 400);
 }
 
-bool frmRegistro::registrar() {
+QCoro::Task<> frmRegistro::registrarYSeguir() {
+    m_registrando = true;
+    const QPointer<frmRegistro> yo(this);
+    setCursor(Qt::BusyCursor);
+    const bool hecho = co_await registrar();
+    if (!yo) co_return;
+    unsetCursor();
+    m_registrando = false;
+    if (!hecho) co_return;
+    m_registrado = true;
+    next();
+}
+
+QCoro::Task<bool> frmRegistro::registrar() {
     if (txtClave->text() != txtClave2->text()) {
         ui().msgBox(
             u"Los datos insertados en los campos Contraseña no coinciden, inserte de "
             u"nuevo la Contraseña"_s,
             Msg::Critical);
-        return false;
+        co_return false;
     }
     SolicitudRegistro s;
     s.nombre = txtNombre->text().trimmed();
@@ -156,15 +173,16 @@ bool frmRegistro::registrar() {
     s.clave = txtClave->text();
     s.condiciones = chkAcepto->isChecked();
     const Intercambio::Encargo encargo(this);
-    const RespuestaRegistro r = msRegistrarUsuario(s);
-    if (encargo.abandonada()) return false;
+    const RespuestaRegistro r = co_await msRegistrarUsuario(s, encargo.cancelacion());
+    // Closed meanwhile: the screen is gone, and so is the answer.
+    if (encargo.abandonada()) co_return false;
     if (!r.conectado) {
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
             u"conexión a Internet.\n"_s +
                 r.comentario,
             Msg::Critical);
-        return false;
+        co_return false;
     }
     if (!r.aceptado) {
         // The user corrects here, or goes back to the page at fault.
@@ -174,10 +192,12 @@ bool frmRegistro::registrar() {
         else if (r.motivo == u"condiciones"_s)
             texto += u"\nVuelva atrás para aceptar las condiciones del servicio."_s;
         ui().msgBox(texto, Msg::Exclamation);
-        return false;
+        co_return false;
     }
-    m_saldo = msAnadirCuentaRegistrada(s.usuario, s.clave);
-    if (m_saldo.isNull()) return false;
+    // Signed up: the account is added even if the screen closes meanwhile.
+    const QString saldo = co_await msAnadirCuentaRegistrada(s.usuario, s.clave);
+    if (encargo.abandonada() || saldo.isNull()) co_return false;
+    m_saldo = saldo;
     m_usuario = s.usuario;
-    return true;
+    co_return true;
 }

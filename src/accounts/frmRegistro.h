@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QWizard>
 
 class QCheckBox;
@@ -31,8 +32,13 @@ class frmRegistro : public QWizard {
   private:
     // Posts the sign-up; true when the platform took it and the account
     // was added.
-    bool registrar();
+    QCoro::Task<bool> registrar();
+    // "Siguiente" on the user page: the sign-up, then the next page when it
+    // was taken. The page stays while the platform answers.
+    QCoro::Task<> registrarYSeguir();
 
+    bool m_registrando = false;
+    bool m_registrado = false;
     QString m_usuario;
     QString m_saldo;
 };

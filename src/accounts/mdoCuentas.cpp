@@ -93,17 +93,17 @@ void msMostrarAltaCuenta() {
                             u"puede configurar una cuenta."_s);
 }
 
-void msPrimeraVez() {
+QCoro::Task<> msPrimeraVez() {
     try {
         const ResultadoConsulta r = Conexion().query(u"select * from canales where principal=1"_s);
         if (r.isEmpty()) {
             msMostrarAltaCuenta();
-            return;
+            co_return;
         }
         // One exchange per start refreshes the balance.
         if (!sinCredenciales(r)) {
-            SendAutCuenta(aEntero16(r.value(0, u"canal"_s)));
-            return;
+            co_await SendAutCuenta(aEntero16(r.value(0, u"canal"_s)));
+            co_return;
         }
         // A principal account without its credentials is completed in the
         // editor; only if it stays unusable does the set-up come.
@@ -241,9 +241,9 @@ bool msEliminarCuenta(int16_t canal) {
     return true;
 }
 
-void msVerSaldo(int16_t canal) {
-    const QString r = SendAutCuenta(canal);
-    if (Intercambio::respuestaDescartada()) return;
+QCoro::Task<> msVerSaldo(int16_t canal, Transporte::Cancelacion cancelacion) {
+    const QString r = co_await SendAutCuenta(canal, cancelacion);
+    if (cancelacion.cancelada()) co_return;
     const long long n = esNumerico(r) ? numeroDe(r) : 0;
     if (n == -1)
         ui().msgBox(kDenegada, Msg::Critical | Msg::DefaultButton2);
@@ -294,28 +294,28 @@ DatosCuenta msLeerCuenta(int16_t canal) {
     return d;
 }
 
-Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
+QCoro::Task<Guardado> msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal,
+                                      Transporte::Cancelacion cancelacion) {
     // A number left from an earlier exchange must not be stored with this
     // account when the platform can't be reached.
     estadoAplicacion().MovilCuenta.clear();
-    QString host;
-    QString saldo = msConsultarSaldo(d.usuario, d.clave, host);
+    QString saldo = co_await msConsultarSaldo(d.usuario, d.clave, QString(), cancelacion);
     // The editor was closed while the platform was asked: nothing is saved.
-    if (Intercambio::respuestaDescartada()) return Guardado::Descartada;
+    if (cancelacion.cancelada()) co_return Guardado::Descartada;
     const bool sinVerificar = saldo == u"-2"_s;
     if (saldo == u"-1"_s) {
         saldo = u"0"_s;
         if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
                         Msg::YesNo | Msg::Critical | Msg::DefaultButton2) != Msg::Yes)
-            return Guardado::Descartada;
+            co_return Guardado::Descartada;
     }
     if (d.puerto.isEmpty()) {
         ui().msgBox(u"Valor no valido para el parametro PUERTO REMOTO"_s);
-        return Guardado::Incompleta;
+        co_return Guardado::Incompleta;
     }
     if (d.host.isEmpty()) {
         ui().msgBox(u"Valor no valido para el parametro HOST REMOTO"_s);
-        return Guardado::Incompleta;
+        co_return Guardado::Incompleta;
     }
     const int remopc = d.remopc < 0 ? 0 : d.remopc;
     try {
@@ -349,11 +349,11 @@ Guardado msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal) {
         }
     } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
-        return Guardado::Incompleta;
+        co_return Guardado::Incompleta;
     }
     if (sinVerificar) avisarSinVerificar();
     avisarCambio();
-    return Guardado::Guardada;
+    co_return Guardado::Guardada;
 }
 
 // ---- first-run set-up -------------------------------------------------------
@@ -390,31 +390,31 @@ bool NewChannel(const QString& saldo, const QString& usuario, const QString& cla
     }
 }
 
-AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QString& clave2) {
+QCoro::Task<AltaInicial> msAltaInicial(QString usuario, QString clave, QString clave2,
+                                       Transporte::Cancelacion cancelacion) {
     const QString falta = msComprobarDatosIniciales(usuario, clave, clave2);
     if (!falta.isEmpty()) {
         ui().msgBox(falta, Msg::Critical);
-        return AltaInicial::Invalida;
+        co_return AltaInicial::Invalida;
     }
     estadoAplicacion().MovilCuenta.clear();
-    QString host;
-    const QString saldo = msConsultarSaldo(usuario, clave, host);
-    if (Intercambio::respuestaDescartada()) return AltaInicial::Invalida;
+    const QString saldo = co_await msConsultarSaldo(usuario, clave, QString(), cancelacion);
+    if (cancelacion.cancelada()) co_return AltaInicial::Invalida;
     // Unreached is not refused: the account is written, but not called a success.
     if (saldo == u"-1"_s) {
         ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
-        return AltaInicial::Invalida;
+        co_return AltaInicial::Invalida;
     }
     if (!NewChannel(saldo, usuario, clave)) {
         ui().msgBox(u"No pudo completarse con éxito la configuración, verifique los datos"_s,
                     Msg::Critical);
         msMostrarSeleccionBD();
-        return AltaInicial::FalloBase;
+        co_return AltaInicial::FalloBase;
     }
     if (saldo == u"-2"_s) {
         avisarSinVerificar();
         avisarCambio();
-        return AltaInicial::SinVerificar;
+        co_return AltaInicial::SinVerificar;
     }
     ui().msgBox(
         u"Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
@@ -422,13 +422,14 @@ AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QS
         u"cuenta"_s,
         Msg::Information);
     avisarCambio();
-    return AltaInicial::Hecha;
+    co_return AltaInicial::Hecha;
 }
 
-QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
+QCoro::Task<QString> msAnadirCuentaRegistrada(QString usuario, QString clave,
+                                              Transporte::Cancelacion cancelacion) {
     estadoAplicacion().MovilCuenta.clear();
-    QString host;
-    const QVariant saldo = saldoConocido(msConsultarSaldo(usuario, clave, host));
+    const QVariant saldo =
+        saldoConocido(co_await msConsultarSaldo(usuario, clave, QString(), cancelacion));
     try {
         BaseDatos& db = Conexion();
         const bool primera = db.query(u"select canal from canales where principal=1"_s).isEmpty();
@@ -441,9 +442,9 @@ QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave) {
              estadoAplicacion().MovilCuenta});
     } catch (const ErrorQuelmo& e) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
-        return QString();
+        co_return QString();
     }
     avisarCambio();
     // Signed up a moment ago: a failed query only means the balance is not known yet.
-    return saldo.isNull() ? u""_s : saldo.toString();
+    co_return saldo.isNull() ? u""_s : saldo.toString();
 }

@@ -2,7 +2,9 @@
 
 #include "db/BaseDatos.h"
 #include "db/Conexion.h"
+#include "delivery/Transporte.h"
 
+#include <QCoro/QCoroTask>
 #include <QString>
 #include <cstdint>
 
@@ -16,7 +18,7 @@ void msRecarga();
 // At start and when the compose screen finds no account: leads a user
 // without a usable principal account to its set-up, or refreshes its
 // balance with one exchange.
-void msPrimeraVez();
+QCoro::Task<> msPrimeraVez();
 // The first-run account set-up, shown modally; without windows a line on
 // standard error says that it could not be shown.
 void msMostrarAltaCuenta();
@@ -44,8 +46,9 @@ void msHacerPrincipal(int16_t canal, const QString& nombre);
 // the principal rule. True when it was deleted.
 bool msEliminarCuenta(int16_t canal);
 // Asks the platform for the account's balance (stored by SendAutCuenta) and
-// says in a box when it refused or could not be reached.
-void msVerSaldo(int16_t canal);
+// says in a box when it refused or could not be reached; nothing when
+// `cancelacion` gave it up (the screen closed).
+QCoro::Task<> msVerSaldo(int16_t canal, Transporte::Cancelacion cancelacion = {});
 // The platform's recharge page for a user, with the name percent-encoded.
 QString msUrlRecarga(const QString& usuario);
 
@@ -83,8 +86,10 @@ enum class Guardado {
 };
 // Verifies the user at the platform, then inserts (`edicion` false) or
 // updates the account `canal`. In edit mode a host without scheme gains
-// "HTTP://", written back into `datos` as well.
-Guardado msGuardarCuenta(DatosCuenta& datos, bool edicion, int16_t canal);
+// "HTTP://", written back into `datos` as well (which must outlive the
+// task). Given up through `cancelacion`, nothing is saved.
+QCoro::Task<Guardado> msGuardarCuenta(DatosCuenta& datos, bool edicion, int16_t canal,
+                                      Transporte::Cancelacion cancelacion = {});
 
 // ---- first-run set-up -------------------------------------------------------
 
@@ -104,10 +109,12 @@ enum class AltaInicial {
     FalloBase,     // the row could not be written; the database selection opened
 };
 // What the first-run form's "Aceptar" does: checks, verification, the row.
-AltaInicial msAltaInicial(const QString& usuario, const QString& clave, const QString& clave2);
+QCoro::Task<AltaInicial> msAltaInicial(QString usuario, QString clave, QString clave2,
+                                       Transporte::Cancelacion cancelacion = {});
 
 // After the platform signed a new user up: asks for the new account's
 // balance and writes its row, principal when no account is principal yet.
 // The balance stored (empty when unknown), or a null string when the row
 // could not be written.
-QString msAnadirCuentaRegistrada(const QString& usuario, const QString& clave);
+QCoro::Task<QString> msAnadirCuentaRegistrada(QString usuario, QString clave,
+                                              Transporte::Cancelacion cancelacion = {});

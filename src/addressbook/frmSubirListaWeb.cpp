@@ -104,22 +104,23 @@ void frmSubirListaWeb::msCargarDatos(int16_t grupo) {
     contactos->setText(cuantos);
 }
 
-void frmSubirListaWeb::cmdPublicar_Click() {
+QCoro::Task<> frmSubirListaWeb::cmdPublicar_Click() {
     if (ltag->text().isEmpty()) {
         ui().msgBox(u"Escriba un nombre para publicar su Lista Web"_s, Msg::Exclamation,
                     u"Publicación Lista Web"_s);
-        return;
+        co_return;
     }
     // Without an account there is nothing to publish through.
-    if (ImageCombo1->currentIndex() < 0) return;
+    if (ImageCombo1->currentIndex() < 0) co_return;
     const int16_t canal = int16_t(ImageCombo1->currentData().toString().mid(1).toInt());
 
     // The screen waits for the platform, not the window.
     const Intercambio::Encargo encargo(this);
     setCursor(Qt::BusyCursor);
     setEnabled(false);
-    msPublicarLista(u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked());
-    if (encargo.abandonada()) return;
+    co_await msPublicarLista(u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked(),
+                             encargo.cancelacion());
+    if (encargo.abandonada()) co_return;
     setEnabled(true);
     unsetCursor();
 }

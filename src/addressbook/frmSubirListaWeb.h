@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QDialog>
 #include <cstdint>
 
@@ -21,7 +22,7 @@ class frmSubirListaWeb : public QDialog {
     void msCargarCanales();
     // Shows the list's name and member count and keeps its code.
     void msCargarDatos(int16_t grupo);
-    void cmdPublicar_Click();
+    QCoro::Task<> cmdPublicar_Click();
 
     int16_t grupo() const { return m_grupo; }
 

@@ -78,8 +78,9 @@ bool esPalabraClaveValida(const QString& ltag) {
     return true;
 }
 
-ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const QString& ltag,
-                                     int16_t canal, bool nborrar) {
+QCoro::Task<ResultadoPublicacion> msPublicarLista(QString Lacc, int16_t grupo, QString ltag,
+                                                  int16_t canal, bool nborrar,
+                                                  Transporte::Cancelacion cancelacion) {
     ResultadoPublicacion resultado;
     // What kept the exchange from an answer, for the log and the box.
     QString causa;
@@ -87,6 +88,7 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         DatosCuenta cuenta;
         leerCuenta(canal, &cuenta);
         auto cliente = qmXMLSend::crear();
+        cliente->cancelacion = cancelacion;
         cliente->clave = msCifrarClave(cuenta.clave, false);
         cliente->usuario = cuenta.usuario;
         cliente->url = cuenta.host + u"/servlet/quelmoMessage.servlet.Servlet"_s;
@@ -112,8 +114,8 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         }
         cliente->SendParam = u"xml="_s;
         QString nn, ff;
-        Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
-                             [&] { cliente->SendXMLLista(nn, ff); });
+        co_await Intercambio::enHilo(Intercambio::Clase::Consulta, cliente->cancelacion,
+                                     [&] { cliente->SendXMLLista(nn, ff); });
         causa = Transporte::descripcion(cliente->RXTransporte);
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
         resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
@@ -123,7 +125,8 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         causa = e.description();
     }
     if (!causa.isEmpty()) msLog(causa);
-    if (Intercambio::respuestaDescartada()) return resultado;
+    // The screen that asked has closed: no box for it.
+    if (cancelacion.cancelada()) co_return resultado;
     if (resultado.correcta)
         ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
                         resultado.CADD + u"\nContactos Actualizados: "_s + resultado.CUP +
@@ -135,5 +138,5 @@ ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const Q
         ui().msgBox(
             u"FALLO en la Publicación de Lista"_s + (causa.isEmpty() ? QString() : u"\n"_s + causa),
             Msg::Critical, tituloPublicacion());
-    return resultado;
+    co_return resultado;
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "delivery/Transporte.h"
+
+#include <QCoro/QCoroTask>
 #include <QList>
 #include <QString>
 #include <cstdint>
@@ -33,7 +36,9 @@ struct ResultadoPublicacion {
 
 // Sends the members of list `grupo` through account `canal` as web list
 // `ltag` ("U": update; "S" also sends the members, any other action none),
-// emptying the web list first when `nborrar`; tells the user the outcome.
-// Local data is never touched.
-ResultadoPublicacion msPublicarLista(const QString& Lacc, int16_t grupo, const QString& ltag,
-                                     int16_t canal, bool nborrar);
+// emptying the web list first when `nborrar`; tells the user the outcome,
+// unless `cancelacion` gave it up (the screen closed). Local data is never
+// touched.
+QCoro::Task<ResultadoPublicacion> msPublicarLista(QString Lacc, int16_t grupo, QString ltag,
+                                                  int16_t canal, bool nborrar,
+                                                  Transporte::Cancelacion cancelacion = {});

@@ -82,6 +82,7 @@ Instancia::Respuesta Instancia::pedirVentana(int esperaMs) {
         s.connectToServer(nombreServidor());
         if (s.waitForConnected(int(qMax<qint64>(1, plazo.remainingTime())))) break;
         if (plazo.hasExpired()) return Respuesta::SinRespuesta;
+        // espera-justificada: a second start, before it has any window or loop.
         QThread::msleep(50);
     }
     s.write(kPeticion);

@@ -37,8 +37,12 @@ class IconosSinLeer : public QFileIconProvider {
 
 }  // namespace
 
-int InterfazGrafica::msgBox(const QString& text, int style, const QString& title) {
-    QMessageBox box(m_owner);
+namespace {
+
+using Botones = QList<QPair<QAbstractButton*, int>>;
+
+// A box of the style's icon and buttons, its default button set.
+Botones prepararCaja(QMessageBox& box, const QString& text, int style, const QString& title) {
     box.setWindowTitle(title.isEmpty() ? tituloAplicacion() : title);
     box.setText(text);
     const int icono = style & 0x70;
@@ -70,10 +74,34 @@ int InterfazGrafica::msgBox(const QString& text, int style, const QString& title
     const int porDefecto = Msg::defaultAnswer(style);
     for (const auto& [boton, answer] : botones)
         if (answer == porDefecto) box.setDefaultButton(qobject_cast<QPushButton*>(boton));
-    box.exec();
+    return botones;
+}
+
+int respuestaDe(const QMessageBox& box, const Botones& botones, int style) {
     for (const auto& [boton, answer] : botones)
         if (box.clickedButton() == boton) return answer;
     return (style & 7) == Msg::OkOnly ? Msg::Ok : Msg::Cancel;
+}
+
+}  // namespace
+
+int InterfazGrafica::msgBox(const QString& text, int style, const QString& title) {
+    QMessageBox box(m_owner);
+    const Botones botones = prepararCaja(box, text, style, title);
+    box.exec();
+    return respuestaDe(box, botones, style);
+}
+
+void InterfazGrafica::preguntar(const QString& text, int style, const QString& title,
+                                std::function<void(int)> alResponder) {
+    auto* box = new QMessageBox(m_owner);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    const Botones botones = prepararCaja(*box, text, style, title);
+    QObject::connect(box, &QMessageBox::finished, box,
+                     [box, botones, style, alResponder = std::move(alResponder)] {
+                         if (alResponder) alResponder(respuestaDe(*box, botones, style));
+                     });
+    box->open();
 }
 
 QString InterfazGrafica::askPassword() {

@@ -12,6 +12,8 @@ class InterfazGrafica : public InterfazUsuario {
     void setOwner(QWidget* owner) { m_owner = owner; }
 
     int msgBox(const QString& text, int style, const QString& title) override;
+    void preguntar(const QString& text, int style, const QString& title,
+                   std::function<void(int)> alResponder) override;
     QString askPassword() override;
     QString inputBox(const QString& prompt, const QString& title,
                      const QString& defaultText) override;

@@ -123,17 +123,25 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
 
     int codigo = 0;
     if (unaVez) {
+        // One run, then the end: the run goes on from the event loop, and
+        // ends after what it left to say (a lost database's line).
+        QObject::connect(
+            &transmisor, &Transmisor::tickTerminado, &app,
+            [&transmisor] {
+                transmisor.detener();
+                QCoreApplication::exit(Conexion().perdida() ? kSalidaSinBaseDatos : 0);
+            },
+            Qt::QueuedConnection);
         transmisor.msForzarEnvio();
-        transmisor.detener();
-        QCoreApplication::processEvents();
-        // A script or the user service must learn that nothing went out.
+    }
+    // Unless a stop came during start-up: then it ends here.
+    if (!pararPedido && (!unaVez || transmisor.enTick())) codigo = app.exec();
+    // A script or the user service must learn that nothing went out.
+    if (unaVez && codigo == 0) {
         if (Conexion().perdida())
             codigo = kSalidaSinBaseDatos;
         else if (msLotesSinEntregar() > 0)
             codigo = kSalidaSinEntregar;
-    } else if (!pararPedido) {
-        // Unless a stop came during start-up: then it ends here.
-        codigo = app.exec();
     }
     Conexion().close();
     anunciar(u"Transmisor sin ventana detenido"_s);

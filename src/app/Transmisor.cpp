@@ -10,8 +10,6 @@
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
 
-#include <QScopeGuard>
-
 using namespace Qt::StringLiterals;
 
 Transmisor::Transmisor(QObject* parent) : QObject(parent) {
@@ -78,13 +76,18 @@ void Transmisor::Timer1_Timer() {
     // A "send now" in the middle of a run is no second run.
     if (m_detenido || m_enTick) return;
     m_enTick = true;
-    const auto fin = qScopeGuard([this] { m_enTick = false; });
     // No tick can come while this one runs.
     m_timer.stop();
     m_seguido.stop();
     // Scheduled messages go into the outbox whatever the switch says.
     clsTareasPendientes().ReLoad();
-    const bool lleno = SendMessage();
+    // The run goes on from the event loop as its exchanges end; the tick
+    // ends with it.
+    QCoro::connect(SendMessage(), this, [this](bool lleno) { terminarTick(lleno); });
+}
+
+void Transmisor::terminarTick(bool lleno) {
+    m_enTick = false;
     if (!m_detenido) {
         if (lleno && modoContinuo())
             m_seguido.start();

@@ -17,8 +17,11 @@ class Transmisor : public QObject {
     // Sets the interval in seconds and restarts it (options screen); during
     // a tick it only takes effect when the tick ends.
     void establecerIntervalo(int segundos);
-    // The tick: timer off, scheduled poll, SendMessage, timer on.
+    // The tick: timer off, scheduled poll, then SendMessage started; when
+    // the run ends, timer on and tickTerminado.
     void Timer1_Timer();
+    // A tick is under way (its run waits for the platform).
+    bool enTick() const { return m_enTick; }
     // Runs the tick at once.
     void msForzarEnvio() { Timer1_Timer(); }
 
@@ -40,6 +43,8 @@ class Transmisor : public QObject {
     void tickTerminado();
 
   private:
+    void terminarTick(bool lleno);
+
     QTimer m_timer;
     // The run that follows at once in continuous mode; Timer1 keeps its
     // interval for when the outbox has drained.

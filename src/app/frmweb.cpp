@@ -55,7 +55,6 @@ void frmweb::cargarfondo() {
     m_fondo = m_propio ? propia : fondoIncluido();
     m_escalado = QPixmap();
     viewport()->update();
-    ui().processEvents();
 }
 
 void frmweb::resizeEvent(QResizeEvent* event) {

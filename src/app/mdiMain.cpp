@@ -101,7 +101,6 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
         },
         Qt::QueuedConnection);
     cargarClaveAcceso();
-    QCoreApplication::processEvents();
 
     terminar = [] { QCoreApplication::exit(0); };
     hayBandeja = [] { return QSystemTrayIcon::isSystemTrayAvailable(); };
@@ -469,7 +468,6 @@ void mdiMain::closeEvent(QCloseEvent* event) {
     // Other screens get no say: the process ends here.
     m_transmisor.detener();
     Conexion().close();
-    QCoreApplication::processEvents();
     m_icono->hide();
     event->accept();
     if (terminar) terminar();

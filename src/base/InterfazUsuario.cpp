@@ -2,8 +2,6 @@
 
 #include "base/EstadoAplicacion.h"
 
-#include <QCoreApplication>
-
 namespace Msg {
 int defaultAnswer(int style) {
     const int buttons = style & 7;
@@ -22,10 +20,6 @@ int defaultAnswer(int style) {
     }
 }
 }  // namespace Msg
-
-void InterfazUsuario::processEvents() {
-    if (QCoreApplication::instance()) QCoreApplication::processEvents();
-}
 
 void msAbrirUrl(const QString& target) {
     if (target.isEmpty()) return;

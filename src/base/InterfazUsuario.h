@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 // Styles and answers of the message boxes, with the numbers the rules use.
 namespace Msg {
@@ -32,6 +33,17 @@ class InterfazUsuario {
     // A message box; an empty title means the application's title.
     virtual int msgBox(const QString& text, int style = Msg::OkOnly,
                        const QString& title = QString()) = 0;
+    // A box shown without waiting for it: what a run or an exchange says
+    // while it goes on (an unanswered box in a hidden window holds nothing).
+    // `alResponder`, when given, gets the answer whenever it comes.
+    virtual void preguntar(const QString& text, int style, const QString& title,
+                           std::function<void(int)> alResponder) {
+        const int respuesta = msgBox(text, style, title);
+        if (alResponder) alResponder(respuesta);
+    }
+    void aviso(const QString& text, int style = Msg::OkOnly, const QString& title = QString()) {
+        preguntar(text, style, title, {});
+    }
     // The password prompt, shown modally; returns what the user typed.
     virtual QString askPassword() = 0;
     // An input box: what was typed, or a null string when cancelled.
@@ -50,8 +62,6 @@ class InterfazUsuario {
     virtual void openUrl(const QString& target) = 0;
     // The process can't go on without a usable database.
     [[noreturn]] virtual void terminateWithoutDatabase() = 0;
-    // One turn of the event loop.
-    virtual void processEvents();
 };
 
 // Hands an address or a document to the desktop; an empty one is ignored.

@@ -84,8 +84,6 @@ void msLog(const QString& text) {
         const QString oculto = ocultarSecretos(text);
         const QString t = oculto.startsWith(u"Buffer: "_s) ? msEscaparBuffer(oculto) : oculto;
         estadoAplicacion().log.append(marcaTiempoLog() + u" - "_s + t);
-        // The yield that lets the user act during a transmitter run.
-        ui().processEvents();
     } catch (...) {
         // Silent by necessity: a line that can't be written has nowhere
         // else to go, and logging must never stop the routine that logs.

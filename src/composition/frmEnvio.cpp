@@ -327,7 +327,6 @@ void frmEnvio::msCargarContactos() {
 
 void frmEnvio::cmdAnadir_Click() {
     cmdAnadir->setCursor(Qt::BusyCursor);
-    ui().processEvents();
     txtDestinos->setText(crtAutoComplete1->Texto());
     lblCaracteres->clear();
     // An empty text is dropped without a word.
@@ -340,7 +339,6 @@ void frmEnvio::cmdAnadir_Click() {
     // The list follows the new rows through the outbox notice.
     const QString rechazados = agregarMensajes(txtDestinos->text(), txtMensaje->toPlainText(),
                                                leerSoloContactos(), canalElegido());
-    ui().processEvents();
     // What was refused stays, with the text, to be mended.
     txtDestinos->setText(rechazados);
     if (rechazados.isEmpty()) txtMensaje->clear();
@@ -353,7 +351,6 @@ void frmEnvio::cmdAnadir_Click() {
 
 void frmEnvio::msAbrirBandeja() {
     mlMensajes = -1;
-    ui().processEvents();
 }
 
 void frmEnvio::msActualizaLista() {
@@ -429,7 +426,6 @@ void frmEnvio::cmdModificar_Click() {
         txtDestinos->setText(m->destino);
         crtAutoComplete1->setTexto(txtDestinos->text());
         txtMensaje->setPlainText(m->texto);
-        ui().processEvents();
     } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo modificar el mensaje "_s + id + u": "_s + e.description());
     }
@@ -443,7 +439,6 @@ void frmEnvio::cmdEliminar_Click() {
     const QString id = ListView1->modelo()->texto(fila, 0);
     try {
         borrarDeBandeja(id);
-        ui().processEvents();
     } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo eliminar el mensaje "_s + id + u": "_s + e.description());
     }
@@ -455,7 +450,6 @@ void frmEnvio::cmdEliminarTodos_Click() {
         return;
     try {
         vaciarBandeja();
-        ui().processEvents();
     } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo vaciar la Bandeja de Salida: "_s + e.description());
     }
@@ -480,10 +474,11 @@ void frmEnvio::cmdEnviar_Click() {
     cmdEnviar->unsetCursor();
 }
 
-void frmEnvio::cmdSaldo_Click() {
+QCoro::Task<> frmEnvio::cmdSaldo_Click() {
     const Intercambio::Encargo encargo(this);
-    const QString saldo = SendAutCuenta(int16_t(canalElegido()));
-    if (encargo.abandonada()) return;
+    const QString saldo = co_await SendAutCuenta(int16_t(canalElegido()), encargo.cancelacion());
+    // Closed meanwhile: the screen is gone, and so is the answer.
+    if (encargo.abandonada()) co_return;
     if (saldo.isEmpty() || saldo == u"-1"_s) {
         ui().msgBox(
             u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté "

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QWidget>
 #include <cstdint>
 
@@ -41,7 +42,7 @@ class frmEnvio : public QWidget {
     void cmdModificar_Click();
     void cmdEliminar_Click();
     void cmdEliminarTodos_Click();
-    void cmdSaldo_Click();
+    QCoro::Task<> cmdSaldo_Click();
     void cmdRecarga_Click();
     void imgmt_DblClick();
     void Timer1_Timer();

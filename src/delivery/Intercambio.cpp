@@ -1,14 +1,12 @@
 #include "delivery/Intercambio.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QEvent>
-#include <QEventLoop>
 #include <QList>
-#include <QPointer>
 #include <QThread>
 #include <QTimer>
 #include <QVariant>
+#include <coroutine>
 #include <exception>
 
 namespace Intercambio {
@@ -16,28 +14,12 @@ namespace Intercambio {
 namespace {
 
 struct EnCurso {
+    quint64 id;
     Clase clase;
     Transporte::Cancelacion cancelacion;
-    QPointer<QEventLoop> bucle;  // the wait to wake when it is given up
-    const Encargo* encargo;      // the screen it answers to, if any
+    QThread* hilo;                    // the transfer's thread, for an exchange
+    std::function<void()> despertar;  // ends a pause at once
 };
-
-// Waits in progress, one inside the other (a tick's batch may wait inside
-// a screen's balance query): an exchange belongs to the screen whose action
-// started it at the same depth, never to one further out.
-int g_nivel = 0;
-
-QList<Encargo*>& encargos() {
-    static QList<Encargo*> l;
-    return l;
-}
-
-Encargo* encargoActual() {
-    const QList<Encargo*>& l = encargos();
-    for (auto i = l.rbegin(); i != l.rend(); ++i)
-        if ((*i)->nivel() == g_nivel) return *i;
-    return nullptr;
-}
 
 // Touched on the window's thread only.
 QList<EnCurso>& lista() {
@@ -45,87 +27,135 @@ QList<EnCurso>& lista() {
     return l;
 }
 
-// An exchange is listed as in flight for exactly as long as it waits.
-class Inscripcion {
-  public:
-    Inscripcion(Clase clase, const Transporte::Cancelacion& c, QEventLoop* bucle)
-        : m_cancelacion(c) {
-        Encargo* encargo = encargoActual();
-        if (encargo && encargo->abandonada()) c.cancelar();
-        lista().append({clase, c, bucle, encargo});
-        ++g_nivel;
-    }
-    ~Inscripcion() {
-        --g_nivel;
-        lista().removeIf([this](const EnCurso& e) { return e.cancelacion == m_cancelacion; });
-    }
-    Inscripcion(const Inscripcion&) = delete;
-    Inscripcion& operator=(const Inscripcion&) = delete;
+quint64 inscribir(Clase clase, const Transporte::Cancelacion& c, QThread* hilo,
+                  std::function<void()> despertar) {
+    static quint64 siguiente = 0;
+    lista().append({++siguiente, clase, c, hilo, std::move(despertar)});
+    return siguiente;
+}
 
-  private:
-    Transporte::Cancelacion m_cancelacion;
-};
+void borrar(quint64 id) {
+    lista().removeIf([id](const EnCurso& e) { return e.id == id; });
+}
 
 void cancelar(const EnCurso& e) {
     e.cancelacion.cancelar();
-    if (e.bucle) e.bucle->quit();
+    if (e.despertar) e.despertar();
 }
 
-}  // namespace
-
-void esperar(Clase clase, const Transporte::Cancelacion& cancelacion,
-             const std::function<void()>& trabajo) {
-    std::exception_ptr fallo;
-    auto envoltura = [&trabajo, &fallo] {
-        try {
-            trabajo();
-        } catch (...) {
-            fallo = std::current_exception();
-        }
-    };
-    if (!QCoreApplication::instance()) {
-        // Nothing to keep turning (a benchmark without an application).
-        envoltura();
-    } else {
-        QEventLoop bucle;
-        const Inscripcion inscripcion(clase, cancelacion, nullptr);
-        QThread* hilo = QThread::create(envoltura);
-        QObject::connect(hilo, &QThread::finished, &bucle, &QEventLoop::quit);
-        hilo->start();
-        // Something may end every event loop (the application quitting,
-        // after which a loop returns at once): the transfer is then
-        // cancelled, and ends within a tenth of a second.
-        while (!hilo->isFinished()) {
-            bucle.exec();
-            hilo->wait(QDeadlineTimer(10));
-        }
-        hilo->wait();
-        delete hilo;
+// A transfer given up at the end of the program still has its thread: the
+// process waits for it (it ends within a tenth of a second once cancelled)
+// instead of destroying a running thread.
+void esperarHilosAlSalir() {
+    for (const EnCurso& e : std::as_const(lista())) {
+        e.cancelacion.cancelar();
+        if (e.hilo) e.hilo->wait();
     }
-    if (fallo) std::rethrow_exception(fallo);
 }
 
-bool pausa(Clase clase, int ms) {
-    const Transporte::Cancelacion cancelacion;
-    if (!QCoreApplication::instance()) {
+void prepararSalida() {
+    static bool hecho = false;
+    if (hecho) return;
+    hecho = true;
+    qAddPostRoutine(esperarHilosAlSalir);
+}
+
+// Resumes the coroutine when the thread has ended, from the event loop of
+// the window's thread (the connection is queued: `finished` is emitted on
+// the transfer's thread).
+struct EsperaHilo {
+    Clase clase;
+    Transporte::Cancelacion cancelacion;
+    std::function<void()> trabajo;
+
+    // Without an application (a benchmark) there is no loop to resume from:
+    // the transfer runs here.
+    bool await_ready() {
+        if (QCoreApplication::instance()) return false;
+        trabajo();
+        return true;
+    }
+    void await_suspend(std::coroutine_handle<> continuar) {
+        prepararSalida();
+        QThread* hilo = QThread::create(std::move(trabajo));
+        const quint64 id = inscribir(clase, cancelacion, hilo, {});
+        QObject::connect(
+            hilo, &QThread::finished, QCoreApplication::instance(),
+            [hilo, id, continuar] {
+                borrar(id);
+                hilo->wait();  // past its last instruction already
+                delete hilo;
+                continuar.resume();
+            },
+            Qt::QueuedConnection);
+        hilo->start();
+    }
+    void await_resume() const noexcept {}
+};
+
+struct EsperaPausa {
+    Clase clase;
+    int ms;
+    Transporte::Cancelacion cancelacion;
+
+    bool await_ready() {
+        if (QCoreApplication::instance()) return false;
+        // espera-justificada: no application, so no window and no loop.
         QThread::msleep(ms);
         return true;
     }
-    QEventLoop bucle;
-    const Inscripcion inscripcion(clase, cancelacion, &bucle);
-    // Precise: a coarse timer may fire early, and the pacing is a promise.
-    QTimer::singleShot(ms, Qt::PreciseTimer, &bucle, &QEventLoop::quit);
-    bucle.exec();
-    return !cancelacion.cancelada();
+    void await_suspend(std::coroutine_handle<> continuar) {
+        auto* temporizador = new QTimer;
+        temporizador->setSingleShot(true);
+        // Precise: a coarse timer may fire early, and the pacing is a promise.
+        temporizador->setTimerType(Qt::PreciseTimer);
+        // Given up, it ends at the next turn of the loop, never inside the
+        // call that gave it up.
+        const quint64 id =
+            inscribir(clase, cancelacion, nullptr, [temporizador] { temporizador->start(0); });
+        QObject::connect(temporizador, &QTimer::timeout, temporizador,
+                         [temporizador, id, continuar] {
+                             borrar(id);
+                             temporizador->deleteLater();
+                             continuar.resume();
+                         });
+        temporizador->start(ms);
+    }
+    bool await_resume() const noexcept { return !cancelacion.cancelada(); }
+};
+
+}  // namespace
+
+// The awaiters are named objects, never temporaries of the co_await
+// expression: g++ 12 destroys such a temporary twice.
+QCoro::Task<> enHilo(Clase clase, Transporte::Cancelacion cancelacion,
+                     std::function<void()> trabajo) {
+    std::exception_ptr fallo;
+    EsperaHilo espera{clase, cancelacion, [&trabajo, &fallo] {
+                          try {
+                              trabajo();
+                          } catch (...) {
+                              fallo = std::current_exception();
+                          }
+                      }};
+    co_await espera;
+    if (fallo) std::rethrow_exception(fallo);
+}
+
+QCoro::Task<bool> pausa(Clase clase, int ms, Transporte::Cancelacion cancelacion) {
+    if (cancelacion.cancelada()) co_return false;
+    EsperaPausa espera{clase, ms, cancelacion};
+    const bool cumplida = co_await espera;
+    co_return cumplida;
 }
 
 void abandonar(Clase clase) {
-    for (const EnCurso& e : std::as_const(lista()))
+    for (const EnCurso& e : QList<EnCurso>(lista()))
         if (e.clase == clase) cancelar(e);
 }
 
 void abandonarTodo() {
-    for (const EnCurso& e : std::as_const(lista())) cancelar(e);
+    for (const EnCurso& e : QList<EnCurso>(lista())) cancelar(e);
 }
 
 int enCurso() {
@@ -134,59 +164,37 @@ int enCurso() {
 
 namespace {
 
-// Watches the screen and the windows that hold it.
+// Watches a screen: a modal one closes by hiding, a child window by its
+// deletion; either gives up what its action waits for.
 class Vigia : public QObject {
   public:
-    Vigia(Encargo* encargo, QObject* pantalla) : m_encargo(encargo), m_pantalla(pantalla) {}
+    Vigia(QObject* pantalla, Transporte::Cancelacion c) : m_cancelacion(std::move(c)) {
+        pantalla->installEventFilter(this);
+        connect(pantalla, &QObject::destroyed, this, [this] { abandonar(); });
+    }
+
+    void abandonar() {
+        m_cancelacion.cancelar();
+        for (const EnCurso& e : QList<EnCurso>(lista()))
+            if (e.cancelacion == m_cancelacion) cancelar(e);
+    }
 
   protected:
     bool eventFilter(QObject* objeto, QEvent* e) override {
-        if (e->type() == QEvent::DeferredDelete) {
-            m_encargo->retener(objeto);
-            return true;
-        }
-        // A modal screen closes by hiding; a child window by its deletion.
-        if (e->type() == QEvent::Hide && objeto == m_pantalla &&
-            m_pantalla->property("modal").toBool())
-            m_encargo->abandonar();
+        if (e->type() == QEvent::Hide && objeto->property("modal").toBool()) abandonar();
         return false;
     }
 
   private:
-    Encargo* m_encargo;
-    QObject* m_pantalla;
+    Transporte::Cancelacion m_cancelacion;
 };
 
 }  // namespace
 
-bool respuestaDescartada() {
-    const Encargo* e = encargoActual();
-    return e && e->abandonada();
-}
-
-Encargo::Encargo(QObject* pantalla)
-    : m_pantalla(pantalla), m_vigia(new Vigia(this, pantalla)), m_nivel(g_nivel) {
-    // The top window stays out: its end is the program's.
-    for (QObject* o = pantalla; o && o->parent(); o = o->parent()) o->installEventFilter(m_vigia);
-    encargos().append(this);
-}
+Encargo::Encargo(QObject* pantalla) : m_vigia(new Vigia(pantalla, m_cancelacion)) {}
 
 Encargo::~Encargo() {
-    encargos().removeOne(this);
     delete m_vigia;
-    for (const QPointer<QObject>& o : std::as_const(m_retenidos))
-        if (o) o->deleteLater();
-}
-
-void Encargo::abandonar() {
-    m_abandonada = true;
-    for (const EnCurso& e : std::as_const(lista()))
-        if (e.encargo == this) cancelar(e);
-}
-
-void Encargo::retener(QObject* objeto) {
-    if (!m_retenidos.contains(objeto)) m_retenidos.append(objeto);
-    abandonar();
 }
 
 }  // namespace Intercambio

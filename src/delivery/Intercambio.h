@@ -2,53 +2,52 @@
 
 #include "delivery/Transporte.h"
 
-#include <QList>
+#include <QCoro/QCoroTask>
 #include <QPointer>
 #include <functional>
 
 class QObject;
 
-// How an exchange with the platform waits without stopping the window: the
-// transfer runs on a thread of its own while the calling thread's event
-// loop keeps turning, so the window repaints, menus open and other screens
-// work. The routine that asked reads on as if the call had blocked, as the
-// rest of the program expects; only the transfer moves (no screen and no
-// database statement ever runs on the other thread).
+// How a routine waits for the platform without anyone waiting on the
+// window's stack: the transfer runs on a thread of its own, and the routine,
+// a coroutine, is resumed by the window's event loop when the transfer has
+// ended. Nothing is nested: a modal screen or a box opened meanwhile delays
+// no answer, and several exchanges (one per account, a screen's balance
+// query) are in flight side by side. No screen and no database statement
+// ever runs on the other thread.
 namespace Intercambio {
 
 // What an exchange is for, so that stopping the transmitter gives up its
-// batch and leaves a screen's balance query alone.
+// batches and leaves a screen's balance query alone.
 enum class Clase { Envio, Consulta };
 
-// Runs `trabajo` off this thread and waits for it with the event loop
-// turning; an exception thrown by `trabajo` is thrown again here. While it
-// runs, abandonar() of its class cancels `cancelacion`.
-void esperar(Clase clase, const Transporte::Cancelacion& cancelacion,
-             const std::function<void()>& trabajo);
+// Runs `trabajo` off this thread and resumes the caller on this thread's
+// event loop once it has ended; an exception thrown by `trabajo` is thrown
+// again here. While it runs, abandonar() of its class cancels
+// `cancelacion`.
+QCoro::Task<> enHilo(Clase clase, Transporte::Cancelacion cancelacion,
+                     std::function<void()> trabajo);
 
-// Waits `ms` milliseconds with the event loop turning; false when the wait
-// was given up by abandonar() of the class.
-bool pausa(Clase clase, int ms);
+// Resumes the caller after `ms` milliseconds (a timer, not a wait); false
+// when the pause was given up by abandonar() of its class or by
+// `cancelacion`.
+QCoro::Task<bool> pausa(Clase clase, int ms,
+                        Transporte::Cancelacion cancelacion = Transporte::Cancelacion());
 
-// Gives up the exchanges of a class in flight (the transmitter switched
-// off), or all of them (the program stops). Their rows stay where they
-// were and go again under the same references.
+// Gives up the exchanges and pauses of a class in flight (the transmitter
+// switched off), or all of them (the program stops). Their rows stay where
+// they were and go again under the same references.
 void abandonar(Clase clase);
 void abandonarTodo();
 
-// Exchanges in flight, for the screens that say so and for tests.
+// Exchanges and pauses in flight, for the screens that say so and for tests.
 int enCurso();
 
-// The exchange just made answered a screen that has closed meanwhile: the
-// routine drops the answer (no box for a screen that is gone).
-bool respuestaDescartada();
-
-// The screen an exchange answers to. A screen's action makes one on its
-// stack before it calls a routine that talks to the platform. While it
-// lives, closing the screen gives up the exchanges the action started, and
-// the screen's deletion waits until the action has returned: the action
-// then sees abandonada() and drops the late answer instead of showing it
-// on a screen that is gone.
+// The screen an action's exchanges answer to. Closing the screen (a child
+// window deleted, a modal one hidden) gives them up: the action, resumed,
+// sees abandonada() and drops the late answer instead of showing it on a
+// screen that is gone. Keep it in the action's coroutine and hand its
+// cancelacion() to the routine that asks the platform.
 class Encargo {
   public:
     explicit Encargo(QObject* pantalla);
@@ -56,20 +55,12 @@ class Encargo {
     Encargo(const Encargo&) = delete;
     Encargo& operator=(const Encargo&) = delete;
 
-    bool abandonada() const { return m_abandonada; }
-    // The screen was closed: its exchanges are given up.
-    void abandonar();
-    // Deleting `objeto` (the screen or a window that holds it) waits.
-    void retener(QObject* objeto);
-    // The exchanges of this depth of waiting belong to this screen.
-    int nivel() const { return m_nivel; }
+    const Transporte::Cancelacion& cancelacion() const { return m_cancelacion; }
+    bool abandonada() const { return m_cancelacion.cancelada(); }
 
   private:
-    QObject* m_pantalla;
-    QObject* m_vigia;
-    int m_nivel;
-    bool m_abandonada = false;
-    QList<QPointer<QObject>> m_retenidos;
+    Transporte::Cancelacion m_cancelacion;
+    QPointer<QObject> m_vigia;
 };
 
 }  // namespace Intercambio

@@ -132,7 +132,7 @@ void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const 
             {saldo.trimmed(), remitente, movil, canal});
 }
 
-bool pausaEntreEnvios(const std::function<QTime()>& pared) {
+QCoro::Task<bool> pausaEntreEnvios(std::function<QTime()> pared) {
     return Intercambio::pausa(Intercambio::Clase::Envio, 1000 - pared().msec());
 }
 

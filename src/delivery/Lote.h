@@ -2,6 +2,7 @@
 
 #include "db/BaseDatos.h"
 
+#include <QCoro/QCoroTask>
 #include <QString>
 #include <QTime>
 #include <QVariant>
@@ -79,11 +80,11 @@ bool aplicarResultado(BaseDatos& db, const qmXMLSend::Item& item, const QVariant
 void actualizarCuenta(BaseDatos& db, int16_t canal, const QString& saldo, const QString& remitente,
                       const QString& movil);
 
-// Paces exchanges to at most one a second: waits until the second that the
-// wall clock `pared` shows now has passed, with the event loop turning. The
+// Paces exchanges to at most one a second: resumes the caller once the
+// second that the wall clock `pared` shows now has passed. The
 // wall clock is read once; the wait runs on a monotonic clock, so a wall
 // clock stepped back meanwhile can't stretch it. False when the wait was
 // given up (the transmitter stopped).
-bool pausaEntreEnvios(const std::function<QTime()>& pared = &QTime::currentTime);
+QCoro::Task<bool> pausaEntreEnvios(std::function<QTime()> pared = &QTime::currentTime);
 
 }  // namespace Lote

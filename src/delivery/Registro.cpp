@@ -61,15 +61,17 @@ QString direccionRegistro() {
     return Ajustes::getSetting(u"Despliegue"_s, u"Registro"_s, base + u"registro/alta"_s);
 }
 
-RespuestaRegistro msRegistrarUsuario(const SolicitudRegistro& s) {
+QCoro::Task<RespuestaRegistro> msRegistrarUsuario(SolicitudRegistro s,
+                                                  Transporte::Cancelacion cancelacion) {
     Transporte::Peticion p = Transporte::peticion(direccionRegistro(), cuerpo(s));
+    p.cancelacion = cancelacion;
     Transporte::Respuesta respuesta;
-    Intercambio::esperar(Intercambio::Clase::Consulta, p.cancelacion,
-                         [&] { respuesta = Transporte::enviar(p); });
+    co_await Intercambio::enHilo(Intercambio::Clase::Consulta, p.cancelacion,
+                                 [&] { respuesta = Transporte::enviar(p); });
     if (!respuesta.bien()) {
         RespuestaRegistro r;
         r.comentario = Transporte::descripcion(respuesta);
-        return r;
+        co_return r;
     }
-    return leer(respuesta.cuerpo);
+    co_return leer(respuesta.cuerpo);
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "delivery/Transporte.h"
+
+#include <QCoro/QCoroTask>
 #include <QString>
 
 // Signing a new user up on the platform: one form posted to the sign-up
@@ -25,6 +28,7 @@ struct RespuestaRegistro {
 // The sign-up address: setting Despliegue/Registro, else the path
 // "registro/alta" behind the platform's default web address.
 QString direccionRegistro();
-// Posts the form; a refused or failed connection comes back with
+// Posts the form; a refused, failed or given-up connection comes back with
 // `conectado` false, never as an exception.
-RespuestaRegistro msRegistrarUsuario(const SolicitudRegistro& solicitud);
+QCoro::Task<RespuestaRegistro> msRegistrarUsuario(SolicitudRegistro solicitud,
+                                                  Transporte::Cancelacion cancelacion = {});

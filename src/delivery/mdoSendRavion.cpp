@@ -52,14 +52,50 @@ bool quedanFilas(int16_t canal) {
 
 }  // namespace
 
-bool SendMessage() {
+namespace {
+
+// The watched file's messages join the outbox before the batches are read.
+void importarFicheroVigilado(EstadoAplicacion& g) {
+    const QString ruta = Ajustes::getSetting(u"ImportA"_s, u"Path"_s);
+    QString lista = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    if (lista.isEmpty()) lista = u"-1"_s;
+    const bool addContactos =
+        aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+    // The flag goes up whether or not the file held anything.
+    if (ruta.size() > 3) {
+        msImportarFichero(ruta, false, true, lista, addContactos);
+        g.gbImportado = true;
+    }
+}
+
+// The accounts with rows in the outbox, ascending by code; rows under a
+// code that names no account are said and left where they are.
+QList<int16_t> cuentasConMensajes() {
+    QList<int16_t> canales;
+    const ResultadoConsulta cuentas =
+        Conexion().query(u"select canal from envios group by canal order by canal"_s);
+    for (int i = 0; i < cuentas.recordCount(); ++i) {
+        const std::optional<int16_t> canal = codigoCuenta(cuentas.value(i, 0));
+        if (canal) {
+            canales << *canal;
+            continue;
+        }
+        msLog(u"Hay mensajes sin una cuenta válida (cuenta: "_s +
+              (cuentas.value(i, 0).isNull() ? u"vacía"_s : textoDe(cuentas.value(i, 0))) +
+              u"); se dejan en la bandeja de salida sin enviar"_s);
+    }
+    return canales;
+}
+
+}  // namespace
+
+QCoro::Task<bool> SendMessage() {
     EstadoAplicacion& g = estadoAplicacion();
-    // A tick inside a tick (an event-loop turn of the log during a run) must
-    // not start another run: it would send the same rows again.
-    if (g.gbEnviando) return false;
+    // A run never overlaps itself: it would send the same rows again.
+    if (g.gbEnviando) co_return false;
     bool lleno = false;
     try {
-        if (!Interruptor::instancia().paraEnvio()) return false;
+        if (!Interruptor::instancia().paraEnvio()) co_return false;
         g_lotesSinEntregar = 0;
         g.gsVersionPlataforma.clear();
         g.log.clear();
@@ -69,30 +105,17 @@ bool SendMessage() {
             g.gbEnviando = false;
             g.gbImportado = false;
         });
-        const QString ruta = Ajustes::getSetting(u"ImportA"_s, u"Path"_s);
-        QString lista = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
-        if (lista.isEmpty()) lista = u"-1"_s;
-        const bool addContactos =
-            aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
-        // The flag goes up whether or not the file held anything.
-        if (ruta.size() > 3) {
-            msImportarFichero(ruta, false, true, lista, addContactos);
-            g.gbImportado = true;
-        }
-        // Ascending by account code; an account's failure stays in it.
-        const ResultadoConsulta cuentas =
-            Conexion().query(u"select canal from envios group by canal order by canal"_s);
-        for (int i = 0; i < cuentas.recordCount(); ++i) {
-            const std::optional<int16_t> canal = codigoCuenta(cuentas.value(i, 0));
-            if (!canal) {
-                msLog(u"Hay mensajes sin una cuenta válida (cuenta: "_s +
-                      (cuentas.value(i, 0).isNull() ? u"vacía"_s : textoDe(cuentas.value(i, 0))) +
-                      u"); se dejan en la bandeja de salida sin enviar"_s);
-                continue;
-            }
-            const int entregadas = msEnviarLote(*canal, g.gbImportado);
-            if (entregadas > 0 && entregadas >= g.giMaxLote && quedanFilas(*canal)) lleno = true;
-            ui().processEvents();
+        importarFicheroVigilado(g);
+        const QList<int16_t> canales = cuentasConMensajes();
+        // Every account's batch is under way at once, each paced on its
+        // own; an account's failure stays in it.
+        std::vector<QCoro::Task<int>> lotes;
+        lotes.reserve(canales.size());
+        for (const int16_t canal : canales) lotes.push_back(msEnviarLote(canal, g.gbImportado));
+        for (qsizetype i = 0; i < canales.size(); ++i) {
+            const int entregadas = co_await lotes[size_t(i)];
+            if (entregadas > 0 && entregadas >= g.giMaxLote && quedanFilas(canales[i]))
+                lleno = true;
         }
         g.gbEnviando = false;
         g.gbImportado = false;
@@ -102,7 +125,7 @@ bool SendMessage() {
     } catch (const std::exception& e) {
         msLog(u"Error en SendMessage: "_s + QString::fromUtf8(e.what()));
     }
-    return lleno;
+    co_return lleno;
 }
 
 namespace {
@@ -205,7 +228,7 @@ void avisarRechazo(const qmXMLSend::Autentificacion& rx, const Transporte::Respu
     if (comentarioDice(rx.Comentario, u"su cuenta esté Activa"_s) ||
         comentarioDice(rx.Comentario, u"cuenta esta Activa"_s) ||
         comentarioDice(rx.Comentario, u"ACTIVE"_s))
-        ui().msgBox(rx.Comentario, Msg::Exclamation, u"Su cuenta no está Activa"_s);
+        ui().aviso(rx.Comentario, Msg::Exclamation, u"Su cuenta no está Activa"_s);
 }
 
 // What an exchange left to say once the database is free again: the log
@@ -220,12 +243,12 @@ struct Desenlace {
 };
 
 // The write lock for an exchange's results, taken without stopping the
-// window: short tries with the event loop turning between them. Another
+// window: short tries with a timer between them. Another
 // program holding the database (a script's --send, a sqlite3 shell) delays
 // the record and never loses it. Null when the transmitter was stopped
 // meanwhile: the rows then go again under the same references, which the
 // platform answers without sending twice.
-std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
+QCoro::Task<std::unique_ptr<Transaccion>> tomarEscritura(BaseDatos& db) {
     const int espera = db.espera();
     bool avisado = false;
     for (;;) {
@@ -233,7 +256,7 @@ std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
         try {
             auto transaccion = std::make_unique<Transaccion>(db);
             db.establecerEspera(espera);
-            return transaccion;
+            co_return transaccion;
         } catch (const ErrorBD&) {
             db.establecerEspera(espera);
             if (!db.lastWasBusy()) throw;
@@ -244,7 +267,8 @@ std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
                 u"guardará en cuanto quede libre"_s);
             avisado = true;
         }
-        if (!Intercambio::pausa(Intercambio::Clase::Envio, 100)) return nullptr;
+        if (!co_await Intercambio::pausa(Intercambio::Clase::Envio, 100))
+            co_return std::unique_ptr<Transaccion>();
     }
 }
 
@@ -253,12 +277,13 @@ std::unique_ptr<Transaccion> tomarEscritura(BaseDatos& db) {
 // row the user deleted meanwhile was still taken by the platform: its
 // history row is written and nothing goes twice; rows added meanwhile wait
 // for the next run.
-Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lote::Cuenta& cuenta,
-                       int16_t canal, MedidaLote& medida, const QString& ruta) {
+QCoro::Task<Desenlace> intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente,
+                                    const Lote::Cuenta& cuenta, int16_t canal, MedidaLote& medida,
+                                    QString ruta) {
     Desenlace d;
     QString nn, ff;
-    Intercambio::esperar(Intercambio::Clase::Envio, cliente.cancelacion,
-                         [&] { cliente.SendXML(nn, ff); });
+    co_await Intercambio::enHilo(Intercambio::Clase::Envio, cliente.cancelacion,
+                                 [&] { cliente.SendXML(nn, ff); });
     medida.documento = cliente.nsDocumento;
     medida.http = cliente.nsHttp;
     medida.respuesta = cliente.nsRespuesta;
@@ -267,9 +292,9 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     d.avisos = cliente.RXAvisos;
     if (cliente.RXTransporte.fallo == Transporte::Fallo::Abandonado) {
         d.abandonado = true;
-        return d;
+        co_return d;
     }
-    if (rx.Resultado.trimmed() != u"1"_s) return d;
+    if (rx.Resultado.trimmed() != u"1"_s) co_return d;
     d.aceptado = true;
     // The results belong to the file the rows came from: with another one
     // open now (or none), they wait there and go again under the same
@@ -277,16 +302,16 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     if (db.path() != ruta || !db.isOpen()) {
         d.aceptado = false;
         d.abandonado = true;
-        return d;
+        co_return d;
     }
 
     QElapsedTimer reloj;
     reloj.start();
-    const std::unique_ptr<Transaccion> transaccion = tomarEscritura(db);
+    const std::unique_ptr<Transaccion> transaccion = co_await tomarEscritura(db);
     if (!transaccion) {
         d.aceptado = false;
         d.abandonado = true;
-        return d;
+        co_return d;
     }
     const QString crem = Lote::remitenteHistorial(cuenta);
     try {
@@ -324,7 +349,7 @@ Desenlace intercambiar(BaseDatos& db, qmXMLSend::XMLSendClass& cliente, const Lo
     }
     transaccion->commit();
     medida.escritura = reloj.nsecsElapsed();
-    return d;
+    co_return d;
 }
 
 }  // namespace
@@ -352,7 +377,7 @@ int16_t msMaxLote() {
     return lote;
 }
 
-int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
+QCoro::Task<int> msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     EstadoAplicacion& g = estadoAplicacion();
     BaseDatos& db = Conexion();
     MedidaLote medida;
@@ -367,13 +392,13 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
     try {
         g.giMaxLote = msMaxLote();
         const ResultadoConsulta lote = Lote::leerFilas(db, canal, g.giMaxLote);
-        if (lote.recordCount() == 0) return 0;
+        if (lote.recordCount() == 0) co_return 0;
         // The rows wait, untouched, for an account.
         const std::optional<Lote::Cuenta> cuenta = Lote::leerCuenta(db, canal);
         if (!cuenta) {
             ++g_lotesSinEntregar;
             msLog(u"No existen Cuentas definidas para estos mensajes, envios cancelados ..."_s);
-            return 0;
+            co_return 0;
         }
         medida.lectura = reloj.nsecsElapsed();
         anunciarLote(lote.recordCount(), *cuenta);
@@ -389,23 +414,23 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         cargarItems(cliente->XMLMensajes, lote, *cuenta, importado);
         medida.carga = reloj.nsecsElapsed();
         reloj.restart();
-        if (!Lote::pausaEntreEnvios() || db.path() != ruta) {
+        if (!co_await Lote::pausaEntreEnvios() || db.path() != ruta) {
             msLog(kTextoAbandonado);
-            return 0;
+            co_return 0;
         }
         medida.pausa = reloj.nsecsElapsed();
         if (depuracion())
             msLog(u"Total Mensajes: "_s + QString::number(cliente->XMLMensajes.Count()));
         // A batch of bad destinations makes no exchange.
         if (cliente->XMLMensajes.Count() > 0) {
-            const Desenlace d = intercambiar(db, *cliente, *cuenta, canal, medida, ruta);
+            const Desenlace d = co_await intercambiar(db, *cliente, *cuenta, canal, medida, ruta);
             entregadas = d.entregadas;
             const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
             for (const QString& l : d.depuracion) msLog(l);
             for (const QString& l : d.avisos) msLog(l);
             if (d.abandonado) {
                 msLog(kTextoAbandonado);
-                return 0;
+                co_return 0;
             }
             if (!d.aceptado) {
                 ++g_lotesSinEntregar;
@@ -418,7 +443,7 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
                         ErrNum::Plataforma);
                 Q_EMIT Avisos::instancia().cuentasCambiadas();
                 if (comentarioDice(rx.Comentario, u"Remitente NO Aceptado"_s))
-                    ui().msgBox(kTextoRemitente, Msg::Exclamation, u"Remitente no aceptado"_s);
+                    ui().aviso(kTextoRemitente, Msg::Exclamation, u"Remitente no aceptado"_s);
             }
             g.gsVersionPlataforma = rx.Version;
             g.gsSaldoCuenta = rx.saldo;
@@ -428,9 +453,9 @@ int msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaLote) {
         ++g_lotesSinEntregar;
         msLog(u"Se ha producido un error en el proceso de envio, Cod: "_s +
               QString::number(e.number()) + u", Descripcion: "_s + e.description());
-        return 0;
+        co_return 0;
     }
-    return entregadas;
+    co_return entregadas;
 }
 
 void msAvisoVersionLog() {
@@ -439,7 +464,8 @@ void msAvisoVersionLog() {
           Despliegue::web() + u" para descargarla."_s);
 }
 
-QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host) {
+QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString host,
+                                      Transporte::Cancelacion cancelacion) {
     EstadoAplicacion& g = estadoAplicacion();
     const SecretoOculto oculta(clave);
     g_causaFallo.clear();
@@ -447,6 +473,7 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
     try {
         // A balance query names no sender and no application.
         const std::unique_ptr<qmXMLSend::XMLSendClass> cliente = qmXMLSend::crear();
+        cliente->cancelacion = cancelacion;
         cliente->clave = clave;
         cliente->usuario = usuario;
         if (host.isEmpty()) host = Despliegue::plataforma();
@@ -457,8 +484,8 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         msLog(u"Conectando con Usuario: '"_s + usuario + u"' ...."_s);
         QString nn, ff;
         try {
-            Intercambio::esperar(Intercambio::Clase::Consulta, cliente->cancelacion,
-                                 [&] { cliente->SendXML(nn, ff); });
+            co_await Intercambio::enHilo(Intercambio::Clase::Consulta, cliente->cancelacion,
+                                         [&] { cliente->SendXML(nn, ff); });
         } catch (const ErrorQuelmo&) {
             transporte = cliente->RXTransporte;
             throw;
@@ -474,10 +501,10 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
         msAvisoVersion();
         if (resultado == 1) {
             msLog(comentario + u"    Saldo Disponible: "_s + saldo + u" SMS"_s);
-            return saldo;
+            co_return saldo;
         }
         msLog(comentario);
-        return u"-1"_s;
+        co_return u"-1"_s;
     } catch (const ErrorQuelmo& e) {
         // The old words where they hold, then what failed.
         g_causaFallo = Transporte::descripcion(transporte);
@@ -485,7 +512,7 @@ QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& 
             msLog(u"Error de conexión. Revise el estado de su conexión a Internet."_s);
         if (g_causaFallo.isEmpty()) g_causaFallo = e.description();
         msLog(g_causaFallo);
-        return u"-2"_s;
+        co_return u"-2"_s;
     }
 }
 
@@ -497,7 +524,7 @@ int msLotesSinEntregar() {
     return g_lotesSinEntregar;
 }
 
-QString SendAutCuenta(int16_t canal) {
+QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion) {
     try {
         QString resultado = u"0"_s;
         const ResultadoConsulta cuenta =
@@ -507,7 +534,10 @@ QString SendAutCuenta(int16_t canal) {
             msLog(u"Preparando conexión para Cuenta '"_s + textoDe(cuenta.value(0, u"Nombre"_s)) +
                   u"' ..."_s);
             QString host = textoDe(cuenta.value(0, u"Host"_s));
-            resultado = msConsultarSaldo(textoDe(cuenta.value(0, u"usuario"_s)), clave, host);
+            resultado = co_await msConsultarSaldo(textoDe(cuenta.value(0, u"usuario"_s)), clave,
+                                                  host, cancelacion);
+            // The screen that asked has closed: nothing is stored for it.
+            if (cancelacion.cancelada()) co_return QString();
             // A refused or failed query keeps the stored balance and sender.
             if (resultado != u"-2"_s && resultado != u"-1"_s)
                 Lote::actualizarCuenta(
@@ -517,10 +547,10 @@ QString SendAutCuenta(int16_t canal) {
                                             estadoAplicacion().MovilCuenta),
                     estadoAplicacion().MovilCuenta);
         }
-        return resultado;
+        co_return resultado;
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error en SendAutCuenta: "_s + e.description());
-        return QString();
+        co_return QString();
     }
 }
 
@@ -531,7 +561,9 @@ void msAvisoVersion() {
     const QString codigo = QString::number(nueva);
     msLog(u"ATENCION: Existe una versión nueva de Quelmo Mensajes SMS "_s + codigo +
           u", acceda a "_s + web + u" para descargarla."_s);
-    const int respuesta = ui().msgBox(
+    // Asked without holding the caller: the query's result is stored
+    // whether or not the user answers.
+    ui().preguntar(
         u"Existe una versión nueva de Quelmo Mensajes SMS\n\n"
         "¿Sesea descargarse la instalación de la nueva versión "_s +
             codigo +
@@ -540,9 +572,10 @@ void msAvisoVersion() {
             "para ver todas las novedades que incorpora la nueva versión\n\n"
             "     "_s +
             web + u"/quelmo_sms.php"_s,
-        Msg::YesNoCancel + Msg::Exclamation);
-    if (respuesta == Msg::Yes)
-        msAbrirUrl(web + u"/download/Quelmo_Mensajes_SMS.zip"_s);
-    else if (respuesta == Msg::No)
-        msAbrirUrl(web + u"/quelmo_sms.php"_s);
+        Msg::YesNoCancel + Msg::Exclamation, QString(), [web](int respuesta) {
+            if (respuesta == Msg::Yes)
+                msAbrirUrl(web + u"/download/Quelmo_Mensajes_SMS.zip"_s);
+            else if (respuesta == Msg::No)
+                msAbrirUrl(web + u"/quelmo_sms.php"_s);
+        });
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "delivery/Transporte.h"
+
+#include <QCoro/QCoroTask>
 #include <QString>
 #include <cstdint>
 
@@ -10,9 +13,11 @@ class XMLSendClass;
 // The transmitter's cycle and the delivery of the outbox.
 
 // One run: with the switch on, the watched-file import and one batch for
-// each account that has rows in the outbox. True when an account's batch
-// went out full (every row of it left the outbox) and more of its rows wait.
-bool SendMessage();
+// each account that has rows in the outbox, the accounts' exchanges side by
+// side. Ends with true when an account's batch went out full (every row of
+// it left the outbox) and more of its rows wait. A run that starts while
+// one is under way ends at once.
+QCoro::Task<bool> SendMessage();
 // Where a batch spent its time, in nanoseconds (for the benchmark).
 struct MedidaLote {
     qint64 lectura = 0;    // reading the outbox rows and the account
@@ -24,21 +29,25 @@ struct MedidaLote {
     qint64 escritura = 0;  // history rows, outbox and account updates
 };
 
-// Sends one batch of the account's outbox rows to the platform; `medida`,
-// when given, gets where the time went. Returns how many rows left the
-// outbox; 0 when the batch ended in a failure.
-int msEnviarLote(int16_t canal, bool importado, MedidaLote* medida = nullptr);
+// Sends one batch of the account's outbox rows to the platform, at most one
+// exchange a second for the account; `medida`, when given, gets where the
+// time went. Ends with how many rows left the outbox; 0 when the batch
+// ended in a failure. The results are written the moment the reply comes.
+QCoro::Task<int> msEnviarLote(int16_t canal, bool importado, MedidaLote* medida = nullptr);
 // The batch size from the options: 1 to 500, else 25.
 int16_t msMaxLote();
 
 // Balance of an account given by user, password (in clear) and host: the
-// balance as text, "-1" refused, "-2" failed. An empty host becomes the
-// platform's default web address.
-QString msConsultarSaldo(const QString& usuario, const QString& clave, QString& host);
-// The same for a stored account, storing what the platform reports.
-QString SendAutCuenta(int16_t canal);
+// balance as text, "-1" refused, "-2" failed (or given up through
+// `cancelacion`). An empty host becomes the platform's default web address.
+QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString host,
+                                      Transporte::Cancelacion cancelacion = {});
+// The same for a stored account, storing what the platform reports; a null
+// string after a failure of ours, or when `cancelacion` gave it up.
+QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion = {});
 
-// Asks (at the screen) or logs (in a run) when a newer release is offered.
+// Asks (at the screen, without waiting for the answer) or logs (in a run)
+// when a newer release is offered.
 void msAvisoVersion();
 void msAvisoVersionLog();
 

@@ -121,8 +121,6 @@ int msEnviarEmergencia(int32_t codigo) {
         return -1;
     }
     Pantallas::abrir(u"frmEnvio"_s);
-    ui().processEvents();
-    ui().processEvents();
     Q_EMIT Avisos::instancia().bandejaCambiada();
     return puestos;
 }

@@ -106,7 +106,10 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     connect(cmdexaminar, &QPushButton::clicked, this, [this] { cmdexaminar_Click(); });
     connect(XPButton1, &QPushButton::clicked, this, [this] { XPButton1_Click(); });
     connect(XPButton2, &QPushButton::clicked, this, [this] { XPButton2_Click(); });
-    conectarUnaVez(cmdAdd, this, [this] { cerrarCon(true); });
+    conectarUnaVez(cmdAdd, this, [this]() -> QCoro::Task<> {
+        cerrarCon(true);
+        co_return;
+    });
     connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarCon(false); });
 
     // Load.

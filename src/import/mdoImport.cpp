@@ -419,7 +419,6 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             }
             volcar(tramo.pendientes);
             punto("tramo");
-            ui().processEvents();
         }
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
@@ -625,7 +624,6 @@ bool msImportarLinea(const QVariant& cuenta, const QString& numero, const QStrin
                      int16_t lista, bool contactos, bool addContactos) {
     const bool r = importarLinea(cuenta.toString(), numero, texto, lista, contactos,
                                  addContactos) == Linea::Bien;
-    ui().processEvents();
     return r;
 }
 

@@ -77,7 +77,6 @@ void frmMenAuto::cmdAdd_Click() {
         editor.exec();
     }
     requery();
-    QCoreApplication::processEvents();
 }
 
 void frmMenAuto::cmdEdit_Click() {
@@ -95,6 +94,5 @@ void frmMenAuto::cmdDelete_Click() {
                     Msg::YesNo | 32) != Msg::Yes)
         return;
     borrarMensajeProgramado(codigo);
-    QCoreApplication::processEvents();
     requery();
 }

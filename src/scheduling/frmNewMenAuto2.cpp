@@ -240,7 +240,6 @@ void frmNewMenAuto2::cmdAdd_Click() {
     estadoAplicacion().gsDestinos.clear();
     if (elegidos.isEmpty()) return;
     anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo);
-    QCoreApplication::processEvents();
     cargarDestinatarios();
 }
 

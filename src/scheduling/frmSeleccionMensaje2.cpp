@@ -64,6 +64,5 @@ void frmSeleccionMensaje2::cmdAdd_Click() {
         return;
     }
     Q_EMIT changeMensaje(m_id, texto);
-    QCoreApplication::processEvents();
     accept();
 }

@@ -39,7 +39,8 @@ QWidget* pantallaDe(QWidget* w) {
 
 }  // namespace
 
-void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<void()> accion) {
+void conectarUnaVez(QAbstractButton* boton, QObject* contexto,
+                    std::function<QCoro::Task<>()> accion) {
     auto* filtro = new FiltroUnaVez(boton);
     boton->installEventFilter(filtro);
     QObject::connect(boton, &QAbstractButton::clicked, contexto,
@@ -50,8 +51,9 @@ void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<voi
                          const QPointer<QWidget> pantalla(pantallaDe(boton));
                          filtro->enCurso = true;
                          pantalla->setCursor(Qt::BusyCursor);
-                         accion();
-                         if (pantalla) pantalla->unsetCursor();
-                         if (vivo) filtro->enCurso = false;
+                         accion().then([vivo, pantalla, filtro] {
+                             if (pantalla) pantalla->unsetCursor();
+                             if (vivo) filtro->enCurso = false;
+                         });
                      });
 }

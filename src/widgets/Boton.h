@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QCoro/QCoroTask>
 #include <QPointer>
 #include <QPushButton>
 #include <functional>
@@ -15,17 +16,22 @@ inline QPushButton* botonConNombre(QWidget* padre, const QString& nombre, const 
     return b;
 }
 
-// One press, one action, for the buttons that write messages: the second
-// press of a double click is taken as part of the first, and a press that
-// arrives while the action still runs (the log and the exchanges give the
-// event loop a turn) is ignored. The busy pointer stands over the button's
-// screen while the action runs.
-void conectarUnaVez(QAbstractButton* boton, QObject* contexto, std::function<void()> accion);
+// One press, one action, for the buttons that write messages or ask the
+// platform: the second press of a double click is taken as part of the
+// first, and a press that arrives while the action still runs (waiting for
+// the platform) is ignored. The busy pointer stands over the button's
+// screen until the action has ended.
+void conectarUnaVez(QAbstractButton* boton, QObject* contexto,
+                    std::function<QCoro::Task<>()> accion);
 
-template <typename Pantalla>
-void conectarUnaVez(QAbstractButton* boton, Pantalla* pantalla, void (Pantalla::*accion)()) {
+template <typename Pantalla, typename Resultado>
+void conectarUnaVez(QAbstractButton* boton, Pantalla* pantalla, Resultado (Pantalla::*accion)()) {
     QPointer<Pantalla> p(pantalla);
-    conectarUnaVez(boton, pantalla, [p, accion] {
-        if (p) (p->*accion)();
+    conectarUnaVez(boton, pantalla, [p, accion]() -> QCoro::Task<> {
+        if (!p) co_return;
+        if constexpr (std::is_void_v<Resultado>)
+            (p->*accion)();
+        else
+            co_await (p->*accion)();
     });
 }

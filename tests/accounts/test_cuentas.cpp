@@ -185,7 +185,7 @@ class TestCuentas : public QObject {
         Conexion().exec(u"update canales set Host = ?"_s,
                         {conectar ? sim->host() : u"http://127.0.0.1:1"_s});
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
-        msVerSaldo(1);
+        QCoro::waitFor(msVerSaldo(1));
         QTEST(textoDe(Conexion().query(u"select saldo from canales"_s).value(0, 0)), "saldo");
         QTEST(cajasSinLibreria(ui), "mensajes");
         QCOMPARE(avisos.count(), 1);
@@ -266,7 +266,7 @@ class TestCuentas : public QObject {
         d.clave = clave;
         d.remopc = remopc;
         d.remitente = u"MiTienda"_s;
-        QTEST(int(msGuardarCuenta(d, edicion, 3)), "resultado");
+        QTEST(int(QCoro::waitFor(msGuardarCuenta(d, edicion, 3))), "resultado");
         QTEST(fila(3), "guardada");
         QTEST(cajasSinLibreria(ui), "mensajes");
     }
@@ -324,7 +324,7 @@ class TestCuentas : public QObject {
         plataforma(*sim, conectar);
         if (existente) cuenta(4, u"Vacía"_s, 1, QString(), QString());
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
-        QTEST(int(msAltaInicial(usuario, clave, clave2)), "resultado");
+        QTEST(int(QCoro::waitFor(msAltaInicial(usuario, clave, clave2))), "resultado");
         QTEST(cajasSinLibreria(ui).join(u" / "_s), "mensaje");
         QCOMPARE(fila(canal), QString(guardada).replace(u"%1"_s, sim->host().mid(7)));
         QCOMPARE(principales().size(), guardada == u"-"_s ? int(existente) : 1 + int(existente));
@@ -352,9 +352,10 @@ class TestCuentas : public QObject {
         InterfazGuionada ui;
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, plataforma);
         QTEST(msCuentaNueva().host, "editor");
-        QCOMPARE(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s), AltaInicial::SinVerificar);
+        QCOMPARE(QCoro::waitFor(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s)),
+                 AltaInicial::SinVerificar);
         // After a sign-up the balance may not be known yet: empty, never 0.
-        const QString saldo = msAnadirCuentaRegistrada(u"nuevo"_s, u"x"_s);
+        const QString saldo = QCoro::waitFor(msAnadirCuentaRegistrada(u"nuevo"_s, u"x"_s));
         QCOMPARE(saldo, u""_s);
         QVERIFY(!saldo.isNull());  // null means the row could not be written
         QCOMPARE(
@@ -380,7 +381,8 @@ class TestCuentas : public QObject {
     void firstRunInsertRefusedOpensSelection() {
         InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
-        QCOMPARE(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s), AltaInicial::FalloBase);
+        QCOMPARE(QCoro::waitFor(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s)),
+                 AltaInicial::FalloBase);
         QCOMPARE(cajas(ui),
                  (QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor favor "
                               u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s,
@@ -422,7 +424,7 @@ class TestCuentas : public QObject {
             cuenta(1, u"Uno"_s, 1, usuario, clave);
             Conexion().exec(u"update canales set Host = ?"_s, {sim->host()});
         }
-        msPrimeraVez();
+        QCoro::waitFor(msPrimeraVez());
         Pantallas::registrar(u"frmNewCanal.Principal"_s, [] {});
         QTEST(abierto.join(u','), "editor");
         QTEST(ui.firstRunShown, "avisos");

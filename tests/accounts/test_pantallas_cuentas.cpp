@@ -198,7 +198,7 @@ class TestPantallasCuentas : public QObject {
         QCOMPARE(textosDe(f.ListView1, 2), (QStringList{u"No"_s, u"No"_s, u"Sí"_s}));
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdGetSaldo->click();
-        QCOMPARE(cajas(ui).last(), u"272 "_s + kDenegada);
+        QTRY_COMPARE(cajas(ui).last(), u"272 "_s + kDenegada);
         ui.answers = {Msg::Yes};
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdDelete->click();
@@ -318,7 +318,7 @@ class TestPantallasCuentas : public QObject {
     void freshStartToASend() {
         InterfazGuionada ui;
         // What the frame's first activation does with no account.
-        msPrimeraVez();
+        QCoro::waitFor(msPrimeraVez());
         QCOMPARE(ui.firstRunShown, 1);
         QStringList vistas;
         alAbrirModal([&vistas](QDialog* aviso) {
@@ -342,7 +342,7 @@ class TestPantallasCuentas : public QObject {
         Conexion().exec(
             u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-01-01 08:00:00',0,'0034600000001','Hola',2)"_s);
-        msEnviarLote(0, false);
+        QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select count(*) from envios"_s), QList<int>{0});
     }
@@ -358,7 +358,7 @@ class TestPantallasCuentas : public QObject {
             escribir(ini, u"txtClave"_s, u"demo"_s);
             escribir(ini, u"txtClave2"_s, u"demo"_s);
             hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
-            cerrado = !ini->isVisible();
+            cerrado = QTest::qWaitFor([ini] { return !ini->isVisible(); }, 20000);
             if (!cerrado) ini->reject();
         });
         Pantallas::abrir(u"frmIniCanal"_s);
@@ -397,8 +397,10 @@ class TestPantallasCuentas : public QObject {
         registrar->click();
         w.txtClave2->setText(u"secreta"_s);
         registrar->click();
+        QTRY_COMPARE(ui.boxes.size(), 2);
         w.txtUsuario->setText(u"ana_nueva"_s);
         registrar->click();
+        QTRY_COMPARE(ui.boxes.size(), 3);
         QCOMPARE(w.currentId(), int(frmRegistro::Usuario));
         QCOMPARE(fila(0), u"-"_s);
         w.back();
@@ -407,7 +409,7 @@ class TestPantallasCuentas : public QObject {
         w.next();
         w.next();
         registrar->click();
-        QCOMPARE(w.currentId(), int(frmRegistro::Fin));
+        QTRY_COMPARE(w.currentId(), int(frmRegistro::Fin));
         QCOMPARE(cajas(ui),
                  (QStringList{
                      u"16 Los datos insertados en los campos Contraseña no coinciden, inserte de "
@@ -428,7 +430,7 @@ class TestPantallasCuentas : public QObject {
         Conexion().exec(
             u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-01-01 08:00:00',0,'0034600000002','Bienvenida',2)"_s);
-        msEnviarLote(0, false);
+        QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select saldo from canales"_s), QList<int>{9});
         QStringList altas;
@@ -504,6 +506,7 @@ class TestPantallasCuentas : public QObject {
         asistente.txtClave2->setText(u"secreta"_s);
         guardar(&asistente, u"frmRegistro-usuario"_s);
         asistente.button(QWizard::CommitButton)->click();
+        QTRY_COMPARE(asistente.currentId(), int(frmRegistro::Fin));
         guardar(&asistente, u"frmRegistro-fin"_s);
         alAbrirModal([&guardar](QDialog* d) {
             guardar(d, u"frmIniCanal"_s);

@@ -44,7 +44,7 @@ class TestTransmitter : public QObject {
         if (!activo.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         msLog(u"línea anterior"_s);
         estadoAplicacion().gsVersionPlataforma = u"400"_s;
-        SendMessage();
+        QCoro::waitFor(SendMessage());
         // A run empties the log even with an empty outbox; no run keeps it.
         QCOMPARE(estadoAplicacion().log.lines().isEmpty(), corre);
         QCOMPARE(estadoAplicacion().gsVersionPlataforma.isEmpty(), corre);
@@ -60,18 +60,18 @@ class TestTransmitter : public QObject {
                 u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
                 {QDateTime::currentDateTime(), canal});
         QList<QPair<bool, bool>> vistos;
-        ui.onProcessEvents = [&] {
+        const EnCadaLinea enCadaLinea([&] {
             // The import's own log lines yield before its flag goes up.
             const QString ultima = estadoAplicacion().log.last();
             if (ultima.contains(u"Preparando importacion de Mensajes"_s) ||
                 ultima.contains(u"No existen Mensajes en el fichero"_s))
                 return;
             vistos.append({estadoAplicacion().gbEnviando, estadoAplicacion().gbImportado});
-        };
-        SendMessage();
-        // The loop turns during the run (after each account, and with each
-        // log line), always with both flags up; the flag of the import goes
-        // up even though the file does not exist.
+        });
+        QCoro::waitFor(SendMessage());
+        // Every line of the run (one for each account here) comes with both
+        // flags up; the flag of the import goes up even though the file does
+        // not exist.
         QVERIFY(vistos.size() >= 3);
         for (const auto& [enviando, importado] : vistos) {
             QVERIFY(enviando);
@@ -87,8 +87,8 @@ class TestTransmitter : public QObject {
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         bool importado = true;
-        ui.onProcessEvents = [&] { importado = estadoAplicacion().gbImportado; };
-        SendMessage();
+        const EnCadaLinea enCadaLinea([&] { importado = estadoAplicacion().gbImportado; });
+        QCoro::waitFor(SendMessage());
         QVERIFY(!importado);
     }
 
@@ -106,29 +106,30 @@ class TestTransmitter : public QObject {
         InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         if (cerrar) Conexion().close();
-        SendMessage();
+        QCoro::waitFor(SendMessage());
         QCOMPARE(estadoAplicacion().log.lines().size(), 1);
         QVERIFY(estadoAplicacion().log.last().contains(u" - Error en SendMessage: "_s));
         // A failure inside the run never leaves the closing refused.
         QCOMPARE(estadoAplicacion().gbEnviando, sigueEnviando);
         if (cerrar) {
             conBase();
-            SendMessage();
+            QCoro::waitFor(SendMessage());
             QVERIFY(!estadoAplicacion().gbEnviando);
         }
     }
 
-    // The run yields to the screens: the options saved then, or a "send now",
-    // neither start a second run nor let a tick come inside this one.
+    // The options saved during a run, or a "send now", neither start a
+    // second run nor let a tick come inside this one.
     void tickTurnsTheTimerOffWhileItRuns() {
         InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
+        Conexion().exec(u"INSERT INTO envios (Canal) VALUES (2)"_s);
         Transmisor t;
         t.armarTemporizador();
         bool activoDurante = false;
         int turnos = 0;
-        ui.onProcessEvents = [&] {
+        const EnCadaLinea enCadaLinea([&] {
             if (turnos++ == 0) {
                 Opciones o;
                 QVERIFY(leerOpciones(o));
@@ -137,7 +138,7 @@ class TestTransmitter : public QObject {
                 t.msForzarEnvio();
             }
             activoDurante = activoDurante || t.Timer1().isActive();
-        };
+        });
         t.msForzarEnvio();
         QVERIFY(turnos > 1);
         QVERIFY(!activoDurante);

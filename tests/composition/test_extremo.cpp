@@ -79,6 +79,11 @@ class TestExtremo : public QObject {
         if (parado) sim->detener();
         frmEnvio f;
         f.findChild<QPushButton*>(u"cmdSaldo"_s)->click();
+        if (caja.isEmpty()) {
+            QTRY_VERIFY2(cuenta(f).startsWith(combo), qPrintable(cuenta(f)));
+        } else {
+            QTRY_VERIFY(!ui.boxes.isEmpty());
+        }
         // The cause ends in the transport library's own words.
         const QString texto = ui.boxes.isEmpty() ? QString() : ui.boxes.first().text;
         QVERIFY2(caja.isEmpty() ? texto.isEmpty() : texto.startsWith(caja), qPrintable(texto));
@@ -99,6 +104,8 @@ class TestExtremo : public QObject {
         f.findChild<QLineEdit*>(u"Text1"_s)->setText(u"ana;600123456"_s);
         f.findChild<QPlainTextEdit*>(u"txtMensaje"_s)->setPlainText(u"Hola desde la prueba"_s);
         f.findChild<QPushButton*>(u"cmdEnviar"_s)->click();
+        QTRY_COMPARE(db.query(u"select count(*) from HEnvios"_s).value(0, 0).toInt(), 2);
+        QTRY_VERIFY(cuenta(f).startsWith(u"Cuenta_1   (98 Créditos)"_s));
 
         const ResultadoConsulta h = db.query(u"select Abonado from HEnvios order by Abonado"_s);
         QCOMPARE(h.recordCount(), 2);

@@ -64,7 +64,7 @@ class TestIntercambio : public QObject {
                                         nullptr, nullptr, nullptr) == SQLITE_OK;
             sqlite3_close(otro);
         });
-        QCOMPARE(msEnviarLote(1, false), 3);
+        QCOMPARE(QCoro::waitFor(msEnviarLote(1, false)), 3);
         QVERIFY(otroEscribio);
         QCOMPARE(columna(u"SELECT Abonado FROM HEnvios ORDER BY Abonado"_s),
                  (QStringList{u"0034600000001"_s, u"0034600000002"_s, u"0034600000003"_s}));
@@ -86,7 +86,7 @@ class TestIntercambio : public QObject {
             reloj.start();
             Intercambio::abandonar(Intercambio::Clase::Envio);
         });
-        QCOMPARE(msEnviarLote(1, false), 0);
+        QCOMPARE(QCoro::waitFor(msEnviarLote(1, false)), 0);
         // Given up, not waited for: the platform would answer 2.1 s later.
         QVERIFY2(reloj.elapsed() < 2000, qPrintable(QString::number(reloj.elapsed())));
         QVERIFY(estadoAplicacion().log.last().contains(u"Envío interrumpido"_s));
@@ -94,7 +94,7 @@ class TestIntercambio : public QObject {
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 0LL);
         QCOMPARE(Intercambio::enCurso(), 0);
 
-        QCOMPARE(msEnviarLote(1, false), 2);
+        QCOMPARE(QCoro::waitFor(msEnviarLote(1, false)), 2);
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 0LL);
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 2LL);
         QCOMPARE(sim->registro().size(), 2);
@@ -123,13 +123,13 @@ class TestIntercambio : public QObject {
             QVERIFY(msAbrirBD(segunda));
         });
         vigia.start();
-        QCOMPARE(msEnviarLote(1, false), 0);
+        QCOMPARE(QCoro::waitFor(msEnviarLote(1, false)), 0);
         QVERIFY(!vigia.isActive());
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 0LL);
         QCOMPARE(sim->registro().size(), enLaRespuesta ? 1 : 0);
         QVERIFY(msAbrirBD(primera));
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
-        QCOMPARE(msEnviarLote(1, false), 1);
+        QCOMPARE(QCoro::waitFor(msEnviarLote(1, false)), 1);
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 1LL);
         QCOMPARE(sim->registro().size(), 1);
     }

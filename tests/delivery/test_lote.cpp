@@ -224,9 +224,9 @@ class TestLote : public QObject {
         int lecturas = 0;
         QElapsedTimer reloj;
         reloj.start();
-        Lote::pausaEntreEnvios([&] {
+        QCoro::waitFor(Lote::pausaEntreEnvios([&] {
             return lecturas++ == 0 ? inicio : inicio.addSecs(salto).addMSecs(reloj.elapsed());
-        });
+        }));
         QVERIFY2(reloj.elapsed() < 1500, qPrintable(QString::number(reloj.elapsed())));
         QVERIFY(reloj.elapsed() >= 700);
     }

@@ -256,8 +256,8 @@ class TestTransporte : public QObject {
     }
     // One transmitter run and one balance query of the account.
     QString enviarYConsultar() {
-        SendMessage();
-        return SendAutCuenta(1);
+        QCoro::waitFor(SendMessage());
+        return QCoro::waitFor(SendAutCuenta(1));
     }
     // What a run that could not deliver leaves: every row, no history, the
     // balance it had, the cause in the log and no blame on the Internet

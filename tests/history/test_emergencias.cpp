@@ -154,13 +154,12 @@ class TestEmergencias : public QObject {
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
 
-    // One press, one send: the multi-send goes once for a double click or
-    // for a press that comes while it is being queued, twice for two presses.
+    // One press, one send: the multi-send goes once for a double click,
+    // twice for two presses.
     void onePressOneSend_data() {
         QTest::addColumn<QString>("gesto");
         QTest::addColumn<int>("envios");
         QTest::newRow("double click") << u"doble"_s << 1;
-        QTest::newRow("a press while it runs") << u"durante"_s << 1;
         QTest::newRow("two presses apart") << u"dos"_s << 2;
     }
     void onePressOneSend() {
@@ -177,15 +176,6 @@ class TestEmergencias : public QObject {
         pantalla.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pantalla));
         pantalla.ListView1->seleccionarFila(0);
-        bool pulsadoDurante = false;
-        Qt::CursorShape puntero = Qt::ArrowCursor;
-        if (gesto == u"durante"_s)
-            ui.onProcessEvents = [&] {
-                if (pulsadoDurante) return;
-                pulsadoDurante = true;
-                puntero = pantalla.cursor().shape();
-                QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
-            };
         if (gesto == u"doble"_s) {
             // What the window system delivers for a double click.
             QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
@@ -199,9 +189,6 @@ class TestEmergencias : public QObject {
                 QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
             }
         }
-        QCOMPARE(pulsadoDurante, gesto == u"durante"_s);
-        // The busy pointer over the screen while it queued, not after.
-        QCOMPARE(puntero, gesto == u"durante"_s ? Qt::BusyCursor : Qt::ArrowCursor);
         QCOMPARE(pantalla.cursor().shape(), Qt::ArrowCursor);
         QFETCH(int, envios);
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);

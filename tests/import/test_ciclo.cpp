@@ -42,7 +42,7 @@ class TestCiclo : public QObject {
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, vigilado);
 
-        SendMessage();
+        QCoro::waitFor(SendMessage());
 
         QVERIFY(!QFile::exists(vigilado));
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 0);

@@ -264,16 +264,17 @@ class TestDriver : public QObject {
         envejecer(vigilado());
         ImportPruebas::establecerLineasPorTramo(100);
         int turnos = 0;
-        ui->onProcessEvents = [&] {
-            // The user adds a message and deletes a contact while the
-            // import yields; a second import started from there waits.
+        std::optional<EnCadaLinea> entreTramos;
+        entreTramos.emplace([&] {
+            // Another writer adds a message and deletes a contact between
+            // two chunks; a second import started from there waits.
             if (++turnos != 3) return;
             bd().exec(
                 u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
                 u"('2026-01-01 10:00:00',7,'0034600000002','del usuario',2)"_s);
             bd().exec(u"DELETE FROM Abonados WHERE Codigo='0034600000009'"_s);
             msImportarFichero(vigilado(), false, true, u"-1"_s, false);
-        };
+        });
         bd().exec(
             u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) "
             u"VALUES ('0034600000009','Borrable','',5)"_s);
@@ -284,7 +285,7 @@ class TestDriver : public QObject {
         QVERIFY_THROWS_EXCEPTION(Muerte, vigilar());
         QVERIFY(import_prueba::registro().contains(u"Hay otra importación en curso; el fichero "_s +
                                                    vigilado() + u" no se ha importado"_s));
-        ui->onProcessEvents = {};
+        entreTramos.reset();
         reabrir();
         QCOMPARE(cuantos(u"SELECT count(*) FROM envios WHERE Mensaje='del usuario'"_s), 1);
         QCOMPARE(cuantos(u"SELECT count(*) FROM Abonados WHERE Codigo='0034600000009'"_s), 0);

@@ -98,8 +98,12 @@ void InterfazGuionada::terminateWithoutDatabase() {
     throw TerminatedWithoutDatabase{};
 }
 
-void InterfazGuionada::processEvents() {
-    if (onProcessEvents) onProcessEvents();
+EnCadaLinea::EnCadaLinea(std::function<void()> accion)
+    : m_conexion(QObject::connect(&estadoAplicacion().log, &QAbstractItemModel::rowsInserted,
+                                  [accion = std::move(accion)] { accion(); })) {}
+
+EnCadaLinea::~EnCadaLinea() {
+    QObject::disconnect(m_conexion);
 }
 
 namespace TestDb {

@@ -67,7 +67,6 @@ class InterfazGuionada : public InterfazUsuario {
     QStringList inputs;                      // next answers to input boxes (a null string cancels)
     QStringList fileNames;                   // next files chosen in file dialogs (empty cancels)
     std::function<void()> onSelectDatabase;  // what the selection screen does
-    std::function<void()> onProcessEvents;   // called at each turn of the loop
     std::function<void()> onMsgBox;          // runs once while the next box is shown
 
     QList<ShownBox> boxes;
@@ -88,11 +87,23 @@ class InterfazGuionada : public InterfazUsuario {
                          const QString& filter) override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
-    void processEvents() override;
 };
 
 // What terminateWithoutDatabase throws in tests instead of ending the process.
 struct TerminatedWithoutDatabase {};
+
+// Runs `accion` at each line the activity log takes, inside the routine
+// that logs: where a test acts in the middle of a routine.
+class EnCadaLinea {
+  public:
+    explicit EnCadaLinea(std::function<void()> accion);
+    ~EnCadaLinea();
+    EnCadaLinea(const EnCadaLinea&) = delete;
+    EnCadaLinea& operator=(const EnCadaLinea&) = delete;
+
+  private:
+    QMetaObject::Connection m_conexion;
+};
 
 namespace TestDb {
 // New database files of either generation; the path of the file.
