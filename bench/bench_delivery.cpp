@@ -3,7 +3,8 @@
 // one-second pacing between exchanges is measured apart and left out. Beside
 // its rate: the rate of the bare SQL of the same results, and the ratio.
 // Then the same outbox end to end through the transmitter in continuous
-// mode, pacing included, beside what the normal cycle makes of those runs.
+// mode, pacing included, for one account and for ten side by side, beside
+// what the normal cycle makes of those runs.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "app/Transmisor.h"
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
         estadoAplicacion().log.clear();
         reloj.start();
         MedidaLote m;
-        msEnviarLote(1, false, &m);
+        QCoro::waitFor(msEnviarLote(1, false, &m));
         total += reloj.nsecsElapsed();
         if (m.http == 0) {
             std::fprintf(stderr, "a batch made no exchange: %s\n",
@@ -118,38 +119,67 @@ int main(int argc, char** argv) {
                 double(total - suma.pausa) / lotes / 1e6);
 
     // Continuous mode: from the first tick until the transmitter settles on a
-    // whole interval again, which it does once the outbox is empty.
-    llenar();
+    // whole interval again, which it does once the outbox is empty. With
+    // several accounts their exchanges go side by side, each paced on its own.
     Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
     Ajustes::saveSetting(u"Tr"_s, u"Continuo"_s, u"1"_s);
-    Transmisor transmisor;
-    transmisor.armarTemporizador();
-    const int intervalo = transmisor.intervaloSegundos();
-    int ejecuciones = 0;
-    QEventLoop bucle;
-    QObject::connect(&transmisor, &Transmisor::tickTerminado, &bucle, [&] {
-        ++ejecuciones;
-        if (transmisor.Timer1().isActive()) bucle.quit();
-    });
-    reloj.start();
-    transmisor.msForzarEnvio();
-    if (!transmisor.Timer1().isActive()) bucle.exec();
-    const double segundosContinuo = double(reloj.nsecsElapsed()) / 1e9;
-    transmisor.detener();
-    const int quedan = db.query(u"select count(*) from envios"_s).value(0, 0).toInt();
-    const int drenadas = kFilas - quedan;
+    struct Drenaje {
+        int filas = 0;
+        int ejecuciones = 0;
+        double segundos = 0;
+    };
+    const auto drenar = [&](int cuentas) {
+        for (int c = 2; c <= cuentas; ++c)
+            db.exec(
+                u"INSERT OR IGNORE INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,"
+                "Remitente,remopc,imptextos) VALUES (?,'Banco',?,'demo',?,0,0,'Tienda ',0,0)"_s,
+                {c, sim.host(), msCifrarClave(u"demo"_s, true)});
+        db.exec(u"delete from envios"_s);
+        db.begin();
+        for (int c = 1; c <= cuentas; ++c)
+            for (int i = 0; i < kFilas; ++i)
+                db.exec(
+                    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,2)"_s,
+                    {QDateTime::currentDateTime(), c, u"6%1"_s.arg(i, 8, 10, QChar(u'0')), texto});
+        db.commit();
+        Transmisor transmisor;
+        transmisor.armarTemporizador();
+        Drenaje d;
+        QEventLoop bucle;
+        QObject::connect(&transmisor, &Transmisor::tickTerminado, &bucle, [&] {
+            ++d.ejecuciones;
+            if (transmisor.Timer1().isActive()) bucle.quit();
+        });
+        reloj.start();
+        transmisor.msForzarEnvio();
+        bucle.exec();
+        d.segundos = double(reloj.nsecsElapsed()) / 1e9;
+        transmisor.detener();
+        d.filas = cuentas * kFilas - db.query(u"select count(*) from envios"_s).value(0, 0).toInt();
+        return d;
+    };
+    const int intervalo = [] {
+        Transmisor t;
+        t.armarTemporizador();
+        return t.intervaloSegundos();
+    }();
+    const Drenaje una = drenar(1);
+    const Drenaje diez = drenar(10);
     // The normal cycle makes the same runs with a whole interval between
     // them: one batch a run for each account.
     const auto normal = [&](int segundosIntervalo) {
-        const double s = segundosContinuo + double(ejecuciones - 1) * segundosIntervalo;
+        const double s = una.segundos + double(una.ejecuciones - 1) * segundosIntervalo;
         std::printf("  interval %2d s: %8.1f rows/s (%d rows in %.0f s)\n", segundosIntervalo,
-                    drenadas / s, drenadas, s);
+                    una.filas / s, una.filas, s);
     };
     std::printf("continuous mode (Tr/Continuo=1), end to end through the transmitter:\n");
-    std::printf("  %8.1f rows/s (%d rows in %d runs, %.2f s, pacing included)\n",
-                drenadas / segundosContinuo, drenadas, ejecuciones, segundosContinuo);
-    std::printf("normal cycle, the same runs a whole interval apart:\n");
+    std::printf("  one account:  %8.1f rows/s (%d rows in %d runs, %.2f s, pacing included)\n",
+                una.filas / una.segundos, una.filas, una.ejecuciones, una.segundos);
+    std::printf("  ten accounts: %8.1f rows/s (%d rows in %d runs, %.2f s), %.1f times one\n",
+                diez.filas / diez.segundos, diez.filas, diez.ejecuciones, diez.segundos,
+                (diez.filas / diez.segundos) / (una.filas / una.segundos));
+    std::printf("normal cycle, one account, the same runs a whole interval apart:\n");
     normal(intervalo);
     normal(15);
-    return enviadas == kFilas && quedan == 0 ? 0 : 1;
+    return enviadas == kFilas && una.filas == kFilas && diez.filas == 10 * kFilas ? 0 : 1;
 }

@@ -7,25 +7,34 @@
 //   dialogos  this process plays the window: it keeps the database open,
 //             queues the outboxes through its connection and opens and
 //             closes the file dialog in the database's folder at random
-//             moments while the runs (killed as in matar) send.
+//             moments while the runs (killed as in matar) send;
+//   modales   this process is the window and runs the transmitter itself
+//             (continuous mode, a platform answering after 200 ms) while
+//             it opens a modal screen, a message box or a file dialog at
+//             random moments and leaves it open for a random while; prints
+//             how long after the platform's answer the history had the
+//             rows (median, max).
 // Prints the messages lost, the items the simulator received twice (a run
 // killed between the platform's acceptance and our commit sends them again)
 // and the items delivered twice after the simulator's de-duplication. Fails
 // unless nothing is lost and nothing is delivered twice.
 //
-//   bench_kill [--modo matar|bloquear|dialogos] [--veces N] [--filas F] [--lote L]
+//   bench_kill [--modo matar|bloquear|dialogos|modales] [--veces N] [--filas F] [--lote L]
 //              [--bloqueo-max-ms MS] [--semilla S]
 #include "SimuladorPrueba.h"
 #include "TestSupportGui.h"
 #include "app/InterfazGrafica.h"
+#include "app/Transmisor.h"
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "db/BaseDatos.h"
 
 #include <sqlite3.h>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QRandomGenerator>
 #include <QSet>
 #include <QThread>
@@ -79,7 +88,8 @@ bool leerParametros(const QStringList& args, Parametros& p) {
     }
     if (args.size() % 2 == 0) return false;
     if (p.lote == 0) p.lote = p.modo == u"bloquear"_s ? 100 : 500;
-    return (p.modo == u"matar"_s || p.modo == u"bloquear"_s || p.modo == u"dialogos"_s) &&
+    return (p.modo == u"matar"_s || p.modo == u"bloquear"_s || p.modo == u"dialogos"_s ||
+            p.modo == u"modales"_s) &&
            p.veces >= 0 && p.filas > 0 && p.lote >= 1 && p.lote <= 500 && p.bloqueoMaxMs >= 0;
 }
 
@@ -97,15 +107,19 @@ int main(int argc, char** argv) {
     Parametros par;
     if (!leerParametros(app.arguments(), par)) {
         std::fprintf(stderr,
-                     "usage: bench_kill [--modo matar|bloquear|dialogos] [--veces N] [--filas F] "
+                     "usage: bench_kill [--modo matar|bloquear|dialogos|modales] [--veces N] "
+                     "[--filas F] "
                      "[--lote 1..500] [--bloqueo-max-ms MS] [--semilla S]\n");
         return 2;
     }
     QRandomGenerator azar(par.semilla);
 
-    SimuladorPrueba sim(world.root(),
-                        u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=100000000\n"
-                        "movil=0034600123456\n"_s);
+    const bool enProceso = par.modo == u"modales"_s;
+    constexpr int kRetrasoMs = 200;
+    SimuladorPrueba sim(
+        world.root(), (enProceso ? u"[plataforma]\nretraso_ms=%1\n"_s.arg(kRetrasoMs) : QString()) +
+                          u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=100000000\n"
+                          "movil=0034600123456\n"_s);
     if (!sim.listo()) {
         std::fprintf(stderr, "the platform simulator did not start\n");
         return 1;
@@ -127,7 +141,7 @@ int main(int argc, char** argv) {
     int insertadas = 0;
     int rondas = 0;
     // The window's connection, open for the whole run in the dialog mode.
-    const bool ventana = par.modo == u"dialogos"_s;
+    const bool ventana = par.modo == u"dialogos"_s || enProceso;
     if (ventana) TestDb::openShared(base);
     BaseDatos propia;
     const auto llenar = [&] {
@@ -198,7 +212,70 @@ int main(int argc, char** argv) {
     total.start();
     int muertes = 0, bloqueos = 0;
     qint64 msBloqueo = 0;
-    if (par.modo == u"matar"_s || ventana) {
+    QVector<qint64> esperas;  // from the platform's answer to the history rows, ms
+    if (enProceso) {
+        Transmisor::continuoPorOrden(true);
+        Transmisor transmisor;
+        transmisor.armarTemporizador();
+        // The platform records a batch, then answers after its delay: the
+        // record file growing marks the answer to come; the history's count
+        // growing, the rows written.
+        const QString registro = world.root() + u"/registro.jsonl"_s;
+        qint64 tamano = QFileInfo(registro).size();
+        long long filasHistorial = 0;
+        qint64 respuestaEn = -1;
+        QTimer sonda;
+        sonda.setInterval(2);
+        QObject::connect(&sonda, &QTimer::timeout, [&] {
+            const qint64 t = QFileInfo(registro).size();
+            if (t > tamano) {
+                tamano = t;
+                if (respuestaEn < 0) respuestaEn = total.elapsed() + kRetrasoMs;
+            }
+            const long long h =
+                Conexion().query(u"select count(*) from HEnvios"_s).value(0, 0).toLongLong();
+            if (h > filasHistorial) {
+                filasHistorial = h;
+                if (respuestaEn >= 0) esperas << qMax<qint64>(0, total.elapsed() - respuestaEn);
+                respuestaEn = -1;
+            }
+        });
+        sonda.start();
+        const auto esperar = [](int ms) {
+            QEventLoop bucle;
+            QTimer::singleShot(ms, &bucle, &QEventLoop::quit);
+            bucle.exec();
+        };
+        const auto abrirModal = [&] {
+            std::unique_ptr<QDialog> d;
+            switch (azar.bounded(3)) {
+                case 0:
+                    d = std::make_unique<QDialog>();
+                    break;
+                case 1:
+                    d = std::make_unique<QMessageBox>(QMessageBox::Warning, u"Aviso"_s, u"x"_s);
+                    break;
+                default:
+                    d = std::make_unique<QFileDialog>(nullptr, u"Abrir"_s, world.root());
+                    static_cast<QFileDialog*>(d.get())->setOption(QFileDialog::DontUseNativeDialog);
+            }
+            QTimer::singleShot(azar.bounded(100, 1500), d.get(), &QDialog::reject);
+            d->exec();
+            ++vistos;
+        };
+        while (vistos < par.veces) {
+            if (pendientes() == 0) llenar();
+            if (!transmisor.enTick()) transmisor.msForzarEnvio();
+            esperar(azar.bounded(300));
+            abrirModal();
+        }
+        while (pendientes() > 0) {
+            if (!transmisor.enTick()) transmisor.msForzarEnvio();
+            esperar(20);
+        }
+        transmisor.detener();
+        corridas = int(esperas.size());
+    } else if (par.modo == u"matar"_s || ventana) {
         // Until `veces` kills have landed: a run that ends before its instant
         // is no kill, and its outbox is simply drained.
         for (int v = 0; muertes < par.veces; ++v) {
@@ -276,7 +353,14 @@ int main(int argc, char** argv) {
         "%.0f s\n",
         qPrintable(par.modo), par.semilla, rondas, par.filas, par.lote, corridas,
         double(total.elapsed()) / 1000);
-    if (ventana)
+    if (enProceso) {
+        std::sort(esperas.begin(), esperas.end());
+        std::printf("  modal windows opened           %d\n", vistos);
+        if (!esperas.isEmpty())
+            std::printf(
+                "  answer to history rows         median %lld ms, max %lld ms (%d batches)\n",
+                esperas[esperas.size() / 2], esperas.last(), int(esperas.size()));
+    } else if (ventana)
         std::printf("  runs killed                    %d; file dialogs opened %d%s\n", muertes,
                     vistos, Conexion().perdida() ? "; the window lost its database" : "");
     else if (par.modo == u"matar"_s)

@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
         llenar(db, 500);
         sonda.empezar();
         reloj.start();
-        const int entregadas = msEnviarLote(1, false);
+        const int entregadas = QCoro::waitFor(msEnviarLote(1, false));
         const qint64 lote = sonda.terminar();
         if (p.host == sano.host() && entregadas != 500) {
             std::fprintf(stderr, "the healthy batch delivered %d rows: %s\n", entregadas,
@@ -147,7 +147,7 @@ int main(int argc, char** argv) {
                     reloj.elapsed() / 1000.0, lote);
         sonda.empezar();
         reloj.start();
-        SendAutCuenta(1);
+        QCoro::waitFor(SendAutCuenta(1));
         const qint64 saldo = sonda.terminar();
         std::printf("%-44s %10.2f %12lld\n",
                     qPrintable(u"balance query, "_s + QString::fromLatin1(p.nombre)),
@@ -162,7 +162,7 @@ int main(int argc, char** argv) {
         reloj.start();
         Intercambio::abandonarTodo();
     });
-    msEnviarLote(1, false);
+    QCoro::waitFor(msEnviarLote(1, false));
     parada = reloj.elapsed();
     std::printf("stop during an exchange with a silent platform: the batch gave up in %lld ms\n",
                 parada);
