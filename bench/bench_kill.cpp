@@ -344,8 +344,8 @@ int main(int argc, char** argv) {
     const QSet<QString> enHistorial(historial.begin(), historial.end());
     const int quedan = db.query(u"select count(*) from envios"_s).value(0, 0).toInt();
     QFile log(salida);
-    log.open(QIODevice::ReadOnly);
-    const int bloqueadas = int(log.readAll().count("database is locked"));
+    const int bloqueadas =
+        log.open(QIODevice::ReadOnly) ? int(log.readAll().count("database is locked")) : 0;
 
     const int perdidos = insertadas - int(entregas.size());
     std::printf(
