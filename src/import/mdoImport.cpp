@@ -219,7 +219,7 @@ int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear)
         if (nombre.isEmpty())
             nombre = u"Lista de Contactos Importada Nº"_s + QString::number(codigo);
         if (maximo > 250) {
-            ui().msgBox(u"No es posible añadir mas Listas"_s, Msg::Critical);
+            ui().aviso(u"No es posible añadir mas Listas"_s, Msg::Critical);
             if (alCrear) alCrear(0);
             return 0;
         }
