@@ -436,6 +436,10 @@ QCoro::Task<int> msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaL
                 ++g_lotesSinEntregar;
                 avisarRechazo(rx, cliente->RXTransporte);
             } else {
+                // The results are stored; their lines come at the next turn
+                // of the loop, so a large batch holds the window for its
+                // writes or its lines, never both at once.
+                co_await Intercambio::pausa(Intercambio::Clase::Envio, 0);
                 for (const QString& l : d.lineas) msLog(l);
                 if (!esNumerico(rx.saldo))
                     throw ErrorQuelmo(
