@@ -6,6 +6,7 @@
 #include "app/mdiMain.h"
 #include "app/mdoMain.h"
 #include "base/EstadoAplicacion.h"
+#include "base/InterfazSinVentana.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
 #include "widgets/Traduccion.h"
@@ -28,9 +29,15 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
     // A second start for this user hands over to the running program and
     // touches nothing else.
     Instancia instancia(Instancia::Papel::Ventana);
-    if (!instancia.adquirir()) {
-        Instancia::cederAlPrimero();
-        return 0;
+    switch (instancia.adquirir()) {
+        case Instancia::Toma::Tomada:
+            break;
+        case Instancia::Toma::OtraEnMarcha:
+            Instancia::cederAlPrimero();
+            return 0;
+        case Instancia::Toma::SinCarpeta:
+            ui().msgBox(instancia.motivo(), Msg::Critical);
+            return kSalidaSinBaseDatos;
     }
     prepararBaseInicial();
     // The command line was checked before this module was loaded.

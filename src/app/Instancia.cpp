@@ -38,9 +38,37 @@ QString Instancia::nombreServidor() {
     return u"quelmo-sms-"_s + QString::fromLatin1(huella);
 }
 
-bool Instancia::adquirir() {
-    QDir().mkpath(directorioAplicacion());
-    if (!adquirirInstanciaUnica(m_bloqueo)) return false;
+namespace {
+
+// Why nothing can be written in `carpeta`, as the system says it; empty
+// when a file can be created and written there.
+QString motivoSinEscritura(const QString& carpeta) {
+    if (!QDir().mkpath(carpeta)) return u"no se puede crear la carpeta"_s;
+    QFile prueba(carpeta + u"/.quelmo-escritura"_s);
+    QString motivo;
+    if (!prueba.open(QIODevice::WriteOnly | QIODevice::Truncate) || prueba.write("0\n", 2) != 2 ||
+        !prueba.flush())
+        motivo = prueba.errorString();
+    prueba.close();
+    prueba.remove();
+    return motivo;
+}
+
+}  // namespace
+
+Instancia::Toma Instancia::adquirir() {
+    const QString carpeta = directorioAplicacion();
+    QDir().mkpath(carpeta);
+    if (!adquirirInstanciaUnica(m_bloqueo)) {
+        // Only a lock another process holds means another copy: a folder
+        // that can't take the lock is a failure the user or the service
+        // manager must see.
+        if (m_bloqueo.error() == QLockFile::LockFailedError) return Toma::OtraEnMarcha;
+        QString motivo = motivoSinEscritura(carpeta);
+        if (motivo.isEmpty()) motivo = u"no se puede crear el fichero de bloqueo"_s;
+        m_motivo = u"No se puede usar la carpeta de datos "_s + carpeta + u": "_s + motivo;
+        return Toma::SinCarpeta;
+    }
     m_servidor = new QLocalServer(this);
     m_servidor->setSocketOptions(QLocalServer::UserAccessOption);
     // Holding the lock, any socket left at the name is a killed program's.
@@ -49,7 +77,7 @@ bool Instancia::adquirir() {
     // Without the socket the program still runs; a second start then only
     // learns that it can't reach it.
     m_servidor->listen(nombreServidor());
-    return true;
+    return Toma::Tomada;
 }
 
 void Instancia::atender() {

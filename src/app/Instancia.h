@@ -20,9 +20,16 @@ class Instancia : public QObject {
     explicit Instancia(Papel papel, QObject* parent = nullptr);
     ~Instancia() override;
 
-    // Takes the lock and starts listening for a second start; false when
-    // another program of this user holds the lock.
-    bool adquirir();
+    // Takes the lock and starts listening for a second start.
+    enum class Toma {
+        Tomada,        // this program runs
+        OtraEnMarcha,  // another program of this user holds the lock
+        SinCarpeta,    // the data folder can't take the lock (unwritable, full)
+    };
+    Toma adquirir();
+    // Why the lock could not be taken, in one Spanish line with the folder
+    // and the system's words (empty after Tomada or OtraEnMarcha).
+    const QString& motivo() const { return m_motivo; }
 
     // A second start asks the running one for its window. Waits at most
     // `esperaMs` for an answer (the first may still be starting).
@@ -43,4 +50,5 @@ class Instancia : public QObject {
     Papel m_papel;
     QLockFile m_bloqueo;
     QLocalServer* m_servidor = nullptr;
+    QString m_motivo;
 };

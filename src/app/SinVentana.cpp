@@ -87,11 +87,17 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     sigaction(SIGTERM, &sa, nullptr);
 
     Instancia instancia(Instancia::Papel::SinVentana);
-    if (!instancia.adquirir()) {
-        QTextStream(stderr) << u"Quelmo Mensajes SMS ya está en marcha para este usuario: "
-                               u"este arranque termina sin hacer nada."_s
-                            << Qt::endl;
-        return 0;
+    switch (instancia.adquirir()) {
+        case Instancia::Toma::Tomada:
+            break;
+        case Instancia::Toma::OtraEnMarcha:
+            QTextStream(stderr) << u"Quelmo Mensajes SMS ya está en marcha para este usuario: "
+                                   u"este arranque termina sin hacer nada."_s
+                                << Qt::endl;
+            return 0;
+        case Instancia::Toma::SinCarpeta:
+            QTextStream(stderr) << instancia.motivo() << Qt::endl;
+            return kSalidaSinBaseDatos;
     }
 
     InterfazSinVentana interfaz;

@@ -171,6 +171,31 @@ class TestHeadless : public QObject {
         QVERIFY(!QFile::exists(base()));
     }
 
+    // A data folder that can't take the lock is no other copy running: the
+    // service and a cron job see the failure, with the folder and why.
+    void unusableDataFolderIsAFailure_data() {
+        QTest::addColumn<QStringList>("orden");
+        QTest::newRow("once") << QStringList{u"--headless"_s, u"--once"_s};
+        QTest::newRow("service") << QStringList{u"--headless"_s};
+    }
+    void unusableDataFolderIsAFailure() {
+        QFETCH(QStringList, orden);
+        // The folder's place is taken by a file: nothing can be created there.
+        QDir(world.dataHome()).removeRecursively();
+        QDir().mkpath(world.dataHome());
+        QFile tapon(world.dataHome() + u"/Quelmo"_s);
+        QVERIFY(tapon.open(QIODevice::WriteOnly));
+        tapon.close();
+        const ProcessResult r = runProgram(world, orden, 10000);
+        QVERIFY(r.finished);
+        QCOMPARE(r.exitCode, 3);
+        QVERIFY2(
+            r.err.startsWith(u"No se puede usar la carpeta de datos "_s + world.appDir() + u": "_s),
+            qPrintable(r.err));
+        QVERIFY(!r.err.contains(u"ya está en marcha"_s));
+        QFile::remove(world.dataHome() + u"/Quelmo"_s);
+    }
+
     void secondInstanceSaysSoAndSignalsStopCleanly() {
         QProcess primera;
         iniciar(primera);

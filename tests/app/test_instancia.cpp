@@ -34,7 +34,7 @@ class TestInstancia : public QObject {
         QFETCH(bool, oculta);
         InterfazGuionada ui;
         Instancia instancia(Instancia::Papel::Ventana);
-        QVERIFY(instancia.adquirir());
+        QCOMPARE(instancia.adquirir(), Instancia::Toma::Tomada);
         mdiMain ventana;
         ventana.terminar = [] {};
         connect(&instancia, &Instancia::ventanaPedida, &ventana, &mdiMain::mnurestaurar_Click);
@@ -72,9 +72,9 @@ class TestInstancia : public QObject {
         resto.close();
         {
             Instancia primera(Instancia::Papel::SinVentana);
-            QVERIFY(primera.adquirir());
+            QCOMPARE(primera.adquirir(), Instancia::Toma::Tomada);
             Instancia otra(Instancia::Papel::Ventana);
-            QVERIFY(!otra.adquirir());
+            QCOMPARE(otra.adquirir(), Instancia::Toma::OtraEnMarcha);
             QLocalSocket s;
             s.connectToServer(Instancia::nombreServidor());
             QVERIFY(s.waitForConnected(1000));
@@ -82,7 +82,7 @@ class TestInstancia : public QObject {
         // Ended: the next start takes the lock and listens anew.
         QVERIFY(!QFile::exists(Instancia::nombreServidor()));
         Instancia siguiente(Instancia::Papel::Ventana);
-        QVERIFY(siguiente.adquirir());
+        QCOMPARE(siguiente.adquirir(), Instancia::Toma::Tomada);
     }
 };
 
