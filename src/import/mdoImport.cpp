@@ -12,6 +12,7 @@
 #include "db/Nombres.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
@@ -642,9 +643,32 @@ QString aliasConSufijo(const QString& alias) {
     return alias + u'_' + QString::number(numeroDe(r.value(0, 0)) + 1);
 }
 
+namespace {
+
+// What a path names when it is there but is no regular file (empty for a
+// regular file or nothing at all): opened, a FIFO without a writer would
+// hold the import for ever, and a device or a socket is no list of lines.
+QString queNoEsFichero(const QString& path) {
+    struct stat st {};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0) return {};
+    if (S_ISREG(st.st_mode)) return {};
+    if (S_ISDIR(st.st_mode)) return u"una carpeta"_s;
+    if (S_ISFIFO(st.st_mode)) return u"una tubería con nombre (FIFO)"_s;
+    if (S_ISSOCK(st.st_mode)) return u"un socket"_s;
+    if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode)) return u"un dispositivo"_s;
+    return u"un fichero especial"_s;
+}
+
+}  // namespace
+
 ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
                                      const QString& lista, bool addContactos) {
     if (path.isEmpty()) return {};
+    if (const QString que = queNoEsFichero(path); !que.isEmpty()) {
+        msLog(u"El fichero "_s + path + u" no es un fichero normal sino "_s + que +
+              u"; no se importa"_s);
+        return {};
+    }
     // Read, copied or claimed by this process, the database would lose the
     // engine's locks (and a claim would take it away from the program).
     if (Conexion().esArchivoPropio(path)) {

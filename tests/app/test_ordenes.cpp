@@ -2,6 +2,7 @@
 // temporary home, its exit code, its words and what it stored.
 #include "TestSupport.h"
 
+#include <sys/stat.h>
 #include <QProcess>
 
 using namespace Qt::StringLiterals;
@@ -88,6 +89,15 @@ class TestOrdenes : public QObject {
             << QStringList{u"--import"_s, u"no-existe.txt"_s} << 0 << 1
             << u" - No existen Mensajes en el fichero "_s
             << QStringList{u"No se ha podido importar el fichero "_s} << bandeja << QStringList();
+        // Opened, a FIFO without a writer would hold the import for ever.
+        QTest::newRow("import of a FIFO")
+            << QStringList{u"--import"_s, u"{fifo}"_s} << 0 << 1
+            << u"no es un fichero normal sino una tubería con nombre (FIFO); no se importa\n"_s
+            << QStringList{u"No se ha podido importar el fichero "_s} << bandeja << QStringList();
+        QTest::newRow("import of a folder")
+            << QStringList{u"--import"_s, u"{carpeta}"_s} << 0 << 1
+            << u"no es un fichero normal sino una carpeta; no se importa\n"_s
+            << QStringList{u"No se ha podido importar el fichero "_s} << bandeja << QStringList();
         QTest::newRow("version") << QStringList{u"--version"_s} << 0 << 0 << u"quelmo-sms 3.2.5\n"_s
                                  << QStringList() << bandeja << QStringList();
     }
@@ -105,6 +115,11 @@ class TestOrdenes : public QObject {
         f.write("600123456;uno\n912345678;dos\n7;600123457;tres\n");
         f.close();
         argumentos.replaceInStrings(u"{fichero}"_s, fichero);
+        const QString fifo = world.root() + u"/tuberia"_s;
+        QFile::remove(fifo);
+        QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        argumentos.replaceInStrings(u"{fifo}"_s, fifo);
+        argumentos.replaceInStrings(u"{carpeta}"_s, world.root());
 
         QProcess p;
         if (bloqueoMs > 0) bd().begin();
