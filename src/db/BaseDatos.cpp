@@ -168,10 +168,40 @@ void BaseDatos::close() {
     m_path.clear();
 }
 
+namespace {
+
+// The engine's refusals that the user can act on, said in Spanish.
+QString causaDe(int codigo, const QString& msg) {
+    switch (codigo & 0xff) {
+        case SQLITE_READONLY:
+            return u"el fichero de la base de datos es de solo lectura"_s;
+        case SQLITE_FULL:
+            return u"el disco está lleno"_s;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return u"la base de datos está bloqueada por otro programa"_s;
+        case SQLITE_NOTADB:
+        case SQLITE_CORRUPT:
+            return u"el fichero no es una base de datos válida"_s;
+        case SQLITE_IOERR:
+            return u"error de lectura o escritura en el disco"_s;
+        case SQLITE_CANTOPEN:
+        case SQLITE_PERM:
+            return u"no se puede abrir el fichero de la base de datos"_s;
+        default:
+            if (msg.startsWith(u"no such table"_s))
+                return u"el fichero no es una base de datos de Quelmo Mensajes SMS"_s;
+            return {};
+    }
+}
+
+}  // namespace
+
 void BaseDatos::fail(const QString& sql) {
     const QString msg = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : u"Base de datos cerrada"_s;
     const int num = msg.contains(u"no such column"_s) ? ErrNum::ItemNotFound : ErrNum::BaseDatos;
-    throw ErrorBD(msg + u" [" + sql.left(200) + u']', num);
+    throw ErrorBD(msg + u" [" + sql.left(200) + u']', num,
+                  m_db ? causaDe(sqlite3_extended_errcode(m_db), msg) : QString());
 }
 
 sqlite3_stmt* BaseDatos::prepare(const QString& sql) {

@@ -16,6 +16,14 @@ struct sqlite3_stmt;
 class ErrorBD : public ErrorQuelmo {
   public:
     using ErrorQuelmo::ErrorQuelmo;
+    ErrorBD(QString description, int number, QString causa)
+        : ErrorQuelmo(std::move(description), number), m_causa(std::move(causa)) {}
+    // Why the engine refused, in the user's words ("el disco está lleno"),
+    // when it is one the user can act on; empty otherwise.
+    const QString& causa() const { return m_causa; }
+
+  private:
+    QString m_causa;
 };
 
 // The rows of a query, fetched at once, so their count is known at once and

@@ -115,6 +115,12 @@ bool insertarContacto(const QString& cuenta, const QString& numero, const QStrin
 
 enum class Linea { Bien, Mal, Abandonada };
 
+// Why a write was refused, in the user's words when the engine gave one.
+QString causaEscritura(const ErrorQuelmo& e) {
+    const auto* bd = dynamic_cast<const ErrorBD*>(&e);
+    return bd && !bd->causa().isEmpty() ? bd->causa() : e.description();
+}
+
 Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                     const QString& textoCampo, int16_t lista, bool contactos, bool addContactos) {
     const QString cuenta = cuentaCampo.trimmed();
@@ -166,8 +172,9 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                  numero, texto});
             registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " + texto);
             resultado = Linea::Bien;
-        } catch (const ErrorQuelmo&) {
+        } catch (const ErrorQuelmo& e) {
             registrar(u"Mensaje NO Importado para el Destino : "_s + numero + u", Texto: " + texto);
+            registrar(u"No se pudo escribir en la base de datos: "_s + causaEscritura(e));
             resultado = Linea::Mal;
         }
     }

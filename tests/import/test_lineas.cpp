@@ -95,6 +95,30 @@ class TestLineas : public QObject {
         if (!fila.isEmpty()) QCOMPARE(filas(u"SELECT intento FROM envios"_s), QStringList{u"2"_s});
     }
 
+    // A write the database refuses is said with its cause, not only as a
+    // message not imported.
+    void escrituraRechazadaDiceSuCausa_data() {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("causa");
+        QTest::newRow("solo lectura")
+            << u"PRAGMA query_only = 1"_s << u"el fichero de la base de datos es de solo lectura"_s;
+        QTest::newRow("otra base de datos")
+            << u"DROP TABLE envios"_s
+            << u"el fichero no es una base de datos de Quelmo Mensajes SMS"_s;
+    }
+    void escrituraRechazadaDiceSuCausa() {
+        QFETCH(QString, sql);
+        QFETCH(QString, causa);
+        bd().exec(sql);
+        const bool importada = msImportarLinea(7, u"600123456"_s, u"Hola"_s, -1, false, false);
+        bd().exec(u"PRAGMA query_only = 0"_s);
+        QVERIFY(!importada);
+        const QStringList log = import_prueba::registro();
+        QCOMPARE(log.value(log.size() - 2),
+                 u"Mensaje NO Importado para el Destino : 0034600123456, Texto: Hola"_s);
+        QCOMPARE(log.last(), u"No se pudo escribir en la base de datos: "_s + causa);
+    }
+
     void sinCuentaPrincipal() {
         bd().exec(u"UPDATE Canales SET Principal=0"_s);
         QVERIFY(importar("600123456;Hola\n"));
