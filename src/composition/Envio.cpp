@@ -7,6 +7,7 @@
 #include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
+#include "delivery/Lote.h"
 
 #include <QHash>
 
@@ -102,7 +103,10 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
             continue;
         }
         elemento = normalizarNumeroEnvio(elemento);
-        if (elemento.startsWith(u"0034"_s) && elemento.size() != 13) {
+        // Only what the batch sender will send goes in: a row it refuses
+        // would wait in the outbox for ever.
+        if ((elemento.startsWith(u"0034"_s) && elemento.size() != 13) ||
+            Lote::normalizarDestino(elemento).isEmpty()) {
             msLog(u"Número no válido --> "_s + elemento);
             rechazar(elemento);
             continue;

@@ -107,6 +107,12 @@ class TestEnvio : public QObject {
         QTest::newRow("grouped number is a number")
             << u"600.123.456"_s << false << QStringList{} << u"0034600.123.456"_s
             << QStringList{u"Número no válido --> 0034600.123.456"_s};
+        // Thirteen characters with dots: the sender would refuse it at every
+        // run, so the outbox never takes it.
+        QTest::newRow("dotted number of a Spanish length")
+            << u"6.290.000;0044.123"_s << false << QStringList{} << u"00346.290.000;0044.123"_s
+            << QStringList{u"Número no válido --> 00346.290.000"_s,
+                           u"Número no válido --> 0044.123"_s};
         QTest::newRow("code that is not a number")
             << u"raro;ana"_s << false << QStringList{ana} << u"ABC"_s
             << QStringList{noEncontrado + u"ABC"_s};
