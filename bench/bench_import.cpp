@@ -1,7 +1,8 @@
 // Imports a watched file of 100,000 mixed lines through the driver, as
 // headless mode does (every log line kept and echoed), and prints its rate
 // beside the rate of the bare inserts of the same rows in one transaction,
-// and the peak memory for files of 100,000 and 300,000 lines.
+// and the peak memory for files of 100,000, 300,000 and 1,000,000 lines and
+// for a file whose first line is 1 GB long.
 #include "TestSupport.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
@@ -59,6 +60,26 @@ long kbPico() {
     return -1;
 }
 
+// The peak from here on: the kernel forgets the process's earlier one.
+void reiniciarPico() {
+    QFile f(u"/proc/self/clear_refs"_s);
+    if (f.open(QIODevice::WriteOnly)) f.write("5");
+}
+
+// A watched file of one line of `bytes` bytes and one good line after it.
+void importarLineaLarga(const QString& ruta, qint64 bytes) {
+    QFile f(ruta);
+    if (!f.open(QIODevice::WriteOnly)) return;
+    const QByteArray trozo(1 << 20, 'x');
+    for (qint64 escrito = 0; escrito < bytes; escrito += trozo.size()) f.write(trozo);
+    f.write("\n7;600123456;tras la linea larga\n");
+    f.close();
+    struct utimbuf t {};
+    t.actime = t.modtime = ::time(nullptr) - 60;
+    ::utime(QFile::encodeName(ruta).constData(), &t);
+    msImportarFichero(ruta, false, true, u"-1"_s, false);
+}
+
 double importar(const QString& ruta, int n, int* buenas, bool todasBuenas) {
     QFile f(ruta);
     if (!f.open(QIODevice::WriteOnly)) return 0;
@@ -110,6 +131,17 @@ int main(int argc, char** argv) {
     importar(ruta, 300000, &buenas, true);
     const long tras300 = kbPico();
     db.exec(u"DELETE FROM envios"_s);
+    // Memory follows the longest line allowed, never the file.
+    reiniciarPico();
+    importar(ruta, 1000000, &buenas, true);
+    const QString cierreMillon = cierre();
+    const long picoMillon = kbPico();
+    db.exec(u"DELETE FROM envios"_s);
+    reiniciarPico();
+    importarLineaLarga(ruta, qint64(1) << 30);
+    const QString cierreGigante = cierre();
+    const long picoGigante = kbPico();
+    db.exec(u"DELETE FROM envios"_s);
     recortar = false;
     log.clear();
 
@@ -148,7 +180,13 @@ int main(int argc, char** argv) {
         inicio, tras100, tras300);
     std::printf("peak RSS after the mixed file with its %d log lines kept: %ld kB\n", lineasLog,
                 conLog);
+    std::printf("peak RSS of 1000000 good lines: %ld kB (%s)\n", picoMillon,
+                qPrintable(cierreMillon));
+    std::printf("peak RSS of a 1 GB line and a good one: %ld kB (%s)\n", picoGigante,
+                qPrintable(cierreGigante));
     const bool bien = cierreBuenas == u"Importados 100000 Mensajes de 100000"_s &&
+                      cierreMillon == u"Importados 1000000 Mensajes de 1000000"_s &&
+                      cierreGigante == u"Importados 1 Mensajes de 2"_s &&
                       cierreMixto == u"Importados %1 Mensajes de %2"_s.arg(buenas).arg(kLineas);
     return bien ? 0 : 1;
 }

@@ -276,6 +276,11 @@ int16_t resolverLista(QString& lista, bool addContactos,
     return codigo;
 }
 
+// The longest line read: far above any message or contact record (a text
+// of a few thousand characters), so a file of one endless line costs a
+// bounded amount of memory and is refused as one bad line.
+constexpr qint64 kLargoMaximoLinea = 4 * 1024 * 1024;
+
 // A text file read line by line in its own encoding: UTF-8 when the whole
 // file is valid UTF-8 (a byte-order mark is dropped), else Windows-1252.
 class LectorLineas {
@@ -298,18 +303,31 @@ class LectorLineas {
         return true;
     }
 
+    // The next line, read up to the limit: memory follows the limit, never
+    // the file. A longer line is passed over to its end and comes back
+    // empty with larga() true.
     bool siguiente(QString& linea) {
+        m_larga = false;
         if (m_f.atEnd()) return false;
-        QByteArray b = m_f.readLine();
+        QByteArray b = m_f.readLine(kLargoMaximoLinea + 2);
+        if (!b.endsWith('\n') && b.size() > kLargoMaximoLinea) {
+            m_larga = true;
+            while (!m_f.atEnd() && !m_f.readLine(1 << 16).endsWith('\n')) {
+            }
+            linea.clear();
+            return true;
+        }
         if (b.endsWith('\n')) b.chop(1);
         if (b.endsWith('\r')) b.chop(1);
         linea = m_dec(b);
         return true;
     }
+    bool larga() const { return m_larga; }
 
   private:
     QFile m_f;
     QStringDecoder m_dec;
+    bool m_larga = false;
 };
 
 // At most three fields: a text to send may hold semicolons.
@@ -407,6 +425,15 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
                             break;
                         }
                         ++p.lineas;
+                        if (lector.larga()) {
+                            registrar(
+                                u"La línea %1 tiene más de %2 MB: no se importa"_s.arg(p.lineas)
+                                    .arg(kLargoMaximoLinea / (1024 * 1024)));
+                            ultima = false;
+                            alguna = true;
+                            ++p.vistas;
+                            continue;
+                        }
                         if (linea.isEmpty()) continue;
                         const Linea r =
                             importarTexto(linea, principal, listaCodigo, contactos, addContactos);

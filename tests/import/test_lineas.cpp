@@ -119,6 +119,17 @@ class TestLineas : public QObject {
         QCOMPARE(log.last(), u"No se pudo escribir en la base de datos: "_s + causa);
     }
 
+    // A line past the limit is one bad line with its number, read in
+    // bounded memory; the lines after it are imported.
+    void lineaDemasiadoLarga() {
+        QVERIFY(importar(QByteArray(5 * 1024 * 1024, 'x') + "\n7;600123456;Hola\n"));
+        const QStringList log = import_prueba::registro();
+        QVERIFY(log.contains(u"La línea 1 tiene más de 4 MB: no se importa"_s));
+        QCOMPARE(log.last(), u"Importados 1 Mensajes de 2"_s);
+        QCOMPARE(filas(u"SELECT Canal,Abonado,Mensaje FROM envios"_s),
+                 QStringList{u"7|0034600123456|Hola"_s});
+    }
+
     void sinCuentaPrincipal() {
         bd().exec(u"UPDATE Canales SET Principal=0"_s);
         QVERIFY(importar("600123456;Hola\n"));
