@@ -309,11 +309,21 @@ class LectorLineas {
     bool siguiente(QString& linea) {
         m_larga = false;
         if (m_f.atEnd()) return false;
-        QByteArray b = m_f.readLine(kLargoMaximoLinea + 2);
-        if (!b.endsWith('\n') && b.size() > kLargoMaximoLinea) {
-            m_larga = true;
-            while (!m_f.atEnd() && !m_f.readLine(1 << 16).endsWith('\n')) {
+        // Through one reused buffer: a line costs its own length, never
+        // the limit's.
+        if (m_trozo.isEmpty()) m_trozo.resize(1 << 16);
+        QByteArray b;
+        for (;;) {
+            const qint64 n = m_f.readLine(m_trozo.data(), m_trozo.size());
+            if (n <= 0) break;
+            if (!m_larga) b.append(m_trozo.constData(), n);
+            if (m_trozo.at(n - 1) == '\n') break;
+            if (b.size() > kLargoMaximoLinea) {
+                m_larga = true;
+                b.clear();
             }
+        }
+        if (m_larga) {
             linea.clear();
             return true;
         }
@@ -327,6 +337,7 @@ class LectorLineas {
   private:
     QFile m_f;
     QStringDecoder m_dec;
+    QByteArray m_trozo;
     bool m_larga = false;
 };
 
