@@ -118,5 +118,6 @@ QString textoUso() {
            u"Códigos de salida: 0 bien; 1 el mensaje o alguna línea no se ha importado;\n"
            u"2 orden mal escrita; 3 sin base de datos utilizable; 4 (--once) el ciclo no\n"
            u"pudo entregar lo que esperaba en la bandeja de salida (plataforma\n"
-           u"inalcanzable, cuenta rechazada, fallo del proxy o del certificado).\n"_s;
+           u"inalcanzable, cuenta rechazada, fallo del proxy o del certificado); 5 (--once)\n"
+           u"no se pudo importar el fichero vigilado.\n"_s;
 }

@@ -36,3 +36,6 @@ inline constexpr int kSalidaUso = 2;
 // reached or refusing the account, a proxy or certificate failure); the
 // messages wait in the outbox. 3 is kSalidaSinBaseDatos.
 inline constexpr int kSalidaSinEntregar = 4;
+// --once: the watched file could not be imported (its line in the log says
+// why, and where it was set aside).
+inline constexpr int kSalidaSinImportar = 5;

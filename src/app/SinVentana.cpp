@@ -148,6 +148,8 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
             codigo = kSalidaSinBaseDatos;
         else if (msLotesSinEntregar() > 0)
             codigo = kSalidaSinEntregar;
+        else if (msImportacionFallida())
+            codigo = kSalidaSinImportar;
     }
     Conexion().close();
     anunciar(u"Transmisor sin ventana detenido"_s);

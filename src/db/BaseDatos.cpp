@@ -11,6 +11,8 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -85,11 +87,83 @@ BaseDatos::~BaseDatos() {
     close();
 }
 
+namespace {
+
+// The engine's refusals that the user can act on, said in Spanish.
+// `sistema` is the system's error behind it: a write the disk refused is
+// reported by the engine as a mere I/O error.
+QString causaDe(int codigo, const QString& msg, int sistema) {
+    if ((codigo & 0xff) == SQLITE_IOERR || (codigo & 0xff) == SQLITE_CANTOPEN) {
+        if (sistema == ENOSPC || sistema == EDQUOT) return u"el disco está lleno"_s;
+        if (sistema == EROFS) return u"el disco es de solo lectura"_s;
+        if (sistema == EACCES || sistema == EPERM)
+            return u"no hay permiso para escribir el fichero de la base de datos"_s;
+    }
+    switch (codigo & 0xff) {
+        case SQLITE_READONLY:
+            return u"el fichero de la base de datos es de solo lectura"_s;
+        case SQLITE_FULL:
+            return u"el disco está lleno"_s;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return u"la base de datos está bloqueada por otro programa"_s;
+        case SQLITE_NOTADB:
+        case SQLITE_CORRUPT:
+            return u"el fichero no es una base de datos válida"_s;
+        case SQLITE_IOERR:
+            return u"error de lectura o escritura en el disco"_s;
+        case SQLITE_CANTOPEN:
+        case SQLITE_PERM:
+            return u"no se puede abrir el fichero de la base de datos"_s;
+        default:
+            if (msg.startsWith(u"no such table"_s))
+                return u"el fichero no es una base de datos de Quelmo Mensajes SMS"_s;
+            return {};
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// Why a file is no database of ours, judged through a read-only connection
+// before anything writes it: a file we refuse stays byte for byte as it was
+// (no journal mode switched, no change counter bumped). Empty when it is
+// ours, or when it can't be read now (busy): the open that follows says so.
+QString motivoAjena(const QString& path) {
+    sqlite3* db = nullptr;
+    const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    const auto cerrar = qScopeGuard([db] { sqlite3_close(db); });
+    if (rc != SQLITE_OK) return {};
+    sqlite3_extended_result_codes(db, 1);
+    sqlite3_stmt* stmt = nullptr;
+    // Every release of the program had these two.
+    int r = sqlite3_prepare_v2(db,
+                               "SELECT count(*) FROM sqlite_master WHERE type='table' AND "
+                               "lower(name) IN ('canales','envios')",
+                               -1, &stmt, nullptr);
+    int tablas = -1;
+    if (r == SQLITE_OK && (r = sqlite3_step(stmt)) == SQLITE_ROW)
+        tablas = sqlite3_column_int(stmt, 0);
+    sqlite3_finalize(stmt);
+    if ((r & 0xff) == SQLITE_NOTADB)
+        return u"El fichero "_s + path + u" no es una base de datos SQLite"_s;
+    if (tablas < 0 || tablas == 2) return {};
+    return u"El fichero "_s + path +
+           u" no es una base de datos de Quelmo Mensajes SMS (no tiene sus tablas); no se "
+           u"modifica"_s;
+}
+
+}  // namespace
+
 bool BaseDatos::open(const QString& path, QString* error) {
-    if (!QFileInfo(path).isFile()) {
+    const QString rechazo =
+        QFileInfo(path).isFile() ? motivoAjena(path) : u"No existe el fichero: "_s + path;
+    if (!rechazo.isEmpty()) {
         close();
         m_busy = false;
-        if (error) *error = u"No existe el fichero: "_s + path;
+        m_motivo = rechazo;
+        if (error) *error = rechazo;
         return false;
     }
     return openWith(path, SQLITE_OPEN_READWRITE, error);
@@ -113,10 +187,14 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     sqlite3* db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
-        if (error) *error = QString::fromUtf8(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+        const QString msg = QString::fromUtf8(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+        if (error) *error = msg;
+        const QString causa = causaDe(rc, msg, db ? sqlite3_system_errno(db) : 0);
+        m_motivo = path + u": "_s + (causa.isEmpty() ? msg : causa);
         sqlite3_close(db);
         return false;
     }
+    m_motivo.clear();
     m_db = db;
     m_path = path;
     m_perdida = false;
@@ -141,6 +219,7 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         msQuitarIntercalaciones(*this);
     } catch (const ErrorBD& e) {
         if (error) *error = e.description();
+        m_motivo = path + u": "_s + (e.causa().isEmpty() ? e.description() : e.causa());
         const int codigo = sqlite3_errcode(m_db) & 0xff;
         m_busy = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
         close();
@@ -168,40 +247,12 @@ void BaseDatos::close() {
     m_path.clear();
 }
 
-namespace {
-
-// The engine's refusals that the user can act on, said in Spanish.
-QString causaDe(int codigo, const QString& msg) {
-    switch (codigo & 0xff) {
-        case SQLITE_READONLY:
-            return u"el fichero de la base de datos es de solo lectura"_s;
-        case SQLITE_FULL:
-            return u"el disco está lleno"_s;
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            return u"la base de datos está bloqueada por otro programa"_s;
-        case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
-            return u"el fichero no es una base de datos válida"_s;
-        case SQLITE_IOERR:
-            return u"error de lectura o escritura en el disco"_s;
-        case SQLITE_CANTOPEN:
-        case SQLITE_PERM:
-            return u"no se puede abrir el fichero de la base de datos"_s;
-        default:
-            if (msg.startsWith(u"no such table"_s))
-                return u"el fichero no es una base de datos de Quelmo Mensajes SMS"_s;
-            return {};
-    }
-}
-
-}  // namespace
-
 void BaseDatos::fail(const QString& sql) {
     const QString msg = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : u"Base de datos cerrada"_s;
     const int num = msg.contains(u"no such column"_s) ? ErrNum::ItemNotFound : ErrNum::BaseDatos;
     throw ErrorBD(msg + u" [" + sql.left(200) + u']', num,
-                  m_db ? causaDe(sqlite3_extended_errcode(m_db), msg) : QString());
+                  m_db ? causaDe(sqlite3_extended_errcode(m_db), msg, sqlite3_system_errno(m_db))
+                       : QString());
 }
 
 sqlite3_stmt* BaseDatos::prepare(const QString& sql) {

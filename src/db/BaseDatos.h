@@ -26,6 +26,13 @@ class ErrorBD : public ErrorQuelmo {
     QString m_causa;
 };
 
+// Why a routine failed, in the user's words when the engine gave them, else
+// its description.
+inline QString causaDeError(const ErrorQuelmo& e) {
+    const auto* bd = dynamic_cast<const ErrorBD*>(&e);
+    return bd && !bd->causa().isEmpty() ? bd->causa() : e.description();
+}
+
 // The rows of a query, fetched at once, so their count is known at once and
 // no read lock outlives the call.
 class ResultadoConsulta {
@@ -67,6 +74,9 @@ class BaseDatos {
     // The last open failed because another connection (another process)
     // held the file locked past the wait: the file is busy, not broken.
     bool openWasBusy() const { return m_busy; }
+    // Why the last open failed, in one Spanish line that names the file;
+    // empty after an open that succeeded.
+    const QString& motivoFallo() const { return m_motivo; }
     bool isOpen() const { return m_db != nullptr; }
     // How long a statement waits for a lock another connection holds
     // before it fails as busy (5 s from the open on).
@@ -141,6 +151,7 @@ class BaseDatos {
     bool m_avisar = false;
     QString m_exterior;  // the savepoint whose release commits
     bool m_busy = false;
+    QString m_motivo;
     int m_espera = 5000;
     QHash<QString, sqlite3_stmt*> m_cache;
 };

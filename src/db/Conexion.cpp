@@ -108,10 +108,13 @@ void msBaseNoValida() {
 }
 
 void msMostrarSeleccionBD() {
+    // Without a window, why the last file could not be used is all there is.
+    const QString motivo = Conexion().motivoFallo();
     Pantallas::abrirOAvisar(u"frmSelectDB"_s,
                             u"[pantalla] No hay una base de datos utilizable (BD/Path: \""_s +
-                                Ajustes::getSetting(u"BD"_s, u"Path"_s) +
-                                u"\"). Sin ventana no se puede mostrar la selección de base de "
+                                Ajustes::getSetting(u"BD"_s, u"Path"_s) + u"\")"_s +
+                                (motivo.isEmpty() ? QString() : u": "_s + motivo) +
+                                u". Sin ventana no se puede mostrar la selección de base de "
                                 u"datos."_s);
 }
 

@@ -31,6 +31,8 @@ namespace {
 
 // Batches of this run that could not be delivered.
 int g_lotesSinEntregar = 0;
+// The watched file failed in this run.
+bool g_importacionFallida = false;
 // Why the last balance query failed.
 QString g_causaFallo;
 
@@ -62,10 +64,15 @@ void importarFicheroVigilado(EstadoAplicacion& g) {
     const bool addContactos =
         aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
     // The flag goes up whether or not the file held anything.
-    if (ruta.size() > 3) {
-        msImportarFichero(ruta, false, true, lista, addContactos);
-        g.gbImportado = true;
+    if (ruta.size() <= 3) return;
+    // Whatever the file does, the outbox goes out after it.
+    try {
+        g_importacionFallida = msImportarFichero(ruta, false, true, lista, addContactos).fallido;
+    } catch (const std::exception& e) {
+        msLog(u"Error importando fichero "_s + ruta + u" :: " + QString::fromLocal8Bit(e.what()));
+        g_importacionFallida = true;
     }
+    g.gbImportado = true;
 }
 
 // The accounts with rows in the outbox, ascending by code; rows under a
@@ -97,6 +104,7 @@ QCoro::Task<bool> SendMessage() {
     try {
         if (!Interruptor::instancia().paraEnvio()) co_return false;
         g_lotesSinEntregar = 0;
+        g_importacionFallida = false;
         g.gsVersionPlataforma.clear();
         g.log.clear();
         g.gbEnviando = true;
@@ -457,6 +465,10 @@ QCoro::Task<int> msEnviarLote(int16_t canal, bool importado, MedidaLote* medidaL
         ++g_lotesSinEntregar;
         msLog(u"Se ha producido un error en el proceso de envio, Cod: "_s +
               QString::number(e.number()) + u", Descripcion: "_s + e.description());
+        // The engine's words are English; the user can act on these.
+        if (const auto* bd = dynamic_cast<const ErrorBD*>(&e); bd && !bd->causa().isEmpty())
+            msLog(u"No se pudo escribir en la base de datos: "_s + bd->causa() +
+                  u". Los mensajes siguen en la bandeja de salida"_s);
         co_return 0;
     }
     co_return entregadas;
@@ -526,6 +538,10 @@ QString msCausaFallo() {
 
 int msLotesSinEntregar() {
     return g_lotesSinEntregar;
+}
+
+bool msImportacionFallida() {
+    return g_importacionFallida;
 }
 
 QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion) {

@@ -68,3 +68,6 @@ QString msCausaFallo();
 // reply, a refusal of the account, a proxy or certificate failure, an
 // error in the run. Their rows wait in the outbox.
 int msLotesSinEntregar();
+// The last run could not import the watched file: it was refused, set
+// aside as unreadable, or its import stopped on a database failure.
+bool msImportacionFallida();

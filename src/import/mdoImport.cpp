@@ -115,12 +115,6 @@ bool insertarContacto(const QString& cuenta, const QString& numero, const QStrin
 
 enum class Linea { Bien, Mal, Abandonada };
 
-// Why a write was refused, in the user's words when the engine gave one.
-QString causaEscritura(const ErrorQuelmo& e) {
-    const auto* bd = dynamic_cast<const ErrorBD*>(&e);
-    return bd && !bd->causa().isEmpty() ? bd->causa() : e.description();
-}
-
 Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
                     const QString& textoCampo, int16_t lista, bool contactos, bool addContactos) {
     const QString cuenta = cuentaCampo.trimmed();
@@ -174,7 +168,7 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
             resultado = Linea::Bien;
         } catch (const ErrorQuelmo& e) {
             registrar(u"Mensaje NO Importado para el Destino : "_s + numero + u", Texto: " + texto);
-            registrar(u"No se pudo escribir en la base de datos: "_s + causaEscritura(e));
+            registrar(u"No se pudo escribir en la base de datos: "_s + causaDeError(e));
             resultado = Linea::Mal;
         }
     }
@@ -287,10 +281,20 @@ class LectorLineas {
   public:
     bool abrir(const QString& path) {
         m_f.setFileName(path);
-        if (!m_f.open(QIODevice::ReadOnly)) return false;
+        if (!m_f.open(QIODevice::ReadOnly)) {
+            m_error = m_f.errorString();
+            return false;
+        }
         QStringDecoder prueba(QStringDecoder::Utf8);
         while (!m_f.atEnd() && !prueba.hasError()) {
-            const QString trozo = prueba(m_f.read(1 << 16));
+            const QByteArray b = m_f.read(1 << 16);
+            // A disk that fails under the file: reading on would loop.
+            if (b.isEmpty()) {
+                if (m_f.error() == QFileDevice::NoError) break;
+                m_error = m_f.errorString();
+                return false;
+            }
+            const QString trozo = prueba(b);
             (void)trozo;
         }
         // A file cut in the middle of its last character isn't UTF-8
@@ -308,14 +312,18 @@ class LectorLineas {
     // empty with larga() true.
     bool siguiente(QString& linea) {
         m_larga = false;
-        if (m_f.atEnd()) return false;
+        if (m_f.atEnd() || !m_error.isEmpty()) return false;
         // Through one reused buffer: a line costs its own length, never
         // the limit's.
         if (m_trozo.isEmpty()) m_trozo.resize(1 << 16);
         QByteArray b;
         for (;;) {
             const qint64 n = m_f.readLine(m_trozo.data(), m_trozo.size());
-            if (n <= 0) break;
+            if (n <= 0) {
+                if (m_f.error() == QFileDevice::NoError) break;
+                m_error = m_f.errorString();
+                return false;
+            }
             if (!m_larga) b.append(m_trozo.constData(), n);
             if (m_trozo.at(n - 1) == '\n') break;
             if (b.size() > kLargoMaximoLinea) {
@@ -333,12 +341,15 @@ class LectorLineas {
         return true;
     }
     bool larga() const { return m_larga; }
+    // Why the file could not be opened or read to its end; empty when it was.
+    const QString& error() const { return m_error; }
 
   private:
     QFile m_f;
     QStringDecoder m_dec;
     QByteArray m_trozo;
     bool m_larga = false;
+    QString m_error;
 };
 
 // At most three fields: a text to send may hold semicolons.
@@ -379,9 +390,27 @@ struct Progreso {
     qint64 lineas = 0;  // lines of the file done, empty ones included
     qint64 vistas = 0;
     qint64 correctas = 0;
+    // Why the file could not be opened or read on (NoAbierto, Ilegible),
+    // and at which line it failed.
+    QString causa;
+    qint64 lineaFallo = 0;
 };
 
-enum class Final { NoAbierto, SinLineas, Completa, Interrumpida };
+// Interrumpida: the database refused a write, the claim waits for a later
+// cycle. Ilegible: the file itself fails (a read error, a failure that
+// isn't the database's), and reading it again would fail again.
+enum class Final { NoAbierto, SinLineas, Completa, Interrumpida, Ilegible };
+
+// The line that says why a file was not imported, and from which line on.
+QString textoNoImportado(const QString& fichero, const Progreso& p, Final f) {
+    QString texto = u"No se pudo importar el fichero "_s + fichero;
+    if (f == Final::Ilegible) texto += u" en la línea "_s + QString::number(p.lineaFallo);
+    texto += u": "_s + p.causa;
+    if (p.lineas == 1) texto += u" (la línea 1 ya se procesó)"_s;
+    if (p.lineas > 1)
+        texto += u" (las líneas 1 a "_s + QString::number(p.lineas) + u" ya se procesaron)"_s;
+    return texto;
+}
 
 struct Ganchos {
     std::function<void(int16_t)> alResolverLista;
@@ -400,6 +429,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
     LectorLineas lector;
     if (!lector.abrir(path)) {
         msLog(u"Error Abriendo fichero : "_s + path);
+        p.causa = lector.error();
         return Final::NoAbierto;
     }
     BaseDatos& bd = Conexion();
@@ -421,6 +451,7 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             if (bd.path() != baseDatos)
                 throw ErrorBD(u"La base de datos cambió durante la importación"_s);
             Tramo tramo;
+            const Progreso hecho = p;
             bd.begin();
             QElapsedTimer reloj;
             reloj.start();
@@ -456,10 +487,16 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
                         if (ultima) ++p.correctas;
                         punto("linea");
                     }
-                    if (g.alCerrarTramo) g.alCerrarTramo(p, !mas && alguna);
+                    // A read error ends the lines too, but the file is not done.
+                    if (g.alCerrarTramo)
+                        g.alCerrarTramo(p, !mas && alguna && lector.error().isEmpty());
                     bd.commit();
-                } catch (const ErrorQuelmo&) {
+                } catch (...) {
+                    // What the stretch read is undone with its rows.
                     bd.rollback();
+                    const qint64 linea = p.lineas;
+                    p = hecho;
+                    p.lineaFallo = linea;
                     throw;
                 }
             }
@@ -469,6 +506,17 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
         return Final::Interrumpida;
+    } catch (const std::bad_alloc&) {
+        p.causa = u"no hay memoria suficiente"_s;
+        return Final::Ilegible;
+    } catch (const std::exception& e) {
+        p.causa = u"error inesperado ("_s + QString::fromLocal8Bit(e.what()) + u')';
+        return Final::Ilegible;
+    }
+    if (!lector.error().isEmpty()) {
+        p.causa = lector.error();
+        p.lineaFallo = p.lineas + 1;
+        return Final::Ilegible;
     }
     msLog(u"Importados "_s + QString::number(p.correctas) + u' ' + clase(contactos) + u" de " +
           QString::number(p.vistas));
@@ -529,18 +577,34 @@ void devolver(const Reclamo& r) {
     if (!renombrarSinPisar(r.fichero, r.origen)) QFile::remove(r.fichero);
 }
 
-// True when the file was read to its end.
-bool importarReclamo(Reclamo& r) {
+// A file that fails on its own (not the database) would fail every cycle:
+// it is set aside beside itself, under a name that no cycle reads, and the
+// outbox goes on moving.
+void apartar(const Reclamo& r, Final f) {
+    const QString base =
+        r.origen + u".no-importado-"_s + Reloj::now().toString(u"yyyyMMdd-HHmmss"_s);
+    QString destino = base;
+    bool hecho = renombrarSinPisar(r.fichero, destino);
+    for (int n = 2; !hecho && errno == EEXIST && n < 100; ++n)
+        hecho = renombrarSinPisar(r.fichero, destino = base + u'-' + QString::number(n));
+    // Otherwise it stays under its claimed name: hidden, and read by no cycle.
+    if (!hecho) destino = r.fichero;
+    olvidar(r);
+    msLog(textoNoImportado(r.origen, r.p, f) + u". Se ha apartado como "_s + destino +
+          u" y no se volverá a leer"_s);
+}
+
+ResumenImportacion importarReclamo(Reclamo& r) {
     if (r.terminado) {
         QFile::remove(r.fichero);
         punto("borrado");
         olvidar(r);
-        return true;
+        return {true, r.p.vistas, r.p.correctas};
     }
     if (!QFileInfo::exists(r.fichero)) {
         // Never renamed, or already given back: nothing of it was imported.
         olvidar(r);
-        return false;
+        return {};
     }
     Ganchos g;
     g.alResolverLista = [&r](int16_t codigo) {
@@ -553,29 +617,34 @@ bool importarReclamo(Reclamo& r) {
             u"WHERE Fichero=?"_s,
             {p.lineas, p.vistas, p.correctas, terminado ? 1 : 0, r.fichero});
     };
-    switch (leerFichero(r.fichero, r.contactos, r.lista, r.listaCodigo, r.addContactos, r.p, g)) {
+    const Final f =
+        leerFichero(r.fichero, r.contactos, r.lista, r.listaCodigo, r.addContactos, r.p, g);
+    switch (f) {
         case Final::Completa:
             punto("terminado");
             QFile::remove(r.fichero);
             punto("borrado");
             olvidar(r);
-            return true;
+            return {true, r.p.vistas, r.p.correctas};
         case Final::SinLineas:
             devolver(r);
             olvidar(r);
-            return true;
+            return {true, 0, 0};
         case Final::NoAbierto:
-            devolver(r);
-            olvidar(r);
-            return false;
+        case Final::Ilegible:
+            apartar(r, f);
+            return {false, r.p.vistas, r.p.correctas, true};
         case Final::Interrumpida:
             // The claim stays; the next cycle goes on from its last commit.
-            return false;
+            return {false, r.p.vistas, r.p.correctas, true};
     }
-    return false;
+    return {};
 }
 
-void reanudarReclamos() {
+// True when every claim left by an earlier cycle got somewhere: read to its
+// end, or set aside.
+bool reanudarReclamos() {
+    bool bien = true;
     const ResultadoConsulta q = Conexion().query(
         u"SELECT Fichero,Origen,Contactos,Lista,AddContactos,ListaCodigo,Lineas,Vistas,"
         u"Correctas,Terminado FROM ImportReclamado ORDER BY Fichero"_s);
@@ -594,8 +663,9 @@ void reanudarReclamos() {
         if (!r.terminado && QFileInfo::exists(r.fichero))
             msLog(u"Reanudando la importación del fichero "_s + r.origen + u" en la línea " +
                   QString::number(r.p.lineas + 1));
-        importarReclamo(r);
+        if (importarReclamo(r).fallido) bien = false;
     }
+    return bien;
 }
 
 // A file still being written is left for a later cycle: its writer holds
@@ -614,20 +684,23 @@ QString nombreReclamo(const QString& path) {
 
 ResumenImportacion importarVigilado(const QString& path, bool contactos, const QString& lista,
                                     bool addContactos) {
+    bool reanudados = true;
     try {
         asegurarTabla();
-        reanudarReclamos();
+        reanudados = reanudarReclamos();
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
-        return {};
+        return {false, 0, 0, true};
     }
+    // Nothing to read is no failure, unless an earlier claim failed now.
+    const ResumenImportacion nada{false, 0, 0, !reanudados};
     if (!QFileInfo(path).isFile()) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
-        return {};
+        return nada;
     }
     if (enEscritura(path)) {
         msLog(u"El fichero "_s + path + u" se está escribiendo; se importará en el próximo ciclo");
-        return {};
+        return nada;
     }
     Reclamo r;
     r.fichero = nombreReclamo(path);
@@ -644,16 +717,17 @@ ResumenImportacion importarVigilado(const QString& path, bool contactos, const Q
         if (!renombrarSinPisar(path, r.fichero)) {
             msLog(u"Error copiando fichero "_s + path + u" :: " + errorDeSistema());
             olvidar(r);
-            return {};
+            return {false, 0, 0, true};
         }
         punto("reclamado");
         msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
-        const bool leido = importarReclamo(r);
-        return {leido, r.p.vistas, r.p.correctas};
+        ResumenImportacion resumen = importarReclamo(r);
+        resumen.fallido = resumen.fallido || !reanudados;
+        return resumen;
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
     }
-    return {};
+    return {false, 0, 0, true};
 }
 
 bool g_enCurso = false;
@@ -712,14 +786,14 @@ ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool b
     if (const QString que = queNoEsFichero(path); !que.isEmpty()) {
         msLog(u"El fichero "_s + path + u" no es un fichero normal sino "_s + que +
               u"; no se importa"_s);
-        return {};
+        return {false, 0, 0, true};
     }
     // Read, copied or claimed by this process, the database would lose the
     // engine's locks (and a claim would take it away from the program).
     if (Conexion().esArchivoPropio(path)) {
         msLog(u"El fichero "_s + path +
               u" es la base de datos de la aplicación o uno de sus ficheros; no se importa"_s);
-        return {};
+        return {false, 0, 0, true};
     }
     // The import yields between its stretches; a second import started
     // from there (a menu, a forced run) would read the same claims.
@@ -745,14 +819,16 @@ ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool b
     QFile origen(path);
     if (!origen.copy(copia)) {
         msLog(u"Error copiando fichero "_s + path + u" :: " + origen.errorString());
-        return {};
+        return {false, 0, 0, true};
     }
     msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
     QString listaTexto = lista;
     Progreso p;
     const Final f = leerFichero(copia, contactos, listaTexto, std::nullopt, addContactos, p, {});
     QFile::remove(copia);
-    return {f == Final::Completa || f == Final::SinLineas, p.vistas, p.correctas};
+    if (f == Final::Ilegible || f == Final::NoAbierto) msLog(textoNoImportado(path, p, f));
+    const bool leido = f == Final::Completa || f == Final::SinLineas;
+    return {leido, p.vistas, p.correctas, !leido};
 }
 
 bool msImportarManual() {

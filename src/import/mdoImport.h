@@ -30,11 +30,14 @@ int16_t msCrearListaImportada(QString& nombre);
 QString aliasConSufijo(const QString& alias);
 
 // What an import came to: whether the file was read to its end, how many
-// non-empty lines it held and how many of them were imported.
+// non-empty lines it held and how many of them were imported, and whether
+// it failed (refused, unreadable and set aside, or stopped by the database).
+// A watched file that is not there or still being written did not fail.
 struct ResumenImportacion {
     bool leido = false;
     qint64 vistas = 0;
     qint64 correctas = 0;
+    bool fallido = false;
 };
 
 // Imports `path`. `borrar` marks the watched file: it is claimed, imported

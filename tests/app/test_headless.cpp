@@ -4,9 +4,9 @@
 #include "TestSupport.h"
 #include "app/Instancia.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "db/BaseDatos.h"
 
+#include <sqlite3.h>
 #include <QProcess>
 #include <csignal>
 
@@ -75,18 +75,60 @@ class TestHeadless : public QObject {
         QVERIFY2(r.out.endsWith(u" - Transmisor sin ventana detenido\n"_s), qPrintable(r.out));
     }
 
+    // Something that is no database of ours, at the default place (first
+    // run) or as the saved choice: refused without a byte of it changing.
+    void noUsableDatabaseExitsNonZero_data() {
+        QTest::addColumn<QByteArray>("sql");  // empty: the bytes below are written instead
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("guardada");
+        const QByteArray otroPrograma =
+            "CREATE TABLE clientes (id INTEGER PRIMARY KEY, nombre TEXT);"
+            "INSERT INTO clientes (nombre) VALUES ('Ana');";
+        for (const bool guardada : {false, true}) {
+            const char* donde = guardada ? "saved choice: " : "default place: ";
+            QTest::newRow(QByteArray(donde).append("text").constData())
+                << QByteArray() << QByteArray(8192, 'x') << guardada;
+            QTest::newRow(QByteArray(donde).append("empty file").constData())
+                << QByteArray() << QByteArray() << guardada;
+            QTest::newRow(QByteArray(donde).append("empty database").constData())
+                << QByteArray("PRAGMA user_version=7;") << QByteArray() << guardada;
+            QTest::newRow(QByteArray(donde).append("another program's database").constData())
+                << otroPrograma << QByteArray() << guardada;
+        }
+    }
     void noUsableDatabaseExitsNonZero() {
-        // The default place holds something that is no database, and no
-        // database was ever chosen: the selection screen would be needed.
+        QFETCH(QByteArray, sql);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, guardada);
         QDir().mkpath(world.appDir());
-        QFile f(base());
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(8192, 'x'));
+        const QString ajena = guardada ? world.root() + u"/ajena.db"_s : base();
+        QFile::remove(ajena);
+        if (sql.isEmpty()) {
+            QFile f(ajena);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write(bytes);
+        } else {
+            sqlite3* h = nullptr;
+            QCOMPARE(sqlite3_open(QFile::encodeName(ajena).constData(), &h), SQLITE_OK);
+            QCOMPARE(sqlite3_exec(h, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+            sqlite3_close(h);
+        }
+        QFile f(ajena);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray antes = f.readAll();
         f.close();
+        if (guardada) escribirIni("[BD]\nPath=" + ajena.toUtf8() + "\n");
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QVERIFY(r.finished);
-        QVERIFY(r.exitCode != 0);
-        QVERIFY2(r.err.contains(u"base de datos"_s), qPrintable(r.err));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), antes);
+        QVERIFY(!QFile::exists(ajena + u"-wal"_s));
+        if (!guardada) {
+            QCOMPARE(r.exitCode, 3);
+            QVERIFY2(r.err.contains(u"base de datos"_s), qPrintable(r.err));
+        }
+        QFile::remove(ajena);
+        QFile::remove(ini());
     }
 
     // A cron job or the user service learns from the exit code whether the
@@ -96,42 +138,44 @@ class TestHeadless : public QObject {
         QTest::addColumn<bool>("alcanzable");
         QTest::addColumn<int>("codigo");
         QTest::addColumn<QString>("linea");
-        QTest::newRow("nothing waiting") << QString() << true << 0 << QString();
+        QTest::addColumn<bool>("vigiladoRoto");  // the watched path is a folder
+        QTest::newRow("nothing waiting") << QString() << true << 0 << QString() << false;
         QTest::newRow("delivered")
-            << u"demo"_s << true << 0 << u"Envío simulado Para el ENVIO_SIMULADO"_s;
+            << u"demo"_s << true << 0 << u"Envío simulado Para el ENVIO_SIMULADO"_s << false;
         QTest::newRow("platform not reached")
-            << u"demo"_s << false << 4 << u"No se pudo conectar con la plataforma: "_s;
-        QTest::newRow("account refused") << u"mala"_s << true << 4 << u"Acceso Denegado, causa: "_s;
+            << u"demo"_s << false << 4 << u"No se pudo conectar con la plataforma: "_s << false;
+        QTest::newRow("account refused")
+            << u"mala"_s << true << 4 << u"Acceso Denegado, causa: "_s << false;
+        // The rows still go out, and the exit code tells of the file.
+        QTest::newRow("watched file refused, outbox delivered")
+            << u"demo"_s << true << 5 << u"Envío simulado Para el ENVIO_SIMULADO"_s << true;
     }
     void onceExitCodeSaysWhetherItDelivered() {
         QFETCH(QString, clave);
         QFETCH(bool, alcanzable);
         QFETCH(int, codigo);
         QFETCH(QString, linea);
+        QFETCH(bool, vigiladoRoto);
         SimuladorPrueba sim(world.root(),
                             u"[plataforma]\nversion=\n[cuenta1]\nusuario=demo\nclave=demo\n"_s);
         QVERIFY(sim.listo());
         QDir().mkpath(world.appDir());
-        TestDb::createCurrent(base());
-        {
-            BaseDatos db;
-            QVERIFY(db.open(base()));
-            if (!clave.isEmpty()) {
-                db.exec(
-                    u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,"
-                    u"Principal) VALUES (1,'Uno',160,80,?,'demo',?,1)"_s,
-                    {alcanzable ? sim.host() : u"http://127.0.0.1:1"_s,
-                     msCifrarClave(clave, true)});
-                db.exec(
-                    u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-                    u"VALUES ('2026-01-01 08:00:00',1,'0034111111111','hola',2)"_s);
-            }
-        }
-        escribirIni("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
+        if (clave.isEmpty())
+            TestDb::createCurrent(base());
+        else
+            TestDb::createWithRowWaiting(base(), alcanzable ? sim.host() : u"http://127.0.0.1:1"_s,
+                                         clave);
+        const QString vigilado = world.root() + u"/vigilado"_s;
+        QDir(vigilado).removeRecursively();
+        if (vigiladoRoto) QVERIFY(QDir().mkpath(vigilado));
+        escribirIni("[BD]\nPath=" + base().toUtf8() +
+                    "\n[Tr]\nActivo=1\n[ImportA]\nPath=" + vigilado.toUtf8() + "\n");
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QVERIFY(r.finished);
         QCOMPARE(r.exitCode, codigo);
         if (!linea.isEmpty()) QVERIFY2(r.out.contains(linea), qPrintable(r.out));
+        QCOMPARE(r.out.contains(u" no es un fichero normal sino una carpeta; no se importa"_s),
+                 vigiladoRoto);
     }
 
     // The database removed while a run waits for the platform: the results
@@ -143,18 +187,7 @@ class TestHeadless : public QObject {
                             u"usuario=demo\nclave=demo\n"_s);
         QVERIFY(sim.listo());
         QDir().mkpath(world.appDir());
-        TestDb::createCurrent(base());
-        {
-            BaseDatos db;
-            QVERIFY(db.open(base()));
-            db.exec(
-                u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,"
-                u"Principal) VALUES (1,'Uno',160,80,?,'demo',?,1)"_s,
-                {sim.host(), msCifrarClave(u"demo"_s, true)});
-            db.exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-                u"VALUES ('2026-01-01 08:00:00',1,'0034111111111','hola',2)"_s);
-        }
+        TestDb::createWithRowWaiting(base(), sim.host());
         escribirIni("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
         QProcess p;
         startProgram(world, p, {u"--headless"_s, u"--once"_s});

@@ -216,7 +216,9 @@ PRAGMA integrity_check;
                               "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n "
                               "WHERE i<300) INSERT INTO Abonados (Codigo, Alias) "
                               "SELECT i, substr('ÑñÁáZ', i%5+1, 1) || i FROM n;"
-                              "INSERT INTO Grupos VALUES (0,'Amigos');",
+                              "INSERT INTO Grupos VALUES (0,'Amigos');"
+                              "CREATE TABLE Canales (Canal INTEGER);"
+                              "CREATE TABLE envios (Canal INTEGER);",
                               nullptr, nullptr, nullptr),
                  SQLITE_OK);
         sqlite3_close(h);

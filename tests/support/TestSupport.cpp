@@ -2,6 +2,7 @@
 
 #include "app/Arranque.h"
 #include "base/Ajustes.h"
+#include "base/Cifrado.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
@@ -119,6 +120,19 @@ QString crear(const QString& path, void (*esquema)(BaseDatos&)) {
     return path;
 }
 }  // namespace
+
+void createWithRowWaiting(const QString& path, const QString& host, const QString& clave) {
+    createCurrent(path);
+    BaseDatos db;
+    QVERIFY(db.open(path));
+    db.exec(
+        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Principal) "
+        u"VALUES (1,'Uno',160,80,?,'demo',?,1)"_s,
+        {host, msCifrarClave(clave, true)});
+    db.exec(
+        u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+        u"VALUES ('2026-01-01 08:00:00',1,'0034111111111','hola',2)"_s);
+}
 
 QString createCurrent(const QString& path) {
     return crear(path, Esquema::crearActual);

@@ -111,6 +111,11 @@ QString createCurrent(const QString& path);
 QString createBaseline(const QString& path);
 // Opens `path` as the shared connection (fails the test if it can't).
 void openShared(const QString& path);
+// A database file at `path` whose principal account 1 ('Uno', user "demo")
+// speaks to `host` with password `clave`, and one message waiting for it
+// in the outbox.
+void createWithRowWaiting(const QString& path, const QString& host,
+                          const QString& clave = QStringLiteral("demo"));
 }  // namespace TestDb
 
 // Runs `quelmo-sms` with arguments in the test world; collects its output.
