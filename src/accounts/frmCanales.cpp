@@ -48,15 +48,18 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
     for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdPrede, cmdGetSaldo, cmdRecarga})
         botones->addWidget(b);
     botones->addStretch();
-    botones->addWidget(cmdClose);
     auto* arriba = new QHBoxLayout;
     arriba->addWidget(ListView1, 1);
     arriba->addLayout(botones);
+    // Cerrar last, in the lower right corner as on every screen, so Tab
+    // meets the buttons in the order they stand.
+    auto* abajo = new QHBoxLayout;
+    abajo->addWidget(cmdRegistro, 1);
+    abajo->addWidget(cmdClose);
     auto* v = new QVBoxLayout(this);
     v->addLayout(arriba, 1);
-    v->addWidget(cmdRegistro);
+    v->addLayout(abajo);
     resize(860, 380);
-    ordenTabulacion({cmdRecarga, cmdClose, cmdRegistro});
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmCanales::cmdAdd_Click);
     connect(cmdEdit, &QPushButton::clicked, this, &frmCanales::cmdEdit_Click);

@@ -13,7 +13,6 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -78,14 +77,6 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
 QSize frmAbonados::sizeHint() const {
     // What the frame gives the screen when it opens.
     return m_tamano;
-}
-
-void frmAbonados::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
-        cerrarPantallaHija(this);
-        return;
-    }
-    QWidget::keyPressEvent(event);
 }
 
 void frmAbonados::requery() {

@@ -37,9 +37,6 @@ class frmAbonados : public QWidget {
     // Wide enough for every column at its usual width.
     QSize sizeHint() const override;
 
-  protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
   private:
     void borrarFilas(const QList<int>& filas);
 

@@ -6,6 +6,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ReglasPantallas.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -84,6 +85,7 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     connect(cmdquitarTodos, &QPushButton::clicked, this, &frmUserGroup::cmdquitarTodos_Click);
     connect(cmdAdd, &QPushButton::clicked, this, &frmUserGroup::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &frmUserGroup::cmdClose_Click);
+    ReglasPantallas::marcarCierre(cmdClose);
     connect(lstcontactos, &Listado::dobleClicFila, this, [this](int fila) {
         if (!lstcontactos->modelo()->texto(fila, 0).isEmpty())
             mover(lstcontactos, lstLista, {fila});

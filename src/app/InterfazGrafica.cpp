@@ -147,7 +147,22 @@ QString InterfazGrafica::openFileName(const QString& caption, const QString& dir
 void InterfazGrafica::openUrl(const QString& target) {
     const QUrl url =
         QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl::fromUserInput(target);
-    QDesktopServices::openUrl(url);
+    if (abridor ? abridor(url) : QDesktopServices::openUrl(url)) return;
+    // With no browser or mail program the desktop opens nothing and says so
+    // only on standard error: the user gets the address to open by hand.
+    const QString direccion = url.isLocalFile()             ? url.toLocalFile()
+                              : url.scheme() == u"mailto"_s ? url.path()
+                                                            : url.toString();
+    // Nothing waits for it to close.
+    auto* box = new QMessageBox(m_owner);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setObjectName(u"cajaSinNavegador"_s);
+    box->setWindowTitle(tituloAplicacion());
+    box->setIcon(QMessageBox::Warning);
+    box->setText(u"No se ha encontrado ningún programa para abrir esta dirección:\n\n"_s +
+                 direccion + u"\n\nPuede copiarla y abrirla con el programa que prefiera."_s);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box->open();
 }
 
 void InterfazGrafica::terminateWithoutDatabase() {

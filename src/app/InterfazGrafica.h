@@ -2,6 +2,9 @@
 
 #include "base/InterfazUsuario.h"
 
+#include <QUrl>
+#include <functional>
+
 class QWidget;
 
 // The user interface of the desktop: message boxes, input boxes, the file
@@ -21,6 +24,10 @@ class InterfazGrafica : public InterfazUsuario {
                          const QString& filter) override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
+
+    // Hands an address to the desktop; false when no program took it. A
+    // test stands in for the desktop here.
+    std::function<bool(const QUrl&)> abridor;
 
   private:
     QWidget* m_owner;

@@ -71,10 +71,10 @@ frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
     txtpwdcontactos2->setObjectName(u"txtpwdcontactos2"_s);
     txtpwdcontactos2->setEchoMode(QLineEdit::Password);
     auto* formAcceso = new QFormLayout(acceso);
-    auto* etiquetaClave = new QLabel(
-        u"Contraseña de acceso a opciones  de configuración de Quelmo Mensajes"_s, acceso);
-    etiquetaClave->setWordWrap(true);
-    formAcceso->addRow(etiquetaClave);
+    // One line: a wrapped label spanning a form's row is given the height
+    // of one line and shows clipped.
+    formAcceso->addRow(new QLabel(
+        u"Contraseña de acceso a opciones  de configuración de Quelmo Mensajes"_s, acceso));
     formAcceso->addRow(u"Contraseña"_s, txtpwdcontactos);
     formAcceso->addRow(u"Confirmar contraseña"_s, txtpwdcontactos2);
     formAcceso->addRow(nota(u"Dejela en blanco si no quiere contraseña"_s, acceso));

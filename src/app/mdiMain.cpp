@@ -26,6 +26,7 @@
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/PantallasHijas.h"
+#include "widgets/ReglasPantallas.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -68,6 +69,7 @@ const QString kDesactivado = u"&Envío de SMS (Desactivado)"_s;
 }  // namespace
 
 mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
+    ReglasPantallas::instalar();
     setObjectName(u"mdiMain"_s);
     setWindowTitle(tituloAplicacion());
     setWindowIcon(iconoQuelmo(u"aplicacion"_s));
@@ -80,7 +82,8 @@ mdiMain::mdiMain(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(m_web);
     m_log = new frmLog(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
-    resizeDocks({m_log}, {150}, Qt::Vertical);
+    // A low display leaves the screens most of its height.
+    resizeDocks({m_log}, {qMin(150, ReglasPantallas::areaLibre(this).height() / 5)}, Qt::Vertical);
     PantallasHijas::setSiguiente(m_log->List1());
 
     registrarTodas();

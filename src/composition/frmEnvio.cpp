@@ -141,9 +141,10 @@ void frmEnvio::construir() {
     ListView1->setColumnWidth(2, 120);
     ListView1->setColumnWidth(3, 170);
 
-    imgmt = etiqueta(this, u"imgmt"_s, QString());
+    imgmt = new ImagenInterruptor(this);
+    imgmt->setObjectName(u"imgmt"_s);
     imgmt->setToolTip(u"Doble click para activar/desactivar envío"_s);
-    imgmt->installEventFilter(this);
+    connect(imgmt, &ImagenInterruptor::alternado, this, &frmEnvio::imgmt_DblClick);
     lmt = etiqueta(this, u"lmt"_s, EstadoTransmisor::texto(true));
 
     Timer1 = new QTimer(this);
@@ -219,13 +220,6 @@ void frmEnvio::construir() {
     nombreAccesible(txtMensaje, u"Texto del Mensaje"_s,
                     u"Escape vacía el texto; F2 elige un mensaje predefinido"_s);
     nombreAccesible(ListView1, u"Bandeja de Salida"_s, u"Intro modifica el mensaje elegido"_s);
-    // The switch answers the keyboard as it answers a double click.
-    imgmt->setFocusPolicy(Qt::StrongFocus);
-    // Focused, its picture stands on the highlight colour; no border, so
-    // the screen keeps its size.
-    imgmt->setStyleSheet(u"QLabel:focus { background: palette(highlight) }"_s);
-    imgmt->setAccessibleDescription(
-        u"Pulse Espacio o haga doble clic para activar o desactivar el envío de SMS"_s);
     ordenTabulacion({ImageCombo1, cmdSaldo, cmdRecarga, crtAutoComplete1->Text1(), cmdAbonados,
                      txtMensaje, cmdMenPro, cmdEnvMult, cmdAnadir, ListView1, imgmt, cmdEnviar,
                      cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir});
@@ -507,8 +501,7 @@ void frmEnvio::mostrarTransmisor(bool activo) {
     QPalette p = lmt->palette();
     p.setColor(QPalette::WindowText, EstadoTransmisor::color(activo));
     lmt->setPalette(p);
-    imgmt->setPixmap(EstadoTransmisor::icono(activo).pixmap(QSize(24, 24)));
-    imgmt->setAccessibleName(EstadoTransmisor::texto(activo));
+    imgmt->setActivo(activo);
 }
 
 void frmEnvio::imgmt_DblClick() {
@@ -538,19 +531,16 @@ bool frmEnvio::eventFilter(QObject* objeto, QEvent* evento) {
     } else if (objeto == ImageCombo1 && evento->type() == QEvent::FocusOut) {
         // Leaving the combo takes its new account over.
         if (static_cast<QFocusEvent*>(evento)->reason() != Qt::PopupFocusReason) msCargarCanales();
-    } else if (objeto == imgmt && evento->type() == QEvent::MouseButtonDblClick) {
-        imgmt_DblClick();
-        return true;
-    } else if (objeto == imgmt && evento->type() == QEvent::KeyPress) {
-        const int tecla = static_cast<QKeyEvent*>(evento)->key();
-        if (tecla == Qt::Key_Space || tecla == Qt::Key_Return || tecla == Qt::Key_Enter) {
-            imgmt_DblClick();
-            return true;
-        }
     } else if (evento->type() == QEvent::Resize && objeto == PantallasHijas::subWindowOf(this)) {
         colocarEnMarco(false);
     }
     return QWidget::eventFilter(objeto, evento);
+}
+
+void frmEnvio::keyPressEvent(QKeyEvent* evento) {
+    // Escape empties the text box here; it never closes this screen.
+    if (evento->key() == Qt::Key_Escape) return;
+    QWidget::keyPressEvent(evento);
 }
 
 void frmEnvio::showEvent(QShowEvent* evento) {

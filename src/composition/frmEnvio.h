@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <cstdint>
 
+class ImagenInterruptor;
 class Listado;
 class QComboBox;
 class QLabel;
@@ -33,6 +34,7 @@ class frmEnvio : public QWidget {
   protected:
     bool eventFilter(QObject* objeto, QEvent* evento) override;
     void showEvent(QShowEvent* evento) override;
+    void keyPressEvent(QKeyEvent* evento) override;
 
   private:
     void construir();
@@ -66,7 +68,7 @@ class frmEnvio : public QWidget {
     QLabel* lblCaracteres = nullptr;
     QLabel* lblmas = nullptr;
     QLabel* lblcont = nullptr;
-    QLabel* imgmt = nullptr;
+    ImagenInterruptor* imgmt = nullptr;
     QLabel* lmt = nullptr;
     QPushButton* cmdAbonados = nullptr;
     QPushButton* cmdMenPro = nullptr;

@@ -9,6 +9,7 @@
 #include "db/Conexion.h"
 #include "db/mdoDB.h"
 #include "import/mdoImport.h"
+#include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 
@@ -56,9 +57,12 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     Frame2 = nombrado(new QGroupBox(u"Selección Actual"_s, this), u"Frame2"_s);
     lblactual = etiquetaRuta(Frame2, u"lblactual"_s);
     (new QVBoxLayout(Frame2))->addWidget(lblactual);
+    // Both show a path, often the same one: each is named by its frame.
+    nombreAccesible(lblactual, Frame2->title());
 
     Frame1 = nombrado(new QGroupBox(u"Nueva selección"_s, this), u"Frame1"_s);
     lblFichero = etiquetaRuta(Frame1, u"lblFichero"_s);
+    nombreAccesible(lblFichero, Frame1->title());
     cmdexaminar = botonConNombre(Frame1, u"cmdexaminar"_s, u"Examinar"_s);
     auto* nueva = new QHBoxLayout(Frame1);
     nueva->addWidget(lblFichero, 1);

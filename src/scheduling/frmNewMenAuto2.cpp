@@ -10,6 +10,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ReglasPantallas.h"
 
 #include <QCoreApplication>
 #include <QGridLayout>
@@ -18,6 +19,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -51,7 +53,9 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     lblContactos = new QLabel(general);
     lblContactos->setObjectName(u"lblContactos"_s);
     auto* g = new QGridLayout(general);
-    g->addWidget(new QLabel(u"Descripción : "_s, general), 0, 0);
+    auto* lblNombre = new QLabel(u"Descripción : "_s, general);
+    lblNombre->setBuddy(txtNombre);
+    g->addWidget(lblNombre, 0, 0);
     g->addWidget(txtNombre, 0, 1);
     g->addWidget(lblTarea, 1, 0, 1, 2);
     g->addWidget(lblProximaTarea, 2, 0, 1, 2);
@@ -96,8 +100,9 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     tabs->addTab(programar, u"&Programar"_s);
 
     XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Cerrar"_s);
-    // Enter in a field closes and saves, as Alt+C does.
+    // Enter in a field closes and saves, as Alt+C does; so does Escape.
     XPButton2->setDefault(true);
+    ReglasPantallas::marcarCierre(XPButton2);
     auto* abajo = new QHBoxLayout;
     abajo->addStretch(1);
     abajo->addWidget(XPButton2);
@@ -122,7 +127,9 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
         if (!ListView1->modelo()->texto(fila, 0).isEmpty()) XPButton3_Click();
     });
     conectarUnaVez(XPButton2, this, &frmNewMenAuto2::XPButton2_Click);
-    nombreAccesible(tabs, u"Apartados del mensaje programado"_s);
+    // The tab list, not only its open tab, has a name of its own.
+    nombreAccesible(tabs, u"Mensaje programado"_s);
+    nombreAccesible(tabs->tabBar(), u"Apartados del mensaje programado"_s);
     nombreAccesible(txtNombre, u"Descripción"_s);
     nombreAccesible(ListView1, u"Contactos y mensajes"_s);
 }

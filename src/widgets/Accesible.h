@@ -21,3 +21,9 @@ inline void ordenTabulacion(std::initializer_list<QWidget*> controles) {
         anterior = c;
     }
 }
+
+// Screen readers on Linux hear a combo and a tab list by their value (the
+// chosen line, the open tab) unless told otherwise: this names them by what
+// they are for (their accessible name or the label whose buddy they are)
+// and keeps the value as their value. The frame installs it once.
+void instalarNombresAccesibles();

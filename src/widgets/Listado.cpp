@@ -69,6 +69,17 @@ void Listado::keyPressEvent(QKeyEvent* event) {
     QTreeView::keyPressEvent(event);
 }
 
+void Listado::showEvent(QShowEvent* event) {
+    QTreeView::showEvent(event);
+    if (m_anchosMirados) return;
+    m_anchosMirados = true;
+    // A column starts at least as wide as its caption and the sort arrow,
+    // whatever width the screen gave it; the user's widths come later.
+    for (int c = 0; c < header()->count(); ++c)
+        if (!isColumnHidden(c) && columnWidth(c) < header()->sectionSizeHint(c))
+            setColumnWidth(c, header()->sectionSizeHint(c));
+}
+
 void Listado::setSeleccionMultiple(bool multiple) {
     setSelectionMode(multiple ? QAbstractItemView::ExtendedSelection
                               : QAbstractItemView::SingleSelection);

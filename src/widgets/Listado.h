@@ -41,8 +41,10 @@ class Listado : public QTreeView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     ModeloListado* m_modelo;
     bool m_descendente = false;
+    bool m_anchosMirados = false;
 };

@@ -1,6 +1,10 @@
 #include "widgets/PantallasHijas.h"
 
+#include "widgets/ReglasPantallas.h"
+
+#include <QAbstractButton>
 #include <QApplication>
+#include <QKeyEvent>
 
 namespace PantallasHijas {
 
@@ -14,9 +18,21 @@ QPointer<QWidget>& siguiente() {
     return s;
 }
 
+// The controls of a sub-window that Tab stops at, in Tab order.
+QWidgetList tabulables(QMdiSubWindow* sub) {
+    QWidgetList orden;
+    for (QWidget* w = sub->nextInFocusChain(); w && w != sub; w = w->nextInFocusChain()) {
+        if (sub->isAncestorOf(w) && w->isVisibleTo(sub) && w->isEnabled() && !w->focusProxy() &&
+            (w->focusPolicy() & Qt::TabFocus))
+            orden << w;
+    }
+    return orden;
+}
+
 // A sub-window is a focus root of its own: Tab goes round its screen. Out
 // of its last control (or, backwards, its first) this one hands the focus
-// to the frame's next control instead.
+// to the frame's next control instead. Escape does what the screen's close
+// button does, when no control of the screen took it.
 class SubVentana : public QMdiSubWindow {
   public:
     using QMdiSubWindow::QMdiSubWindow;
@@ -30,23 +46,51 @@ class SubVentana : public QMdiSubWindow {
         }
         return QMdiSubWindow::focusNextPrevChild(next);
     }
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier && widget()) {
+            if (QAbstractButton* cerrar = ReglasPantallas::botonCierre(widget()))
+                cerrar->click();
+            else
+                cerrarPantallaHija(widget());
+            return;
+        }
+        QMdiSubWindow::keyPressEvent(event);
+    }
 
   private:
-    bool enUnExtremo(bool next) const {
-        QWidgetList orden;
-        for (QWidget* w = nextInFocusChain(); w && w != this; w = w->nextInFocusChain()) {
-            if (isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() && !w->focusProxy() &&
-                (w->focusPolicy() & Qt::TabFocus))
-                orden << w;
-        }
+    bool enUnExtremo(bool next) {
+        const QWidgetList orden = tabulables(this);
         return !orden.isEmpty() &&
                QApplication::focusWidget() == (next ? orden.last() : orden.first());
+    }
+};
+
+// Tab out of the frame's next control goes back into the active screen,
+// never on to the screens behind it.
+class VueltaAPantalla : public QObject {
+  public:
+    using QObject::QObject;
+
+  protected:
+    bool eventFilter(QObject* objeto, QEvent* e) override {
+        if (e->type() != QEvent::KeyPress) return QObject::eventFilter(objeto, e);
+        const auto* k = static_cast<QKeyEvent*>(e);
+        const bool atras = k->key() == Qt::Key_Backtab ||
+                           (k->key() == Qt::Key_Tab && k->modifiers() == Qt::ShiftModifier);
+        if (!atras && !(k->key() == Qt::Key_Tab && k->modifiers() == Qt::NoModifier)) return false;
+        QMdiSubWindow* activa = area() ? area()->activeSubWindow() : nullptr;
+        const QWidgetList orden = activa ? tabulables(activa) : QWidgetList();
+        if (orden.isEmpty()) return false;
+        ReglasPantallas::enfocar(atras ? orden.last() : orden.first(),
+                                 atras ? Qt::BacktabFocusReason : Qt::TabFocusReason);
+        return true;
     }
 };
 }  // namespace
 
 void setSiguiente(QWidget* control) {
     siguiente() = control;
+    if (control) control->installEventFilter(new VueltaAPantalla(control));
 }
 
 void setArea(QMdiArea* area) {
@@ -88,6 +132,11 @@ void encajar(QMdiSubWindow* sub, QPoint deseada) {
     QMdiArea* a = sub ? sub->mdiArea() : nullptr;
     if (!a) return;
     const QSize libre = a->viewport()->size();
+    // A screen that can't shrink into the area scrolls inside its window.
+    if (QWidget* pantalla = sub->widget();
+        pantalla && (sub->minimumSizeHint().width() > libre.width() ||
+                     sub->minimumSizeHint().height() > libre.height()))
+        ReglasPantallas::desplazarSiNoCabe(pantalla, libre - (sub->size() - pantalla->size()));
     const QSize tam = sub->size().boundedTo(libre).expandedTo(sub->minimumSizeHint());
     if (tam != sub->size()) sub->resize(tam);
     sub->move(qBound(0, deseada.x(), qMax(0, libre.width() - tam.width())),

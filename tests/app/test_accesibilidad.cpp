@@ -13,17 +13,22 @@
 #include "base/RegistroActividad.h"
 #include "composition/frmEnvio.h"
 #include "composition/frmSeleccion.h"
+#include "scheduling/frmNewMenAuto2.h"
 #include "scheduling/frmSeleccionMensaje.h"
 #include "scheduling/frmSeleccionMensaje2.h"
 #include "widgets/PantallasHijas.h"
+#include "widgets/ReglasPantallas.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
@@ -33,26 +38,27 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A combo's name on Linux is its value: what it is for comes from a label
-// whose buddy it is, or from a name given on purpose.
+// What a screen reader says a control is: its name, and its value where
+// it has one.
 QString nombre(QAccessibleInterface* c) {
-    if (c->role() != QAccessible::ComboBox) return c->text(QAccessible::Name);
-    auto* w = qobject_cast<QWidget*>(c->object());
-    if (w && !w->accessibleName().isEmpty()) return w->accessibleName();
-    const auto etiquetas = c->relations(QAccessible::Label);
-    return etiquetas.isEmpty() ? QString() : etiquetas.first().first->text(QAccessible::Name);
+    return c->text(QAccessible::Name);
 }
 
-// The controls of a screen that Tab reaches, with the name assistive
-// technology reads for each. Views, combos and text boxes are one control
-// each: their items are not controls of the screen.
+// The controls of a screen that take the focus (by Tab or by a click),
+// with the name assistive technology reads for each; a name that is only
+// the control's value ("Demo (100 Créditos)" for an account) reads as none.
+// Views, combos and text boxes are one control each: their items are not
+// controls of the screen.
 void recorrer(QAccessibleInterface* i, QMap<QObject*, QString>& controles) {
     for (int k = 0; k < i->childCount(); ++k) {
         QAccessibleInterface* c = i->child(k);
         if (!c || !c->isValid() || c->state().invisible) continue;
         auto* w = qobject_cast<QWidget*>(c->object());
-        if (c->state().focusable && w && (w->focusPolicy() & Qt::TabFocus))
-            controles[w] = nombre(c);
+        const bool porValor =
+            (c->role() == QAccessible::ComboBox || c->role() == QAccessible::PageTabList) &&
+            nombre(c) == c->text(QAccessible::Value);
+        if (c->state().focusable && w && w->focusPolicy() != Qt::NoFocus && !w->focusProxy())
+            controles[w] = porValor ? QString() : nombre(c);
         switch (c->role()) {
             case QAccessible::List:
             case QAccessible::Table:
@@ -96,6 +102,32 @@ QStringList faltas(QWidget* pantalla) {
         else
             vistos.insert(nombre, it.key());
     }
+    return f;
+}
+
+// The buttons of `pantalla` that a user could not reach on this display:
+// its window standing out of the display's free area, or a button out of
+// sight once the keyboard has brought it (scrolled) into view.
+QStringList fueraDeVista(QWidget* pantalla) {
+    QStringList f;
+    const QRect libre = ReglasPantallas::areaLibre(pantalla);
+    QWidget* ventana = pantalla->window();
+    if (!libre.contains(ventana->frameGeometry()))
+        f << quien(ventana) + u" no cabe en la pantalla"_s;
+    // Every page of its tabs (the screens have one set at most).
+    auto* pestanas = pantalla->findChild<QTabWidget*>();
+    for (int p = 0; p < (pestanas ? pestanas->count() : 1); ++p) {
+        if (pestanas) pestanas->setCurrentIndex(p);
+        for (QAbstractButton* b : pantalla->findChildren<QAbstractButton*>()) {
+            if (!b->isVisible()) continue;
+            ReglasPantallas::enfocar(b, Qt::OtherFocusReason);
+            const QRect donde(b->mapToGlobal(QPoint(0, 0)), b->size());
+            if (!libre.contains(donde) ||
+                !QRegion(b->rect()).subtracted(b->visibleRegion()).isEmpty())
+                f << quien(b) + u" queda fuera de la vista"_s;
+        }
+    }
+    if (pestanas) pestanas->setCurrentIndex(0);
     return f;
 }
 
@@ -182,17 +214,18 @@ class TestAccesibilidad : public QObject {
         ui.reset();
     }
 
-    void theFrameNamesItsControls() {
+    void theFrameFitsAndNamesItsControls() {
         PantallasHijas::area()->closeAllSubWindows();
-        QCOMPARE(faltas(ventana.get()), QStringList());
+        const QStringList fallos = faltas(ventana.get()) + fueraDeVista(ventana.get());
+        QVERIFY2(fallos.isEmpty(), qPrintable(fallos.join(u'\n')));
     }
 
-    void everyScreenNamesItsControls_data() {
+    void everyScreenFitsAndNamesItsControls_data() {
         QTest::addColumn<QString>("pantalla");
         for (const QString& n : Pantallas::nombres()) QTest::newRow(qPrintable(n)) << n;
         for (const QString& n : otras().keys()) QTest::newRow(qPrintable(n)) << n;
     }
-    void everyScreenNamesItsControls() {
+    void everyScreenFitsAndNamesItsControls() {
         QFETCH(QString, pantalla);
         const QHash<QString, QVariant> datos{{u"frmNewMenAuto2"_s, 1}, {u"frmSubirListaWeb"_s, 0}};
         QStringList vistas;
@@ -209,10 +242,17 @@ class TestAccesibilidad : public QObject {
                 if (p == m) return;
             miradas << m;
             vistas << m->objectName();
-            for (const QString& f : faltas(m)) fallos << m->objectName() + u": "_s + f;
-            // Hidden, a dialog leaves its exec() even where it refuses to
-            // close without an answer.
-            QTimer::singleShot(0, m, [m] { m->hide(); });
+            for (const QString& f : faltas(m) + fueraDeVista(m))
+                fallos << m->objectName() + u": "_s + f;
+            // Escape closes it; the first-run notice alone waits for an
+            // answer. Hidden, a dialog leaves its exec() all the same.
+            QTimer::singleShot(0, m, [m, &fallos] {
+                QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : m,
+                                Qt::Key_Escape);
+                if (m->isVisible() && m->objectName() != u"frmTipoRegistro"_s)
+                    fallos << m->objectName() + u": Escape no la cierra"_s;
+                m->hide();
+            });
         });
         sondeo.start();
         if (otras().contains(pantalla))
@@ -222,7 +262,7 @@ class TestAccesibilidad : public QObject {
         sondeo.stop();
         if (QMdiSubWindow* sub = PantallasHijas::area()->activeSubWindow()) {
             vistas << sub->widget()->objectName();
-            for (const QString& f : faltas(sub->widget()))
+            for (const QString& f : faltas(sub->widget()) + fueraDeVista(sub->widget()))
                 fallos << sub->widget()->objectName() + u": "_s + f;
         }
         PantallasHijas::area()->closeAllSubWindows();
@@ -241,6 +281,14 @@ class TestAccesibilidad : public QObject {
                                         u"ListView1"_s,    u"imgmt"_s,       u"cmdEnviar"_s,
                                         u"cmdModificar"_s, u"cmdEliminar"_s, u"cmdEliminarTodos"_s,
                                         u"CmdSalir"_s};
+        QTest::newRow("accounts") << u"frmCanales"_s
+                                  << QStringList{
+                                         u"ListView1"_s,  u"cmdAdd"_s,      u"cmdEdit"_s,
+                                         u"cmdDelete"_s,  u"cmdPrede"_s,    u"cmdGetSaldo"_s,
+                                         u"cmdRecarga"_s, u"cmdRegistro"_s, u"cmdClose"_s};
+        QTest::newRow("scheduled editor")
+            << u"frmNewMenAuto2"_s
+            << QStringList{u"qt_tabwidget_tabbar"_s, u"txtNombre"_s, u"XPButton2"_s};
         QTest::newRow("picker") << u"frmSeleccion"_s
                                 << QStringList{
                                        u"txtBuscar"_s,   u"cmdBuscar"_s,     u"lstcontactos"_s,
@@ -252,14 +300,20 @@ class TestAccesibilidad : public QObject {
         QFETCH(QString, pantalla);
         QFETCH(QStringList, orden);
         QStringList visitados;
-        if (pantalla == u"frmSeleccion"_s) {
-            frmSeleccion picker(ventana.get());
-            picker.show();
-            picker.activateWindow();
-            QVERIFY(QTest::qWaitForWindowActive(&picker));
-            QTRY_COMPARE(QApplication::activeWindow(), &picker);
-            visitados =
-                recorridoTab(prueba::hijo<QWidget>(picker, orden.first()), int(orden.size()));
+        std::unique_ptr<QDialog> dialogo;
+        if (pantalla == u"frmSeleccion"_s) dialogo = std::make_unique<frmSeleccion>(ventana.get());
+        if (pantalla == u"frmNewMenAuto2"_s) {
+            auto editor = std::make_unique<frmNewMenAuto2>(ventana.get());
+            editor->setCodigo(1);
+            dialogo = std::move(editor);
+        }
+        if (dialogo) {
+            dialogo->show();
+            dialogo->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(dialogo.get()));
+            QTRY_COMPARE(QApplication::activeWindow(), dialogo.get());
+            visitados = recorridoTab(prueba::hijo<QWidget>(dialogo.get(), orden.first()),
+                                     int(orden.size()));
             // Round to the start again.
             QCOMPARE(visitados.takeLast(), orden.first());
         } else {
@@ -274,21 +328,94 @@ class TestAccesibilidad : public QObject {
         QCOMPARE(visitados, orden);
     }
 
+    // A screen of the frame, with the compose screen open behind it: Tab
+    // goes round the screen and the log and never into the screen behind,
+    // Ctrl+Tab goes to the other screen and back, Enter presses the focused
+    // button and Escape does what the close button does (the compose
+    // screen keeps Escape for its text).
+    void theKeyboardStaysInItsScreen_data() {
+        QTest::addColumn<QString>("pantalla");
+        QTest::addColumn<QString>("cerrar");
+        for (const char16_t* p : {u"frmAbonados", u"frmGrupos", u"frmMenPro", u"frmMenAuto",
+                                  u"frmHEnvios", u"frmCanales", u"frmEmergencias"})
+            QTest::newRow(qPrintable(QString::fromUtf16(p)))
+                << QString::fromUtf16(p) << u"cmdClose"_s;
+        QTest::newRow("frmEnvio") << u"frmEnvio"_s << u"CmdSalir"_s;
+    }
+    void theKeyboardStaysInItsScreen() {
+        QFETCH(QString, pantalla);
+        QFETCH(QString, cerrar);
+        QMdiArea* area = PantallasHijas::area();
+        area->closeAllSubWindows();
+        const bool envio = pantalla == u"frmEnvio"_s;
+        auto abrir = [&]() -> QPointer<QWidget> {
+            // A closed screen goes at the next turn of the loop.
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            if (!envio) Pantallas::abrir(u"frmEnvio"_s);
+            Pantallas::abrir(pantalla);
+            return area->activeSubWindow()->widget();
+        };
+        QPointer<QWidget> w = abrir();
+        QCOMPARE(w->objectName(), pantalla);
+        QVERIFY(QTest::qWaitForWindowActive(ventana.get()));
+        QWidget* log = ventana->panelLog()->List1();
+        auto* boton = prueba::hijo<QAbstractButton>(w.data(), cerrar);
+        for (const auto tecla : {Qt::Key_Tab, Qt::Key_Backtab}) {
+            boton->setFocus(Qt::TabFocusReason);
+            bool porElLog = false;
+            for (int i = 0; i < 40 && !(i > 0 && QApplication::focusWidget() == boton); ++i) {
+                QTest::keyClick(QApplication::focusWidget(), tecla);
+                QWidget* f = QApplication::focusWidget();
+                QVERIFY2(f && (w->isAncestorOf(f) || f == log),
+                         qPrintable(f ? quien(f) : u"(nada)"_s));
+                porElLog = porElLog || f == log;
+            }
+            QCOMPARE(QApplication::focusWidget(), boton);
+            QVERIFY(porElLog);
+        }
+        if (!envio) {
+            QTest::keyClick(boton, Qt::Key_Tab, Qt::ControlModifier);
+            QCOMPARE(area->activeSubWindow()->widget()->objectName(), u"frmEnvio"_s);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab,
+                            Qt::ControlModifier | Qt::ShiftModifier);
+            QCOMPARE(area->activeSubWindow()->widget(), w.data());
+        }
+        // Enter on the close button.
+        boton->setFocus();
+        QTest::keyClick(boton, Qt::Key_Return);
+        QTRY_VERIFY(!w || !w->isVisible());
+        // Escape where no control takes it.
+        w = abrir();
+        QWidget* primero = w->nextInFocusChain();
+        while (!(primero->focusPolicy() & Qt::TabFocus) || !primero->isVisible())
+            primero = primero->nextInFocusChain();
+        primero->setFocus();
+        QTest::keyClick(primero, Qt::Key_Escape);
+        if (envio)
+            QVERIFY(w && w->isVisible());
+        else
+            QTRY_VERIFY(!w || !w->isVisible());
+        area->closeAllSubWindows();
+    }
+
     void theKeyboardDoesWhatTheMouseDoes() {
         Interruptor::instancia().establecer(true);
         Pantallas::abrir(u"frmEnvio"_s);
         auto* envio = PantallasHijas::instance<frmEnvio>();
+        // The switch: a check box to a screen reader, Space or Enter on
+        // its picture.
         auto* imgmt = prueba::hijo<QLabel>(envio, u"imgmt"_s);
-        QCOMPARE(QAccessible::queryAccessibleInterface(imgmt)->text(QAccessible::Name),
-                 u"Envío de SMS Activado"_s);
-        // The switch: Space on its picture.
+        QAccessibleInterface* interruptor = QAccessible::queryAccessibleInterface(imgmt);
+        QCOMPARE(interruptor->role(), QAccessible::CheckBox);
+        QCOMPARE(interruptor->text(QAccessible::Name), u"Envío de SMS"_s);
+        QVERIFY(interruptor->state().checkable && interruptor->state().checked);
         imgmt->setFocus();
         QTest::keyClick(imgmt, Qt::Key_Space);
         QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), u"0"_s);
-        QCOMPARE(QAccessible::queryAccessibleInterface(imgmt)->text(QAccessible::Name),
-                 u"Envío de SMS Desactivado"_s);
+        QVERIFY(!interruptor->state().checked);
         QTest::keyClick(imgmt, Qt::Key_Return);
         QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Activo"_s), u"1"_s);
+        QVERIFY(interruptor->state().checked);
         // The counter is read as words.
         auto* texto = prueba::hijo<QWidget>(envio, u"txtMensaje"_s);
         texto->setFocus();
@@ -296,6 +423,20 @@ class TestAccesibilidad : public QObject {
         QCOMPARE(prueba::hijo<QLabel>(envio, u"lblCaracteres"_s)->accessibleName(),
                  u"4 caracteres"_s);
         PantallasHijas::area()->closeAllSubWindows();
+
+        // Enter on a dialog's Cerrar closes it; it does not press the
+        // default button, Guardar.
+        const QString intervalo = Ajustes::getSetting(u"Tr"_s, u"Interval"_s);
+        prueba::alAbrirModal([](QDialog* d) {
+            prueba::hijo<QLineEdit>(d, u"txttimer"_s)->setText(u"120"_s);
+            auto* cerrar = prueba::hijo<QPushButton>(d, u"CmdSalir"_s);
+            QVERIFY(QTest::qWaitForWindowActive(d));
+            cerrar->setFocus();
+            QTest::keyClick(cerrar, Qt::Key_Return);
+            if (d->isVisible()) d->done(QDialog::Rejected);
+        });
+        prueba::hijo<QAction>(ventana.get(), u"keyopc"_s)->trigger();
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), intervalo);
 
         // A line of the log in full: Enter on it.
         msLog(u"una línea del registro"_s);

@@ -24,6 +24,7 @@
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -77,6 +78,36 @@ class TestGuiMain : public QObject {
         Ajustes::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
         abiertas.clear();
         terminado = 0;
+    }
+
+    // With no browser or mail program, a link says so in a box that the
+    // address can be copied from, and nothing waits for the box to close.
+    void aLinkNothingCanOpenSaysSo_data() {
+        QTest::addColumn<QString>("destino");
+        QTest::addColumn<QString>("mostrada");
+        QTest::newRow("web") << u"http://www.ejemplo.test/condiciones"_s
+                             << u"http://www.ejemplo.test/condiciones"_s;
+        QTest::newRow("mail") << u"mailto:info@ejemplo.test"_s << u"info@ejemplo.test"_s;
+        QTest::newRow("help file") << rutaAyuda() << rutaAyuda();
+    }
+    void aLinkNothingCanOpenSaysSo() {
+        QFETCH(QString, destino);
+        QFETCH(QString, mostrada);
+        QWidget dueno;
+        InterfazGrafica gui(&dueno);
+        QStringList pedidas;
+        gui.abridor = [&pedidas](const QUrl& url) {
+            pedidas << url.toString();
+            return false;
+        };
+        gui.openUrl(destino);
+        QCOMPARE(pedidas.size(), 1);
+        auto* caja = dueno.findChild<QMessageBox*>(u"cajaSinNavegador"_s);
+        QVERIFY(caja && caja->isVisible());
+        QVERIFY2(caja->text().contains(u"\n\n"_s + mostrada + u"\n\n"_s), qPrintable(caja->text()));
+        QVERIFY(caja->text().startsWith(u"No se ha encontrado ningún programa"_s));
+        QVERIFY(caja->textInteractionFlags() & Qt::TextSelectableByKeyboard);
+        caja->close();
     }
 
     void menuAndToolbarInOrder() {

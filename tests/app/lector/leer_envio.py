@@ -15,7 +15,7 @@ ESPERADOS = [
     ("text", "Texto del Mensaje"),
     ("push button", "Enviar Mensaje"),
     ("tree", "Bandeja de Salida"),
-    ("image", "Envío de SMS Activado"),
+    ("check box", "Envío de SMS"),
     ("label", "0 caracteres"),
     ("push button", "Cerrar"),
 ]
@@ -36,14 +36,9 @@ def buscar(nodo, nombre, profundidad=0):
 
 
 def nombre(nodo, rol):
-    # A combo box says its value as its name; what it is for comes from the
-    # label it is labelled by, as a screen reader announces it.
-    if rol != "combo box":
-        return nodo.name
-    for relacion in nodo.getRelationSet():
-        if relacion.getRelationType() == pyatspi.RELATION_LABELLED_BY and relacion.getNTargets():
-            return relacion.getTarget(0).name
-    return ""
+    # What a screen reader announces first: a combo box named only by its
+    # value ("Demo (100 Créditos)") says nothing of what it is for.
+    return nodo.name
 
 
 def controles(nodo, salida):
@@ -88,6 +83,10 @@ def main():
         elif nombre in vistos:
             fallos.append(f"dos controles se llaman «{nombre}»")
         vistos.add(nombre)
+    # The switch says its state as a check box does; sending is on here.
+    interruptor = buscar(pantalla, "Envío de SMS")
+    if interruptor is not None and not interruptor.getState().contains(pyatspi.STATE_CHECKED):
+        fallos.append("el interruptor «Envío de SMS» no dice que está activado")
     pares = {(rol, nombre) for rol, nombre, _ in leidos}
     for rol, nombre in ESPERADOS:
         if (rol, nombre) not in pares:
