@@ -13,6 +13,7 @@
 #include "composition/frmEnvio.h"
 #include "db/BaseDatos.h"
 #include "db/Conexion.h"
+#include "scheduling/frmNewMenAuto2.h"
 #include "widgets/Ayuda.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/PantallasHijas.h"
@@ -27,6 +28,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -472,13 +474,27 @@ class TestGuiMain : public QObject {
         prueba::hijo<QPlainTextEdit>(envio, u"txtMensaje"_s)
             ->setPlainText(u"Hola, ¿nos vemos el lunes?"_s);
         envio->txtMensaje_cambiar();
-        auto guardar = [&dir](QWidget* v, const QString& nombre) {
+        // With QUELMO_CAPTURA_PANTALLA (a suffix, "1024x600"), the whole
+        // display as a user sees it: where the window manager put the
+        // window, and whether it fits.
+        const QString pantallaEntera = qEnvironmentVariable("QUELMO_CAPTURA_PANTALLA");
+        auto guardar = [&](QWidget* v, const QString& nombre) {
             v->show();
             QVERIFY(QTest::qWaitForWindowExposed(v));
             QTest::qWait(300);
             QVERIFY(v->grab().save(dir + u'/' + nombre + u".png"_s));
+            if (!pantallaEntera.isEmpty())
+                QVERIFY(v->screen()->grabWindow(0).save(dir + u'/' + nombre + u'-' +
+                                                        pantallaEntera + u".png"_s));
         };
         guardar(w.get(), u"principal"_s);
+        {
+            Conexion().exec(
+                u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (1,'Recordatorio semanal')"_s);
+            frmNewMenAuto2 editor(w.get());
+            editor.setCodigo(1);
+            guardar(&editor, u"programado"_s);
+        }
         PantallasHijas::show(PantallasHijas::instance<frmAbonados>());
         guardar(w.get(), u"contactos"_s);
         frmOpciones opciones(w.get());
