@@ -4,7 +4,7 @@ QUELMO_PACKAGES="cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools libqt6sql
 libsqlite3-dev libcurl4-openssl-dev libcpp-httplib-dev libgl-dev sqlite3 xvfb xauth clang-format \
 qt6-translations-l10n desktop-file-utils appstream man-db dpkg-dev file ccache \
 stunnel4 tinyproxy openssl \
-lintian at-spi2-core python3-pyatspi dbus-daemon qcoro-qt6-dev"
+lintian at-spi2-core python3-pyatspi dbus-daemon qcoro-qt6-dev xdotool"
 
 quelmo_install_deps() {
     local missing=""

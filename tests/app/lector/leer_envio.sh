@@ -1,12 +1,14 @@
 #!/bin/bash
 # The compose screen as a screen reader meets it: the program runs on a
 # virtual display with a session bus and the accessibility registry, against
-# the platform simulator, and leer_envio.py reads it over the bus.
+# the platform simulator, and leer_envio.py reads it over the bus; then
+# recorrer_pantallas.py opens the other screens from the keyboard (xdotool)
+# and walks each one with Tab, Enter and Escape.
 # Usage: leer_envio.sh BUILD_DIR. Exit 77 (skipped) without the tools.
 set -uo pipefail
 build="$1"
 aqui="$(cd "$(dirname "$0")" && pwd)"
-for orden in xvfb-run dbus-run-session sqlite3 /usr/bin/python3; do
+for orden in xvfb-run dbus-run-session sqlite3 xdotool /usr/bin/python3; do
     command -v "$orden" >/dev/null || { echo "sin $orden"; exit 77; }
 done
 /usr/bin/python3 -c 'import pyatspi' 2>/dev/null || { echo "sin python3-pyatspi"; exit 77; }
@@ -43,7 +45,7 @@ export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 NO_AT_BRIDGE=0
 xvfb-run -a dbus-run-session -- bash -c '
     "$1/bin/quelmo-sms" >"$3/programa.log" 2>&1 &
     programa=$!
-    /usr/bin/python3 "$2/leer_envio.py"
+    /usr/bin/python3 -u "$2/leer_envio.py" && /usr/bin/python3 -u "$2/recorrer_pantallas.py"
     rc=$?
     kill "$programa" 2>/dev/null
     wait "$programa" 2>/dev/null
