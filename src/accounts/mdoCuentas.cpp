@@ -7,6 +7,7 @@
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
+#include "base/Movil.h"
 #include "base/Pantallas.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
@@ -45,7 +46,7 @@ QVariant maxmenNuevo(const QString& maxmen) {
 
 QString remitenteDe(const DatosCuenta& d) {
     // Policy 1 sends from the mobile number the platform holds for the user.
-    if (d.remopc == 1) return estadoAplicacion().MovilCuenta.right(9);
+    if (d.remopc == 1) return Movil::remitente(estadoAplicacion().MovilCuenta);
     return d.remitente;
 }
 
@@ -285,7 +286,7 @@ DatosCuenta msLeerCuenta(int16_t canal) {
     d.usuario = texto(u"usuario"_s);
     d.clave = msCifrarClave(texto(u"clave"_s), false);
     d.remopc = int(numeroDe(r.value(0, u"remopc"_s)));
-    d.movil = texto(u"Movil"_s).right(9);
+    d.movil = Movil::remitente(texto(u"Movil"_s));
     d.remitente = d.remopc == 1 ? d.movil : texto(u"Remitente"_s);
     d.tini = texto(u"tini"_s);
     d.tfin = texto(u"tfin"_s);

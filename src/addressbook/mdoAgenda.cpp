@@ -3,6 +3,7 @@
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "base/Movil.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -37,16 +38,8 @@ bool esClaveRepetida() {
 
 // ---- Contacts --------------------------------------------------------------
 
-QString motivoNumeroContacto(const QString& numero) {
-    if (!esNumerico(numero)) return u"El valor del número de Móvil debe ser numérico"_s;
-    // The numeric test lets a leading "+" through; the stored form wants "00".
-    if (!numero.startsWith(u"00"_s)) return u"( Código internacional inexistente o mal formado )"_s;
-    if (numero.size() < 11) return u"( La longitud del Número de Móvil no es adecuada )"_s;
-    return {};
-}
-
 bool msComprobarNumeroContacto(const QString& numero) {
-    const QString motivo = motivoNumeroContacto(numero);
+    const QString motivo = Movil::motivo(Movil::leer(Movil::Via::Contacto, numero).fallo);
     if (motivo.isEmpty()) return true;
     ui().msgBox(motivo +
                     u"\nAtención, el formato del Número de Móvil, no es correcto "

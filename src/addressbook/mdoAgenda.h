@@ -13,9 +13,6 @@
 
 // ---- Contacts --------------------------------------------------------------
 
-// Why a typed contact number is not acceptable, or an empty text when it is.
-// The checks run in order and only the first failure is told.
-QString motivoNumeroContacto(const QString& numero);
 // The number rule with its message box; true when the number is good.
 bool msComprobarNumeroContacto(const QString& numero);
 

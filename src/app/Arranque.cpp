@@ -30,7 +30,7 @@ void cargarClaveAcceso() {
     EstadoAplicacion& g = estadoAplicacion();
     g.gsClaveAcceso = QString::fromUtf16(kSinClave);
     try {
-        const QString guardada = Ajustes::getSetting(u"Tr"_s, u"pwc"_s);
+        const QString guardada = Ajustes::claveAcceso();
         if (!guardada.isEmpty()) g.gsClaveAcceso = msCifrarClave(guardada, false);
     } catch (const ErrorQuelmo&) {
         // A stored password that can't be decoded leaves the gate open, as

@@ -37,17 +37,9 @@ Transmisor::Transmisor(QObject* parent) : QObject(parent) {
 }
 
 std::optional<int> leerIntervalo() {
-    const QString leido = Ajustes::getSetting(u"Tr"_s, u"Interval"_s, u"60"_s);
-    int segundos = 60;
-    if (esNumerico(leido)) {
-        try {
-            segundos = aEntero16(leido);
-        } catch (const ErrorQuelmo&) {
-            return std::nullopt;
-        }
-        if (segundos < 15) segundos = 60;
-    }
-    Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
+    // The transmitter writes back what it runs by.
+    const std::optional<int> segundos = Ajustes::intervalo();
+    if (segundos) Ajustes::guardarIntervalo(*segundos);
     return segundos;
 }
 
@@ -116,5 +108,5 @@ void Transmisor::continuoPorOrden(bool activo) {
 
 bool Transmisor::modoContinuo() {
     // Read at every run, so the setting takes effect without a restart.
-    return g_continuoPorOrden || Ajustes::getSetting(u"Tr"_s, u"Continuo"_s) == u"1"_s;
+    return g_continuoPorOrden || Ajustes::transmisorContinuo();
 }

@@ -16,7 +16,7 @@ namespace {
 // After the selection screen: the file it left must be usable.
 void seleccionarOTerminar() {
     msMostrarSeleccionBD();
-    const QString elegido = Ajustes::getSetting(u"BD"_s, u"Path"_s);
+    const QString elegido = Ajustes::rutaBaseDatos();
     if (!msValidarBD(elegido)) ui().terminateWithoutDatabase();
     // The screen leaves the connection on its file; make sure it is open.
     if (!Conexion().isOpen() || Conexion().path() != elegido) msAbrirBD(elegido);
@@ -25,13 +25,13 @@ void seleccionarOTerminar() {
 
 void msAbrirBaseInicial() {
     const QString porDefecto = rutaBaseDefecto();
-    const QString guardada = Ajustes::getSetting(u"BD"_s, u"Path"_s);
+    const QString guardada = Ajustes::rutaBaseDatos();
 
     if (guardada.isEmpty()) {
         // First run: an old-schema default file is not upgraded here; it
         // leads to the selection screen, which has its own upgrade path.
         if (msValidarBD(porDefecto)) {
-            Ajustes::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
+            Ajustes::guardarRutaBaseDatos(porDefecto);
             msAbrirBD(porDefecto);
         } else {
             seleccionarOTerminar();
@@ -55,13 +55,13 @@ void msAbrirBaseInicial() {
             msActualizarBD(guardada);
             msLog(u"Proceso de actualización de Base de Datos completado."_s);
         }
-        Ajustes::saveSetting(u"BD"_s, u"Path"_s, guardada);
+        Ajustes::guardarRutaBaseDatos(guardada);
         return;
     }
     // The saved file is gone or broken: silently the default file,
     // neither tested nor upgraded.
     if (msAbrirBD(porDefecto)) {
-        Ajustes::saveSetting(u"BD"_s, u"Path"_s, porDefecto);
+        Ajustes::guardarRutaBaseDatos(porDefecto);
         return;
     }
     seleccionarOTerminar();

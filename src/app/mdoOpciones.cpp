@@ -24,7 +24,7 @@ bool leerOpciones(Opciones& o) {
     try {
         o.intervalo = QString::number(leerIntervalo().value_or(60));
         // The no-password word and an empty setting both mean "no password".
-        const QString clave = msCifrarClave(Ajustes::getSetting(u"Tr"_s, u"pwc"_s), false);
+        const QString clave = msCifrarClave(Ajustes::claveAcceso(), false);
         o.clave = clave == sinClave() ? QString() : clave;
         const ResultadoConsulta r = Conexion().query(u"select * from opciones"_s);
         if (!r.isEmpty()) {
@@ -47,8 +47,10 @@ QString motivoOpcionesNoValidas(const Opciones& o, const QString& confirmacion) 
     const QString intervaloNoValido =
         u"Valor no válido para intervalo de envío de mensajes en Bandeja de Salida"_s;
     if (!esNumerico(o.intervalo)) return intervaloNoValido;
-    if (aNumero(o.intervalo) < 15)
+    if (aNumero(o.intervalo) < Ajustes::kIntervaloMinimo)
         return intervaloNoValido + u"\nEl tiempo mínimo es de 15 Segundos."_s;
+    // Longer than the cycle can be set to would stop it.
+    if (aNumero(o.intervalo) >= Ajustes::kIntervaloMaximo + 0.5) return intervaloNoValido;
 
     if (!o.clave.isEmpty()) {
         if (o.clave != confirmacion)
@@ -73,8 +75,8 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
         Conexion().exec(u"update opciones set maxlote=?, solocontactos=?, imgfondo=?"_s,
                         {aEntero16(o.maxlote), o.soloContactos ? 1 : 0, o.imgfondo});
         // The interval is stored as typed; the timer takes it rounded.
-        Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, cifrada);
-        Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, o.intervalo);
+        Ajustes::guardarClaveAcceso(cifrada);
+        Ajustes::guardarIntervalo(o.intervalo);
         const double segundos = aNumero(o.intervalo);
         if (segundos * 1000 > INT_MAX) throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
         Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));

@@ -27,6 +27,11 @@ QString fabricante() {
 QString correo() {
     return leer(u"Correo"_s, u"soporte@quelmo.example"_s);
 }
+QString registro() {
+    QString base = plataforma();
+    if (!base.endsWith(u'/')) base += u'/';
+    return leer(u"Registro"_s, base + u"registro/alta"_s);
+}
 
 }  // namespace Despliegue
 

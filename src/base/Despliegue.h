@@ -18,6 +18,8 @@ QString webSegura();
 QString fabricante();
 // The support mail address.
 QString correo();
+// Where a new user signs up: the platform's "registro/alta" page.
+QString registro();
 
 }  // namespace Despliegue
 

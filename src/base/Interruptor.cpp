@@ -12,20 +12,14 @@ Interruptor& Interruptor::instancia() {
 }
 
 bool Interruptor::paraVentana() const {
-    try {
-        return aBooleano(Ajustes::getSetting(u"Tr"_s, u"Activo"_s, u"1"_s));
-    } catch (const ErrorQuelmo&) {
-        // A value the user mangled by hand shows as on, as if never written.
-        return true;
-    }
+    return Ajustes::transmisorEncendido();
 }
 
 bool Interruptor::paraEnvio() const {
-    // A value that is no number throws: the run logs it and sends nothing.
-    return aEntero16(Ajustes::getSetting(u"Tr"_s, u"Activo"_s, u"0"_s)) == 1;
+    return Ajustes::transmisorEncendidoParaEnvio();
 }
 
 void Interruptor::establecer(bool activo) {
-    Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo ? u"1"_s : u"0"_s);
+    Ajustes::guardarTransmisorEncendido(activo);
     Q_EMIT cambiado(activo);
 }

@@ -3,11 +3,12 @@
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
-#include "delivery/Lote.h"
 
 #include <QHash>
 
@@ -63,17 +64,10 @@ QString msBuscarAlias(const QString& elemento) {
     return textoDe(r.value(0, 0)).trimmed();
 }
 
-QString normalizarNumeroEnvio(const QString& numero) {
-    QString n = numero;
-    if (n.startsWith(u'+')) n.replace(u"+"_s, u"00"_s);
-    if (!n.startsWith(u"00"_s)) n.prepend(u"0034"_s);
-    return n;
-}
-
 QString agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
                         int64_t canal) {
     QString rechazados;
-    bool anadido = false;
+    EntradaBandeja entrada(Conexion());
     auto rechazar = [&rechazados](const QString& elemento) {
         if (!rechazados.isEmpty()) rechazados += u';';
         rechazados += elemento;
@@ -102,25 +96,17 @@ QString agregarMensajes(const QString& destinos, const QString& texto, bool solo
             rechazar(elemento);
             continue;
         }
-        elemento = normalizarNumeroEnvio(elemento);
-        // Only what the batch sender will send goes in: a row it refuses
-        // would wait in the outbox for ever.
-        if ((elemento.startsWith(u"0034"_s) && elemento.size() != 13) ||
-            Lote::normalizarDestino(elemento).isEmpty()) {
-            msLog(u"Número no válido --> "_s + elemento);
-            rechazar(elemento);
-            continue;
-        }
+        const Movil::Numero numero = Movil::leer(Movil::Via::Envio, elemento);
+        elemento = numero.numero;
         try {
-            Conexion().exec(
-                u"Insert into envios (abonado,mensaje,intento,Registro,Canal) values (?,?,2,?,?)"_s,
-                {elemento, texto, Reloj::now(), qlonglong(canal)});
-            anadido = true;
+            if (!numero.valido() || !entrada.poner(elemento, texto, qlonglong(canal))) {
+                msLog(u"Número no válido --> "_s + elemento);
+                rechazar(elemento);
+            }
         } catch (const ErrorQuelmo& e) {
             msLog(u"Error añadiendo el mensaje para "_s + elemento + u": "_s + e.description());
         }
     }
-    if (anadido) Q_EMIT Avisos::instancia().bandejaCambiada();
     return rechazados;
 }
 

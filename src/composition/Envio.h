@@ -36,10 +36,6 @@ bool leerSoloContactos();
 // element is blank.
 QString msBuscarAlias(const QString& elemento);
 
-// The compose screen's number rule: "+" becomes "00"; without "00" in
-// front the national prefix "0034" is put before it.
-QString normalizarNumeroEnvio(const QString& numero);
-
 // Splits `destinos` at ";" and inserts one outbox row per accepted element,
 // with `texto` as typed and account `canal`. Returns the refused elements
 // joined by ";"; every refusal has its log line.

@@ -66,20 +66,12 @@ bool prepararBaseInicial() {
 bool msAbrirBD(const QString& path) {
     // The share mode: SQLite connections share the file anyway, the
     // value is kept for what reads it.
-    const QString modoTexto = Ajustes::getSetting(u"BD"_s, u"Mode"_s, u"16"_s);
-    int32_t modo = 16;
-    if (esNumerico(modoTexto)) {
-        try {
-            modo = aEntero32(modoTexto);
-        } catch (const ErrorQuelmo&) {
-            modo = 16;
-        }
-    }
+    const int32_t modo = Ajustes::modoBaseDatos();
     Conexion().close();
     gsCadenaConexion() = u"Data Source="_s + path;
     // A failed open leaves the connection closed.
     if (!Conexion().open(path)) return false;
-    Ajustes::saveSetting(u"BD"_s, u"Mode"_s, QString::number(modo));
+    Ajustes::guardarModoBaseDatos(modo);
     return true;
 }
 
@@ -112,7 +104,7 @@ void msMostrarSeleccionBD() {
     const QString motivo = Conexion().motivoFallo();
     Pantallas::abrirOAvisar(u"frmSelectDB"_s,
                             u"[pantalla] No hay una base de datos utilizable (BD/Path: \""_s +
-                                Ajustes::getSetting(u"BD"_s, u"Path"_s) + u"\")"_s +
+                                Ajustes::rutaBaseDatos() + u"\")"_s +
                                 (motivo.isEmpty() ? QString() : u": "_s + motivo) +
                                 u". Sin ventana no se puede mostrar la selección de base de "
                                 u"datos."_s);

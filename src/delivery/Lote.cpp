@@ -2,6 +2,7 @@
 
 #include "base/Conversiones.h"
 #include "base/Error.h"
+#include "base/Movil.h"
 #include "base/Reloj.h"
 #include "delivery/Intercambio.h"
 #include "delivery/qmXMLSend.h"
@@ -20,17 +21,6 @@ const QString kSimulado = u"ENVIO_SIMULADO"_s;
 const QStringList kNumerosSimulados = {u"0034111111111"_s, u"0034222222222"_s, u"0034333333333"_s,
                                        u"0034444444444"_s, u"0034555555555"_s, u"0034666666666"_s,
                                        u"0034777777777"_s, u"0034888888888"_s, u"0034999999999"_s};
-
-// Digits with an optional sign and blanks around them; "1e5" or "6.2"
-// are no telephone numbers.
-bool destinoNumerico(const QString& destino) {
-    const QString t = destino.trimmed();
-    int i = (t.startsWith(u'+') || t.startsWith(u'-')) ? 1 : 0;
-    if (i >= t.size()) return false;
-    for (; i < t.size(); ++i)
-        if (t[i] < u'0' || t[i] > u'9') return false;
-    return true;
-}
 
 constexpr qsizetype kLargoUnico = 160;
 constexpr qsizetype kLargoPieza = 150;
@@ -64,10 +54,9 @@ QString textoCompleto(const QString& mensaje, const Cuenta& cuenta, bool importa
 }
 
 QString normalizarDestino(const QString& abonado) {
-    QString destino = abonado.trimmed();
-    if (!destinoNumerico(destino)) return QString();
-    if (destino.startsWith(u'+')) destino = u"00"_s + destino.mid(1);
-    if (!destino.startsWith(u"00"_s)) destino = u"0034"_s + destino;
+    const Movil::Numero numero = Movil::leer(Movil::Via::Lote, abonado.trimmed());
+    if (!numero.valido()) return QString();
+    QString destino = numero.numero;
     if (kNumerosSimulados.contains(destino)) destino = kSimulado;
     return destino;
 }
@@ -94,7 +83,7 @@ QString remitenteHistorial(const Cuenta& cuenta) {
 }
 
 QString remitenteAGuardar(const QVariant& remopc, const QString& remitente, const QString& movil) {
-    const QString r = numeroDe(remopc) == 1 ? movil.right(9) : remitente;
+    const QString r = numeroDe(remopc) == 1 ? Movil::remitente(movil) : remitente;
     return r + u' ';
 }
 

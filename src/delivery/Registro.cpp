@@ -56,9 +56,7 @@ RespuestaRegistro leer(const QByteArray& respuesta) {
 }  // namespace
 
 QString direccionRegistro() {
-    QString base = Despliegue::plataforma();
-    if (!base.endsWith(u'/')) base += u'/';
-    return Ajustes::getSetting(u"Despliegue"_s, u"Registro"_s, base + u"registro/alta"_s);
+    return Despliegue::registro();
 }
 
 QCoro::Task<RespuestaRegistro> msRegistrarUsuario(SolicitudRegistro s,

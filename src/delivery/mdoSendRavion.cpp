@@ -58,11 +58,11 @@ namespace {
 
 // The watched file's messages join the outbox before the batches are read.
 void importarFicheroVigilado(EstadoAplicacion& g) {
-    const QString ruta = Ajustes::getSetting(u"ImportA"_s, u"Path"_s);
-    QString lista = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    // The watch takes the list and contact option of the manual import.
+    const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Vigilada);
+    QString lista = Ajustes::listaImportacion(Ajustes::Importacion::Mensajes, u"-1"_s);
     if (lista.isEmpty()) lista = u"-1"_s;
-    const bool addContactos =
-        aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
+    const bool addContactos = Ajustes::anadirContactos(Ajustes::Importacion::Mensajes);
     // The flag goes up whether or not the file held anything.
     if (ruta.size() <= 3) return;
     // Whatever the file does, the outbox goes out after it.
@@ -140,7 +140,7 @@ namespace {
 
 // Read anew at each place that asks: the user may switch it during a run.
 bool depuracion() {
-    return Ajustes::getSetting(u"Tr"_s, u"Debug"_s) == u"RXXML"_s;
+    return Ajustes::depurarRespuestas();
 }
 
 // What the platform's comment says, compared in upper case.

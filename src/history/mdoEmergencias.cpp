@@ -3,8 +3,11 @@
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
+#include "base/Movil.h"
 #include "base/Pantallas.h"
+#include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
 #include "scheduling/clsNextTarea.h"
@@ -75,15 +78,10 @@ int32_t codigoDeNombre(const QString& nombre) {
     }
 }
 
-QString numeroEmergencia(const QString& abonado) {
-    if (abonado.startsWith(u'+')) return u"00"_s + abonado.mid(1);
-    if (!abonado.startsWith(u"00"_s)) return u"0034"_s + abonado;
-    return abonado;
-}
-
 int msEnviarEmergencia(int32_t codigo) {
     BaseDatos& bd = Conexion();
-    int puestos = 0;
+    // The compose screen opens on the rows, then hears of them.
+    EntradaBandeja entrada(bd);
     try {
         const ResultadoConsulta destinos =
             bd.query(u"SELECT Abonado, Mensaje FROM AboAuto WHERE Automatico = ? ORDER BY rowid"_s,
@@ -104,12 +102,10 @@ int msEnviarEmergencia(int32_t codigo) {
                 const ResultadoConsulta contacto =
                     bd.query(u"SELECT Canal FROM Abonados WHERE Codigo = ?"_s, {abonado});
                 if (contacto.isEmpty()) continue;
-                const QString numero = numeroEmergencia(abonado);
-                if (numero.isEmpty()) continue;
-                puestos += bd.exec(
-                    u"INSERT INTO envios (Abonado,Mensaje,intento,Registro,Canal) "
-                    u"VALUES (?,?,2,?,?)"_s,
-                    {numero, textoDe(destinos.value(i, 1)), ahora, numeroDe(contacto.value(0, 0))});
+                const QString numero = Movil::leer(Movil::Via::Emergencia, abonado).numero;
+                if (!entrada.poner(numero, textoDe(destinos.value(i, 1)),
+                                   numeroDe(contacto.value(0, 0)), ahora))
+                    msLog(u"Número no válido --> "_s + numero);
             }
             bd.commit();
         } catch (...) {
@@ -121,6 +117,5 @@ int msEnviarEmergencia(int32_t codigo) {
         return -1;
     }
     Pantallas::abrir(u"frmEnvio"_s);
-    Q_EMIT Avisos::instancia().bandejaCambiada();
-    return puestos;
+    return entrada.puestos();
 }

@@ -25,10 +25,6 @@ QList<FilaEmergencia> msCargarEmergencias(bool* completa = nullptr);
 // `nombre` (case not counted, as the names are stored); -1 when none.
 int32_t codigoDeNombre(const QString& nombre);
 
-// The number of a multi-send's recipient as it goes to the outbox: "+"
-// becomes "00", a number without "00" gets Spain's "0034" in front.
-QString numeroEmergencia(const QString& abonado);
-
 // Puts every recipient's own text of multi-send `codigo` into the outbox,
 // through the account of the recipient's contact (recipients no longer in
 // the address book are left out), then shows the compose screen with its

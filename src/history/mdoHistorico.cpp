@@ -5,6 +5,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "db/Bandeja.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -296,19 +297,21 @@ bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QStr
     if (ui().msgBox(pregunta, kPregunta) != Msg::Yes) return false;
     // Today's principal account pays, not the one that sent it first.
     const int16_t canal = msCanalPrincipal();
-    int filas = 0;
-    try {
-        filas = Conexion().exec(
-            u"INSERT INTO envios (Abonado,Mensaje,intento,Registro,Canal) VALUES (?,?,2,?,?)"_s,
-            {numero, mensaje, Reloj::now(), canal});
-    } catch (const ErrorBD&) {
-        filas = 0;
+    bool puesto = false;
+    {
+        // A history row may name no number (a simulated send): the sender
+        // would refuse it for ever.
+        EntradaBandeja entrada(Conexion());
+        try {
+            puesto = entrada.poner(numero, mensaje, canal);
+        } catch (const ErrorBD&) {
+            puesto = false;
+        }
     }
-    if (filas <= 0) {
+    if (!puesto) {
         ui().msgBox(u"No se ha podido reenviar el mensaje"_s, Msg::Exclamation);
         return false;
     }
-    Q_EMIT Avisos::instancia().bandejaCambiada();
     ui().msgBox(
         u"El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene activado el Modo "
         u"Transmisor el mensaje se enviará en unos segundos."_s,

@@ -8,10 +8,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void seleccionarFichero(const QString& seccion, const QString& titulo) {
+void seleccionarFichero(Ajustes::Importacion importacion, const QString& titulo) {
     frmSelectDB pantalla(ventanaPadreModal());
     pantalla.mbImportacion = true;
-    pantalla.msSeccion = seccion;
+    pantalla.importacion = importacion;
     pantalla.setWindowTitle(titulo);
     pantalla.exec();
 }
@@ -26,13 +26,15 @@ void registrarPantallasImportacion() {
         pantalla.exec();
     });
     Pantallas::registrar(u"frmSelectDB.Import"_s, [] {
-        seleccionarFichero(u"Import"_s, u"    Seleccionar fichero de Importación Manual"_s);
+        seleccionarFichero(Ajustes::Importacion::Mensajes,
+                           u"    Seleccionar fichero de Importación Manual"_s);
     });
     Pantallas::registrar(u"frmSelectDB.ImportA"_s, [] {
-        seleccionarFichero(u"ImportA"_s, u"    Seleccionar fichero de Importacion Automática"_s);
+        seleccionarFichero(Ajustes::Importacion::Vigilada,
+                           u"    Seleccionar fichero de Importacion Automática"_s);
     });
     Pantallas::registrar(u"frmSelectDB.ImportUser"_s, [] {
-        seleccionarFichero(u"ImportUser"_s,
+        seleccionarFichero(Ajustes::Importacion::Contactos,
                            u"    Seleccionar fichero de Importación de Contactos"_s);
     });
 }

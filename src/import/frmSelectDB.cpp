@@ -22,7 +22,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShowEvent>
+#include <QStandardItemModel>
 #include <QVBoxLayout>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -124,28 +126,24 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     Cmblista->setCurrentIndex(0);
     Cmblista_Click();
 
-    // Only the six lines of the combo are kept; anything else is 60.
-    const QString leido = Ajustes::getSetting(u"Tr"_s, u"Interval"_s);
-    int linea = 5;
-    if (esNumerico(leido)) {
-        int valor = 0;
-        try {
-            valor = aEntero16(leido);
-        } catch (const ErrorQuelmo&) {
-            // Too large to be an interval: the default below takes over.
-        }
-        if (valor < 2) valor = 60;
-        for (int i = 0; i < 6; ++i)
-            if (kSegundos[i] == valor) linea = i;
+    // The lines under the transmitter's minimum can't be chosen: the cycle
+    // would run every minute instead.
+    auto* lineas = qobject_cast<QStandardItemModel*>(cmbIntervalo->model());
+    for (int i = 0; i < 6; ++i) {
+        if (kSegundos[i] >= Ajustes::kIntervaloMinimo) continue;
+        lineas->item(i)->setEnabled(false);
+        lineas->item(i)->setToolTip(u"El tiempo mínimo es de 15 Segundos."_s);
     }
+    // Opening the screen changes no setting: the combo shows the nearest
+    // line to what is stored, and only a line the user picks is written.
+    const std::optional<int> segundos = Ajustes::intervalo();
+    const int valor = segundos.value_or(Ajustes::kIntervaloDefecto);
+    int linea = 5;
+    for (int i = 0; i < 6; ++i)
+        if (std::abs(kSegundos[i] - valor) < std::abs(kSegundos[linea] - valor)) linea = i;
     cmbIntervalo->setCurrentIndex(linea);
-    Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(kSegundos[linea]));
-    Q_EMIT Avisos::instancia().intervaloLeido(kSegundos[linea]);
-    msSeccion.clear();
-}
-
-QString frmSelectDB::seccion() const {
-    return msSeccion.isEmpty() ? u"Import"_s : msSeccion;
+    m_lineaCargada = linea;
+    if (segundos) Q_EMIT Avisos::instancia().intervaloLeido(*segundos);
 }
 
 void frmSelectDB::showEvent(QShowEvent* event) {
@@ -159,12 +157,13 @@ void frmSelectDB::showEvent(QShowEvent* event) {
 void frmSelectDB::activar() {
     QString ruta;
     if (mbImportacion) {
-        ruta = Ajustes::getSetting(seccion(), u"Path"_s,
-                                   directorioAplicacion() + u"/intercambio.txt"_s);
+        ruta = Ajustes::rutaImportacion(importacion);
+        if (ruta.isEmpty()) ruta = directorioAplicacion() + u"/intercambio.txt"_s;
         m_tituloDialogo = u"Seleccione Fichero de intercambio"_s;
         m_filtroDialogo = u"Ficheros (*.txt);;Todos (*)"_s;
     } else {
-        ruta = Ajustes::getSetting(u"BD"_s, u"Path"_s, rutaBaseDefecto());
+        ruta = Ajustes::rutaBaseDatos();
+        if (ruta.isEmpty()) ruta = rutaBaseDefecto();
         setWindowTitle(u"Seleccionar Base de Datos"_s);
         cmdAdd->setEnabled(false);
         m_tituloDialogo = u"Seleccione su Base de Datos"_s;
@@ -177,7 +176,8 @@ void frmSelectDB::activar() {
     m_opciones->setRowVisible(Chkcontactos, mbImportacion);
     m_opciones->setRowVisible(Cmblista, mbImportacion);
     Cmblista_Click();
-    m_opciones->setRowVisible(cmbIntervalo, mbImportacion && msSeccion == u"ImportA"_s);
+    m_opciones->setRowVisible(cmbIntervalo,
+                              mbImportacion && importacion == Ajustes::Importacion::Vigilada);
     adjustSize();
 }
 
@@ -211,14 +211,13 @@ void frmSelectDB::XPButton1_Click() {
 void frmSelectDB::XPButton2_Click() {
     if (mbImportacion) {
         lblFichero->clear();
-        Ajustes::saveSetting(seccion(), u"Path"_s, QString());
+        Ajustes::guardarRutaImportacion(importacion, QString());
         // Until the program restarts or the switch starts it again.
         Q_EMIT Avisos::instancia().cicloDetenido();
     } else {
         msAceptarBD();
     }
     m_cerrando = true;
-    msSeccion.clear();
     QDialog::done(QDialog::Rejected);
 }
 
@@ -238,7 +237,6 @@ void frmSelectDB::cerrarCon(bool aceptar) {
     else
         msAceptarBD();
     m_cerrando = true;
-    msSeccion.clear();
     QDialog::done(aceptar ? QDialog::Accepted : QDialog::Rejected);
 }
 
@@ -261,22 +259,21 @@ void frmSelectDB::msAceptarBD() {
         ui().msgBox(u"Imposible conectar con la base de datos"_s, Msg::Exclamation);
         return;
     }
-    Ajustes::saveSetting(u"BD"_s, u"Path"_s, ruta);
+    Ajustes::guardarRutaBaseDatos(ruta);
     // Every open screen shows the other file's accounts and outbox.
     Q_EMIT Avisos::instancia().cuentasCambiadas();
     Q_EMIT Avisos::instancia().bandejaCambiada();
 }
 
 void frmSelectDB::msAceptarImportacion(bool aceptar) {
-    const QString s = seccion();
     if (!aceptar) {
         // Cancelling ends the choice; for the watch it ends the watch.
-        Ajustes::saveSetting(s, u"Path"_s, QString());
+        Ajustes::guardarRutaImportacion(importacion, QString());
         return;
     }
     const QString ruta = lblFichero->text();
     if (ruta.isEmpty()) return;
-    Ajustes::saveSetting(s, u"Path"_s, ruta);
+    Ajustes::guardarRutaImportacion(importacion, ruta);
     QString textoLista;
     if (Cmblista->currentIndex() == 0)
         textoLista = u"-1"_s;
@@ -284,16 +281,17 @@ void frmSelectDB::msAceptarImportacion(bool aceptar) {
         textoLista = lista->text();
     else
         textoLista = msCodigoListaPorNombre(Cmblista->currentText().mid(6));
-    Ajustes::saveSetting(s, u"Lista"_s, textoLista);
-    Ajustes::saveSetting(s, u"AddContactos"_s, Chkcontactos->isChecked() ? u"1"_s : u"0"_s);
+    Ajustes::guardarListaImportacion(importacion, textoLista, Chkcontactos->isChecked());
     guardarIntervalo();
 }
 
 void frmSelectDB::guardarIntervalo() {
-    // Every section stores it, also where the combo is hidden: it then
-    // repeats the value stored before.
-    const int segundos = segundosDeLinea(cmbIntervalo->currentIndex());
-    Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, QString::number(segundos));
-    // The new interval counts from now.
-    Q_EMIT Avisos::instancia().intervaloCambiado(segundos);
+    // Only a line the user picked is written: a hidden or untouched combo
+    // leaves an interval set in Options (120, say) as it was.
+    const bool elegido =
+        cmbIntervalo->isVisibleTo(this) && cmbIntervalo->currentIndex() != m_lineaCargada;
+    if (elegido) Ajustes::guardarIntervalo(segundosDeLinea(cmbIntervalo->currentIndex()));
+    // Whatever the interval, it counts from now.
+    if (const std::optional<int> segundos = Ajustes::intervalo())
+        Q_EMIT Avisos::instancia().intervaloCambiado(*segundos);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Ajustes.h"
+
 #include <QDialog>
 
 class QCheckBox;
@@ -21,8 +23,7 @@ class frmSelectDB : public QDialog {
 
     // Set by the caller before the screen comes up.
     bool mbImportacion = false;
-    // "Import", "ImportA" or "ImportUser"; empty stands for "Import".
-    QString msSeccion;
+    Ajustes::Importacion importacion = Ajustes::Importacion::Mensajes;
 
     // The seconds that each line of cmbIntervalo stands for.
     static int segundosDeLinea(int linea);
@@ -33,7 +34,6 @@ class frmSelectDB : public QDialog {
 
   private:
     void activar();
-    QString seccion() const;
     void Cmblista_Click();
     void cmdexaminar_Click();
     void XPButton1_Click();
@@ -44,6 +44,7 @@ class frmSelectDB : public QDialog {
     void guardarIntervalo();
 
     bool m_activada = false;
+    int m_lineaCargada = -1;
     bool m_cerrando = false;
     QString m_tituloDialogo;
     QString m_filtroDialogo;

@@ -6,8 +6,10 @@
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
+#include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
 
@@ -50,6 +52,8 @@ struct Tramo {
     QString sello;
     QString ahora;
     QHash<QString, bool> cuentas;
+    // Its rows: the screens hear of them once the stretch is over.
+    EntradaBandeja entrada{Conexion()};
 };
 Tramo* g_tramo = nullptr;
 
@@ -83,12 +87,6 @@ QVariant valorCuenta(const QString& cuenta) {
     const double v = aNumero(cuenta);
     if (std::floor(v) == v && std::fabs(v) < 1e15) return qlonglong(v);
     return v;
-}
-
-QString normalizarNumero(const QString& numero) {
-    if (numero.startsWith(u"34"_s)) return u"00"_s + numero;
-    if (!numero.startsWith(u"00"_s)) return u"0034"_s + numero;
-    return numero;
 }
 
 // How many contacts bear the alias, compared as names are.
@@ -148,8 +146,9 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
         return Linea::Abandonada;
     }
 
-    numero = normalizarNumero(numero);
-    if (numero.startsWith(u"0034"_s) && (numero.size() != 13 || numero.at(4) != u'6')) {
+    const Movil::Numero leido = Movil::leer(Movil::Via::Importacion, numero);
+    numero = leido.numero;
+    if (!leido.valido()) {
         registrar(u"ERROR en número de movil para el Destino : "_s + numero);
         return Linea::Mal;
     }
@@ -159,13 +158,17 @@ Linea importarLinea(const QString& cuentaCampo, const QString& numeroCampo,
     if (!contactos) {
         // A contact made from a message line is named by its number.
         alias = numero;
+        std::optional<EntradaBandeja> propia;
+        EntradaBandeja& entrada = g_tramo ? g_tramo->entrada : propia.emplace(Conexion());
         try {
-            Conexion().exec(
-                u"Insert Into envios (Registro,Canal,Abonado,Mensaje,intento) values (?,?,?,?,2)"_s,
-                {g_tramo ? QVariant(g_tramo->ahora) : QVariant(Reloj::now()), valorCuenta(cuenta),
-                 numero, texto});
-            registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " + texto);
-            resultado = Linea::Bien;
+            if (entrada.poner(numero, texto, valorCuenta(cuenta),
+                              g_tramo ? QVariant(g_tramo->ahora) : QVariant())) {
+                registrar(u"Mensaje Importado para el Destino : "_s + numero + u", Texto: " +
+                          texto);
+                resultado = Linea::Bien;
+            } else {
+                registrar(u"ERROR en número de movil para el Destino : "_s + numero);
+            }
         } catch (const ErrorQuelmo& e) {
             registrar(u"Mensaje NO Importado para el Destino : "_s + numero + u", Texto: " + texto);
             registrar(u"No se pudo escribir en la base de datos: "_s + causaDeError(e));
@@ -520,7 +523,6 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
     }
     msLog(u"Importados "_s + QString::number(p.correctas) + u' ' + clase(contactos) + u" de " +
           QString::number(p.vistas));
-    if (p.correctas > 0 && !contactos) Q_EMIT Avisos::instancia().bandejaCambiada();
     return alguna ? Final::Completa : Final::SinLineas;
 }
 
@@ -832,7 +834,7 @@ ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool b
 }
 
 bool msImportarManual() {
-    const QString ruta = Ajustes::getSetting(u"Import"_s, u"Path"_s);
+    const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Mensajes);
     if (ruta.size() <= 3) return false;
     msImportarMensajesDe(ruta);
     estadoAplicacion().gbImportado = true;
@@ -844,7 +846,8 @@ ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& list
     // its list. The saved one goes through a number and back: a name
     // becomes the empty text, which asks for a list with a default name.
     QString lista = listaDada;
-    const QString listaGuardada = Ajustes::getSetting(u"Import"_s, u"Lista"_s, u"-1"_s);
+    const QString listaGuardada =
+        Ajustes::listaImportacion(Ajustes::Importacion::Mensajes, u"-1"_s);
     if (lista.isNull() && esNumerico(listaGuardada)) {
         try {
             lista = QString::number(aEntero16(listaGuardada));
@@ -852,17 +855,12 @@ ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& list
             // A stored value too large for a list code means no list.
         }
     }
-    bool anadir = false;
-    try {
-        anadir = aBooleano(Ajustes::getSetting(u"Import"_s, u"AddContactos"_s, u"false"_s));
-    } catch (const ErrorQuelmo&) {
-        // A value mangled by hand adds no contacts, as if never set.
-    }
-    return msImportarFichero(ruta, false, false, lista, anadir);
+    return msImportarFichero(ruta, false, false, lista,
+                             Ajustes::anadirContactos(Ajustes::Importacion::Mensajes));
 }
 
 bool msImportarContactos() {
-    const QString ruta = Ajustes::getSetting(u"ImportUser"_s, u"Path"_s);
+    const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Contactos);
     if (ruta.size() <= 3) return false;
     msImportarContactosDe(ruta);
     return true;
@@ -871,7 +869,7 @@ bool msImportarContactos() {
 ResumenImportacion msImportarContactosDe(const QString& ruta, const QString& lista) {
     return msImportarFichero(
         ruta, true, false,
-        lista.isNull() ? Ajustes::getSetting(u"ImportUser"_s, u"Lista"_s) : lista, true);
+        lista.isNull() ? Ajustes::listaImportacion(Ajustes::Importacion::Contactos) : lista, true);
 }
 
 QStringList msListasSeleccion() {

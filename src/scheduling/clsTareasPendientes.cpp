@@ -4,7 +4,10 @@
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
+#include "base/Movil.h"
+#include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
 #include "scheduling/clsNextTarea.h"
@@ -64,19 +67,16 @@ void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDate
     QString numero;
     QString mensaje;
     int16_t canal = 0;
+    EntradaBandeja entrada(db);
     for (int i = 0; i < destinos.recordCount(); ++i) {
         // Each recipient has its own text, and goes out through its
         // contact's account.
         numero = textoDe(destinos.value(i, 0));
         mensaje = textoDe(destinos.value(i, 1));
         ejecutar(pasarFallos, [&] { canal = aEntero16(destinos.value(i, 2)); });
-        if (numero.startsWith(u'+')) numero.replace(u"+"_s, u"00"_s);
-        if (esNumerico(numero) && !numero.startsWith(u"00"_s)) numero.prepend(u"0034"_s);
-        // Bound values: an apostrophe in the text arrives as it is.
+        numero = Movil::leer(Movil::Via::Programado, numero).numero;
         ejecutar(pasarFallos, [&] {
-            db.exec(
-                u"insert into envios (abonado,mensaje,canal,intento,registro) values (?,?,?,2,?)"_s,
-                {numero, mensaje, canal, Reloj::now()});
+            if (!entrada.poner(numero, mensaje, canal)) msLog(u"Número no válido --> "_s + numero);
         });
         // Once for each recipient, not once for the run.
         ejecutar(pasarFallos, [&] {

@@ -67,6 +67,9 @@ class TestGuiOpciones : public QObject {
                                      << tiempo + u"\nEl tiempo mínimo es de 15 Segundos."_s;
         QTest::newRow("interval empty") << u"50"_s << u""_s << u""_s << u""_s << tiempo;
         QTest::newRow("interval 15") << u"50"_s << u"15"_s << u""_s << u""_s << QString();
+        // Longer than the cycle can run by would stop it.
+        QTest::newRow("interval 32767") << u"50"_s << u"32767"_s << u""_s << u""_s << QString();
+        QTest::newRow("interval 32768") << u"50"_s << u"32768"_s << u""_s << u""_s << tiempo;
         QTest::newRow("interval 15.5 as typed")
             << u"50"_s << u"15.5"_s << u""_s << u""_s << QString();
         QTest::newRow("interval with a decimal comma")

@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -96,17 +97,20 @@ class TestSeleccion : public QObject {
         ui = nullptr;
     }
 
+    // Opening the screen writes nothing: the combo shows the line nearest
+    // to the interval the transmitter runs by (below 15 or unreadable is
+    // 60), and the timer hears that interval.
     void intervaloAlCargar_data() {
         QTest::addColumn<QString>("guardado");
         QTest::addColumn<int>("linea");
-        QTest::addColumn<int>("segundos");
-        QTest::newRow("7 no es de la lista") << u"7"_s << 5 << 60;
-        QTest::newRow("1 cuenta como 60") << u"1"_s << 5 << 60;
+        QTest::addColumn<int>("segundos");  // heard by the timer; 0 for nothing
+        QTest::newRow("7 is under the minimum") << u"7"_s << 5 << 60;
         QTest::newRow("abc") << u"abc"_s << 5 << 60;
-        QTest::newRow("nunca guardado") << QString() << 5 << 60;
-        QTest::newRow("demasiado grande") << u"99999"_s << 5 << 60;
-        QTest::newRow("5") << u"5"_s << 0 << 5;
+        QTest::newRow("never set") << QString() << 5 << 60;
+        QTest::newRow("too large stops the cycle") << u"99999"_s << 5 << 0;
         QTest::newRow("45") << u"45"_s << 4 << 45;
+        QTest::newRow("40 shows its nearest line") << u"40"_s << 4 << 40;
+        QTest::newRow("120 set in Options") << u"120"_s << 5 << 120;
     }
     void intervaloAlCargar() {
         QFETCH(QString, guardado);
@@ -115,10 +119,14 @@ class TestSeleccion : public QObject {
         if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, guardado);
         QSignalSpy aviso(&Avisos::instancia(), &Avisos::intervaloLeido);
         frmSelectDB pantalla;
-        QCOMPARE(hijo<QComboBox>(&pantalla, u"cmbIntervalo"_s)->currentIndex(), linea);
-        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), QString::number(segundos));
-        QCOMPARE(aviso.size(), 1);
-        QCOMPARE(aviso.at(0).at(0).toInt(), segundos);
+        auto* combo = hijo<QComboBox>(&pantalla, u"cmbIntervalo"_s);
+        QCOMPARE(combo->currentIndex(), linea);
+        QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), guardado);
+        QCOMPARE(aviso.size(), segundos ? 1 : 0);
+        if (segundos) QCOMPARE(aviso.at(0).at(0).toInt(), segundos);
+        // 5 and 10 seconds are under the transmitter's minimum.
+        auto* lineas = qobject_cast<QStandardItemModel*>(combo->model());
+        for (int i = 0; i < 6; ++i) QCOMPARE(lineas->item(i)->isEnabled(), i >= 2);
     }
 
     void modos_data() {
@@ -198,20 +206,20 @@ class TestSeleccion : public QObject {
         const QString f = u"{f}"_s;
         QTest::newRow("sin lista")
             << u"frmSelectDB.Import"_s << u"No Añadir a Lista"_s << QString() << false
-            << u"cmdAdd"_s << u"Import"_s << QStringList{f, u"-1"_s, u"0"_s, u"60"_s};
+            << u"cmdAdd"_s << u"Import"_s << QStringList{f, u"-1"_s, u"0"_s, u"120"_s};
         QTest::newRow("lista nueva sin nombre")
             << u"frmSelectDB.ImportUser"_s << u"Nueva Lista"_s << QString() << true << u"cmdAdd"_s
-            << u"ImportUser"_s << QStringList{f, QString(), u"1"_s, u"60"_s};
+            << u"ImportUser"_s << QStringList{f, QString(), u"1"_s, u"120"_s};
         QTest::newRow("lista nueva con nombre")
             << u"frmSelectDB.Import"_s << u"Nueva Lista"_s << u"Clientes"_s << false << u"cmdAdd"_s
-            << u"Import"_s << QStringList{f, u"Clientes"_s, u"0"_s, u"60"_s};
+            << u"Import"_s << QStringList{f, u"Clientes"_s, u"0"_s, u"120"_s};
         QTest::newRow("lista con apóstrofo")
             << u"frmSelectDB.Import"_s << u"004 - L'Hospitalet"_s << QString() << false
-            << u"cmdAdd"_s << u"Import"_s << QStringList{f, u"4"_s, u"0"_s, u"60"_s};
+            << u"cmdAdd"_s << u"Import"_s << QStringList{f, u"4"_s, u"0"_s, u"120"_s};
         // Two lists of one name: the lookup returns the first the engine gives.
         QTest::newRow("nombre repetido")
             << u"frmSelectDB.Import"_s << u"009 - Dup"_s << QString() << false << u"cmdAdd"_s
-            << u"Import"_s << QStringList{f, u"2"_s, u"0"_s, u"60"_s};
+            << u"Import"_s << QStringList{f, u"2"_s, u"0"_s, u"120"_s};
         QTest::newRow("vigilancia cada 20 segundos")
             << u"frmSelectDB.ImportA"_s << u"No Añadir a Lista"_s << QString() << false
             << u"cmdAdd"_s << u"ImportA"_s << QStringList{f, u"-1"_s, u"0"_s, u"20"_s};
@@ -219,11 +227,11 @@ class TestSeleccion : public QObject {
         QTest::newRow("cancelar la vigilancia")
             << u"frmSelectDB.ImportA"_s << u"No Añadir a Lista"_s << QString() << false
             << u"cmdClose"_s << u"ImportA"_s
-            << QStringList{QString(), u"antes"_s, u"antes"_s, u"60"_s};
+            << QStringList{QString(), u"antes"_s, u"antes"_s, u"120"_s};
         QTest::newRow("anular la importación")
             << u"frmSelectDB.ImportA"_s << u"No Añadir a Lista"_s << QString() << false
             << u"XPButton2"_s << u"ImportA"_s
-            << QStringList{QString(), u"antes"_s, u"antes"_s, u"60"_s};
+            << QStringList{QString(), u"antes"_s, u"antes"_s, u"120"_s};
     }
     void aceptarImportacion() {
         QFETCH(QString, nombre);
@@ -240,6 +248,8 @@ class TestSeleccion : public QObject {
         guardado.replaceInStrings(u"{f}"_s, f);
         for (const QString& clave : {u"Path"_s, u"Lista"_s, u"AddContactos"_s})
             Ajustes::saveSetting(seccion, clave, u"antes"_s);
+        // Set in Options: only a line the user picks replaces it.
+        Ajustes::saveSetting(u"Tr"_s, u"Interval"_s, u"120"_s);
         QSignalSpy detenido(&Avisos::instancia(), &Avisos::cicloDetenido);
         QSignalSpy intervalo(&Avisos::instancia(), &Avisos::intervaloCambiado);
         conPantalla(nombre, [&](QDialog* d) {
