@@ -60,9 +60,11 @@ void avisarSinVerificar() {
         Msg::Exclamation);
 }
 
-// A balance the platform did not give is unknown, never an error code.
-QVariant saldoConocido(const QString& saldo) {
-    return esNumerico(saldo) && numeroDe(saldo) >= 0 ? QVariant(saldo) : QVariant();
+// A balance the platform did not give is unknown, never a number.
+QVariant saldoConocido(const Saldo& saldo) {
+    return saldo.conocido() && esNumerico(saldo.creditos) && numeroDe(saldo.creditos) >= 0
+               ? QVariant(saldo.creditos)
+               : QVariant();
 }
 
 }  // namespace
@@ -243,12 +245,11 @@ bool msEliminarCuenta(int16_t canal) {
 }
 
 QCoro::Task<> msVerSaldo(int16_t canal, Transporte::Cancelacion cancelacion) {
-    const QString r = co_await SendAutCuenta(canal, cancelacion);
+    const Saldo r = co_await SendAutCuenta(canal, cancelacion);
     if (cancelacion.cancelada()) co_return;
-    const long long n = esNumerico(r) ? numeroDe(r) : 0;
-    if (n == -1)
+    if (r.estado == Saldo::Estado::Denegado)
         ui().msgBox(kDenegada, Msg::Critical | Msg::DefaultButton2);
-    else if (n == -2)
+    else if (r.estado == Saldo::Estado::Fallido)
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a "
             u"Internet.\n"_s +
@@ -300,12 +301,13 @@ QCoro::Task<Guardado> msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t cana
     // A number left from an earlier exchange must not be stored with this
     // account when the platform can't be reached.
     estadoAplicacion().MovilCuenta.clear();
-    QString saldo = co_await msConsultarSaldo(d.usuario, d.clave, QString(), cancelacion);
+    Saldo saldo = co_await msConsultarSaldo(d.usuario, d.clave, QString(), cancelacion);
     // The editor was closed while the platform was asked: nothing is saved.
     if (cancelacion.cancelada()) co_return Guardado::Descartada;
-    const bool sinVerificar = saldo == u"-2"_s;
-    if (saldo == u"-1"_s) {
-        saldo = u"0"_s;
+    const bool sinVerificar = saldo.estado == Saldo::Estado::Fallido;
+    if (saldo.estado == Saldo::Estado::Denegado) {
+        // Kept against the platform's word: no credit is known to it.
+        saldo = Saldo{Saldo::Estado::Conocido, u"0"_s};
         if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
                         Msg::YesNo | Msg::Critical | Msg::DefaultButton2) != Msg::Yes)
             co_return Guardado::Descartada;
@@ -370,7 +372,7 @@ QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
     return QString();
 }
 
-bool NewChannel(const QString& saldo, const QString& usuario, const QString& clave) {
+bool NewChannel(const Saldo& saldo, const QString& usuario, const QString& clave) {
     try {
         BaseDatos& db = Conexion();
         const ResultadoConsulta r = db.query(u"Select max(canal)+1 from canales"_s);
@@ -399,10 +401,10 @@ QCoro::Task<AltaInicial> msAltaInicial(QString usuario, QString clave, QString c
         co_return AltaInicial::Invalida;
     }
     estadoAplicacion().MovilCuenta.clear();
-    const QString saldo = co_await msConsultarSaldo(usuario, clave, QString(), cancelacion);
+    const Saldo saldo = co_await msConsultarSaldo(usuario, clave, QString(), cancelacion);
     if (cancelacion.cancelada()) co_return AltaInicial::Invalida;
     // Unreached is not refused: the account is written, but not called a success.
-    if (saldo == u"-1"_s) {
+    if (saldo.estado == Saldo::Estado::Denegado) {
         ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
         co_return AltaInicial::Invalida;
     }
@@ -412,7 +414,7 @@ QCoro::Task<AltaInicial> msAltaInicial(QString usuario, QString clave, QString c
         msMostrarSeleccionBD();
         co_return AltaInicial::FalloBase;
     }
-    if (saldo == u"-2"_s) {
+    if (saldo.estado == Saldo::Estado::Fallido) {
         avisarSinVerificar();
         avisarCambio();
         co_return AltaInicial::SinVerificar;

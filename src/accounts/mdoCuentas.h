@@ -8,6 +8,8 @@
 #include <QString>
 #include <cstdint>
 
+struct Saldo;
+
 // The routines of the accounts held on the platform: which exist, which is
 // principal, how one is stored after the platform was asked about it, and
 // how the first one comes about. The account screens call these and hold
@@ -100,7 +102,7 @@ QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
 // Writes the first-run account row (principal, fixed defaults, code max+1 or
 // 0). False when the database refused it; a database of the wrong kind is
 // told in a box.
-bool NewChannel(const QString& saldo, const QString& usuario, const QString& clave);
+bool NewChannel(const Saldo& saldo, const QString& usuario, const QString& clave);
 
 enum class AltaInicial {
     Hecha,         // account written and the success told; the form closes

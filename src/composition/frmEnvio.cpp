@@ -470,15 +470,15 @@ void frmEnvio::cmdEnviar_Click() {
 
 QCoro::Task<> frmEnvio::cmdSaldo_Click() {
     const Intercambio::Encargo encargo(this);
-    const QString saldo = co_await SendAutCuenta(int16_t(canalElegido()), encargo.cancelacion());
+    const Saldo saldo = co_await SendAutCuenta(int16_t(canalElegido()), encargo.cancelacion());
     // Closed meanwhile: the screen is gone, and so is the answer.
     if (encargo.abandonada()) co_return;
-    if (saldo.isEmpty() || saldo == u"-1"_s) {
+    if (saldo.estado == Saldo::Estado::Denegado || saldo.estado == Saldo::Estado::Error) {
         ui().msgBox(
             u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté "
             u"ACTIVA."_s,
             Msg::Critical);
-    } else if (saldo == u"-2"_s) {
+    } else if (saldo.estado == Saldo::Estado::Fallido) {
         ui().msgBox(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su "
             u"conexión a Internet.\n"_s +

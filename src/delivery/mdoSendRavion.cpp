@@ -480,8 +480,8 @@ void msAvisoVersionLog() {
           Despliegue::web() + u" para descargarla."_s);
 }
 
-QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString host,
-                                      Transporte::Cancelacion cancelacion) {
+QCoro::Task<Saldo> msConsultarSaldo(QString usuario, QString clave, QString host,
+                                    Transporte::Cancelacion cancelacion) {
     EstadoAplicacion& g = estadoAplicacion();
     const SecretoOculto oculta(clave);
     g_causaFallo.clear();
@@ -517,10 +517,10 @@ QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString ho
         msAvisoVersion();
         if (resultado == 1) {
             msLog(comentario + u"    Saldo Disponible: "_s + saldo + u" SMS"_s);
-            co_return saldo;
+            co_return Saldo{Saldo::Estado::Conocido, saldo};
         }
         msLog(comentario);
-        co_return u"-1"_s;
+        co_return Saldo{Saldo::Estado::Denegado, {}};
     } catch (const ErrorQuelmo& e) {
         // The old words where they hold, then what failed.
         g_causaFallo = Transporte::descripcion(transporte);
@@ -528,7 +528,7 @@ QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString ho
             msLog(u"Error de conexión. Revise el estado de su conexión a Internet."_s);
         if (g_causaFallo.isEmpty()) g_causaFallo = e.description();
         msLog(g_causaFallo);
-        co_return u"-2"_s;
+        co_return Saldo{Saldo::Estado::Fallido, {}};
     }
 }
 
@@ -544,9 +544,9 @@ bool msImportacionFallida() {
     return g_importacionFallida;
 }
 
-QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion) {
+QCoro::Task<Saldo> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion) {
     try {
-        QString resultado = u"0"_s;
+        Saldo resultado{Saldo::Estado::SinCuenta, {}};
         const ResultadoConsulta cuenta =
             Conexion().query(u"Select * from canales where canal = ?"_s, {canal});
         if (cuenta.recordCount() == 1) {
@@ -557,11 +557,11 @@ QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancel
             resultado = co_await msConsultarSaldo(textoDe(cuenta.value(0, u"usuario"_s)), clave,
                                                   host, cancelacion);
             // The screen that asked has closed: nothing is stored for it.
-            if (cancelacion.cancelada()) co_return QString();
+            if (cancelacion.cancelada()) co_return Saldo{};
             // A refused or failed query keeps the stored balance and sender.
-            if (resultado != u"-2"_s && resultado != u"-1"_s)
+            if (resultado.conocido())
                 Lote::actualizarCuenta(
-                    Conexion(), canal, resultado,
+                    Conexion(), canal, resultado.creditos,
                     Lote::remitenteAGuardar(cuenta.value(0, u"remopc"_s),
                                             textoDe(cuenta.value(0, u"Remitente"_s)).trimmed(),
                                             estadoAplicacion().MovilCuenta),
@@ -570,7 +570,7 @@ QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancel
         co_return resultado;
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error en SendAutCuenta: "_s + e.description());
-        co_return QString();
+        co_return Saldo{};
     }
 }
 

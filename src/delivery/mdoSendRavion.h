@@ -37,14 +37,26 @@ QCoro::Task<int> msEnviarLote(int16_t canal, bool importado, MedidaLote* medida 
 // The batch size from the options: 1 to 500, else 25.
 int16_t msMaxLote();
 
-// Balance of an account given by user, password (in clear) and host: the
-// balance as text, "-1" refused, "-2" failed (or given up through
-// `cancelacion`). An empty host becomes the platform's default web address.
-QCoro::Task<QString> msConsultarSaldo(QString usuario, QString clave, QString host,
-                                      Transporte::Cancelacion cancelacion = {});
-// The same for a stored account, storing what the platform reports; a null
-// string after a failure of ours, or when `cancelacion` gave it up.
-QCoro::Task<QString> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion = {});
+// What a balance query came to.
+struct Saldo {
+    enum class Estado {
+        Conocido,   // the platform took the user: `creditos` is the balance
+        Denegado,   // the platform refused the user or the password
+        Fallido,    // no usable answer, or given up; msCausaFallo() says why
+        SinCuenta,  // no stored account of that code: nothing was asked
+        Error,      // a failure of ours (logged), or the asker went away
+    };
+    Estado estado = Estado::Error;
+    QString creditos;  // the platform's text, a number
+    bool conocido() const { return estado == Estado::Conocido; }
+};
+
+// Balance of an account given by user, password (in clear) and host. An
+// empty host becomes the platform's default web address.
+QCoro::Task<Saldo> msConsultarSaldo(QString usuario, QString clave, QString host,
+                                    Transporte::Cancelacion cancelacion = {});
+// The same for a stored account, storing what the platform reports.
+QCoro::Task<Saldo> SendAutCuenta(int16_t canal, Transporte::Cancelacion cancelacion = {});
 
 // Asks (at the screen, without waiting for the answer) or logs (in a run)
 // when a newer release is offered.

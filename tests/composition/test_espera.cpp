@@ -50,7 +50,7 @@ class TestEspera : public QObject {
         sonda.setInterval(20);
         QObject::connect(&sonda, &QTimer::timeout, [&] { ++vueltas; });
         sonda.start();
-        QCOMPARE(QCoro::waitFor(SendAutCuenta(1)), u"100"_s);
+        QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(1))), u"100"_s);
         // Some 75 turns in 1.5 s; a window that waited would see none.
         QVERIFY2(vueltas > 20, qPrintable(QString::number(vueltas)));
         QCOMPARE(cuantos(u"SELECT Saldo FROM Canales WHERE Canal=1"_s), 100LL);

@@ -589,7 +589,7 @@ class TestDelivery : public QObject {
         InterfazGuionada ui;
         auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
         anadirCuenta(sim->host());
-        QCOMPARE(QCoro::waitFor(SendAutCuenta(1)), QString());
+        QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(1))), u"error"_s);
         QVERIFY2(registroContiene(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
                                   "plataforma: 'abc'"_s),
                  qPrintable(estadoAplicacion().log.lines().join(u'\n')));
@@ -627,12 +627,12 @@ class TestDelivery : public QObject {
                                          << int(Msg::No) << web + u"/quelmo_sms.php"_s;
         QTest::newRow("higher, cancel")
             << u"demo"_s << true << u"400"_s << u"100"_s << ok << int(Msg::Cancel) << QString();
-        QTest::newRow("refused") << u"mala"_s << true << QString() << u"-1"_s
+        QTest::newRow("refused") << u"mala"_s << true << QString() << u"denegado"_s
                                  << u"Usuario o clave incorrectos"_s << 0 << QString();
         QTest::newRow("no connection")
-            << u"demo"_s << false << QString() << u"-2"_s << sinConexion << 0 << QString();
+            << u"demo"_s << false << QString() << u"fallido"_s << sinConexion << 0 << QString();
         QTest::newRow("version not a number")
-            << u"demo"_s << true << u"3x"_s << u"-2"_s << sinConexion << 0 << QString();
+            << u"demo"_s << true << u"3x"_s << u"fallido"_s << sinConexion << 0 << QString();
     }
     void balanceQuery() {
         QFETCH(QString, clave);
@@ -647,10 +647,11 @@ class TestDelivery : public QObject {
         auto sim = simulador(configuracion(u"version="_s + version));
         if (!conectar) sim->detener();
         QString host = sim->host();
-        QCOMPARE(QCoro::waitFor(msConsultarSaldo(u"demo"_s, clave, host)), resultado);
+        QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, clave, host))),
+                 resultado);
         QVERIFY2(registroContiene(u" - "_s + linea), qPrintable(estadoAplicacion().log.last()));
         // A failure ends with the line that names it, which the boxes repeat.
-        if (resultado == u"-2"_s) {
+        if (resultado == u"fallido"_s) {
             QVERIFY(!msCausaFallo().isEmpty());
             QVERIFY2(estadoAplicacion().log.last().endsWith(u" - "_s + msCausaFallo()),
                      qPrintable(estadoAplicacion().log.last()));
@@ -684,7 +685,8 @@ class TestDelivery : public QObject {
         InterfazGuionada ui;
         auto sim = simulador();
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
-        QCOMPARE(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString())), u"100"_s);
+        QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString()))),
+                 u"100"_s);
     }
 
     void storedAccountBalance_data() {
@@ -695,8 +697,8 @@ class TestDelivery : public QObject {
         QTest::addColumn<bool>("guardado");
         QTest::newRow("accepted") << 1 << u"demo"_s << u"100"_s << u"100"_s << true;
         QTest::newRow("zero balance is a success") << 1 << u"demo"_s << u"0"_s << u"0"_s << true;
-        QTest::newRow("refused") << 1 << u"mala"_s << u"100"_s << u"-1"_s << false;
-        QTest::newRow("unknown account") << 9 << u"demo"_s << u"100"_s << u"0"_s << false;
+        QTest::newRow("refused") << 1 << u"mala"_s << u"100"_s << u"denegado"_s << false;
+        QTest::newRow("unknown account") << 9 << u"demo"_s << u"100"_s << u"sin cuenta"_s << false;
     }
     void storedAccountBalance() {
         QFETCH(int, canal);
@@ -707,7 +709,7 @@ class TestDelivery : public QObject {
         InterfazGuionada ui;
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
-        QCOMPARE(QCoro::waitFor(SendAutCuenta(int16_t(canal))), resultado);
+        QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(int16_t(canal)))), resultado);
         const ResultadoConsulta c =
             Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
         QCOMPARE(c.value(0, 0).toString(), guardado ? saldoSim : u"7"_s);

@@ -257,7 +257,7 @@ class TestTransporte : public QObject {
     // One transmitter run and one balance query of the account.
     QString enviarYConsultar() {
         QCoro::waitFor(SendMessage());
-        return QCoro::waitFor(SendAutCuenta(1));
+        return prueba::saldo(QCoro::waitFor(SendAutCuenta(1)));
     }
     // What a run that could not deliver leaves: every row, no history, the
     // balance it had, the cause in the log and no blame on the Internet
@@ -268,7 +268,7 @@ class TestTransporte : public QObject {
         QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 0);
         QCOMPARE(cuantos(u"select Saldo from Canales"_s), 7);
         QCOMPARE(msLotesSinEntregar(), 1);
-        QCOMPARE(saldo, u"-2"_s);
+        QCOMPARE(saldo, u"fallido"_s);
         QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
         QVERIFY2(registroContiene(linea), qPrintable(registro()));
         QVERIFY2(!registroContiene(kInternet), qPrintable(registro()));
@@ -370,7 +370,7 @@ class TestTransporte : public QObject {
     void nameNotResolved() {
         InterfazGuionada ui;
         anadirCuenta(u"http://plataforma.invalid"_s);
-        QCOMPARE(enviarYConsultar(), u"-2"_s);
+        QCOMPARE(enviarYConsultar(), u"fallido"_s);
         QCOMPARE(msLotesSinEntregar(), 1);
         const QString linea =
             u"No se pudo resolver el nombre de la plataforma: Could not resolve "

@@ -271,4 +271,20 @@ QStringList cajas(const InterfazGuionada& ui) {
     return t;
 }
 
+QString saldo(const Saldo& s) {
+    switch (s.estado) {
+        case Saldo::Estado::Conocido:
+            return s.creditos;
+        case Saldo::Estado::Denegado:
+            return u"denegado"_s;
+        case Saldo::Estado::Fallido:
+            return u"fallido"_s;
+        case Saldo::Estado::SinCuenta:
+            return u"sin cuenta"_s;
+        case Saldo::Estado::Error:
+            return u"error"_s;
+    }
+    return {};
+}
+
 }  // namespace prueba

@@ -6,6 +6,7 @@
 #include "base/Pantallas.h"
 #include "db/BaseDatos.h"
 #include "db/Conexion.h"
+#include "delivery/mdoSendRavion.h"
 
 #include <QDateTime>
 #include <QList>
@@ -178,5 +179,8 @@ long long cuantos(const QString& sql, const QVariantList& params = {});
 // Message boxes as "style text", so one comparison checks both.
 QString caja(int estilo, const QString& texto);
 QStringList cajas(const InterfazGuionada& ui);
+
+// A balance query's outcome in one word, or its credits when known.
+QString saldo(const Saldo& s);
 
 }  // namespace prueba
