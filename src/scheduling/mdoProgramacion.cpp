@@ -7,6 +7,8 @@
 #include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
+#include "db/Transaccion.h"
+#include "scheduling/ProximasTareas.h"
 #include "scheduling/clsNextTarea.h"
 
 #include <QLocale>
@@ -225,47 +227,88 @@ QString descripcionPrograma(const Programa& p) {
 
 // ---- The list of multi-sends -----------------------------------------------
 
+namespace {
+
+// The stored form as wall-clock parts, without the time-zone look-up that
+// a local date-time costs: the list has thousands. Invalid when the text
+// is in another form.
+QDateTime paredDe(const QString& s) {
+    if (s.size() != 19) return {};
+    const auto n = [&s](int desde, int largo) { return QStringView(s).mid(desde, largo).toInt(); };
+    const QDate d(n(0, 4), n(5, 2), n(8, 2));
+    const QTime t(n(11, 2), n(14, 2), n(17, 2));
+    return d.isValid() && t.isValid() ? QDateTime(d, t, Qt::UTC) : QDateTime();
+}
+
+// What the list shows of a last run: its date, or "nunca" when there is
+// none.
+QString textoUltima(const QVariant& columna) {
+    if (columna.isNull() || columna.toString().isEmpty()) return u"nunca"_s;
+    QDateTime ultima = paredDe(columna.toString());
+    try {
+        if (!ultima.isValid()) ultima = clsNextTarea::fechaDeColumna(columna);
+    } catch (const ErrorQuelmo&) {
+        return u"nunca"_s;
+    }
+    const bool enviada = ultima.date() > QDate(1900, 1, 1) ||
+                         (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
+    return enviada ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
+}
+
+// "Programado" and "Último envío" of an active row, from the calculation.
+std::pair<QString, QString> calcularLinea(clsNextTarea& calculo, int32_t codigo,
+                                          const QVariant& ultima) {
+    // A row whose calculation fails (a day its month lacks) shows no next
+    // run rather than keep the whole list from opening.
+    try {
+        calculo.setCodigo(codigo);
+        calculo.CalcularProximaTarea();
+        if (!calculo.HayTarea()) return {u"Finalizado"_s, QString()};
+        return {clsNextTarea::textoFecha(calculo.FechaProximaTarea()), textoUltima(ultima)};
+    } catch (const ErrorQuelmo&) {
+        return {QString(), QString()};
+    }
+}
+
+}  // namespace
+
 LineasMenAuto leerMensajesProgramados() {
     LineasMenAuto l;
-    // The calculator's columns come first, so that each row is handed to it
-    // as read rather than read again row by row.
-    const int k = int(clsNextTarea::columnasFila().split(u',').size());
+    // The stored next runs stand for the calculation once they are up to
+    // date; a row whose value may have changed since is worked out here.
+    try {
+        ProximasTareas::ponerAlDia();
+    } catch (const ErrorQuelmo&) {
+        // The rows due for a look are worked out below all the same.
+    }
+    const QString ahora = aTextoBD(Reloj::now());
     const ResultadoConsulta r = bd().query(
-        u"SELECT "_s + clsNextTarea::columnasFila() +
-        u", Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
-        u"AboAuto.automatico = Automaticos.Codigo) FROM Automaticos ORDER BY Automaticos.codigo"_s);
+        u"SELECT Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
+        u"AboAuto.automatico = Automaticos.Codigo), ProximaTarea, RevisarTarea, UltimaTarea "
+        u"FROM Automaticos ORDER BY Automaticos.codigo"_s);
     l.codigos.reserve(r.recordCount());
     l.celdas.reserve(qsizetype(r.recordCount()) * 4);
     clsNextTarea calculo;
-    // Compared by its wall-clock parts: comparing local date-times looks up
-    // the time zone for each, and the list has thousands.
-    const auto yaEnviada = [](const QDateTime& ultima) {
-        return ultima.date() > QDate(1900, 1, 1) ||
-               (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
-    };
     for (int i = 0; i < r.recordCount(); ++i) {
-        const int32_t codigo = int32_t(numeroDe(r.value(i, k)));
+        const int32_t codigo = int32_t(numeroDe(r.value(i, 0)));
         QString programado = u"no"_s, ultimo;
-        if (numeroDe(r.value(i, k + 2)) != 0) {
-            // A row whose calculation fails (a day its month lacks) shows no
-            // next run rather than keep the whole list from opening.
-            try {
-                calculo.setFila(codigo, r, i);
-                calculo.CalcularProximaTarea();
-                if (calculo.HayTarea()) {
-                    programado = clsNextTarea::textoFecha(calculo.FechaProximaTarea());
-                    const QDateTime ultima = calculo.UltimaTarea();
-                    ultimo = yaEnviada(ultima) ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
-                } else {
-                    programado = u"Finalizado"_s;
-                }
-            } catch (const ErrorQuelmo&) {
-                programado.clear();
+        if (numeroDe(r.value(i, 2)) != 0) {
+            const ProximaGuardada p = ProximasTareas::leida(r.value(i, 4), r.value(i, 5));
+            const bool vigente = p.revisar.isNull() || p.revisar > ahora;
+            QDateTime proxima;
+            if (vigente && !p.proxima.isNull()) proxima = paredDe(p.proxima);
+            if (vigente && p.revisar.isNull()) {
+                programado = u"Finalizado"_s;
+            } else if (proxima.isValid()) {
+                programado = clsNextTarea::textoFecha(proxima);
+                ultimo = textoUltima(r.value(i, 6));
+            } else {
+                // Due for a look, or a calculation that fails today.
+                std::tie(programado, ultimo) = calcularLinea(calculo, codigo, r.value(i, 6));
             }
         }
         l.codigos.append(codigo);
-        l.celdas << textoDe(r.value(i, k + 1)) << textoDe(r.value(i, k + 3)) << programado
-                 << ultimo;
+        l.celdas << textoDe(r.value(i, 1)) << textoDe(r.value(i, 3)) << programado << ultimo;
     }
     return l;
 }
@@ -472,7 +515,12 @@ int escribirPrograma(int32_t codigo, const QString& nombre, bool programada,
 bool guardarMensajeProgramado(int32_t codigo, const QString& nombre, bool programada,
                               const Programa& programa) {
     try {
-        return escribirPrograma(codigo, nombre, programada, programa) > 0;
+        // The schedule and its next run go in together.
+        Transaccion t(bd());
+        if (escribirPrograma(codigo, nombre, programada, programa) == 0) return false;
+        ProximasTareas::guardar(codigo);
+        t.commit();
+        return true;
     } catch (const ErrorQuelmo&) {
         return false;
     }
