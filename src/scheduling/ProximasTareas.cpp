@@ -26,6 +26,25 @@ struct Respuesta {
     }
 };
 
+// The stored form of wall-clock parts, written by hand: a recalculation
+// writes two for each of a hundred thousand rows.
+QString textoPared(const QDateTime& x) {
+    const QDate d = x.date();
+    const QTime t = x.time();
+    const int partes[] = {d.year(), d.month(), d.day(), t.hour(), t.minute(), t.second()};
+    static constexpr char16_t kSeparadores[] = u"-- ::";
+    QString s(19, u'0');
+    int pos = 0;
+    for (int i = 0; i < 6; ++i) {
+        const int cifras = i == 0 ? 4 : 2;
+        for (int k = cifras - 1, n = partes[i]; k >= 0; --k, n /= 10)
+            s[pos + k] = QChar(u'0' + n % 10);
+        pos += cifras;
+        if (i < 5) s[pos++] = kSeparadores[i];
+    }
+    return s;
+}
+
 Respuesta responder(clsNextTarea& calculo, const QDateTime& reloj) {
     try {
         calculo.CalcularProximaTareaEn(reloj);
@@ -33,7 +52,7 @@ Respuesta responder(clsNextTarea& calculo, const QDateTime& reloj) {
         return {true, false, {}};
     }
     if (!calculo.HayTarea()) return {};
-    return {false, true, aTextoBD(calculo.FechaProximaTareaPared())};
+    return {false, true, textoPared(calculo.FechaProximaTareaPared())};
 }
 
 QVariant columna(const QString& texto) {
@@ -101,8 +120,11 @@ ProximaGuardada calcular(clsNextTarea& calculo, int32_t codigo, const ResultadoC
     if (fallo) *fallo = ya.falla;
     ProximaGuardada p;
     p.proxima = ya.cuando;
-    // The day of the calculation is that of one minute ago.
-    const QString manana = aTextoBD(QDateTime(ahora.addSecs(-60).date().addDays(1), QTime(0, 1)));
+    // The day of the calculation is that of one minute ago. Wall-clock
+    // parts only: the calculation reads no more of an instant.
+    const QDateTime pared(ahora.date(), ahora.time(), Qt::UTC);
+    const QDateTime diaSiguiente(pared.addSecs(-60).date().addDays(1), QTime(0, 1), Qt::UTC);
+    const QString manana = textoPared(diaSiguiente);
     // A run before the day changes is looked at again at its time anyway.
     if (ya.hay && ya.cuando < manana) {
         p.revisar = ya.cuando;
@@ -110,7 +132,7 @@ ProximaGuardada calcular(clsNextTarea& calculo, int32_t codigo, const ResultadoC
     }
     clsNextTarea luego;
     luego.setFila(codigo, filas, fila);
-    const bool cambia = ya.falla || !(responder(luego, deTextoBD(manana)) == ya);
+    const bool cambia = ya.falla || !(responder(luego, diaSiguiente) == ya);
     if (cambia)
         p.revisar = manana;
     else if (ya.hay)

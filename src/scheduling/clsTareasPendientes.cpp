@@ -107,6 +107,12 @@ int16_t clsTareasPendientes::ReLoad() {
     std::sort(orden.begin(), orden.end());
 
     int16_t cuenta = 0;
+    struct Disparo {
+        int32_t codigo;
+        QDateTime planeada;
+        ProximaGuardada nueva;
+    };
+    QVector<Disparo> disparos;
     QVector<std::pair<int32_t, ProximaGuardada>> cambios;
     for (const auto& [codigo, i] : orden) {
         // A row without a next run of its own (a failed calculation) is
@@ -125,28 +131,39 @@ int16_t clsTareasPendientes::ReLoad() {
         // finds it already done. The planned time stands as the last run.
         if (hay && fecha > ultima && tarea.m_reloj >= fecha) {
             ++cuenta;
-            const QDateTime planeada = tarea.FechaProximaTarea();
-            // The outbox rows, the last run and the next run go in
-            // together: a kill between them would send the run again.
-            ejecutar(pasar, [&] {
-                Transaccion t(Conexion());
-                dispararFila(
-                    codigo, [&] { return planeada; }, pasar);
-                ProximasTareas::escribir(codigo, nueva);
-                t.commit();
-            });
+            disparos.append({codigo, tarea.FechaProximaTarea(), nueva});
         } else if (calculada && !(nueva == ProximasTareas::guardadaEn(m_activas, i))) {
             cambios.append({codigo, nueva});
         }
     }
-    if (!cambios.isEmpty()) {
-        ejecutar(pasar, [&] {
-            Transaccion t(Conexion());
-            for (const auto& [codigo, p] : std::as_const(cambios))
-                ProximasTareas::escribir(codigo, p);
-            t.commit();
-        });
-    }
+    if (disparos.isEmpty() && cambios.isEmpty()) return cuenta;
+
+    // One commit for the tick. A row's outbox rows, its last run and its
+    // next run go in together, under a savepoint of their own: a kill
+    // sends no run twice and loses none, and a row that fails stays due
+    // without taking the others with it.
+    ejecutar(pasar, [&] {
+        BaseDatos& db = Conexion();
+        Transaccion t(db);
+        const QString punto = u"disparo"_s;
+        for (const Disparo& d : std::as_const(disparos)) {
+            try {
+                db.savepoint(punto);
+                dispararFila(
+                    d.codigo, [&] { return d.planeada; }, pasar);
+                ProximasTareas::escribir(d.codigo, d.nueva);
+                db.release(punto);
+            } catch (const ErrorQuelmo&) {
+                ejecutar(pasar, [&] {
+                    db.rollbackTo(punto);
+                    db.release(punto);
+                });
+            }
+        }
+        for (const auto& [codigo, p] : std::as_const(cambios))
+            ejecutar(pasar, [&] { ProximasTareas::escribir(codigo, p); });
+        t.commit();
+    });
     return cuenta;
 }
 

@@ -242,9 +242,9 @@ QDateTime paredDe(const QString& s) {
 
 // What the list shows of a last run: its date, or "nunca" when there is
 // none.
-QString textoUltima(const QVariant& columna) {
-    if (columna.isNull() || columna.toString().isEmpty()) return u"nunca"_s;
-    QDateTime ultima = paredDe(columna.toString());
+QString textoUltima(const QString& columna) {
+    if (columna.isEmpty()) return u"nunca"_s;
+    QDateTime ultima = paredDe(columna);
     try {
         if (!ultima.isValid()) ultima = clsNextTarea::fechaDeColumna(columna);
     } catch (const ErrorQuelmo&) {
@@ -257,7 +257,7 @@ QString textoUltima(const QVariant& columna) {
 
 // "Programado" and "Último envío" of an active row, from the calculation.
 std::pair<QString, QString> calcularLinea(clsNextTarea& calculo, int32_t codigo,
-                                          const QVariant& ultima) {
+                                          const QString& ultima) {
     // A row whose calculation fails (a day its month lacks) shows no next
     // run rather than keep the whole list from opening.
     try {
@@ -282,33 +282,40 @@ LineasMenAuto leerMensajesProgramados() {
         // The rows due for a look are worked out below all the same.
     }
     const QString ahora = aTextoBD(Reloj::now());
-    const ResultadoConsulta r = bd().query(
+    // As texts: a list of a hundred thousand rows is read without a value
+    // object per cell.
+    constexpr int kCeldas = 7;
+    const QVector<QString> r = bd().queryTexts(
         u"SELECT Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
         u"AboAuto.automatico = Automaticos.Codigo), ProximaTarea, RevisarTarea, UltimaTarea "
         u"FROM Automaticos ORDER BY Automaticos.codigo"_s);
-    l.codigos.reserve(r.recordCount());
-    l.celdas.reserve(qsizetype(r.recordCount()) * 4);
+    const qsizetype filas = r.size() / kCeldas;
+    l.codigos.reserve(filas);
+    l.celdas.reserve(filas * 4);
     clsNextTarea calculo;
-    for (int i = 0; i < r.recordCount(); ++i) {
-        const int32_t codigo = int32_t(numeroDe(r.value(i, 0)));
+    for (qsizetype i = 0; i < filas; ++i) {
+        const QString* c = r.constData() + i * kCeldas;
+        const int32_t codigo = int32_t(c[0].toLongLong());
+        const QString& programada = c[2];
         QString programado = u"no"_s, ultimo;
-        if (numeroDe(r.value(i, 2)) != 0) {
-            const ProximaGuardada p = ProximasTareas::leida(r.value(i, 4), r.value(i, 5));
-            const bool vigente = p.revisar.isNull() || p.revisar > ahora;
+        if (programada == u"1"_s || (!programada.isNull() && numeroDe(programada) != 0)) {
+            const QString& guardada = c[4];
+            const QString& revisar = c[5];
+            const bool vigente = revisar.isNull() || revisar > ahora;
             QDateTime proxima;
-            if (vigente && !p.proxima.isNull()) proxima = paredDe(p.proxima);
-            if (vigente && p.revisar.isNull()) {
+            if (vigente && !guardada.isNull()) proxima = paredDe(guardada);
+            if (vigente && revisar.isNull()) {
                 programado = u"Finalizado"_s;
             } else if (proxima.isValid()) {
                 programado = clsNextTarea::textoFecha(proxima);
-                ultimo = textoUltima(r.value(i, 6));
+                ultimo = textoUltima(c[6]);
             } else {
                 // Due for a look, or a calculation that fails today.
-                std::tie(programado, ultimo) = calcularLinea(calculo, codigo, r.value(i, 6));
+                std::tie(programado, ultimo) = calcularLinea(calculo, codigo, c[6]);
             }
         }
         l.codigos.append(codigo);
-        l.celdas << textoDe(r.value(i, 1)) << textoDe(r.value(i, 3)) << programado << ultimo;
+        l.celdas << c[1] << c[3] << programado << ultimo;
     }
     return l;
 }
