@@ -240,6 +240,27 @@ QDateTime paredDe(const QString& s) {
     return d.isValid() && t.isValid() ? QDateTime(d, t, Qt::UTC) : QDateTime();
 }
 
+// The list's text of a stored next run, moved into the day-first form
+// character by character, as clsNextTarea::textoFecha writes it; a null
+// text when the stored one is in another form.
+QString textoDeGuardada(const QString& s) {
+    static constexpr char16_t kForma[] = u"0000-00-00 00:00:00";
+    if (s.size() != 19) return {};
+    for (int i = 0; i < 19; ++i) {
+        const bool cifra = s[i].isDigit();
+        if (cifra != (kForma[i] == u'0') || (!cifra && s[i] != kForma[i])) return {};
+    }
+    const QStringView v(s);
+    const QStringView hora = v.mid(11);
+    // A time of day alone, as a value on the zero date is shown.
+    if (v.left(10) == u"1899-12-30") return hora.toString();
+    QString t;
+    t.reserve(19);
+    t.append(v.mid(8, 2)).append(u'/').append(v.mid(5, 2)).append(u'/').append(v.left(4));
+    if (hora != u"00:00:00") t.append(u' ').append(hora);
+    return t;
+}
+
 // What the list shows of a last run: its date, or "nunca" when there is
 // none.
 QString textoUltima(const QString& columna) {
@@ -302,12 +323,11 @@ LineasMenAuto leerMensajesProgramados() {
             const QString& guardada = c[4];
             const QString& revisar = c[5];
             const bool vigente = revisar.isNull() || revisar > ahora;
-            QDateTime proxima;
-            if (vigente && !guardada.isNull()) proxima = paredDe(guardada);
+            const QString proxima = vigente ? textoDeGuardada(guardada) : QString();
             if (vigente && revisar.isNull()) {
                 programado = u"Finalizado"_s;
-            } else if (proxima.isValid()) {
-                programado = clsNextTarea::textoFecha(proxima);
+            } else if (!proxima.isNull()) {
+                programado = proxima;
                 ultimo = textoUltima(c[6]);
             } else {
                 // Due for a look, or a calculation that fails today.
