@@ -105,12 +105,8 @@ int32_t codigoDe(const ResultadoConsulta& filas, int fila) {
 
 ProximaGuardada guardadaEn(const ResultadoConsulta& filas, int fila) {
     const int n = filas.columnCount();
-    return leida(filas.value(fila, n - 3), filas.value(fila, n - 2));
-}
-
-ProximaGuardada leida(const QVariant& proxima, const QVariant& revisar) {
-    return {proxima.isNull() ? QString() : proxima.toString(),
-            revisar.isNull() ? QString() : revisar.toString()};
+    const auto texto = [](const QVariant& v) { return v.isNull() ? QString() : v.toString(); };
+    return {texto(filas.value(fila, n - 3)), texto(filas.value(fila, n - 2))};
 }
 
 ProximaGuardada calcular(clsNextTarea& calculo, int32_t codigo, const ResultadoConsulta& filas,

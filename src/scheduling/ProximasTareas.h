@@ -46,8 +46,6 @@ ProximaGuardada guardadaEn(const ResultadoConsulta& filas, int fila);
 // `fallo` tells that it failed (its results are then not the row's).
 ProximaGuardada calcular(clsNextTarea& calculo, int32_t codigo, const ResultadoConsulta& filas,
                          int fila, const QDateTime& ahora, bool* fallo = nullptr);
-// What a row holds now, read from the two columns.
-ProximaGuardada leida(const QVariant& proxima, const QVariant& revisar);
 // Stores it; in the caller's transaction when there is one.
 void escribir(int32_t codigo, const ProximaGuardada& p);
 // Works one row out again from what it holds now (after it was saved or
