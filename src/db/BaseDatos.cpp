@@ -197,6 +197,8 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
     m_motivo.clear();
     m_db = db;
     m_path = path;
+    static unsigned long long aperturas = 0;
+    m_apertura = ++aperturas;
     m_perdida = false;
     m_base = m_diario = {};
     m_exterior.clear();

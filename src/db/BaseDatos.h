@@ -85,6 +85,9 @@ class BaseDatos {
     // The last statement failed because another connection held the lock.
     bool lastWasBusy() const;
     const QString& path() const { return m_path; }
+    // Tells one open from another, also of the same file: what a routine
+    // derived from the file's contents is stale once this changes.
+    unsigned long long apertura() const { return m_apertura; }
 
     ResultadoConsulta query(const QString& sql, const QVariantList& params = {});
     // Every column of every row as text (null as a null string), row after
@@ -153,5 +156,6 @@ class BaseDatos {
     bool m_busy = false;
     QString m_motivo;
     int m_espera = 5000;
+    unsigned long long m_apertura = 0;
     QHash<QString, sqlite3_stmt*> m_cache;
 };

@@ -84,6 +84,7 @@ bool msValidarBD(const QString& path) {
             u"Select Remitente,remopc,tini,tfin,imptextos,movil from Canales where "
             u"Principal=1"_s);
         privada.query(u"SELECT * FROM Automaticos WHERE tareaProgramada=true"_s);
+        privada.query(u"SELECT ProximaTarea, RevisarTarea FROM Automaticos LIMIT 0"_s);
         privada.query(u"SELECT crem FROM HEnvios"_s);
     } catch (const ErrorBD&) {
         return false;

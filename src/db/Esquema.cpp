@@ -96,8 +96,11 @@ CREATE TABLE Automaticos (
     MensualDiaSemana INTEGER,
     AnualDia INTEGER,
     AnualMes INTEGER,
-    UltimaTarea DATETIME
+    UltimaTarea DATETIME,
+    ProximaTarea DATETIME,
+    RevisarTarea DATETIME
 );
+CREATE INDEX Automaticos_RevisarTarea ON Automaticos (RevisarTarea);
 CREATE TABLE AboAuto (
     id_AboAuto INTEGER PRIMARY KEY AUTOINCREMENT,
     Automatico INTEGER,

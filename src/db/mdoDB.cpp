@@ -241,6 +241,12 @@ void msActualizarBD(const QString& path) {
     msAddColumn(c, u"Automaticos"_s, u"AnualDia"_s, u"Byte"_s, QString());
     msAddColumn(c, u"Automaticos"_s, u"AnualMes"_s, u"Byte"_s, QString());
     msAddColumn(c, u"Automaticos"_s, u"UltimaTarea"_s, u"DateTime"_s, QString());
+    // The next run the list shows and the instant the tick looks at a row
+    // again are worked out by the scheduler; until it has, every row is
+    // one to look at.
+    msAddColumn(c, u"Automaticos"_s, u"ProximaTarea"_s, u"DateTime"_s, QString());
+    if (msAddColumn(c, u"Automaticos"_s, u"RevisarTarea"_s, u"DateTime"_s, QString()) == 0)
+        ejecutar(c, u"UPDATE Automaticos SET RevisarTarea = '0001-01-01 00:00:00'"_s);
 
     // Drop the old key, add the identity, make it the key: one rebuild.
     msRebuildAboAuto(c);

@@ -209,11 +209,21 @@ QDate clsNextTarea::DayWeekOfMonth(int16_t Mes, int16_t Anio, int16_t Semana, in
 }
 
 void clsNextTarea::CalcularProximaTarea() {
-    calcular(false);
+    // One reading of the clock serves the whole calculation, which takes
+    // microseconds.
+    calcular(false, Reloj::now());
+}
+
+void clsNextTarea::CalcularProximaTareaEn(const QDateTime& reloj) {
+    calcular(false, reloj);
 }
 
 void clsNextTarea::CalcularProximaTarea2() {
-    calcular(true);
+    calcular(true, Reloj::now());
+}
+
+QDateTime clsNextTarea::fechaDeColumna(const QVariant& columna) {
+    return local(fechaDe(columna));
 }
 
 namespace {
@@ -441,16 +451,13 @@ class Calculo {
 
 }  // namespace
 
-void clsNextTarea::calcular(bool alDia) {
+void clsNextTarea::calcular(bool alDia, const QDateTime& reloj) {
     // No row, or its schedule is off.
     if (m_fila.isEmpty()) {
         m_hayTarea = false;
         return;
     }
     leerUltimaTarea();
-    // One reading of the clock serves the whole calculation, which takes
-    // microseconds.
-    const QDateTime reloj = Reloj::now();
     m_reloj = ingenua(reloj.date(), reloj.time());
 
     Calculo calculo(m_fila, m_reloj, alDia, m_fechaProximaTarea, m_hayTarea);

@@ -51,10 +51,17 @@ class clsNextTarea {
     // A next run exists. Only then is FechaProximaTarea meaningful.
     bool HayTarea() const { return m_hayTarea; }
     QDateTime FechaProximaTarea() const;
+    // The same as wall-clock parts (a date-time in UTC): a time that
+    // daylight saving skips is kept as it was worked out, where a local
+    // date-time would be no date-time at all.
+    QDateTime FechaProximaTareaPared() const { return m_fechaProximaTarea; }
 
     // To the minute, from the clock: decides that a run is due now. A run
     // stays the next run until one minute after its time.
     void CalcularProximaTarea();
+    // The same as the clock would have it at `reloj`: the stored next run
+    // is worked out for the instants at which it may change.
+    void CalcularProximaTareaEn(const QDateTime& reloj);
     // To the day: finds today's run even when its time has passed (the
     // missed runs at start-up). The result carries the time of Hora.
     void CalcularProximaTarea2();
@@ -71,13 +78,16 @@ class clsNextTarea {
     // on the zero date. leerFecha throws FechaNoValida.
     static QString textoFecha(const QDateTime& valor);
     static QDateTime leerFecha(const QString& texto);
+    // A stored date-time column, as the calculation reads it, in local time.
+    // Throws on a null or a text that is no date.
+    static QDateTime fechaDeColumna(const QVariant& columna);
 
   private:
     // The tick compares thousands of rows: it reads the wall-clock values
     // directly, without a time-zone lookup for each.
     friend class clsTareasPendientes;
 
-    void calcular(bool alDia);
+    void calcular(bool alDia, const QDateTime& reloj);
     void leerUltimaTarea();
 
     int32_t m_codigo = 0;

@@ -10,7 +10,10 @@
 #include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
+#include "scheduling/ProximasTareas.h"
 #include "scheduling/clsNextTarea.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -21,10 +24,6 @@ namespace {
 QString activas() {
     return u"SELECT "_s + clsNextTarea::columnasFila() +
            u", Codigo FROM Automaticos WHERE tareaProgramada=true"_s;
-}
-
-int32_t codigoDe(const ResultadoConsulta& filas, int fila) {
-    return aEntero32(filas.value(fila, filas.columnCount() - 1).toString());
 }
 
 // Runs `paso`; with `pasarFallos` a failure is passed over and the next
@@ -89,38 +88,82 @@ int16_t clsTareasPendientes::ReLoad() {
     // From here on a failing statement is passed over: one bad row must
     // not keep the others from going out.
     constexpr bool pasar = true;
+    ejecutar(pasar, [] { ProximasTareas::ponerAlDia(); });
+    // Only the rows whose next run may have come: the tick costs what is
+    // due, not what is stored.
+    const QDateTime ahora = Reloj::now();
     m_activas = ResultadoConsulta();
-    ejecutar(pasar, [&] { m_activas = Conexion().query(activas()); });
+    ejecutar(pasar, [&] {
+        m_activas = Conexion().query(
+            ProximasTareas::seleccion() + u"WHERE RevisarTarea <= ? AND tareaProgramada=true"_s,
+            {ahora});
+    });
     if (!(m_activas.recordCount() > 0)) return 0;
 
-    // One calculator for the walk: after a failed calculation the row is
-    // judged on what the calculator still holds.
-    clsNextTarea tarea;
+    // In the order of the codes, as a walk over the whole table went.
+    QVector<std::pair<int32_t, int>> orden;
+    for (int i = 0; i < m_activas.recordCount(); ++i)
+        ejecutar(pasar, [&] { orden.append({ProximasTareas::codigoDe(m_activas, i), i}); });
+    std::sort(orden.begin(), orden.end());
+
     int16_t cuenta = 0;
-    for (int i = 0; i < m_activas.recordCount(); ++i) {
-        int32_t codigo = 0;
-        ejecutar(pasar, [&] { codigo = codigoDe(m_activas, i); });
-        tarea.setFila(codigo, m_activas, i);
-        ejecutar(pasar, [&] { tarea.CalcularProximaTarea(); });
+    struct Disparo {
+        int32_t codigo;
+        QDateTime planeada;
+        ProximaGuardada nueva;
+    };
+    QVector<Disparo> disparos;
+    QVector<std::pair<int32_t, ProximaGuardada>> cambios;
+    for (const auto& [codigo, i] : orden) {
+        // A row without a next run of its own (a failed calculation) is
+        // never fired on what another row left in the calculator.
+        clsNextTarea tarea;
+        bool fallo = true, calculada = false;
+        ProximaGuardada nueva;
+        ejecutar(pasar, [&] {
+            nueva = ProximasTareas::calcular(tarea, codigo, m_activas, i, ahora, &fallo);
+            calculada = true;
+        });
         const QDateTime& ultima = tarea.m_ultimaTarea;
-        const bool hay = tarea.HayTarea();
+        const bool hay = !fallo && tarea.HayTarea();
         const QDateTime& fecha = tarea.m_fechaProximaTarea;
         // Strictly after the last run, so the second tick of the minute
-        // finds it already done. The clock is the calculation's own reading,
-        // taken a moment ago. The planned time stands as the last run.
-        if (hay && fecha > ultima && tarea.m_reloj.isValid() && tarea.m_reloj >= fecha) {
+        // finds it already done. The planned time stands as the last run.
+        if (hay && fecha > ultima && tarea.m_reloj >= fecha) {
             ++cuenta;
-            const QDateTime planeada = tarea.FechaProximaTarea();
-            // The outbox rows and the last run go in together: a kill
-            // between them would send the run again at the next start.
-            ejecutar(pasar, [&] {
-                Transaccion t(Conexion());
-                dispararFila(
-                    codigo, [&] { return planeada; }, pasar);
-                t.commit();
-            });
+            disparos.append({codigo, tarea.FechaProximaTarea(), nueva});
+        } else if (calculada && !(nueva == ProximasTareas::guardadaEn(m_activas, i))) {
+            cambios.append({codigo, nueva});
         }
     }
+    if (disparos.isEmpty() && cambios.isEmpty()) return cuenta;
+
+    // One commit for the tick. A row's outbox rows, its last run and its
+    // next run go in together, under a savepoint of their own: a kill
+    // sends no run twice and loses none, and a row that fails stays due
+    // without taking the others with it.
+    ejecutar(pasar, [&] {
+        BaseDatos& db = Conexion();
+        Transaccion t(db);
+        const QString punto = u"disparo"_s;
+        for (const Disparo& d : std::as_const(disparos)) {
+            try {
+                db.savepoint(punto);
+                dispararFila(
+                    d.codigo, [&] { return d.planeada; }, pasar);
+                ProximasTareas::escribir(d.codigo, d.nueva);
+                db.release(punto);
+            } catch (const ErrorQuelmo&) {
+                ejecutar(pasar, [&] {
+                    db.rollbackTo(punto);
+                    db.release(punto);
+                });
+            }
+        }
+        for (const auto& [codigo, p] : std::as_const(cambios))
+            ejecutar(pasar, [&] { ProximasTareas::escribir(codigo, p); });
+        t.commit();
+    });
     return cuenta;
 }
 
@@ -142,7 +185,7 @@ int16_t clsTareasPendientes::recorrerPendientes() {
     bool preguntado = false;
     int16_t cuenta = 0;
     for (int i = 0; i < m_activas.recordCount(); ++i) {
-        const int32_t codigo = codigoDe(m_activas, i);
+        const int32_t codigo = ProximasTareas::codigoDe(m_activas, i);
         tarea.setFila(codigo, m_activas, i);
         tarea.CalcularProximaTarea2();
         if (!pendienteHoy(tarea)) continue;
@@ -168,6 +211,7 @@ int16_t clsTareasPendientes::recorrerPendientes() {
         ++cuenta;
         dispararFila(
             codigo, [] { return Reloj::now(); }, false);
+        ProximasTareas::guardar(codigo);
         t.commit();
     }
     return cuenta;

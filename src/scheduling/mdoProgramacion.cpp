@@ -7,6 +7,8 @@
 #include "base/Reloj.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
+#include "db/Transaccion.h"
+#include "scheduling/ProximasTareas.h"
 #include "scheduling/clsNextTarea.h"
 
 #include <QLocale>
@@ -225,47 +227,115 @@ QString descripcionPrograma(const Programa& p) {
 
 // ---- The list of multi-sends -----------------------------------------------
 
+namespace {
+
+// The stored form as wall-clock parts, without the time-zone look-up that
+// a local date-time costs: the list has thousands. Invalid when the text
+// is in another form.
+QDateTime paredDe(const QString& s) {
+    if (s.size() != 19) return {};
+    const auto n = [&s](int desde, int largo) { return QStringView(s).mid(desde, largo).toInt(); };
+    const QDate d(n(0, 4), n(5, 2), n(8, 2));
+    const QTime t(n(11, 2), n(14, 2), n(17, 2));
+    return d.isValid() && t.isValid() ? QDateTime(d, t, Qt::UTC) : QDateTime();
+}
+
+// The list's text of a stored next run, moved into the day-first form
+// character by character, as clsNextTarea::textoFecha writes it; a null
+// text when the stored one is in another form.
+QString textoDeGuardada(const QString& s) {
+    static constexpr char16_t kForma[] = u"0000-00-00 00:00:00";
+    if (s.size() != 19) return {};
+    for (int i = 0; i < 19; ++i) {
+        const bool cifra = s[i].isDigit();
+        if (cifra != (kForma[i] == u'0') || (!cifra && s[i] != kForma[i])) return {};
+    }
+    const QStringView v(s);
+    const QStringView hora = v.mid(11);
+    // A time of day alone, as a value on the zero date is shown.
+    if (v.left(10) == u"1899-12-30") return hora.toString();
+    QString t;
+    t.reserve(19);
+    t.append(v.mid(8, 2)).append(u'/').append(v.mid(5, 2)).append(u'/').append(v.left(4));
+    if (hora != u"00:00:00") t.append(u' ').append(hora);
+    return t;
+}
+
+// What the list shows of a last run: its date, or "nunca" when there is
+// none.
+QString textoUltima(const QString& columna) {
+    if (columna.isEmpty()) return u"nunca"_s;
+    QDateTime ultima = paredDe(columna);
+    try {
+        if (!ultima.isValid()) ultima = clsNextTarea::fechaDeColumna(columna);
+    } catch (const ErrorQuelmo&) {
+        return u"nunca"_s;
+    }
+    const bool enviada = ultima.date() > QDate(1900, 1, 1) ||
+                         (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
+    return enviada ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
+}
+
+// "Programado" and "Último envío" of an active row, from the calculation.
+std::pair<QString, QString> calcularLinea(clsNextTarea& calculo, int32_t codigo,
+                                          const QString& ultima) {
+    // A row whose calculation fails (a day its month lacks) shows no next
+    // run rather than keep the whole list from opening.
+    try {
+        calculo.setCodigo(codigo);
+        calculo.CalcularProximaTarea();
+        if (!calculo.HayTarea()) return {u"Finalizado"_s, QString()};
+        return {clsNextTarea::textoFecha(calculo.FechaProximaTarea()), textoUltima(ultima)};
+    } catch (const ErrorQuelmo&) {
+        return {QString(), QString()};
+    }
+}
+
+}  // namespace
+
 LineasMenAuto leerMensajesProgramados() {
     LineasMenAuto l;
-    // The calculator's columns come first, so that each row is handed to it
-    // as read rather than read again row by row.
-    const int k = int(clsNextTarea::columnasFila().split(u',').size());
-    const ResultadoConsulta r = bd().query(
-        u"SELECT "_s + clsNextTarea::columnasFila() +
-        u", Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
-        u"AboAuto.automatico = Automaticos.Codigo) FROM Automaticos ORDER BY Automaticos.codigo"_s);
-    l.codigos.reserve(r.recordCount());
-    l.celdas.reserve(qsizetype(r.recordCount()) * 4);
+    // The stored next runs stand for the calculation once they are up to
+    // date; a row whose value may have changed since is worked out here.
+    try {
+        ProximasTareas::ponerAlDia();
+    } catch (const ErrorQuelmo&) {
+        // The rows due for a look are worked out below all the same.
+    }
+    const QString ahora = aTextoBD(Reloj::now());
+    // As texts: a list of a hundred thousand rows is read without a value
+    // object per cell.
+    constexpr int kCeldas = 7;
+    const QVector<QString> r = bd().queryTexts(
+        u"SELECT Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
+        u"AboAuto.automatico = Automaticos.Codigo), ProximaTarea, RevisarTarea, UltimaTarea "
+        u"FROM Automaticos ORDER BY Automaticos.codigo"_s);
+    const qsizetype filas = r.size() / kCeldas;
+    l.codigos.reserve(filas);
+    l.celdas.reserve(filas * 4);
     clsNextTarea calculo;
-    // Compared by its wall-clock parts: comparing local date-times looks up
-    // the time zone for each, and the list has thousands.
-    const auto yaEnviada = [](const QDateTime& ultima) {
-        return ultima.date() > QDate(1900, 1, 1) ||
-               (ultima.date() == QDate(1900, 1, 1) && ultima.time() > QTime(0, 0));
-    };
-    for (int i = 0; i < r.recordCount(); ++i) {
-        const int32_t codigo = int32_t(numeroDe(r.value(i, k)));
+    for (qsizetype i = 0; i < filas; ++i) {
+        const QString* c = r.constData() + i * kCeldas;
+        const int32_t codigo = int32_t(c[0].toLongLong());
+        const QString& programada = c[2];
         QString programado = u"no"_s, ultimo;
-        if (numeroDe(r.value(i, k + 2)) != 0) {
-            // A row whose calculation fails (a day its month lacks) shows no
-            // next run rather than keep the whole list from opening.
-            try {
-                calculo.setFila(codigo, r, i);
-                calculo.CalcularProximaTarea();
-                if (calculo.HayTarea()) {
-                    programado = clsNextTarea::textoFecha(calculo.FechaProximaTarea());
-                    const QDateTime ultima = calculo.UltimaTarea();
-                    ultimo = yaEnviada(ultima) ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
-                } else {
-                    programado = u"Finalizado"_s;
-                }
-            } catch (const ErrorQuelmo&) {
-                programado.clear();
+        if (programada == u"1"_s || (!programada.isNull() && numeroDe(programada) != 0)) {
+            const QString& guardada = c[4];
+            const QString& revisar = c[5];
+            const bool vigente = revisar.isNull() || revisar > ahora;
+            const QString proxima = vigente ? textoDeGuardada(guardada) : QString();
+            if (vigente && revisar.isNull()) {
+                programado = u"Finalizado"_s;
+            } else if (!proxima.isNull()) {
+                programado = proxima;
+                ultimo = textoUltima(c[6]);
+            } else {
+                // Due for a look, or a calculation that fails today.
+                std::tie(programado, ultimo) = calcularLinea(calculo, codigo, c[6]);
             }
         }
         l.codigos.append(codigo);
-        l.celdas << textoDe(r.value(i, k + 1)) << textoDe(r.value(i, k + 3)) << programado
-                 << ultimo;
+        l.celdas << c[1] << c[3] << programado << ultimo;
     }
     return l;
 }
@@ -472,7 +542,12 @@ int escribirPrograma(int32_t codigo, const QString& nombre, bool programada,
 bool guardarMensajeProgramado(int32_t codigo, const QString& nombre, bool programada,
                               const Programa& programa) {
     try {
-        return escribirPrograma(codigo, nombre, programada, programa) > 0;
+        // The schedule and its next run go in together.
+        Transaccion t(bd());
+        if (escribirPrograma(codigo, nombre, programada, programa) == 0) return false;
+        ProximasTareas::guardar(codigo);
+        t.commit();
+        return true;
     } catch (const ErrorQuelmo&) {
         return false;
     }

@@ -90,7 +90,8 @@ struct LineasMenAuto {
     QVector<int32_t> codigos;  // in the order of the lines
     QVector<QString> celdas;   // four cells per line
 };
-// Every row of Automaticos by code, with its next run computed.
+// Every row of Automaticos by code, with its next run as the calculation
+// gives it: the stored one, worked out again only where it may be stale.
 LineasMenAuto leerMensajesProgramados();
 // The code of the first line (in code order) named `nombre`, -1 if none.
 int32_t codigoDeLinea(const LineasMenAuto& lineas, const QString& nombre);
@@ -129,7 +130,8 @@ QString recortarBlancos(const QString& texto);
 void olvidarUltimaTarea(int32_t codigo);
 
 // Stores the name and whether the schedule is on; with it on, also the
-// schedule's columns. Nothing is stored when the row doesn't exist.
+// schedule's columns; and the row's next run. Nothing is stored when the
+// row doesn't exist.
 bool guardarMensajeProgramado(int32_t codigo, const QString& nombre, bool programada,
                               const Programa& programa);
 

@@ -160,6 +160,39 @@ class TestFrmMenAuto : public QObject {
         QCOMPARE(textosDe(p.ListView1, 0), (QStringList{u"Cambiado"_s, u"Igual"_s}));
     }
 
+    // A click on any header sorts the lines the list read from the stored
+    // next runs (descending first); the selected line still edits its row.
+    void everyColumnSorts_data() {
+        QTest::addColumn<int>("col");
+        for (int c = 0; c < 4; ++c) QTest::newRow(qPrintable(QString::number(c))) << c;
+    }
+    void everyColumnSorts() {
+        QFETCH(int, col);
+        RelojFijo reloj(en(u"15/03/2006 10:00:30"_s));
+        programa(1, u"Periodicidad=1 Hora=11:00"_s);
+        programa(2, u"Periodicidad=0 FechaIni=2006-03-14"_s);
+        programa(3, u"Periodicidad=4 AnualDia=20 AnualMes=3"_s);
+        bd().exec(
+            u"UPDATE Automaticos SET Nombre = 'N' || (4 - Codigo), UltimaTarea = "
+            u"'2006-03-1' || Codigo || ' 09:00:00' WHERE Codigo > 1"_s);
+        bd().exec(u"UPDATE Automaticos SET Nombre = 'N3' WHERE Codigo = 1"_s);
+        recipiente(2, u"0034600000001"_s);
+        frmMenAuto p;
+        p.ListView1->ordenarPorColumna(col);
+        QStringList esperado = textosDe(p.ListView1, col);
+        std::sort(esperado.begin(), esperado.end(), std::greater<>());
+        QCOMPARE(textosDe(p.ListView1, col), esperado);
+        const QString nombre = textosDe(p.ListView1, 0).value(0);
+        p.ListView1->seleccionarFila(0);
+        int editado = -1;
+        alAbrirModal([&](QDialog* d) {
+            editado = qobject_cast<frmNewMenAuto2*>(d)->codigo();
+            d->reject();
+        });
+        p.cmdEdit->click();
+        QCOMPARE(u"N"_s + QString::number(4 - editado), nombre);
+    }
+
     void anEmptyTableLeavesEditAndDeleteIdle() {
         InterfazGuionada ui;
         frmMenAuto p;

@@ -1,0 +1,56 @@
+// What the benches share to see the window's event loop stall: a 10 ms
+// timer whose largest lateness is the longest time a user's click or a
+// repaint would have waited.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+#include <algorithm>
+#include <functional>
+
+// Records the largest lateness of a 10 ms timer while it runs.
+class Sonda {
+  public:
+    Sonda() {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        m_timer.setInterval(10);
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            const qint64 ahora = m_reloj.elapsed();
+            m_peor = std::max(m_peor, ahora - m_ultimo - 10);
+            m_ultimo = ahora;
+        });
+    }
+    void empezar() {
+        m_peor = 0;
+        m_reloj.start();
+        m_ultimo = 0;
+        m_timer.start();
+    }
+    // The largest stall, including the one the last tick has not seen yet.
+    qint64 terminar() {
+        m_peor = std::max(m_peor, m_reloj.elapsed() - m_ultimo - 10);
+        m_timer.stop();
+        return std::max<qint64>(m_peor, 0);
+    }
+
+  private:
+    QTimer m_timer;
+    QElapsedTimer m_reloj;
+    qint64 m_ultimo = 0;
+    qint64 m_peor = 0;
+};
+
+// The largest stall while `trabajo` runs from the event loop, as a timer's
+// or a click's handler runs, with the probe going before and after it.
+inline qint64 estancamientoDe(const std::function<void()>& trabajo) {
+    Sonda sonda;
+    QEventLoop bucle;
+    sonda.empezar();
+    QTimer::singleShot(30, &bucle, [&] {
+        trabajo();
+        QTimer::singleShot(30, &bucle, &QEventLoop::quit);
+    });
+    bucle.exec();
+    return sonda.terminar();
+}
