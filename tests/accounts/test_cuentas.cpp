@@ -123,17 +123,12 @@ class TestCuentas : public QObject {
         cuenta(1, u"Uno"_s, 1);
         cuenta(2, u"Dos"_s);
         if (tabla == u"Abonados"_s)
-            Conexion().exec(
-                u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','a',2)"_s);
+            prueba::contacto(u"0034600000001"_s, u"a"_s, 2);
         else if (tabla == u"envios"_s)
-            Conexion().exec(
-                u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
+            prueba::pendiente(u"x"_s, u"m"_s, 2);
         else if (tabla == u"envios tarde"_s)
             // Another program queues it while the user reads the question.
-            ui.onMsgBox = [] {
-                Conexion().exec(
-                    u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
-            };
+            ui.onMsgBox = [] { prueba::pendiente(u"x"_s, u"m"_s, 2); };
         else if (tabla == u"HEnvios"_s)
             Conexion().exec(u"INSERT INTO HEnvios (Canal,Abonado,Mensaje) VALUES (2,'x','m')"_s);
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);

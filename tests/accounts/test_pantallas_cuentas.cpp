@@ -30,16 +30,11 @@
 using namespace Qt::StringLiterals;
 using namespace cuentas_prueba;
 using prueba::alAbrirModal;
+using prueba::filasDe;
+using prueba::hijo;
 using prueba::textosDe;
 
 namespace {
-
-template <class T = QWidget>
-T* hijo(QWidget* w, const QString& nombre) {
-    T* h = w->findChild<T*>(nombre);
-    if (!h) qFatal("no %s", qPrintable(nombre));
-    return h;
-}
 
 void escribir(QWidget* w, const QString& nombre, const QString& texto) {
     hijo<QLineEdit>(w, nombre)->setText(texto);
@@ -107,10 +102,8 @@ class TestPantallasCuentas : public QObject {
         QCOMPARE(cabeceras, (QStringList{u"Cuenta"_s, u"Remitente"_s, u"Principal"_s, u"Saldo"_s,
                                          u"Usuario"_s, u"Codigo de Cuenta"_s}));
         // Sorted by name at load; the one principal says so.
-        QStringList filas;
-        for (int r = 0; r < 3; ++r) filas << f.ListView1->modelo()->fila(r).join(u'|');
-        QCOMPARE(filas, (QStringList{u"Alfa||Sí|7|demo|0"_s, u"Beta||No|42|demo|5"_s,
-                                     u"Zeta||No|7|demo|2"_s}));
+        QCOMPARE(filasDe(f.ListView1), (QStringList{u"Alfa||Sí|7|demo|0"_s, u"Beta||No|42|demo|5"_s,
+                                                    u"Zeta||No|7|demo|2"_s}));
         QCOMPARE(
             botones(&f, {u"cmdAdd"_s, u"cmdEdit"_s, u"cmdDelete"_s, u"cmdPrede"_s, u"cmdGetSaldo"_s,
                          u"cmdRecarga"_s, u"cmdRegistro"_s, u"cmdClose"_s}),
@@ -147,7 +140,7 @@ class TestPantallasCuentas : public QObject {
             hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
         });
         f.cmdAdd->click();
-        QCOMPARE(f.ListView1->modelo()->fila(0).join(u'|'), u"Mi cuenta||Sí|100|demo|0"_s);
+        QCOMPARE(filasDe(f.ListView1), QStringList{u"Mi cuenta||Sí|100|demo|0"_s});
         QCOMPARE(fila(0),
                  u"Mi cuenta|%1|demo|demo|100|1||0|0034600123456|160"_s.arg(msHostPlataforma()));
         auto* combo = hijo<QComboBox>(&envio, u"ImageCombo1"_s);
@@ -339,9 +332,7 @@ class TestPantallasCuentas : public QObject {
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(),
                  u"Cuenta_demo   (100 Créditos)"_s);
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-            u"('2026-01-01 08:00:00',0,'0034600000001','Hola',2)"_s);
+        prueba::pendiente(u"0034600000001"_s, u"Hola"_s, 0);
         QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select count(*) from envios"_s), QList<int>{0});
@@ -365,7 +356,7 @@ class TestPantallasCuentas : public QObject {
         QVERIFY(cerrado);
         QCOMPARE(cajasSinLibreria(ui), QStringList{kSinVerificar});
         frmCanales lista;
-        QCOMPARE(lista.ListView1->modelo()->fila(0).join(u'|'), u"Cuenta_demo||Sí||demo|0"_s);
+        QCOMPARE(filasDe(lista.ListView1), QStringList{u"Cuenta_demo||Sí||demo|0"_s});
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(), u"Cuenta_demo"_s);
     }
@@ -427,9 +418,7 @@ class TestPantallasCuentas : public QObject {
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(),
                  u"Cuenta_ana_nueva   (10 Créditos)"_s);
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-            u"('2026-01-01 08:00:00',0,'0034600000002','Bienvenida',2)"_s);
+        prueba::pendiente(u"0034600000002"_s, u"Bienvenida"_s, 0);
         QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select saldo from canales"_s), QList<int>{9});

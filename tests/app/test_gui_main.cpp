@@ -29,7 +29,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
-#include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <QToolBar>
@@ -50,17 +49,15 @@ class TestGuiMain : public QObject {
 
     // The frame after its first activation.
     std::unique_ptr<mdiMain> ventana() {
-        auto w = std::make_unique<mdiMain>();
-        w->terminar = [this] { ++terminado; };
-        for (const char16_t* n :
-             {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto", u"frmAbonados", u"frmGrupos",
-              u"frmCanales", u"frmEmergencias", u"frmNewCanal.Principal"})
-            Pantallas::registrar(QString::fromUtf16(n),
-                                 [this, n] { abiertas << QString::fromUtf16(n); });
-        QSignalSpy lista(w.get(), &mdiMain::primeraActivacionTerminada);
-        w->show();
-        if (!lista.wait(5000)) qFatal("no first activation");
-        return w;
+        return prueba::ventanaPrincipal(
+            [this] { ++terminado; },
+            [this] {
+                for (const char16_t* n :
+                     {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto", u"frmAbonados",
+                      u"frmGrupos", u"frmCanales", u"frmEmergencias", u"frmNewCanal.Principal"})
+                    Pantallas::registrar(QString::fromUtf16(n),
+                                         [this, n] { abiertas << QString::fromUtf16(n); });
+            });
     }
 
     static QAction* accion(QWidget* w, const QString& clave) {

@@ -5,7 +5,6 @@
 #include "app/Transmisor.h"
 #include "app/mdoOpciones.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
@@ -55,10 +54,7 @@ class TestTransmitter : public QObject {
         InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
-        for (int canal : {3, 1, 2})
-            Conexion().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
-                {QDateTime::currentDateTime(), canal});
+        for (int canal : {3, 1, 2}) prueba::pendiente(u"600"_s, u"x"_s, canal);
         QList<QPair<bool, bool>> vistos;
         const EnCadaLinea enCadaLinea([&] {
             // The import's own log lines yield before its flag goes up.
@@ -174,14 +170,8 @@ class TestTransmitter : public QObject {
                             u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
         QVERIFY(sim.listo());
         Conexion().exec(u"update opciones set maxlote=2 where id=1"_s);
-        prueba::cuenta(1, u"Tienda"_s,
-                       {{u"Host"_s, sim.host()},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(u"demo"_s, true)}});
-        for (int i = 0; i < 5; ++i)
-            Conexion().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,'x',2)"_s,
-                {QDateTime::currentDateTime(), destino});
+        prueba::cuentaPrincipal(sim.host());
+        for (int i = 0; i < 5; ++i) prueba::pendiente(destino, u"x"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Continuo"_s, continuo);
         Transmisor::continuoPorOrden(porOrden);

@@ -176,14 +176,12 @@ class TestUpgrade : public QObject {
 
     void unopenableFileIsLeftAlone() {
         const QString path = world.root() + u"/basura.db"_s;
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("esto no es una base de datos, solo texto que ocupa sitio en el disco....");
-        f.close();
+        const QByteArray texto =
+            "esto no es una base de datos, solo texto que ocupa sitio en el disco....";
+        prueba::escribir(path, texto);
         msActualizarBD(path);
         QVERIFY(!msValidarBD(path));
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QVERIFY(f.readAll().startsWith("esto no es"));
+        QCOMPARE(prueba::leer(path), texto);
         msActualizarBD(world.root() + u"/no-existe.db"_s);
         QVERIFY(!QFile::exists(world.root() + u"/no-existe.db"_s));
     }

@@ -6,7 +6,6 @@
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "delivery/Transporte.h"
 #include "delivery/mdoSendRavion.h"
@@ -25,6 +24,9 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using prueba::cuantos;
+using prueba::enRegistro;
+using prueba::registro;
 
 namespace {
 
@@ -137,18 +139,6 @@ class Programa : public QProcess {
     }
 };
 
-bool registroContiene(const QString& texto) {
-    return estadoAplicacion().log.lines().join(u'\n').contains(texto);
-}
-
-QString registro() {
-    return estadoAplicacion().log.lines().join(u'\n');
-}
-
-int cuantos(const QString& sql) {
-    return Conexion().query(sql).value(0, 0).toInt();
-}
-
 }  // namespace
 
 class TestTransporte : public QObject {
@@ -244,15 +234,8 @@ class TestTransporte : public QObject {
     }
 
     void anadirCuenta(const QString& host) {
-        prueba::cuenta(1, u"Segura"_s,
-                       {{u"Host"_s, host},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(kClave, true)},
-                        {u"Saldo"_s, 7},
-                        {u"Principal"_s, 1}});
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-            u"VALUES ('2026-01-01 08:00:00',1,'0034629000000','hola',2)"_s);
+        prueba::cuentaPrincipal(host, kClave, {{u"Saldo"_s, 7}});
+        prueba::pendiente(u"0034629000000"_s);
     }
     // One transmitter run and one balance query of the account.
     QString enviarYConsultar() {
@@ -270,8 +253,8 @@ class TestTransporte : public QObject {
         QCOMPARE(msLotesSinEntregar(), 1);
         QCOMPARE(saldo, u"-2"_s);
         QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
-        QVERIFY2(registroContiene(linea), qPrintable(registro()));
-        QVERIFY2(!registroContiene(kInternet), qPrintable(registro()));
+        QVERIFY2(enRegistro(linea), qPrintable(registro()));
+        QVERIFY2(!enRegistro(kInternet), qPrintable(registro()));
     }
     void entregado(const QString& saldo) {
         QCOMPARE(sim->registro().size(), 1);
@@ -376,10 +359,10 @@ class TestTransporte : public QObject {
             u"No se pudo resolver el nombre de la plataforma: Could not resolve "
             u"host: plataforma.invalid"_s;
         QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
-        QVERIFY2(registroContiene(linea), qPrintable(registro()));
+        QVERIFY2(enRegistro(linea), qPrintable(registro()));
         QVERIFY(
-            registroContiene(u"Error de conexión. Imposible conectar con Quelmo Mensajes, "
-                             u"revise su conexión a Internet"_s));
+            enRegistro(u"Error de conexión. Imposible conectar con Quelmo Mensajes, "
+                       u"revise su conexión a Internet"_s));
         QCOMPARE(cuantos(u"select count(*) from envios where intento = 2"_s), 1);
     }
 
@@ -536,7 +519,7 @@ class TestTransporte : public QObject {
             nadaEnviado(linea.arg(puertoProxy), saldo);
         }
         // The proxy's password is never written anywhere the user reads.
-        QVERIFY(!registroContiene(u"secreto-proxy"_s));
+        QVERIFY(!enRegistro(u"secreto-proxy"_s));
     }
 };
 

@@ -33,14 +33,7 @@ void destinatario(int codigo, const QString& abonado, const QString& mensaje) {
 }
 
 void contacto(const QString& codigo, int canal) {
-    bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',?)"_s,
-              {codigo, QString(u"Alias "_s + codigo), canal});
-}
-
-QStringList lineas(const Listado* l) {
-    QStringList t;
-    for (int f = 0; f < l->modelo()->rowCount(); ++f) t << l->modelo()->fila(f).join(u'|');
-    return t;
+    prueba::contacto(codigo, u"Alias "_s + codigo, canal, u""_s);
 }
 
 }  // namespace
@@ -79,7 +72,7 @@ class TestEmergencias : public QObject {
         frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
         QCOMPARE(pantalla->windowTitle(),
                  u"Selección de Mensajes Programados para envío inmediato"_s);
-        QCOMPARE(lineas(pantalla->ListView1),
+        QCOMPARE(prueba::filasDe(pantalla->ListView1),
                  (QStringList{u"Diario sin enviar|0|15/03/2006|nunca"_s,
                               u"Diario|0|15/03/2006|14/03/2006"_s,
                               u"Una vez, pasado|0|Finalizado|"_s, u"Sin programar|2|no|"_s}));

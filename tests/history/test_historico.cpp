@@ -25,6 +25,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using prueba::bd;
+using prueba::cajas;
 
 void enviado(const QString& registro, const QString& numero, const QString& mensaje, int canal = 1,
              const QVariant& crem = u"Tienda"_s, const QString& resultado = u"Mensaje aceptado"_s) {
@@ -34,22 +35,9 @@ void enviado(const QString& registro, const QString& numero, const QString& mens
         {numero, registro, mensaje, resultado, canal, crem});
 }
 
-void cuenta(int canal, bool principal) {
-    bd().exec(
-        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal) "
-        u"VALUES (?,?,160,80,'h','u','c',0,?)"_s,
-        {canal, u"Cuenta %1"_s.arg(canal), principal ? 1 : 0});
-}
-
 QStringList columna(const QAbstractItemModel* m, int c) {
     QStringList t;
     for (int f = 0; f < m->rowCount(); ++f) t << m->index(f, c).data().toString();
-    return t;
-}
-
-QStringList cajas(const InterfazGuionada& ui) {
-    QStringList t;
-    for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
     return t;
 }
 
@@ -244,8 +232,8 @@ class TestHistorico : public QObject {
         QFETCH(int, respuesta);
         QFETCH(bool, dobleClic);
         QFETCH(QString, esperado);
-        cuenta(3, false);
-        if (principal) cuenta(principal, true);
+        prueba::cuenta(3, u"Tres"_s);
+        if (principal) prueba::cuenta(principal, u"Uno"_s, {{u"Principal"_s, 1}});
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, mensaje, 3, u"Otra"_s);
         RelojFijo reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
         InterfazGuionada ui;
