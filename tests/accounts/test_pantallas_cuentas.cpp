@@ -26,6 +26,7 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolButton>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace cuentas_prueba;
@@ -64,6 +65,7 @@ class TestPantallasCuentas : public QObject {
 
   private:
     TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<SimuladorPrueba> sim;
     QStringList abiertas;
 
@@ -89,10 +91,10 @@ class TestPantallasCuentas : public QObject {
         Pantallas::registrar(u"frmRegistro"_s, [this] { abiertas << u"frmRegistro"_s; });
         for (const QString& n : {u"condiciones"_s})
             Pantallas::registrar(n, [this, n] { abiertas << n; });
+        ui.emplace();
     }
 
     void listShowsEveryAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         frmCanales f;
         QCOMPARE(f.windowTitle(), u"Cuentas"_s);
@@ -114,20 +116,18 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listOfADatabaseOfTheWrongKind() {
-        InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         frmCanales f;
         QCOMPARE(f.ListView1->modelo()->rowCount(), 0);
-        QCOMPARE(cajas(ui), QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor "
-                                        u"favor seleccione la Base de Datos correcta de Quelmo "
-                                        u"Mensajes"_s});
-        QCOMPARE(ui.selectDatabaseShown, 1);
+        QCOMPARE(cajas(*ui), QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor "
+                                         u"favor seleccione la Base de Datos correcta de Quelmo "
+                                         u"Mensajes"_s});
+        QCOMPARE(ui->selectDatabaseShown, 1);
     }
 
     // The first account added from the list becomes principal, and the
     // compose screen shows it at once.
     void addFirstAccountFromTheList() {
-        InterfazGuionada ui;
         frmEnvio envio;
         frmCanales f;
         alAbrirModal([](QDialog* d) {
@@ -148,7 +148,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editFillsTheEditor() {
-        InterfazGuionada ui;
         tresCuentas();
         Conexion().exec(
             u"update canales set remopc = 1, movil = '0034600123456', tini = 'Hola', "
@@ -171,7 +170,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listCommandsOnTheSelectedAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         Ajustes::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.test"_s);
         Conexion().exec(
@@ -181,18 +179,18 @@ class TestPantallasCuentas : public QObject {
         // No selection: nothing happens.
         f.cmdPrede->click();
         f.cmdRecarga->click();
-        QVERIFY(ui.boxes.isEmpty() && ui.openedUrls.isEmpty());
+        QVERIFY(ui->boxes.isEmpty() && ui->openedUrls.isEmpty());
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdRecarga->click();
-        QCOMPARE(ui.openedUrls,
+        QCOMPARE(ui->openedUrls,
                  QStringList{u"https://pago.test/informacion/recarga_sms.php?u=ana%20b"_s});
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         f.cmdPrede->click();
         QCOMPARE(textosDe(f.ListView1, 2), (QStringList{u"No"_s, u"No"_s, u"Sí"_s}));
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdGetSaldo->click();
-        QTRY_COMPARE(cajas(ui).last(), u"272 "_s + kDenegada);
-        ui.answers = {Msg::Yes};
+        QTRY_COMPARE(cajas(*ui).last(), u"272 "_s + kDenegada);
+        ui->answers = {Msg::Yes};
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdDelete->click();
         QCOMPARE(textosDe(f.ListView1, 0), (QStringList{u"Alfa"_s, u"Beta"_s}));
@@ -212,7 +210,6 @@ class TestPantallasCuentas : public QObject {
     }
     void editorSenderControls() {
         QFETCH(int, opcion);
-        InterfazGuionada ui;
         frmNewCanal e;
         DatosCuenta d = msCuentaNueva();
         d.usuario = u"demo"_s;
@@ -230,7 +227,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorSenderKeysAndEnter() {
-        InterfazGuionada ui;
         frmNewCanal e;
         e.show();
         QVERIFY(QTest::qWaitForWindowActive(&e));
@@ -255,16 +251,15 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorInformationPictures() {
-        InterfazGuionada ui;
         frmNewCanal e;
         hijo<QToolButton>(&e, u"Image4_0"_s)->click();
         hijo<QToolButton>(&e, u"Image4_1"_s)->click();
         auto* condiciones = hijo<QToolButton>(&e, u"Image4_4"_s);
         QCOMPARE(condiciones->toolTip(), u"Ver Condiciones de Remittente"_s);
         condiciones->click();
-        QCOMPARE(ui.boxes.size(), 2);
-        QCOMPARE(ui.boxes[0].title, u"Información sobre los elementos de la Cuenta"_s);
-        QCOMPARE(ui.boxes[1].text,
+        QCOMPARE(ui->boxes.size(), 2);
+        QCOMPARE(ui->boxes[0].title, u"Información sobre los elementos de la Cuenta"_s);
+        QCOMPARE(ui->boxes[1].text,
                  u"Texto final de mensaje:\n\nTexto a añadir al final de todos los mensajes "
                  u"enviados por esta cuenta.\nDéjelo en blanco si no quiere ningún texto al "
                  u"final."_s);
@@ -300,7 +295,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void noticeLeadsToSignUp() {
-        InterfazGuionada ui;
         alAbrirModal([](QDialog* d) { hijo<QPushButton>(d, u"cmdURR"_s)->click(); });
         Pantallas::abrir(u"frmTipoRegistro"_s);
         QCOMPARE(abiertas, QStringList{u"frmRegistro"_s});
@@ -309,10 +303,9 @@ class TestPantallasCuentas : public QObject {
     // A fresh installation: the notice, a registered user, and a compose
     // screen whose account sends.
     void freshStartToASend() {
-        InterfazGuionada ui;
         // What the frame's first activation does with no account.
         QCoro::waitFor(msPrimeraVez());
-        QCOMPARE(ui.firstRunShown, 1);
+        QCOMPARE(ui->firstRunShown, 1);
         QStringList vistas;
         alAbrirModal([&vistas](QDialog* aviso) {
             vistas << aviso->objectName();
@@ -327,8 +320,8 @@ class TestPantallasCuentas : public QObject {
         });
         Pantallas::abrir(u"frmTipoRegistro"_s);
         QCOMPARE(vistas, (QStringList{u"frmTipoRegistro"_s, u"frmIniCanal Configuración"_s}));
-        QCOMPARE(cajas(ui).size(), 1);
-        QVERIFY(cajas(ui)[0].startsWith(u"64 Se completó con éxito la configuración."_s));
+        QCOMPARE(cajas(*ui).size(), 1);
+        QVERIFY(cajas(*ui)[0].startsWith(u"64 Se completó con éxito la configuración."_s));
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(),
                  u"Cuenta_demo   (100 Créditos)"_s);
@@ -341,7 +334,6 @@ class TestPantallasCuentas : public QObject {
     // Without the platform the first account is still written and the form
     // closes, on a warning instead of a success; no balance is shown.
     void freshStartWithoutThePlatform() {
-        InterfazGuionada ui;
         plataforma(*sim, false);
         bool cerrado = false;
         alAbrirModal([&cerrado](QDialog* ini) {
@@ -354,7 +346,7 @@ class TestPantallasCuentas : public QObject {
         });
         Pantallas::abrir(u"frmIniCanal"_s);
         QVERIFY(cerrado);
-        QCOMPARE(cajasSinLibreria(ui), QStringList{kSinVerificar});
+        QCOMPARE(cajasSinLibreria(*ui), QStringList{kSinVerificar});
         frmCanales lista;
         QCOMPARE(filasDe(lista.ListView1), QStringList{u"Cuenta_demo||Sí||demo|0"_s});
         frmEnvio envio;
@@ -364,7 +356,6 @@ class TestPantallasCuentas : public QObject {
     // A new user signs up: a refusal in words, corrected, then an account
     // that is principal, shows in the compose screen and sends at once.
     void signUpEndToEnd() {
-        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         QCOMPARE(w.currentId(), int(frmRegistro::Datos));
@@ -388,10 +379,10 @@ class TestPantallasCuentas : public QObject {
         registrar->click();
         w.txtClave2->setText(u"secreta"_s);
         registrar->click();
-        QTRY_COMPARE(ui.boxes.size(), 2);
+        QTRY_COMPARE(ui->boxes.size(), 2);
         w.txtUsuario->setText(u"ana_nueva"_s);
         registrar->click();
-        QTRY_COMPARE(ui.boxes.size(), 3);
+        QTRY_COMPARE(ui->boxes.size(), 3);
         QCOMPARE(w.currentId(), int(frmRegistro::Usuario));
         QCOMPARE(fila(0), u"-"_s);
         w.back();
@@ -401,7 +392,7 @@ class TestPantallasCuentas : public QObject {
         w.next();
         registrar->click();
         QTRY_COMPARE(w.currentId(), int(frmRegistro::Fin));
-        QCOMPARE(cajas(ui),
+        QCOMPARE(cajas(*ui),
                  (QStringList{
                      u"16 Los datos insertados en los campos Contraseña no coinciden, inserte de "
                      u"nuevo la Contraseña"_s,
@@ -429,7 +420,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void signUpCancelledLeavesNothing() {
-        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         w.txtNombre->setText(u"Luis"_s);
@@ -438,7 +428,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void pickerSetsTheComposeAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         frmEnvio envio;
         auto* combo = hijo<QComboBox>(&envio, u"ImageCombo1"_s);
@@ -460,7 +449,6 @@ class TestPantallasCuentas : public QObject {
     void capturas() {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
-        InterfazGuionada ui;
         tresCuentas();
         auto guardar = [&dir](QWidget* w, const QString& nombre) {
             w->show();

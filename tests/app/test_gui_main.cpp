@@ -33,6 +33,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolTip>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using prueba::cajas;
@@ -44,7 +45,8 @@ class TestGuiMain : public QObject {
 
   private:
     TestWorld& world;
-    QStringList abiertas;  // screens opened through the registry
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
+    QStringList abiertas;                // screens opened through the registry
     int terminado = 0;
 
     // The frame after its first activation.
@@ -77,6 +79,7 @@ class TestGuiMain : public QObject {
         Ajustes::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
         abiertas.clear();
         terminado = 0;
+        ui.emplace();
     }
 
     // With no browser or mail program, a link says so in a box that the
@@ -110,7 +113,6 @@ class TestGuiMain : public QObject {
     }
 
     void menuAndToolbarInOrder() {
-        InterfazGuionada ui;
         auto w = ventana();
         // One line per menu: "key caption", "-" for a separator.
         QStringList menus;
@@ -178,7 +180,6 @@ class TestGuiMain : public QObject {
     void activationKeepsAMaximisedFrame() {
         QFETCH(int, antes);
         QFETCH(int, despues);
-        InterfazGuionada ui;
         auto w = ventana();
         w->setWindowState(Qt::WindowStates(antes));
         QEvent activacion(QEvent::WindowActivate);
@@ -213,30 +214,28 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, puerta);
         QFETCH(QString, efecto);
-        InterfazGuionada ui;
         auto w = ventana();
         principal(u"ana y pep&s"_s, u"x"_s);
         estadoAplicacion().gsClaveAcceso = u"Clave"_s;
         auto usar = [&] {
             abiertas.clear();
-            ui.openedUrls.clear();
+            ui->openedUrls.clear();
             if (QAction* a = w->findChild<QAction*>(clave))
                 a->trigger();
             else
                 w->Toolbar1_ButtonClick(clave);
-            return abiertas + ui.openedUrls;
+            return abiertas + ui->openedUrls;
         };
         // The comparison minds the case.
-        ui.passwords = {u"clave"_s};
+        ui->passwords = {u"clave"_s};
         QCOMPARE(usar(), puerta ? QStringList() : QStringList{efecto});
-        QCOMPARE(ui.passwordPrompts, puerta ? 1 : 0);
-        QVERIFY(ui.boxes.isEmpty());
-        ui.passwords = {u"Clave"_s};
+        QCOMPARE(ui->passwordPrompts, puerta ? 1 : 0);
+        QVERIFY(ui->boxes.isEmpty());
+        ui->passwords = {u"Clave"_s};
         QCOMPARE(usar(), QStringList{efecto});
     }
 
     void helpManualIsWrittenOutForTheBrowser() {
-        InterfazGuionada ui;
         auto w = ventana();
         QFile manual(rutaAyuda());
         for (int vez = 0; vez < 2; ++vez) {
@@ -250,19 +249,18 @@ class TestGuiMain : public QObject {
             QVERIFY(manual.open(QIODevice::WriteOnly | QIODevice::Truncate));
             manual.close();
         }
-        QCOMPARE(ui.openedUrls, QStringList(2, rutaAyuda()));
+        QCOMPARE(ui->openedUrls, QStringList(2, rutaAyuda()));
         w->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(w.get()));
         QTest::keyClick(w.get(), Qt::Key_F1);
-        QCOMPARE(ui.openedUrls.size(), 3);
+        QCOMPARE(ui->openedUrls.size(), 3);
     }
 
     void rechargeWithoutAccountSays() {
-        InterfazGuionada ui;
         auto w = ventana();
         accion(w.get(), u"keyHome01"_s)->trigger();
-        QCOMPARE(cajas(ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
-        QVERIFY(ui.openedUrls.isEmpty());
+        QCOMPARE(cajas(*ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
+        QVERIFY(ui->openedUrls.isEmpty());
     }
 
     void switchShowsAndSaves_data() {
@@ -286,12 +284,11 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, antes);
         QFETCH(bool, despues);
-        InterfazGuionada ui;
         if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
         auto w = ventana();
         if (!clave.isNull()) {
             estadoAplicacion().gsClaveAcceso = u"Clave"_s;
-            ui.passwords = {clave};
+            ui->passwords = {clave};
         }
         QAction* keyTX = accion(w.get(), u"keyTX"_s);
         QAction* mnutx = accion(w.get(), u"mnutx"_s);
@@ -330,7 +327,6 @@ class TestGuiMain : public QObject {
     }
     void closingRefusedDuringARun() {
         QFETCH(QString, via);
-        InterfazGuionada ui;
         auto w = ventana();
         auto cerrar = [&] { via.isNull() ? void(w->close()) : accion(w.get(), via)->trigger(); };
         estadoAplicacion().gbEnviando = true;
@@ -339,20 +335,20 @@ class TestGuiMain : public QObject {
             u"308 Quelmo Mensajes SMS está ahora mismo realizando un envío."
             u"\n\nEspere a que termine el envío para cerrar la aplicación.\n\n¿Desea detener "
             u"el envío y cerrar ahora? Los mensajes no enviados quedan en la bandeja de salida."_s;
-        QCOMPARE(cajas(ui), QStringList{aviso});
+        QCOMPARE(cajas(*ui), QStringList{aviso});
         QVERIFY(w->isVisible());
         QCOMPARE(terminado, 0);
         QVERIFY(Conexion().isOpen());
 
         // Stopping the run instead: the window closes once the run is over.
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         cerrar();
-        QCOMPARE(cajas(ui), (QStringList{aviso, aviso}));
+        QCOMPARE(cajas(*ui), (QStringList{aviso, aviso}));
         QCOMPARE(terminado, 0);
         estadoAplicacion().gbEnviando = false;
         Q_EMIT w->transmisor().tickTerminado();
         QTRY_COMPARE(terminado, 1);
-        QCOMPARE(cajas(ui).size(), 2);
+        QCOMPARE(cajas(*ui).size(), 2);
         QVERIFY(!Conexion().isOpen());
         QVERIFY(!w->transmisor().Timer1().isActive());
     }
@@ -364,7 +360,6 @@ class TestGuiMain : public QObject {
     }
     void hidingKeepsSending() {
         QFETCH(bool, bandeja);
-        InterfazGuionada ui;
         auto w = ventana();
         w->hayBandeja = [bandeja] { return bandeja; };
         accion(w.get(), u"OCULTAR"_s)->trigger();
@@ -395,18 +390,16 @@ class TestGuiMain : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(int, puestaEnMarcha);
-        InterfazGuionada ui;
         if (!usuario.isNull()) {
             TestDb::openShared(rutaBaseDefecto());
             principal(usuario, clave);
             Conexion().close();
         }
         auto w = ventana();
-        QCOMPARE(ui.firstRunShown, puestaEnMarcha);
+        QCOMPARE(ui->firstRunShown, puestaEnMarcha);
     }
 
     void longLogLineReadInFull() {
-        InterfazGuionada ui;
         auto w = ventana();
         for (int i = 0; i < 2000; ++i) msLog(u"línea %1"_s.arg(i));
         const QString larga = u"Error en SendMessage: "_s + QString(600, u'x') + u" fin"_s;
@@ -439,7 +432,6 @@ class TestGuiMain : public QObject {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
         cargarTraduccionQt();  // as the program starts
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         {
             BaseDatos db;

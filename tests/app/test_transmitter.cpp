@@ -19,6 +19,7 @@ class TestTransmitter : public QObject {
 
   private:
     TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
     void conBase() { TestDb::openShared(TestDb::createCurrent(world.root() + u"/tx.db"_s)); }
 
@@ -26,6 +27,7 @@ class TestTransmitter : public QObject {
     void init() {
         world.reset();
         conBase();
+        ui.emplace();
     }
 
     void switchDecidesWhetherARunHappens_data() {
@@ -39,7 +41,6 @@ class TestTransmitter : public QObject {
     void switchDecidesWhetherARunHappens() {
         QFETCH(QString, activo);
         QFETCH(bool, corre);
-        InterfazGuionada ui;
         if (!activo.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         msLog(u"línea anterior"_s);
         estadoAplicacion().gsVersionPlataforma = u"400"_s;
@@ -51,7 +52,6 @@ class TestTransmitter : public QObject {
     }
 
     void flagsStandDuringTheRunOnly() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
         for (int canal : {3, 1, 2}) prueba::pendiente(u"600"_s, u"x"_s, canal);
@@ -78,7 +78,6 @@ class TestTransmitter : public QObject {
     }
 
     void shortWatchedPathIsNoImport() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
@@ -99,7 +98,6 @@ class TestTransmitter : public QObject {
         QFETCH(QString, activo);
         QFETCH(bool, cerrar);
         QFETCH(bool, sigueEnviando);
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         if (cerrar) Conexion().close();
         QCoro::waitFor(SendMessage());
@@ -117,7 +115,6 @@ class TestTransmitter : public QObject {
     // The options saved during a run, or a "send now", neither start a
     // second run nor let a tick come inside this one.
     void tickTurnsTheTimerOffWhileItRuns() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (2)"_s);
@@ -164,7 +161,6 @@ class TestTransmitter : public QObject {
         QFETCH(QString, destino);
         QFETCH(int, ejecuciones);
         QFETCH(int, quedan);
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(),
                             u"[plataforma]\nrechazados=0034600000666\n[cuenta1]\nusuario=demo\n"
                             u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
@@ -193,3 +189,5 @@ class TestTransmitter : public QObject {
 
 QUELMO_TEST_MAIN(TestTransmitter)
 #include "test_transmitter.moc"
+
+#include <optional>

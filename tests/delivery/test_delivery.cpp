@@ -13,6 +13,7 @@
 
 #include <sqlite3.h>
 #include <atomic>
+#include <optional>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +42,7 @@ class TestDelivery : public QObject {
 
   private:
     TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<RelojFijo> reloj;
 
     std::unique_ptr<SimuladorPrueba> simulador(const QString& ini = configuracion()) {
@@ -65,6 +67,7 @@ class TestDelivery : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
         reloj = std::make_unique<RelojFijo>(kAhora);
+        ui.emplace();
     }
     void cleanup() { reloj.reset(); }
 
@@ -121,7 +124,6 @@ class TestDelivery : public QObject {
         QFETCH(int, historial);
         QFETCH(int, intento);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         auto sim = simulador(configuracion({}, cuentaSim));
         anadirCuenta(sim->host());
         pendiente(abonado, mensaje, canalFila);
@@ -145,11 +147,11 @@ class TestDelivery : public QObject {
             QCOMPARE(h.value(0, 2).toString(), aTextoBD(kAhora));
         }
         // Only an account the platform holds inactive is told with a box.
-        QCOMPARE(ui.boxes.size(), cuentaSim == u"activa=false"_s ? 1 : 0);
-        if (!ui.boxes.isEmpty()) {
-            QCOMPARE(ui.boxes[0].title, u"Su cuenta no está Activa"_s);
-            QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.contains(u"su cuenta esté Activa"_s));
+        QCOMPARE(ui->boxes.size(), cuentaSim == u"activa=false"_s ? 1 : 0);
+        if (!ui->boxes.isEmpty()) {
+            QCOMPARE(ui->boxes[0].title, u"Su cuenta no está Activa"_s);
+            QCOMPARE(ui->boxes[0].style, Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.contains(u"su cuenta esté Activa"_s));
         }
     }
 
@@ -172,7 +174,6 @@ class TestDelivery : public QObject {
         QFETCH(bool, importado);
         QFETCH(int, imptextos);
         QFETCH(QList<int>, longitudes);
-        InterfazGuionada ui;
         auto sim = simulador();
         const QString tini = textos ? u"ABC"_s : QString(), tfin = textos ? u"XYZ"_s : QString();
         anadirCuenta(sim->host(), u"demo"_s, 0, tini, tfin, imptextos);
@@ -201,7 +202,6 @@ class TestDelivery : public QObject {
     // The destination the platform gets is the normalised one; a simulated
     // number costs nothing.
     void simulatedNumbersCostNothing() {
-        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         pendiente(u"+34629000000"_s, u"x"_s);
@@ -227,7 +227,6 @@ class TestDelivery : public QObject {
     void batchSizeComesFromTheOptions() {
         QFETCH(QVariant, maxlote);
         QFETCH(int, enviadas);
-        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         if (maxlote.isValid())
@@ -270,7 +269,6 @@ class TestDelivery : public QObject {
     void failedExchangesChangeNothing() {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         // 17 MB take a loaded machine more than a second: the limit on
         // size must be what stops them, not the time.
         const bool enorme = fallo == u"fallo=enorme"_s;
@@ -300,7 +298,6 @@ class TestDelivery : public QObject {
     }
     void awkwardCharactersSurvive() {
         QFETCH(QString, texto);
-        InterfazGuionada ui;
         const QString clave = u"cl&ve<ñ'"_s;
         auto sim =
             simulador(u"[plataforma]\n[cuenta1]\nusuario=demo\nclave=\"cl&ve<ñ'\"\nsaldo=5\n"_s);
@@ -334,7 +331,6 @@ class TestDelivery : public QObject {
         QFETCH(QString, cuentaSim);
         QFETCH(QString, remitente);
         QFETCH(bool, aviso);
-        InterfazGuionada ui;
         QSignalSpy cuentas(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         auto sim = simulador(configuracion(u"version=330"_s, cuentaSim));
         anadirCuenta(sim->host(), u"demo"_s, remopc);
@@ -348,11 +344,11 @@ class TestDelivery : public QObject {
         QCOMPARE(estadoAplicacion().gsSaldoCuenta, u"99"_s);
         QCOMPARE(estadoAplicacion().gsVersionPlataforma, u"330"_s);
         QCOMPARE(cuentas.count(), 1);
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
         if (aviso) {
-            QCOMPARE(ui.boxes[0].title, u"Remitente no aceptado"_s);
-            QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.startsWith(
+            QCOMPARE(ui->boxes[0].title, u"Remitente no aceptado"_s);
+            QCOMPARE(ui->boxes[0].style, Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.startsWith(
                 u"Su Remitente Personalizado no ha sido aceptado.\n\nPara utilizar"_s));
         }
     }
@@ -366,7 +362,6 @@ class TestDelivery : public QObject {
     void debugLinesFollowTheSetting() {
         QFETCH(QString, valor);
         QFETCH(bool, depura);
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, valor);
         auto sim = simulador();
         anadirCuenta(sim->host());
@@ -379,7 +374,6 @@ class TestDelivery : public QObject {
     // A platform whose trace repeats the request, with the debug lines on:
     // the account's password shows in none of its forms.
     void passwordStaysOutOfTheLog() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, u"RXXML"_s);
         const QString clave = u"s3cr&t<ñ 'x"_s;
         auto sim = simulador(
@@ -409,7 +403,6 @@ class TestDelivery : public QObject {
     void lockedDatabaseSendsNothingTwice() {
         QFETCH(bool, antes);
         QFETCH(int, enPrimera);
-        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"retraso_ms=1500"_s));
         anadirCuenta(sim->host());
         pendiente(u"629000000"_s, u"hola"_s);
@@ -451,7 +444,6 @@ class TestDelivery : public QObject {
     // the rows to be sent again: they carry the same references, and the
     // platform answers them without sending or charging twice.
     void resentItemsReachNobodyTwice() {
-        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         pendiente(u"629000000"_s, QString(200, u'a'), 1, 7);
@@ -494,7 +486,6 @@ class TestDelivery : public QObject {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
         QFETCH(int, quedan);
-        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"veces=1\nfallo="_s + fallo));
         anadirCuenta(sim->host());
         pendiente(u"629000000"_s, u"uno"_s);
@@ -523,7 +514,6 @@ class TestDelivery : public QObject {
     void rowsWithoutAUsableAccount() {
         QFETCH(QVariant, canal);
         QFETCH(QString, nombre);
-        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         pendiente(u"629000000"_s, u"sin cuenta"_s, 1);
@@ -543,7 +533,6 @@ class TestDelivery : public QObject {
     // A run that starts while one waits for the platform ends at once: it
     // would send the same rows again.
     void runInsideARunSendsNothing() {
-        InterfazGuionada ui;
         auto sim = simulador();
         anadirCuenta(sim->host());
         pendiente(u"629000000"_s, u"hola"_s);
@@ -560,7 +549,6 @@ class TestDelivery : public QObject {
     // A balance the platform reports that is no number is never stored: a
     // batch keeps its items' results, a query returns nothing.
     void balanceThatIsNoNumber() {
-        InterfazGuionada ui;
         auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
         anadirCuenta(sim->host());
         QCOMPARE(QCoro::waitFor(SendAutCuenta(1)), QString());
@@ -616,8 +604,7 @@ class TestDelivery : public QObject {
         QFETCH(QString, linea);
         QFETCH(int, respuesta);
         QFETCH(QString, abierta);
-        InterfazGuionada ui;
-        ui.answers << respuesta;
+        ui->answers << respuesta;
         auto sim = simulador(configuracion(u"version="_s + version));
         if (!conectar) sim->detener();
         QString host = sim->host();
@@ -633,12 +620,12 @@ class TestDelivery : public QObject {
             QVERIFY(msCausaFallo().isEmpty());
         }
         const bool aviso = respuesta != 0;
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
         if (aviso) {
-            QCOMPARE(ui.boxes[0].style, Msg::YesNoCancel + Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.contains(u"nueva versión "_s + version.trimmed() + u'?'));
+            QCOMPARE(ui->boxes[0].style, Msg::YesNoCancel + Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.contains(u"nueva versión "_s + version.trimmed() + u'?'));
         }
-        QCOMPARE(ui.openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
+        QCOMPARE(ui->openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
         if (resultado != u"100"_s) return;
         QCOMPARE(estadoAplicacion().MovilCuenta, u"0034600123456"_s);
 
@@ -651,11 +638,10 @@ class TestDelivery : public QObject {
                      u"ATENCION: Existe una versión nueva de Quelmo Mensajes SMS, acceda a "
                      "http://www.quelmo.example para descargarla."_s),
                  aviso);
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
     }
 
     void emptyHostTakesThePlatformsAddress() {
-        InterfazGuionada ui;
         auto sim = simulador();
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
         QCOMPARE(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString())), u"100"_s);
@@ -678,7 +664,6 @@ class TestDelivery : public QObject {
         QFETCH(QString, saldoSim);
         QFETCH(QString, resultado);
         QFETCH(bool, guardado);
-        InterfazGuionada ui;
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
         QCOMPARE(QCoro::waitFor(SendAutCuenta(int16_t(canal))), resultado);

@@ -19,6 +19,7 @@
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTreeView>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -59,16 +60,17 @@ class TestHistorico : public QObject {
 
   private:
     TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
   private Q_SLOTS:
     void init() {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/historico.db"_s));
+        ui.emplace();
     }
 
     void listShowsSixColumnsNewestFirst() {
         tresMensajes();
-        InterfazGuionada ui;
         registrarPantallasHistorico();
         QVERIFY(Pantallas::abrir(u"frmHEnvios"_s));
         frmHEnvios* pantalla = PantallasHijas::instance<frmHEnvios>();
@@ -131,7 +133,6 @@ class TestHistorico : public QObject {
         QFETCH(int, flecha);
         QFETCH(Qt::SortOrder, sentido);
         tresMensajes();
-        InterfazGuionada ui;
         frmHEnvios pantalla;
         for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
         QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
@@ -201,7 +202,6 @@ class TestHistorico : public QObject {
         QStringList orden;
         for (const Esperada& e : esperadas) orden << e.numero;
 
-        InterfazGuionada ui;
         frmHEnvios pantalla;
         for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
         // Delivered after the list was filled: it shows at the next fill.
@@ -236,13 +236,12 @@ class TestHistorico : public QObject {
         if (principal) prueba::cuenta(principal, u"Uno"_s, {{u"Principal"_s, 1}});
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, mensaje, 3, u"Otra"_s);
         RelojFijo reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         QSignalSpy bandeja(&Avisos::instancia(), &Avisos::bandejaCambiada);
         frmHEnvios pantalla;
         // Nothing selected: nothing asked.
         pantalla.XPButton2->click();
-        QVERIFY(ui.boxes.isEmpty());
+        QVERIFY(ui->boxes.isEmpty());
         const QModelIndex fila = pantalla.ListView1->model()->index(0, 1);
         pantalla.ListView1->selectionModel()->select(
             fila, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -257,7 +256,7 @@ class TestHistorico : public QObject {
             vistas << QString::number(Msg::Information) +
                           u" El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene "
                           u"activado el Modo Transmisor el mensaje se enviará en unos segundos."_s;
-        QCOMPARE(cajas(ui), vistas);
+        QCOMPARE(cajas(*ui), vistas);
         QCOMPARE(prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios"_s),
                  esperado.isEmpty() ? QStringList() : QStringList{esperado});
         if (!esperado.isEmpty())
@@ -271,16 +270,15 @@ class TestHistorico : public QObject {
     void resendFailureIsTold() {
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, u"Hola"_s);
         bd().exec(u"DROP TABLE envios"_s);
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
         pantalla.ListView1->selectionModel()->select(
             pantalla.ListView1->model()->index(0, 0),
             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         pantalla.XPButton2->click();
-        QCOMPARE(ui.boxes.size(), 2);
-        QCOMPARE(ui.boxes.at(1).text, u"No se ha podido reenviar el mensaje"_s);
-        QCOMPARE(ui.boxes.at(1).style, Msg::Exclamation);
+        QCOMPARE(ui->boxes.size(), 2);
+        QCOMPARE(ui->boxes.at(1).text, u"No se ha podido reenviar el mensaje"_s);
+        QCOMPARE(ui->boxes.at(1).style, Msg::Exclamation);
     }
 
     void deletion_data() {
@@ -320,8 +318,7 @@ class TestHistorico : public QObject {
         QFETCH(QStringList, preguntas);
         QFETCH(QStringList, quedan);
         tresMensajes();
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         frmHEnvios pantalla;
         if (todos) {
             pantalla.Option1_0->setChecked(true);
@@ -332,7 +329,7 @@ class TestHistorico : public QObject {
         // A row added behind the screen's back shows only after a reload.
         enviado(u"2006-03-17 08:00:00"_s, u"0034600000004"_s, u"nuevo"_s);
         pantalla.XPButton1->click();
-        QCOMPARE(cajas(ui), preguntas);
+        QCOMPARE(cajas(*ui), preguntas);
         // A delete that ran shows the list read anew, with the late row.
         const bool alcanzado = respuesta == Msg::Yes && (todos || !fecha.isEmpty());
         if (alcanzado && !todos) quedan.prepend(u"17/03/2006 08:00:00"_s);
@@ -342,13 +339,12 @@ class TestHistorico : public QObject {
     }
 
     void emptyHistory() {
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
         QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
         pantalla.txtfecha->setDate(QDate(2006, 3, 15));
         pantalla.XPButton1->click();
-        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui->boxes.size(), 1);
         QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
     }
 };
