@@ -50,6 +50,12 @@ class TestDelivery : public QObject {
         if (!s->listo()) qFatal("the platform simulator did not start");
         return s;
     }
+    // The simulator with the principal account of anadirCuenta on it.
+    std::unique_ptr<SimuladorPrueba> plataforma(const QString& ini = configuracion()) {
+        auto s = simulador(ini);
+        anadirCuenta(s->host());
+        return s;
+    }
     void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
                       const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
         prueba::cuentaPrincipal(host, clave,
@@ -124,8 +130,7 @@ class TestDelivery : public QObject {
         QFETCH(int, historial);
         QFETCH(int, intento);
         QFETCH(QString, linea);
-        auto sim = simulador(configuracion({}, cuentaSim));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion({}, cuentaSim));
         pendiente(abonado, mensaje, canalFila);
         if (!conectar) sim->detener();
         QCoro::waitFor(msEnviarLote(int16_t(canalFila), false));
@@ -202,8 +207,7 @@ class TestDelivery : public QObject {
     // The destination the platform gets is the normalised one; a simulated
     // number costs nothing.
     void simulatedNumbersCostNothing() {
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         pendiente(u"+34629000000"_s, u"x"_s);
         pendiente(u"0034999999999"_s, u"x"_s);
         QCoro::waitFor(msEnviarLote(1, false));
@@ -227,8 +231,7 @@ class TestDelivery : public QObject {
     void batchSizeComesFromTheOptions() {
         QFETCH(QVariant, maxlote);
         QFETCH(int, enviadas);
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         if (maxlote.isValid())
             Conexion().exec(u"update opciones set maxlote=? where id=1"_s, {maxlote});
         else
@@ -273,8 +276,7 @@ class TestDelivery : public QObject {
         // size must be what stops them, not the time.
         const bool enorme = fallo == u"fallo=enorme"_s;
         Ajustes::saveSetting(u"Despliegue"_s, u"TimeoutTotal"_s, enorme ? u"10"_s : u"1"_s);
-        auto sim = simulador(configuracion(fallo));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion(fallo));
         pendiente(u"629000000"_s, u"uno"_s);
         pendiente(u"0034111111111"_s, u"dos"_s);
         QElapsedTimer reloj;
@@ -363,8 +365,7 @@ class TestDelivery : public QObject {
         QFETCH(QString, valor);
         QFETCH(bool, depura);
         Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, valor);
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(enRegistro(u"Creando Objetos para el envio"_s), depura);
@@ -403,8 +404,7 @@ class TestDelivery : public QObject {
     void lockedDatabaseSendsNothingTwice() {
         QFETCH(bool, antes);
         QFETCH(int, enPrimera);
-        auto sim = simulador(configuracion(u"retraso_ms=1500"_s));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion(u"retraso_ms=1500"_s));
         pendiente(u"629000000"_s, u"hola"_s);
         // Our side gives up on a lock after 0.3 s instead of 5.
         sqlite3_busy_timeout(Conexion().handle(), 300);
@@ -444,8 +444,7 @@ class TestDelivery : public QObject {
     // the rows to be sent again: they carry the same references, and the
     // platform answers them without sending or charging twice.
     void resentItemsReachNobodyTwice() {
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         pendiente(u"629000000"_s, QString(200, u'a'), 1, 7);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 2);
@@ -486,8 +485,7 @@ class TestDelivery : public QObject {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
         QFETCH(int, quedan);
-        auto sim = simulador(configuracion(u"veces=1\nfallo="_s + fallo));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion(u"veces=1\nfallo="_s + fallo));
         pendiente(u"629000000"_s, u"uno"_s);
         pendiente(u"629000001"_s, u"dos"_s);
         QCoro::waitFor(msEnviarLote(1, false));
@@ -514,8 +512,7 @@ class TestDelivery : public QObject {
     void rowsWithoutAUsableAccount() {
         QFETCH(QVariant, canal);
         QFETCH(QString, nombre);
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         pendiente(u"629000000"_s, u"sin cuenta"_s, 1);
         Conexion().exec(u"update envios set Canal=?"_s, {canal});
         pendiente(u"629000001"_s, u"con cuenta"_s, 1);
@@ -533,8 +530,7 @@ class TestDelivery : public QObject {
     // A run that starts while one waits for the platform ends at once: it
     // would send the same rows again.
     void runInsideARunSendsNothing() {
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         pendiente(u"629000000"_s, u"hola"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         QCoro::Task<bool> primera = SendMessage();
@@ -549,8 +545,7 @@ class TestDelivery : public QObject {
     // A balance the platform reports that is no number is never stored: a
     // batch keeps its items' results, a query returns nothing.
     void balanceThatIsNoNumber() {
-        auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion(u"fallo=saldo_texto"_s));
         QCOMPARE(QCoro::waitFor(SendAutCuenta(1)), QString());
         QVERIFY2(enRegistro(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
                             "plataforma: 'abc'"_s),

@@ -174,12 +174,10 @@ class TestTransporte : public QObject {
     }
     // A server certificate for `nombres` (subjectAltName), signed by `ca`.
     bool hoja(const QString& nombre, const QString& ca, const QString& nombres) {
-        QFile ext(ruta(nombre + u".ext"_s));
-        if (!ext.open(QIODevice::WriteOnly)) return false;
-        ext.write((u"subjectAltName="_s + nombres +
-                   u"\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n"_s)
-                      .toUtf8());
-        ext.close();
+        prueba::escribir(ruta(nombre + u".ext"_s),
+                         (u"subjectAltName="_s + nombres +
+                          u"\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n"_s)
+                             .toUtf8());
         return openssl({u"req"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
                         u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-keyout"_s,
                         nombre + u".key"_s, u"-out"_s, nombre + u".csr"_s, u"-subj"_s,
@@ -190,47 +188,38 @@ class TestTransporte : public QObject {
                         nombre + u".ext"_s});
     }
 
+    // `nombre` started on its configuration `conf` (a file named last on
+    // its command line), once it listens at `puerto`.
+    std::unique_ptr<Programa> servidor(const QString& nombre, const QStringList& opciones,
+                                       const QString& conf, int puerto) {
+        const QString fichero = ruta(u"%1-%2.conf"_s.arg(nombre).arg(puerto));
+        prueba::escribir(fichero, conf.toUtf8());
+        auto p = std::make_unique<Programa>();
+        p->setProcessChannelMode(QProcess::MergedChannels);
+        p->start(programa(nombre), opciones + QStringList{fichero});
+        if (esperarPuerto(puerto)) return p;
+        qWarning("%s: %s", qPrintable(nombre), p->readAll().constData());
+        return nullptr;
+    }
     // stunnel4 with the certificate `hoja`, in front of the simulator.
     std::unique_ptr<Programa> tunelTls(const QString& hoja, int& puerto) {
         puerto = puertoLibre();
-        const QString conf = ruta(u"stunnel-%1.conf"_s.arg(puerto));
-        QFile f(conf);
-        if (!f.open(QIODevice::WriteOnly)) return nullptr;
-        f.write(
-            u"foreground = yes\npid =\n[plataforma]\naccept = 127.0.0.1:%1\n"
-            u"connect = 127.0.0.1:%2\ncert = %3.pem\nkey = %3.key\n"_s.arg(puerto)
-                .arg(sim->puerto())
-                .arg(ruta(hoja))
-                .toUtf8());
-        f.close();
-        auto p = std::make_unique<Programa>();
-        p->setProcessChannelMode(QProcess::MergedChannels);
-        p->start(programa(u"stunnel4"_s), {conf});
-        if (!esperarPuerto(puerto)) {
-            qWarning("stunnel4: %s", p->readAll().constData());
-            return nullptr;
-        }
-        return p;
+        return servidor(u"stunnel4"_s, {},
+                        u"foreground = yes\npid =\n[plataforma]\naccept = 127.0.0.1:%1\n"
+                        u"connect = 127.0.0.1:%2\ncert = %3.pem\nkey = %3.key\n"_s.arg(puerto)
+                            .arg(sim->puerto())
+                            .arg(ruta(hoja)),
+                        puerto);
     }
     // tinyproxy with `extra` lines of configuration; its log on its output.
     std::unique_ptr<Programa> tinyproxy(const QString& extra, int& puerto) {
         puerto = puertoLibre();
-        const QString conf = ruta(u"tinyproxy-%1.conf"_s.arg(puerto));
-        QFile f(conf);
-        if (!f.open(QIODevice::WriteOnly)) return nullptr;
-        f.write(u"Port %1\nListen 127.0.0.1\nTimeout 10\nLogLevel Connect\nMaxClients 10\n%2\n"_s
-                    .arg(puerto)
-                    .arg(extra)
-                    .toUtf8());
-        f.close();
-        auto p = std::make_unique<Programa>();
-        p->setProcessChannelMode(QProcess::MergedChannels);
-        p->start(programa(u"tinyproxy"_s), {u"-d"_s, u"-c"_s, conf});
-        if (!esperarPuerto(puerto)) {
-            qWarning("tinyproxy: %s", p->readAll().constData());
-            return nullptr;
-        }
-        return p;
+        return servidor(
+            u"tinyproxy"_s, {u"-d"_s, u"-c"_s},
+            u"Port %1\nListen 127.0.0.1\nTimeout 10\nLogLevel Connect\nMaxClients 10\n%2\n"_s
+                .arg(puerto)
+                .arg(extra),
+            puerto);
     }
 
     void anadirCuenta(const QString& host) {
