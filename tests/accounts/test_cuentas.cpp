@@ -13,13 +13,11 @@
 using namespace Qt::StringLiterals;
 using namespace cuentas_prueba;
 
-class TestCuentas : public QObject {
+class TestCuentas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestCuentas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<SimuladorPrueba> sim;
 

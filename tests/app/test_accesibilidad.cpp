@@ -144,13 +144,11 @@ QStringList recorridoTab(QWidget* desde, int veces) {
 
 }  // namespace
 
-class TestAccesibilidad : public QObject {
+class TestAccesibilidad : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestAccesibilidad(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::unique_ptr<InterfazGuionada> ui;
     std::unique_ptr<mdiMain> ventana;
 

@@ -93,10 +93,9 @@ extern "C" int openat64(int dir, const char* ruta, int flags, ...) {
     return f(dir, ruta, flags, modo);
 }
 
-class TestDialogoArchivos : public QObject {
+class TestDialogoArchivos : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDialogoArchivos(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -138,9 +137,6 @@ class TestDialogoArchivos : public QObject {
         // What any other program reads now: the window's rows and the script's.
         QCOMPARE(shell(ruta, u"SELECT Mensaje FROM envios ORDER BY Id"_s), u"antes\nX\ndespues"_s);
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_GUI_TEST_MAIN(TestDialogoArchivos)

@@ -10,14 +10,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestDiscoLleno : public QObject {
+class TestDiscoLleno : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDiscoLleno(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     QString base() const { return world.appDir() + u"/mensajes.db"_s; }
     void prepararBase(const SimuladorPrueba& sim) {
         QDir().mkpath(world.appDir());

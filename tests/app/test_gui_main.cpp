@@ -38,13 +38,11 @@
 using namespace Qt::StringLiterals;
 using prueba::cajas;
 
-class TestGuiMain : public QObject {
+class TestGuiMain : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestGuiMain(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     QStringList abiertas;                // screens opened through the registry
     int terminado = 0;

@@ -12,14 +12,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestHeadless : public QObject {
+class TestHeadless : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestHeadless(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     QString base() const { return world.appDir() + u"/mensajes.db"_s; }
 
   private Q_SLOTS:

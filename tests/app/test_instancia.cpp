@@ -10,13 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-class TestInstancia : public QObject {
+class TestInstancia : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestInstancia(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {

@@ -8,13 +8,9 @@
 using namespace Qt::StringLiterals;
 using namespace prueba;
 
-class TestOrdenes : public QObject {
+class TestOrdenes : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestOrdenes(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {

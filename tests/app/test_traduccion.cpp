@@ -12,13 +12,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestTraduccion : public QObject {
+class TestTraduccion : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTraduccion(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     bool cargada = false;
 
     // The texts of the buttons of `d`, in the order shown.

@@ -12,13 +12,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestTransmitter : public QObject {
+class TestTransmitter : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTransmitter(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
     void conBase() { TestDb::openShared(TestDb::createCurrent(world.root() + u"/tx.db"_s)); }

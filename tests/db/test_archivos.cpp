@@ -20,10 +20,9 @@ const QString kFila =
 
 }  // namespace
 
-class TestArchivos : public QObject {
+class TestArchivos : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestArchivos(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -158,9 +157,6 @@ class TestArchivos : public QObject {
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
         Conexion().close();
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_TEST_MAIN(TestArchivos)

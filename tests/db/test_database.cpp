@@ -16,10 +16,9 @@
 
 using namespace Qt::StringLiterals;
 
-class TestDatabase : public QObject {
+class TestDatabase : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDatabase(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -359,7 +358,6 @@ PRAGMA integrity_check;
     }
 
   private:
-    TestWorld& world;
     BaseDatos db;
 };
 

@@ -63,10 +63,9 @@ void sembrarBase(const QString& path) {
 
 }  // namespace
 
-class TestUpgrade : public QObject {
+class TestUpgrade : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestUpgrade(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -202,9 +201,6 @@ class TestUpgrade : public QObject {
         }
         QVERIFY(!msValidarBD(path));
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_TEST_MAIN(TestUpgrade)

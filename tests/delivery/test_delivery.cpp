@@ -35,13 +35,11 @@ QString configuracion(const QString& plataforma = {}, const QString& cuenta = {}
 
 }  // namespace
 
-class TestDelivery : public QObject {
+class TestDelivery : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDelivery(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<RelojFijo> reloj;
 

@@ -18,13 +18,9 @@ using prueba::columna;
 using prueba::cuantos;
 using prueba::pendiente;
 
-class TestIntercambio : public QObject {
+class TestIntercambio : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestIntercambio(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {

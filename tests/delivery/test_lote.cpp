@@ -32,13 +32,9 @@ bool utf16Entero(const QString& s) {
 
 }  // namespace
 
-class TestLote : public QObject {
+class TestLote : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestLote(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {

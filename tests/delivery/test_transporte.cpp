@@ -141,13 +141,11 @@ class Programa : public QProcess {
 
 }  // namespace
 
-class TestTransporte : public QObject {
+class TestTransporte : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTransporte(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     QTemporaryDir tls;
     std::unique_ptr<SimuladorPrueba> sim;
 

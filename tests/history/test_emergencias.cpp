@@ -39,13 +39,11 @@ void contacto(const QString& codigo, int canal) {
 
 }  // namespace
 
-class TestEmergencias : public QObject {
+class TestEmergencias : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestEmergencias(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
   private Q_SLOTS:

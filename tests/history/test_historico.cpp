@@ -53,13 +53,11 @@ void tresMensajes() {
 
 }  // namespace
 
-class TestHistorico : public QObject {
+class TestHistorico : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestHistorico(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
   private Q_SLOTS:

@@ -13,13 +13,9 @@
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
 
-class TestCiclo : public QObject {
+class TestCiclo : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestCiclo(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void loDejadoSaleEnElMismoCiclo() {

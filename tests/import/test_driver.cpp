@@ -27,13 +27,11 @@ QByteArray lineasNumeradas(int n) {
 }
 }  // namespace
 
-class TestDriver : public QObject {
+class TestDriver : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDriver(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     InterfazGuionada* ui = nullptr;
     QString base;
 

@@ -8,13 +8,11 @@
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
 
-class TestLineas : public QObject {
+class TestLineas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestLineas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     InterfazGuionada* ui = nullptr;
 
     QString fichero() const { return world.root() + u"/lineas.txt"_s; }

@@ -38,6 +38,15 @@ class TestWorld {
     QTemporaryDir m_dir;
 };
 
+// A test class of one executable: the temporary world its main built.
+class Prueba : public QObject {
+  public:
+    explicit Prueba(TestWorld& w) : world(w) {}
+
+  protected:
+    TestWorld& world;
+};
+
 // The clock pinned to an instant that the test moves.
 class RelojFijo {
   public:
