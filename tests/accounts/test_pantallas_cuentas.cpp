@@ -41,6 +41,13 @@ void escribir(QWidget* w, const QString& nombre, const QString& texto) {
     hijo<QLineEdit>(w, nombre)->setText(texto);
 }
 
+// The first-run form filled in as user demo, password demo, and accepted.
+void altaDemo(QWidget* ini) {
+    for (const QString& n : {u"txtUsuario"_s, u"txtClave"_s, u"txtClave2"_s})
+        escribir(ini, n, u"demo"_s);
+    hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+}
+
 void elegir(Listado* l, const QString& nombre) {
     const int f = int(textosDe(l, 0).indexOf(nombre));
     QVERIFY2(f >= 0, qPrintable(nombre));
@@ -58,13 +65,11 @@ QStringList botones(QWidget* w, const QStringList& nombres) {
 
 }  // namespace
 
-class TestPantallasCuentas : public QObject {
+class TestPantallasCuentas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestPantallasCuentas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<SimuladorPrueba> sim;
     QStringList abiertas;
@@ -311,10 +316,7 @@ class TestPantallasCuentas : public QObject {
             vistas << aviso->objectName();
             alAbrirModal([&vistas](QDialog* ini) {
                 vistas << ini->objectName() + u' ' + ini->windowTitle();
-                escribir(ini, u"txtUsuario"_s, u"demo"_s);
-                escribir(ini, u"txtClave"_s, u"demo"_s);
-                escribir(ini, u"txtClave2"_s, u"demo"_s);
-                hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+                altaDemo(ini);
             });
             hijo<QPushButton>(aviso, u"cmdUR"_s)->click();
         });
@@ -337,10 +339,7 @@ class TestPantallasCuentas : public QObject {
         plataforma(*sim, false);
         bool cerrado = false;
         alAbrirModal([&cerrado](QDialog* ini) {
-            escribir(ini, u"txtUsuario"_s, u"demo"_s);
-            escribir(ini, u"txtClave"_s, u"demo"_s);
-            escribir(ini, u"txtClave2"_s, u"demo"_s);
-            hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+            altaDemo(ini);
             cerrado = QTest::qWaitFor([ini] { return !ini->isVisible(); }, 20000);
             if (!cerrado) ini->reject();
         });
