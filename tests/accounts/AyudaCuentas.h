@@ -13,6 +13,7 @@
 namespace cuentas_prueba {
 
 using namespace Qt::StringLiterals;
+using prueba::cajas;
 
 inline const QString kSimulador =
     u"[plataforma]\nversion=\n[cuenta1]\nusuario=demo\nclave=demo\nsaldo=100\n"
@@ -59,12 +60,6 @@ inline QString fila(int canal) {
          {u"Saldo"_s, u"Principal"_s, u"Remitente"_s, u"remopc"_s, u"movil"_s, u"maxmen"_s})
         c << textoDe(r.value(0, n));
     return c.join(u'|');
-}
-
-inline QStringList cajas(const InterfazGuionada& ui) {
-    QStringList t;
-    for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
-    return t;
 }
 
 // The boxes with the transport library's own words cut from the line that

@@ -8,17 +8,17 @@
 #include "base/Pantallas.h"
 
 #include <QSignalSpy>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace cuentas_prueba;
 
-class TestCuentas : public QObject {
+class TestCuentas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestCuentas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<SimuladorPrueba> sim;
 
   private Q_SLOTS:
@@ -31,6 +31,7 @@ class TestCuentas : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/cuentas.db"_s));
         plataforma(*sim, true);
+        ui.emplace();
     }
 
     void principalAfterAddOrDelete_data() {
@@ -60,10 +61,9 @@ class TestCuentas : public QObject {
         QFETCH(QList<int>, antes);
         QFETCH(int, borrar);
         QFETCH(int, anadir);
-        InterfazGuionada ui;
         for (int c : codigos) cuenta(c, u"Cuenta %1"_s.arg(c), antes.contains(c) ? 1 : 0);
         if (borrar >= 0) {
-            ui.answers = {Msg::Yes};
+            ui->answers = {Msg::Yes};
             QVERIFY(msEliminarCuenta(int16_t(borrar)));
         }
         if (anadir >= 0) {
@@ -118,27 +118,21 @@ class TestCuentas : public QObject {
     void deletionAskedAndRefused() {
         QFETCH(QString, tabla);
         QFETCH(int, respuesta);
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         cuenta(1, u"Uno"_s, 1);
         cuenta(2, u"Dos"_s);
         if (tabla == u"Abonados"_s)
-            Conexion().exec(
-                u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','a',2)"_s);
+            prueba::contacto(u"0034600000001"_s, u"a"_s, 2);
         else if (tabla == u"envios"_s)
-            Conexion().exec(
-                u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
+            prueba::pendiente(u"x"_s, u"m"_s, 2);
         else if (tabla == u"envios tarde"_s)
             // Another program queues it while the user reads the question.
-            ui.onMsgBox = [] {
-                Conexion().exec(
-                    u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (2,'x','m',2)"_s);
-            };
+            ui->onMsgBox = [] { prueba::pendiente(u"x"_s, u"m"_s, 2); };
         else if (tabla == u"HEnvios"_s)
             Conexion().exec(u"INSERT INTO HEnvios (Canal,Abonado,Mensaje) VALUES (2,'x','m')"_s);
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         QTEST(msEliminarCuenta(2), "borrada");
-        QTEST(cajas(ui), "mensajes");
+        QTEST(cajas(*ui), "mensajes");
         QFETCH(bool, borrada);
         QCOMPARE(fila(2) == u"-"_s, borrada);
         QCOMPARE(avisos.count(), borrada ? 1 : 0);
@@ -152,13 +146,12 @@ class TestCuentas : public QObject {
     }
     void makePrincipal() {
         QFETCH(int, respuesta);
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         cuenta(1, u"Uno"_s, 1);
         cuenta(2, u"L'Hospitalet"_s);
         msHacerPrincipal(2, u"L'Hospitalet"_s);
-        QCOMPARE(cajas(ui), QStringList{u"308 Quiere establecer la Cuenta 'L'Hospitalet' como "
-                                        u"Cuenta Principal de Envío?"_s});
+        QCOMPARE(cajas(*ui), QStringList{u"308 Quiere establecer la Cuenta 'L'Hospitalet' como "
+                                         u"Cuenta Principal de Envío?"_s});
         QTEST(principales(), "despues");
     }
 
@@ -180,14 +173,13 @@ class TestCuentas : public QObject {
     void balanceOutcomes() {
         QFETCH(QString, clave);
         QFETCH(bool, conectar);
-        InterfazGuionada ui;
         cuenta(1, u"Uno"_s, 1, u"demo"_s, clave);
         Conexion().exec(u"update canales set Host = ?"_s,
                         {conectar ? sim->host() : u"http://127.0.0.1:1"_s});
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         QCoro::waitFor(msVerSaldo(1));
         QTEST(textoDe(Conexion().query(u"select saldo from canales"_s).value(0, 0)), "saldo");
-        QTEST(cajasSinLibreria(ui), "mensajes");
+        QTEST(cajasSinLibreria(*ui), "mensajes");
         QCOMPARE(avisos.count(), 1);
     }
 
@@ -250,8 +242,7 @@ class TestCuentas : public QObject {
         QFETCH(int, remopc);
         QFETCH(QString, host);
         QFETCH(QList<int>, respuestas);
-        InterfazGuionada ui;
-        ui.answers = respuestas;
+        ui->answers = respuestas;
         plataforma(*sim, conectar);
         // A number from an earlier exchange never reaches this account.
         estadoAplicacion().MovilCuenta = u"0034699999999"_s;
@@ -268,7 +259,7 @@ class TestCuentas : public QObject {
         d.remitente = u"MiTienda"_s;
         QTEST(int(QCoro::waitFor(msGuardarCuenta(d, edicion, 3))), "resultado");
         QTEST(fila(3), "guardada");
-        QTEST(cajasSinLibreria(ui), "mensajes");
+        QTEST(cajasSinLibreria(*ui), "mensajes");
     }
 
     // First run: the checks in their order, then the platform, then the row.
@@ -320,12 +311,11 @@ class TestCuentas : public QObject {
         QFETCH(bool, existente);
         QFETCH(int, canal);
         QFETCH(QString, guardada);
-        InterfazGuionada ui;
         plataforma(*sim, conectar);
         if (existente) cuenta(4, u"Vacía"_s, 1, QString(), QString());
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         QTEST(int(QCoro::waitFor(msAltaInicial(usuario, clave, clave2))), "resultado");
-        QTEST(cajasSinLibreria(ui).join(u" / "_s), "mensaje");
+        QTEST(cajasSinLibreria(*ui).join(u" / "_s), "mensaje");
         QCOMPARE(fila(canal), QString(guardada).replace(u"%1"_s, sim->host().mid(7)));
         QCOMPARE(principales().size(), guardada == u"-"_s ? int(existente) : 1 + int(existente));
         QCOMPARE(avisos.count(), guardada == u"-"_s ? 0 : 1);
@@ -349,7 +339,6 @@ class TestCuentas : public QObject {
     void platformSchemeIsKept() {
         QFETCH(QString, plataforma);
         QFETCH(QString, guardado);
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, plataforma);
         QTEST(msCuentaNueva().host, "editor");
         QCOMPARE(QCoro::waitFor(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s)),
@@ -379,16 +368,15 @@ class TestCuentas : public QObject {
     }
 
     void firstRunInsertRefusedOpensSelection() {
-        InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         QCOMPARE(QCoro::waitFor(msAltaInicial(u"demo"_s, u"demo"_s, u"demo"_s)),
                  AltaInicial::FalloBase);
-        QCOMPARE(cajas(ui),
+        QCOMPARE(cajas(*ui),
                  (QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor favor "
                               u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s,
                               u"16 No pudo completarse con éxito la configuración, verifique "
                               u"los datos"_s}));
-        QCOMPARE(ui.selectDatabaseShown, 1);
+        QCOMPARE(ui->selectDatabaseShown, 1);
     }
 
     // At start: set-up, the editor, or one balance exchange.
@@ -412,7 +400,6 @@ class TestCuentas : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(bool, editorCompleta);
-        InterfazGuionada ui;
         QStringList abierto;
         Pantallas::registrar(u"frmNewCanal.Principal"_s, [&] {
             abierto << u"edit "_s + QString::number(msCanalPrincipal());
@@ -427,7 +414,7 @@ class TestCuentas : public QObject {
         QCoro::waitFor(msPrimeraVez());
         Pantallas::registrar(u"frmNewCanal.Principal"_s, [] {});
         QTEST(abierto.join(u','), "editor");
-        QTEST(ui.firstRunShown, "avisos");
+        QTEST(ui->firstRunShown, "avisos");
         QTEST(enteros(u"select saldo from canales"_s).isEmpty()
                   ? QString()
                   : QString::number(enteros(u"select saldo from canales"_s).first()),

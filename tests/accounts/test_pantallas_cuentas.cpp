@@ -26,23 +26,26 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolButton>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace cuentas_prueba;
 using prueba::alAbrirModal;
+using prueba::filasDe;
+using prueba::hijo;
 using prueba::textosDe;
 
 namespace {
 
-template <class T = QWidget>
-T* hijo(QWidget* w, const QString& nombre) {
-    T* h = w->findChild<T*>(nombre);
-    if (!h) qFatal("no %s", qPrintable(nombre));
-    return h;
-}
-
 void escribir(QWidget* w, const QString& nombre, const QString& texto) {
     hijo<QLineEdit>(w, nombre)->setText(texto);
+}
+
+// The first-run form filled in as user demo, password demo, and accepted.
+void altaDemo(QWidget* ini) {
+    for (const QString& n : {u"txtUsuario"_s, u"txtClave"_s, u"txtClave2"_s})
+        escribir(ini, n, u"demo"_s);
+    hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
 }
 
 void elegir(Listado* l, const QString& nombre) {
@@ -62,13 +65,12 @@ QStringList botones(QWidget* w, const QStringList& nombres) {
 
 }  // namespace
 
-class TestPantallasCuentas : public QObject {
+class TestPantallasCuentas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestPantallasCuentas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<SimuladorPrueba> sim;
     QStringList abiertas;
 
@@ -94,10 +96,10 @@ class TestPantallasCuentas : public QObject {
         Pantallas::registrar(u"frmRegistro"_s, [this] { abiertas << u"frmRegistro"_s; });
         for (const QString& n : {u"condiciones"_s})
             Pantallas::registrar(n, [this, n] { abiertas << n; });
+        ui.emplace();
     }
 
     void listShowsEveryAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         frmCanales f;
         QCOMPARE(f.windowTitle(), u"Cuentas"_s);
@@ -107,10 +109,8 @@ class TestPantallasCuentas : public QObject {
         QCOMPARE(cabeceras, (QStringList{u"Cuenta"_s, u"Remitente"_s, u"Principal"_s, u"Saldo"_s,
                                          u"Usuario"_s, u"Codigo de Cuenta"_s}));
         // Sorted by name at load; the one principal says so.
-        QStringList filas;
-        for (int r = 0; r < 3; ++r) filas << f.ListView1->modelo()->fila(r).join(u'|');
-        QCOMPARE(filas, (QStringList{u"Alfa||Sí|7|demo|0"_s, u"Beta||No|42|demo|5"_s,
-                                     u"Zeta||No|7|demo|2"_s}));
+        QCOMPARE(filasDe(f.ListView1), (QStringList{u"Alfa||Sí|7|demo|0"_s, u"Beta||No|42|demo|5"_s,
+                                                    u"Zeta||No|7|demo|2"_s}));
         QCOMPARE(
             botones(&f, {u"cmdAdd"_s, u"cmdEdit"_s, u"cmdDelete"_s, u"cmdPrede"_s, u"cmdGetSaldo"_s,
                          u"cmdRecarga"_s, u"cmdRegistro"_s, u"cmdClose"_s}),
@@ -121,20 +121,18 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listOfADatabaseOfTheWrongKind() {
-        InterfazGuionada ui;
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         frmCanales f;
         QCOMPARE(f.ListView1->modelo()->rowCount(), 0);
-        QCOMPARE(cajas(ui), QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor "
-                                        u"favor seleccione la Base de Datos correcta de Quelmo "
-                                        u"Mensajes"_s});
-        QCOMPARE(ui.selectDatabaseShown, 1);
+        QCOMPARE(cajas(*ui), QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor "
+                                         u"favor seleccione la Base de Datos correcta de Quelmo "
+                                         u"Mensajes"_s});
+        QCOMPARE(ui->selectDatabaseShown, 1);
     }
 
     // The first account added from the list becomes principal, and the
     // compose screen shows it at once.
     void addFirstAccountFromTheList() {
-        InterfazGuionada ui;
         frmEnvio envio;
         frmCanales f;
         alAbrirModal([](QDialog* d) {
@@ -147,7 +145,7 @@ class TestPantallasCuentas : public QObject {
             hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
         });
         f.cmdAdd->click();
-        QCOMPARE(f.ListView1->modelo()->fila(0).join(u'|'), u"Mi cuenta||Sí|100|demo|0"_s);
+        QCOMPARE(filasDe(f.ListView1), QStringList{u"Mi cuenta||Sí|100|demo|0"_s});
         QCOMPARE(fila(0),
                  u"Mi cuenta|%1|demo|demo|100|1||0|0034600123456|160"_s.arg(msHostPlataforma()));
         auto* combo = hijo<QComboBox>(&envio, u"ImageCombo1"_s);
@@ -155,7 +153,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editFillsTheEditor() {
-        InterfazGuionada ui;
         tresCuentas();
         Conexion().exec(
             u"update canales set remopc = 1, movil = '0034600123456', tini = 'Hola', "
@@ -178,7 +175,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void listCommandsOnTheSelectedAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         Ajustes::saveSetting(u"Despliegue"_s, u"WebSegura"_s, u"https://pago.test"_s);
         Conexion().exec(
@@ -188,18 +184,18 @@ class TestPantallasCuentas : public QObject {
         // No selection: nothing happens.
         f.cmdPrede->click();
         f.cmdRecarga->click();
-        QVERIFY(ui.boxes.isEmpty() && ui.openedUrls.isEmpty());
+        QVERIFY(ui->boxes.isEmpty() && ui->openedUrls.isEmpty());
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdRecarga->click();
-        QCOMPARE(ui.openedUrls,
+        QCOMPARE(ui->openedUrls,
                  QStringList{u"https://pago.test/informacion/recarga_sms.php?u=ana%20b"_s});
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         f.cmdPrede->click();
         QCOMPARE(textosDe(f.ListView1, 2), (QStringList{u"No"_s, u"No"_s, u"Sí"_s}));
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdGetSaldo->click();
-        QTRY_COMPARE(cajas(ui).last(), u"272 "_s + kDenegada);
-        ui.answers = {Msg::Yes};
+        QTRY_COMPARE(cajas(*ui).last(), u"272 "_s + kDenegada);
+        ui->answers = {Msg::Yes};
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdDelete->click();
         QCOMPARE(textosDe(f.ListView1, 0), (QStringList{u"Alfa"_s, u"Beta"_s}));
@@ -219,7 +215,6 @@ class TestPantallasCuentas : public QObject {
     }
     void editorSenderControls() {
         QFETCH(int, opcion);
-        InterfazGuionada ui;
         frmNewCanal e;
         DatosCuenta d = msCuentaNueva();
         d.usuario = u"demo"_s;
@@ -237,7 +232,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorSenderKeysAndEnter() {
-        InterfazGuionada ui;
         frmNewCanal e;
         e.show();
         QVERIFY(QTest::qWaitForWindowActive(&e));
@@ -262,16 +256,15 @@ class TestPantallasCuentas : public QObject {
     }
 
     void editorInformationPictures() {
-        InterfazGuionada ui;
         frmNewCanal e;
         hijo<QToolButton>(&e, u"Image4_0"_s)->click();
         hijo<QToolButton>(&e, u"Image4_1"_s)->click();
         auto* condiciones = hijo<QToolButton>(&e, u"Image4_4"_s);
         QCOMPARE(condiciones->toolTip(), u"Ver Condiciones de Remittente"_s);
         condiciones->click();
-        QCOMPARE(ui.boxes.size(), 2);
-        QCOMPARE(ui.boxes[0].title, u"Información sobre los elementos de la Cuenta"_s);
-        QCOMPARE(ui.boxes[1].text,
+        QCOMPARE(ui->boxes.size(), 2);
+        QCOMPARE(ui->boxes[0].title, u"Información sobre los elementos de la Cuenta"_s);
+        QCOMPARE(ui->boxes[1].text,
                  u"Texto final de mensaje:\n\nTexto a añadir al final de todos los mensajes "
                  u"enviados por esta cuenta.\nDéjelo en blanco si no quiere ningún texto al "
                  u"final."_s);
@@ -307,7 +300,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void noticeLeadsToSignUp() {
-        InterfazGuionada ui;
         alAbrirModal([](QDialog* d) { hijo<QPushButton>(d, u"cmdURR"_s)->click(); });
         Pantallas::abrir(u"frmTipoRegistro"_s);
         QCOMPARE(abiertas, QStringList{u"frmRegistro"_s});
@@ -316,32 +308,26 @@ class TestPantallasCuentas : public QObject {
     // A fresh installation: the notice, a registered user, and a compose
     // screen whose account sends.
     void freshStartToASend() {
-        InterfazGuionada ui;
         // What the frame's first activation does with no account.
         QCoro::waitFor(msPrimeraVez());
-        QCOMPARE(ui.firstRunShown, 1);
+        QCOMPARE(ui->firstRunShown, 1);
         QStringList vistas;
         alAbrirModal([&vistas](QDialog* aviso) {
             vistas << aviso->objectName();
             alAbrirModal([&vistas](QDialog* ini) {
                 vistas << ini->objectName() + u' ' + ini->windowTitle();
-                escribir(ini, u"txtUsuario"_s, u"demo"_s);
-                escribir(ini, u"txtClave"_s, u"demo"_s);
-                escribir(ini, u"txtClave2"_s, u"demo"_s);
-                hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+                altaDemo(ini);
             });
             hijo<QPushButton>(aviso, u"cmdUR"_s)->click();
         });
         Pantallas::abrir(u"frmTipoRegistro"_s);
         QCOMPARE(vistas, (QStringList{u"frmTipoRegistro"_s, u"frmIniCanal Configuración"_s}));
-        QCOMPARE(cajas(ui).size(), 1);
-        QVERIFY(cajas(ui)[0].startsWith(u"64 Se completó con éxito la configuración."_s));
+        QCOMPARE(cajas(*ui).size(), 1);
+        QVERIFY(cajas(*ui)[0].startsWith(u"64 Se completó con éxito la configuración."_s));
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(),
                  u"Cuenta_demo   (100 Créditos)"_s);
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-            u"('2026-01-01 08:00:00',0,'0034600000001','Hola',2)"_s);
+        prueba::pendiente(u"0034600000001"_s, u"Hola"_s, 0);
         QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select count(*) from envios"_s), QList<int>{0});
@@ -350,22 +336,18 @@ class TestPantallasCuentas : public QObject {
     // Without the platform the first account is still written and the form
     // closes, on a warning instead of a success; no balance is shown.
     void freshStartWithoutThePlatform() {
-        InterfazGuionada ui;
         plataforma(*sim, false);
         bool cerrado = false;
         alAbrirModal([&cerrado](QDialog* ini) {
-            escribir(ini, u"txtUsuario"_s, u"demo"_s);
-            escribir(ini, u"txtClave"_s, u"demo"_s);
-            escribir(ini, u"txtClave2"_s, u"demo"_s);
-            hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
+            altaDemo(ini);
             cerrado = QTest::qWaitFor([ini] { return !ini->isVisible(); }, 20000);
             if (!cerrado) ini->reject();
         });
         Pantallas::abrir(u"frmIniCanal"_s);
         QVERIFY(cerrado);
-        QCOMPARE(cajasSinLibreria(ui), QStringList{kSinVerificar});
+        QCOMPARE(cajasSinLibreria(*ui), QStringList{kSinVerificar});
         frmCanales lista;
-        QCOMPARE(lista.ListView1->modelo()->fila(0).join(u'|'), u"Cuenta_demo||Sí||demo|0"_s);
+        QCOMPARE(filasDe(lista.ListView1), QStringList{u"Cuenta_demo||Sí||demo|0"_s});
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(), u"Cuenta_demo"_s);
     }
@@ -373,7 +355,6 @@ class TestPantallasCuentas : public QObject {
     // A new user signs up: a refusal in words, corrected, then an account
     // that is principal, shows in the compose screen and sends at once.
     void signUpEndToEnd() {
-        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         QCOMPARE(w.currentId(), int(frmRegistro::Datos));
@@ -397,10 +378,10 @@ class TestPantallasCuentas : public QObject {
         registrar->click();
         w.txtClave2->setText(u"secreta"_s);
         registrar->click();
-        QTRY_COMPARE(ui.boxes.size(), 2);
+        QTRY_COMPARE(ui->boxes.size(), 2);
         w.txtUsuario->setText(u"ana_nueva"_s);
         registrar->click();
-        QTRY_COMPARE(ui.boxes.size(), 3);
+        QTRY_COMPARE(ui->boxes.size(), 3);
         QCOMPARE(w.currentId(), int(frmRegistro::Usuario));
         QCOMPARE(fila(0), u"-"_s);
         w.back();
@@ -410,7 +391,7 @@ class TestPantallasCuentas : public QObject {
         w.next();
         registrar->click();
         QTRY_COMPARE(w.currentId(), int(frmRegistro::Fin));
-        QCOMPARE(cajas(ui),
+        QCOMPARE(cajas(*ui),
                  (QStringList{
                      u"16 Los datos insertados en los campos Contraseña no coinciden, inserte de "
                      u"nuevo la Contraseña"_s,
@@ -427,9 +408,7 @@ class TestPantallasCuentas : public QObject {
         frmEnvio envio;
         QCOMPARE(hijo<QComboBox>(&envio, u"ImageCombo1"_s)->currentText(),
                  u"Cuenta_ana_nueva   (10 Créditos)"_s);
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-            u"('2026-01-01 08:00:00',0,'0034600000002','Bienvenida',2)"_s);
+        prueba::pendiente(u"0034600000002"_s, u"Bienvenida"_s, 0);
         QCoro::waitFor(msEnviarLote(0, false));
         QCOMPARE(enteros(u"select count(*) from HEnvios where canal = 0"_s), QList<int>{1});
         QCOMPARE(enteros(u"select saldo from canales"_s), QList<int>{9});
@@ -440,7 +419,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void signUpCancelledLeavesNothing() {
-        InterfazGuionada ui;
         frmRegistro w;
         w.show();
         w.txtNombre->setText(u"Luis"_s);
@@ -449,7 +427,6 @@ class TestPantallasCuentas : public QObject {
     }
 
     void pickerSetsTheComposeAccount() {
-        InterfazGuionada ui;
         tresCuentas();
         frmEnvio envio;
         auto* combo = hijo<QComboBox>(&envio, u"ImageCombo1"_s);
@@ -471,7 +448,6 @@ class TestPantallasCuentas : public QObject {
     void capturas() {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
-        InterfazGuionada ui;
         tresCuentas();
         auto guardar = [&dir](QWidget* w, const QString& nombre) {
             w->show();

@@ -29,7 +29,6 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
 #include <QTimer>
@@ -145,13 +144,11 @@ QStringList recorridoTab(QWidget* desde, int veces) {
 
 }  // namespace
 
-class TestAccesibilidad : public QObject {
+class TestAccesibilidad : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestAccesibilidad(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::unique_ptr<InterfazGuionada> ui;
     std::unique_ptr<mdiMain> ventana;
 
@@ -194,11 +191,7 @@ class TestAccesibilidad : public QObject {
         TestDb::createCurrent(rutaBaseDefecto());
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         ui = std::make_unique<InterfazGuionada>();
-        ventana = std::make_unique<mdiMain>();
-        ventana->terminar = [] {};
-        QSignalSpy lista(ventana.get(), &mdiMain::primeraActivacionTerminada);
-        ventana->show();
-        QVERIFY(lista.wait(5000));
+        ventana = prueba::ventanaPrincipal();
         // Rows for every screen to show something.
         prueba::cuenta(1, u"Principal"_s, {{u"Principal"_s, 1}});
         prueba::contacto(u"0034600000001"_s, u"ana"_s, 1);

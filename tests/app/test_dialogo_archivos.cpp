@@ -93,10 +93,9 @@ extern "C" int openat64(int dir, const char* ruta, int flags, ...) {
     return f(dir, ruta, flags, modo);
 }
 
-class TestDialogoArchivos : public QObject {
+class TestDialogoArchivos : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDialogoArchivos(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -105,9 +104,7 @@ class TestDialogoArchivos : public QObject {
         const QString ruta = TestDb::createCurrent(world.appDir() + u"/mensajes.db"_s);
         TestDb::openShared(ruta);
         cuenta(1, u"Uno"_s, {{u"Principal"_s, 1}});
-        Conexion().exec(
-            u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'0034600000001',"
-            u"'antes',2)"_s);
+        pendiente(u"0034600000001"_s, u"antes"_s);
         Ajustes::saveSetting(u"BD"_s, u"Path"_s, ruta);
         Ajustes::sync();
 
@@ -135,20 +132,11 @@ class TestDialogoArchivos : public QObject {
         QCOMPARE(envio.exitCode, 0);
         QVERIFY(QFile::exists(ruta + u"-wal"_s));
         QVERIFY(Conexion().archivosIntactos());
-        Conexion().exec(
-            u"INSERT INTO envios (Canal,Abonado,Mensaje,intento) VALUES (1,'0034600000002',"
-            u"'despues',2)"_s);
+        pendiente(u"0034600000002"_s, u"despues"_s);
 
         // What any other program reads now: the window's rows and the script's.
-        QProcess lector;
-        lector.start(u"sqlite3"_s, {ruta, u"SELECT Mensaje FROM envios ORDER BY Id"_s});
-        QVERIFY(lector.waitForFinished(20000));
-        QCOMPARE(QString::fromUtf8(lector.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts),
-                 (QStringList{u"antes"_s, u"X"_s, u"despues"_s}));
+        QCOMPARE(shell(ruta, u"SELECT Mensaje FROM envios ORDER BY Id"_s), u"antes\nX\ndespues"_s);
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_GUI_TEST_MAIN(TestDialogoArchivos)

@@ -10,22 +10,16 @@
 
 using namespace Qt::StringLiterals;
 
-class TestDiscoLleno : public QObject {
+class TestDiscoLleno : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDiscoLleno(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     QString base() const { return world.appDir() + u"/mensajes.db"_s; }
     void prepararBase(const SimuladorPrueba& sim) {
         QDir().mkpath(world.appDir());
         TestDb::createWithRowWaiting(base(), sim.host());
-        QDir().mkpath(world.configHome() + u"/Quelmo"_s);
-        QFile ini(world.configHome() + u"/Quelmo/Quelmo Mensajes SMS.ini"_s);
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
+        world.writeSettings("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
     }
     // The program's environment for a full disk under the test's world.
     void llenarDisco(const QString& si = QString()) {
@@ -74,10 +68,7 @@ class TestDiscoLleno : public QObject {
         // The file to import lies outside the full disk, as a user's would.
         QTemporaryDir fuera;
         const QString fichero = fuera.path() + u"/pedido.txt"_s;
-        QFile f(fichero);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("600123457;nuevo\n");
-        f.close();
+        prueba::escribir(fichero, "600123457;nuevo\n");
         for (QString& a : orden) a.replace(u"{fichero}"_s, fichero);
         linea.replace(u"{base}"_s, base()).replace(u"{carpeta}"_s, world.appDir());
         const QStringList antes = cuentas();
@@ -116,9 +107,7 @@ class TestDiscoLleno : public QObject {
         startProgram(world, p, {u"--headless"_s, u"--once"_s});
         vaciarDisco();
         QTRY_VERIFY_WITH_TIMEOUT(!sim.registro().isEmpty(), 10000);
-        QFile marca(lleno);
-        QVERIFY(marca.open(QIODevice::WriteOnly));
-        marca.close();
+        prueba::escribir(lleno, {});
         const ProcessResult r = finishProgram(p);
         QVERIFY(r.finished);
         QVERIFY2(r.exitCode != 0, qPrintable(r.out));

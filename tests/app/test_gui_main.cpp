@@ -29,38 +29,35 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
-#include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolTip>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using prueba::cajas;
 
-class TestGuiMain : public QObject {
+class TestGuiMain : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestGuiMain(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-    QStringList abiertas;  // screens opened through the registry
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
+    QStringList abiertas;                // screens opened through the registry
     int terminado = 0;
 
     // The frame after its first activation.
     std::unique_ptr<mdiMain> ventana() {
-        auto w = std::make_unique<mdiMain>();
-        w->terminar = [this] { ++terminado; };
-        for (const char16_t* n :
-             {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto", u"frmAbonados", u"frmGrupos",
-              u"frmCanales", u"frmEmergencias", u"frmNewCanal.Principal"})
-            Pantallas::registrar(QString::fromUtf16(n),
-                                 [this, n] { abiertas << QString::fromUtf16(n); });
-        QSignalSpy lista(w.get(), &mdiMain::primeraActivacionTerminada);
-        w->show();
-        if (!lista.wait(5000)) qFatal("no first activation");
-        return w;
+        return prueba::ventanaPrincipal(
+            [this] { ++terminado; },
+            [this] {
+                for (const char16_t* n :
+                     {u"frmEnvio", u"frmHEnvios", u"frmMenPro", u"frmMenAuto", u"frmAbonados",
+                      u"frmGrupos", u"frmCanales", u"frmEmergencias", u"frmNewCanal.Principal"})
+                    Pantallas::registrar(QString::fromUtf16(n),
+                                         [this, n] { abiertas << QString::fromUtf16(n); });
+            });
     }
 
     static QAction* accion(QWidget* w, const QString& clave) {
@@ -80,6 +77,7 @@ class TestGuiMain : public QObject {
         Ajustes::saveSetting(u"Despliegue"_s, u"Web"_s, u"http://www.ejemplo.test"_s);
         abiertas.clear();
         terminado = 0;
+        ui.emplace();
     }
 
     // With no browser or mail program, a link says so in a box that the
@@ -113,7 +111,6 @@ class TestGuiMain : public QObject {
     }
 
     void menuAndToolbarInOrder() {
-        InterfazGuionada ui;
         auto w = ventana();
         // One line per menu: "key caption", "-" for a separator.
         QStringList menus;
@@ -181,7 +178,6 @@ class TestGuiMain : public QObject {
     void activationKeepsAMaximisedFrame() {
         QFETCH(int, antes);
         QFETCH(int, despues);
-        InterfazGuionada ui;
         auto w = ventana();
         w->setWindowState(Qt::WindowStates(antes));
         QEvent activacion(QEvent::WindowActivate);
@@ -216,30 +212,28 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, puerta);
         QFETCH(QString, efecto);
-        InterfazGuionada ui;
         auto w = ventana();
         principal(u"ana y pep&s"_s, u"x"_s);
         estadoAplicacion().gsClaveAcceso = u"Clave"_s;
         auto usar = [&] {
             abiertas.clear();
-            ui.openedUrls.clear();
+            ui->openedUrls.clear();
             if (QAction* a = w->findChild<QAction*>(clave))
                 a->trigger();
             else
                 w->Toolbar1_ButtonClick(clave);
-            return abiertas + ui.openedUrls;
+            return abiertas + ui->openedUrls;
         };
         // The comparison minds the case.
-        ui.passwords = {u"clave"_s};
+        ui->passwords = {u"clave"_s};
         QCOMPARE(usar(), puerta ? QStringList() : QStringList{efecto});
-        QCOMPARE(ui.passwordPrompts, puerta ? 1 : 0);
-        QVERIFY(ui.boxes.isEmpty());
-        ui.passwords = {u"Clave"_s};
+        QCOMPARE(ui->passwordPrompts, puerta ? 1 : 0);
+        QVERIFY(ui->boxes.isEmpty());
+        ui->passwords = {u"Clave"_s};
         QCOMPARE(usar(), QStringList{efecto});
     }
 
     void helpManualIsWrittenOutForTheBrowser() {
-        InterfazGuionada ui;
         auto w = ventana();
         QFile manual(rutaAyuda());
         for (int vez = 0; vez < 2; ++vez) {
@@ -253,19 +247,18 @@ class TestGuiMain : public QObject {
             QVERIFY(manual.open(QIODevice::WriteOnly | QIODevice::Truncate));
             manual.close();
         }
-        QCOMPARE(ui.openedUrls, QStringList(2, rutaAyuda()));
+        QCOMPARE(ui->openedUrls, QStringList(2, rutaAyuda()));
         w->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(w.get()));
         QTest::keyClick(w.get(), Qt::Key_F1);
-        QCOMPARE(ui.openedUrls.size(), 3);
+        QCOMPARE(ui->openedUrls.size(), 3);
     }
 
     void rechargeWithoutAccountSays() {
-        InterfazGuionada ui;
         auto w = ventana();
         accion(w.get(), u"keyHome01"_s)->trigger();
-        QCOMPARE(cajas(ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
-        QVERIFY(ui.openedUrls.isEmpty());
+        QCOMPARE(cajas(*ui), QStringList{u"48 No dispone de ninguna Cuenta en la aplicación"_s});
+        QVERIFY(ui->openedUrls.isEmpty());
     }
 
     void switchShowsAndSaves_data() {
@@ -289,12 +282,11 @@ class TestGuiMain : public QObject {
         QFETCH(QString, clave);
         QFETCH(bool, antes);
         QFETCH(bool, despues);
-        InterfazGuionada ui;
         if (!guardado.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, guardado);
         auto w = ventana();
         if (!clave.isNull()) {
             estadoAplicacion().gsClaveAcceso = u"Clave"_s;
-            ui.passwords = {clave};
+            ui->passwords = {clave};
         }
         QAction* keyTX = accion(w.get(), u"keyTX"_s);
         QAction* mnutx = accion(w.get(), u"mnutx"_s);
@@ -333,7 +325,6 @@ class TestGuiMain : public QObject {
     }
     void closingRefusedDuringARun() {
         QFETCH(QString, via);
-        InterfazGuionada ui;
         auto w = ventana();
         auto cerrar = [&] { via.isNull() ? void(w->close()) : accion(w.get(), via)->trigger(); };
         estadoAplicacion().gbEnviando = true;
@@ -342,20 +333,20 @@ class TestGuiMain : public QObject {
             u"308 Quelmo Mensajes SMS está ahora mismo realizando un envío."
             u"\n\nEspere a que termine el envío para cerrar la aplicación.\n\n¿Desea detener "
             u"el envío y cerrar ahora? Los mensajes no enviados quedan en la bandeja de salida."_s;
-        QCOMPARE(cajas(ui), QStringList{aviso});
+        QCOMPARE(cajas(*ui), QStringList{aviso});
         QVERIFY(w->isVisible());
         QCOMPARE(terminado, 0);
         QVERIFY(Conexion().isOpen());
 
         // Stopping the run instead: the window closes once the run is over.
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         cerrar();
-        QCOMPARE(cajas(ui), (QStringList{aviso, aviso}));
+        QCOMPARE(cajas(*ui), (QStringList{aviso, aviso}));
         QCOMPARE(terminado, 0);
         estadoAplicacion().gbEnviando = false;
         Q_EMIT w->transmisor().tickTerminado();
         QTRY_COMPARE(terminado, 1);
-        QCOMPARE(cajas(ui).size(), 2);
+        QCOMPARE(cajas(*ui).size(), 2);
         QVERIFY(!Conexion().isOpen());
         QVERIFY(!w->transmisor().Timer1().isActive());
     }
@@ -367,7 +358,6 @@ class TestGuiMain : public QObject {
     }
     void hidingKeepsSending() {
         QFETCH(bool, bandeja);
-        InterfazGuionada ui;
         auto w = ventana();
         w->hayBandeja = [bandeja] { return bandeja; };
         accion(w.get(), u"OCULTAR"_s)->trigger();
@@ -398,18 +388,16 @@ class TestGuiMain : public QObject {
         QFETCH(QString, usuario);
         QFETCH(QString, clave);
         QFETCH(int, puestaEnMarcha);
-        InterfazGuionada ui;
         if (!usuario.isNull()) {
             TestDb::openShared(rutaBaseDefecto());
             principal(usuario, clave);
             Conexion().close();
         }
         auto w = ventana();
-        QCOMPARE(ui.firstRunShown, puestaEnMarcha);
+        QCOMPARE(ui->firstRunShown, puestaEnMarcha);
     }
 
     void longLogLineReadInFull() {
-        InterfazGuionada ui;
         auto w = ventana();
         for (int i = 0; i < 2000; ++i) msLog(u"línea %1"_s.arg(i));
         const QString larga = u"Error en SendMessage: "_s + QString(600, u'x') + u" fin"_s;
@@ -442,7 +430,6 @@ class TestGuiMain : public QObject {
         const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
         if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
         cargarTraduccionQt();  // as the program starts
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         {
             BaseDatos db;

@@ -27,14 +27,11 @@
 using namespace Qt::StringLiterals;
 using prueba::hijo;
 
-class TestGuiOpciones : public QObject {
+class TestGuiOpciones : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestGuiOpciones(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     static QVariant opcion(const QString& columna) {
         return Conexion().query(u"select "_s + columna + u" from opciones"_s).value(0, 0);
     }

@@ -12,26 +12,12 @@
 
 using namespace Qt::StringLiterals;
 
-class TestHeadless : public QObject {
+class TestHeadless : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestHeadless(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
-    QString ini() const { return world.configHome() + u"/Quelmo/Quelmo Mensajes SMS.ini"_s; }
     QString base() const { return world.appDir() + u"/mensajes.db"_s; }
-    void escribirIni(const QByteArray& texto) {
-        QDir().mkpath(world.configHome() + u"/Quelmo"_s);
-        QFile f(ini());
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(texto);
-    }
-    void iniciar(QProcess& p) {
-        startProgram(world, p, {u"--headless"_s});
-        QVERIFY(p.waitForStarted());
-    }
 
   private Q_SLOTS:
     void init() {
@@ -49,9 +35,7 @@ class TestHeadless : public QObject {
         BaseDatos db;
         QVERIFY(db.open(base()));
         QCOMPARE(db.query(u"SELECT maxlote FROM opciones WHERE id=1"_s).value(0, 0).toInt(), 50);
-        QFile f(ini());
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        const QByteArray texto = f.readAll();
+        const QByteArray texto = prueba::leer(world.settingsFile());
         QVERIFY(texto.contains(QByteArray(QByteArray("Path=") + base().toUtf8())));
         QVERIFY(texto.contains("Interval=60"));
     }
@@ -60,7 +44,7 @@ class TestHeadless : public QObject {
         // An old saved file is upgraded at start and the line comes out.
         QDir().mkpath(world.appDir());
         const QString vieja = TestDb::createBaseline(world.root() + u"/vieja.db"_s);
-        escribirIni("[BD]\nPath=" + vieja.toUtf8() + "\n[Tr]\nActivo=1\n");
+        world.writeSettings("[BD]\nPath=" + vieja.toUtf8() + "\n[Tr]\nActivo=1\n");
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QCOMPARE(r.exitCode, 0);
         const QRegularExpression linea(
@@ -104,31 +88,25 @@ class TestHeadless : public QObject {
         const QString ajena = guardada ? world.root() + u"/ajena.db"_s : base();
         QFile::remove(ajena);
         if (sql.isEmpty()) {
-            QFile f(ajena);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(bytes);
+            prueba::escribir(ajena, bytes);
         } else {
             sqlite3* h = nullptr;
             QCOMPARE(sqlite3_open(QFile::encodeName(ajena).constData(), &h), SQLITE_OK);
             QCOMPARE(sqlite3_exec(h, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
             sqlite3_close(h);
         }
-        QFile f(ajena);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        const QByteArray antes = f.readAll();
-        f.close();
-        if (guardada) escribirIni("[BD]\nPath=" + ajena.toUtf8() + "\n");
+        const QByteArray antes = prueba::leer(ajena);
+        if (guardada) world.writeSettings("[BD]\nPath=" + ajena.toUtf8() + "\n");
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QVERIFY(r.finished);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), antes);
+        QCOMPARE(prueba::leer(ajena), antes);
         QVERIFY(!QFile::exists(ajena + u"-wal"_s));
         if (!guardada) {
             QCOMPARE(r.exitCode, 3);
             QVERIFY2(r.err.contains(u"base de datos"_s), qPrintable(r.err));
         }
         QFile::remove(ajena);
-        QFile::remove(ini());
+        QFile::remove(world.settingsFile());
     }
 
     // A cron job or the user service learns from the exit code whether the
@@ -168,8 +146,8 @@ class TestHeadless : public QObject {
         const QString vigilado = world.root() + u"/vigilado"_s;
         QDir(vigilado).removeRecursively();
         if (vigiladoRoto) QVERIFY(QDir().mkpath(vigilado));
-        escribirIni("[BD]\nPath=" + base().toUtf8() +
-                    "\n[Tr]\nActivo=1\n[ImportA]\nPath=" + vigilado.toUtf8() + "\n");
+        world.writeSettings("[BD]\nPath=" + base().toUtf8() +
+                            "\n[Tr]\nActivo=1\n[ImportA]\nPath=" + vigilado.toUtf8() + "\n");
         const ProcessResult r = runProgram(world, {u"--headless"_s, u"--once"_s});
         QVERIFY(r.finished);
         QCOMPARE(r.exitCode, codigo);
@@ -188,7 +166,7 @@ class TestHeadless : public QObject {
         QVERIFY(sim.listo());
         QDir().mkpath(world.appDir());
         TestDb::createWithRowWaiting(base(), sim.host());
-        escribirIni("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
+        world.writeSettings("[BD]\nPath=" + base().toUtf8() + "\n[Tr]\nActivo=1\n");
         QProcess p;
         startProgram(world, p, {u"--headless"_s, u"--once"_s});
         // Once the platform has the batch, and before it answers.
@@ -216,9 +194,7 @@ class TestHeadless : public QObject {
         // The folder's place is taken by a file: nothing can be created there.
         QDir(world.dataHome()).removeRecursively();
         QDir().mkpath(world.dataHome());
-        QFile tapon(world.dataHome() + u"/Quelmo"_s);
-        QVERIFY(tapon.open(QIODevice::WriteOnly));
-        tapon.close();
+        prueba::escribir(world.dataHome() + u"/Quelmo"_s, {});
         const ProcessResult r = runProgram(world, orden, 10000);
         QVERIFY(r.finished);
         QCOMPARE(r.exitCode, 3);
@@ -231,7 +207,8 @@ class TestHeadless : public QObject {
 
     void secondInstanceSaysSoAndSignalsStopCleanly() {
         QProcess primera;
-        iniciar(primera);
+        startProgram(world, primera, {u"--headless"_s});
+        QVERIFY(primera.waitForStarted());
         // Wait until the first one holds its lock and opened its database.
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(base()), 10000);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(world.appDir() + u"/quelmo-sms.lock"_s), 10000);

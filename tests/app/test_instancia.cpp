@@ -6,18 +6,13 @@
 
 #include <QLocalSocket>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QSystemTrayIcon>
 
 using namespace Qt::StringLiterals;
 
-class TestInstancia : public QObject {
+class TestInstancia : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestInstancia(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -35,15 +30,11 @@ class TestInstancia : public QObject {
         InterfazGuionada ui;
         Instancia instancia(Instancia::Papel::Ventana);
         QCOMPARE(instancia.adquirir(), Instancia::Toma::Tomada);
-        mdiMain ventana;
-        ventana.terminar = [] {};
-        connect(&instancia, &Instancia::ventanaPedida, &ventana, &mdiMain::mnurestaurar_Click);
-        QSignalSpy lista(&ventana, &mdiMain::primeraActivacionTerminada);
-        ventana.show();
-        QVERIFY(lista.wait(5000));
-        ventana.hayBandeja = [oculta] { return oculta; };
-        prueba::hijo<QAction>(&ventana, u"OCULTAR"_s)->trigger();
-        QVERIFY(oculta ? !ventana.isVisible() : ventana.isMinimized());
+        const auto ventana = prueba::ventanaPrincipal();
+        connect(&instancia, &Instancia::ventanaPedida, ventana.get(), &mdiMain::mnurestaurar_Click);
+        ventana->hayBandeja = [oculta] { return oculta; };
+        prueba::hijo<QAction>(ventana.get(), u"OCULTAR"_s)->trigger();
+        QVERIFY(oculta ? !ventana->isVisible() : ventana->isMinimized());
         const QStringList ficheros = QDir(world.appDir()).entryList(QDir::Files);
 
         // The real program, started again by the same user.
@@ -54,22 +45,20 @@ class TestInstancia : public QObject {
         QTRY_COMPARE_WITH_TIMEOUT(segunda.state(), QProcess::NotRunning, 20000);
         QCOMPARE(segunda.exitStatus(), QProcess::NormalExit);
         QCOMPARE(segunda.exitCode(), 0);
-        QVERIFY(ventana.isVisible());
-        QVERIFY(!ventana.isMinimized());
-        QVERIFY(!ventana.icono()->isVisible());
+        QVERIFY(ventana->isVisible());
+        QVERIFY(!ventana->isMinimized());
+        QVERIFY(!ventana->icono()->isVisible());
         // Nothing else: no file of the user's folder made or removed, no
         // box, the transmitter still armed.
         QCOMPARE(QDir(world.appDir()).entryList(QDir::Files), ficheros);
         QVERIFY(ui.boxes.isEmpty());
-        QVERIFY(ventana.transmisor().Timer1().isActive());
+        QVERIFY(ventana->transmisor().Timer1().isActive());
     }
 
     void theLockAndTheSocketOutliveAKilledProgram() {
         // What a program killed with -9 leaves: a socket file nobody serves.
         QDir().mkpath(world.appDir());
-        QFile resto(Instancia::nombreServidor());
-        QVERIFY(resto.open(QIODevice::WriteOnly));
-        resto.close();
+        prueba::escribir(Instancia::nombreServidor(), {});
         {
             Instancia primera(Instancia::Papel::SinVentana);
             QCOMPARE(primera.adquirir(), Instancia::Toma::Tomada);

@@ -21,14 +21,21 @@
 
 using namespace Qt::StringLiterals;
 
-class TestStartup : public QObject {
+class TestStartup : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestStartup(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     QString guardado() { return Ajustes::getSetting(u"BD"_s, u"Path"_s); }
+    // The start-up's opening; false where the program would end there.
+    static bool abrirAlArrancar() {
+        try {
+            msAbrirBaseInicial();
+            return true;
+        } catch (const TerminatedWithoutDatabase&) {
+            return false;
+        }
+    }
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -49,52 +56,64 @@ class TestStartup : public QObject {
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
     }
 
-    void goodDefaultFileIsTakenSilently() {
-        InterfazGuionada ui;
-        TestDb::createCurrent(rutaBaseDefecto());
-        msAbrirBaseInicial();
-        QCOMPARE(guardado(), rutaBaseDefecto());
-        QVERIFY(Conexion().isOpen());
-        QCOMPARE(Conexion().path(), rutaBaseDefecto());
-        QCOMPARE(ui.selectDatabaseShown, 0);
-        QVERIFY(ui.boxes.isEmpty());
+    // Which database a start opens: the saved one, upgraded if old; else
+    // the default one; else what the selection screen chooses; else none.
+    void whichDatabaseOpens_data() {
+        QTest::addColumn<QString>("defecto");   // the default file: "", "actual", "base"
+        QTest::addColumn<QString>("guardada");  // the saved path: "", "borrada", "vieja"
+        QTest::addColumn<bool>("elige");        // the selection screen chooses a good file
+        QTest::addColumn<QString>("abierta");   // "defecto", "elegida", "vieja"; "": ended
+        QTest::addColumn<int>("seleccion");
+        QTest::addColumn<QStringList>("registro");  // checked when no screen came up
+        QTest::newRow("good default file, silently")
+            << u"actual"_s << QString() << false << u"defecto"_s << 0 << QStringList();
+        QTest::newRow("old default file: the selection")
+            << u"base"_s << QString() << true << u"elegida"_s << 1 << QStringList();
+        QTest::newRow("nothing usable ends the program")
+            << u"base"_s << QString() << false << QString() << 1 << QStringList();
+        QTest::newRow("vanished saved file: the default, without a word")
+            << u"actual"_s << u"borrada"_s << false << u"defecto"_s << 0 << QStringList();
+        QTest::newRow("old saved file is upgraded and logged")
+            << QString() << u"vieja"_s << false << u"vieja"_s << 0
+            << QStringList{u"Proceso de actualización de Base de Datos completado."_s};
     }
-
-    void oldDefaultFileLeadsToSelection() {
+    void whichDatabaseOpens() {
+        QFETCH(QString, defecto);
+        QFETCH(QString, guardada);
+        QFETCH(bool, elige);
+        QFETCH(QString, abierta);
+        QFETCH(int, seleccion);
+        QFETCH(QStringList, registro);
         InterfazGuionada ui;
-        TestDb::createBaseline(rutaBaseDefecto());
-        const QString otra = TestDb::createCurrent(world.root() + u"/elegida.db"_s);
-        ui.onSelectDatabase = [&] { Ajustes::saveSetting(u"BD"_s, u"Path"_s, otra); };
-        msAbrirBaseInicial();
-        QCOMPARE(ui.selectDatabaseShown, 1);
-        QCOMPARE(Conexion().path(), otra);
-        // The old file beside the program was not upgraded on the way.
-        QVERIFY(!msValidarBD(rutaBaseDefecto()));
-    }
-
-    void noUsableFileEndsTheProgram() {
-        InterfazGuionada ui;
-        TestDb::createBaseline(rutaBaseDefecto());
-        bool terminado = false;
-        try {
-            msAbrirBaseInicial();
-        } catch (const TerminatedWithoutDatabase&) {
-            terminado = true;
+        const QMap<QString, QString> rutas{{u"defecto"_s, rutaBaseDefecto()},
+                                           {u"elegida"_s, world.root() + u"/elegida.db"_s},
+                                           {u"borrada"_s, world.root() + u"/borrada.db"_s},
+                                           {u"vieja"_s, world.root() + u"/vieja.db"_s}};
+        if (defecto == u"actual"_s) TestDb::createCurrent(rutas[u"defecto"_s]);
+        if (defecto == u"base"_s) TestDb::createBaseline(rutas[u"defecto"_s]);
+        if (guardada == u"vieja"_s) TestDb::createBaseline(rutas[u"vieja"_s]);
+        if (!guardada.isEmpty()) Ajustes::saveSetting(u"BD"_s, u"Path"_s, rutas[guardada]);
+        if (elige) {
+            TestDb::createCurrent(rutas[u"elegida"_s]);
+            ui.onSelectDatabase = [&] {
+                Ajustes::saveSetting(u"BD"_s, u"Path"_s, rutas[u"elegida"_s]);
+            };
         }
-        QVERIFY(terminado);
-        QCOMPARE(ui.selectDatabaseShown, 1);
-    }
-
-    void vanishedSavedFileFallsBackWithoutAWord() {
-        InterfazGuionada ui;
-        TestDb::createCurrent(rutaBaseDefecto());
-        Ajustes::saveSetting(u"BD"_s, u"Path"_s, world.root() + u"/borrada.db"_s);
-        msAbrirBaseInicial();
-        QCOMPARE(guardado(), rutaBaseDefecto());
-        QCOMPARE(Conexion().path(), rutaBaseDefecto());
+        const bool terminado = !abrirAlArrancar();
+        QCOMPARE(terminado, abierta.isEmpty());
+        QCOMPARE(ui.selectDatabaseShown, seleccion);
+        if (!terminado) {
+            QCOMPARE(Conexion().path(), rutas[abierta]);
+            QCOMPARE(guardado(), rutas[abierta]);
+            QVERIFY(msValidarBD(rutas[abierta]));
+        }
+        // An old default file is not upgraded on the way to the selection.
+        if (defecto == u"base"_s) QVERIFY(!msValidarBD(rutaBaseDefecto()));
+        if (seleccion > 0) return;
         QVERIFY(ui.boxes.isEmpty());
-        QCOMPARE(ui.selectDatabaseShown, 0);
-        QVERIFY(estadoAplicacion().log.lines().isEmpty());
+        QStringList lineas = estadoAplicacion().log.lines();
+        for (QString& l : lineas) l = l.section(u" - "_s, 1);
+        QCOMPARE(lineas, registro);
     }
 
     // Another process holds the saved file exclusively: the program says so
@@ -121,12 +140,7 @@ class TestStartup : public QObject {
             sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
             sqlite3_close(otro);
         });
-        bool terminado = false;
-        try {
-            msAbrirBaseInicial();
-        } catch (const TerminatedWithoutDatabase&) {
-            terminado = true;
-        }
+        const bool terminado = !abrirAlArrancar();
         soltar.join();
         QCOMPARE(terminado, respuesta == Msg::No);
         QCOMPARE(guardado(), ocupada);
@@ -135,20 +149,6 @@ class TestStartup : public QObject {
             ui.boxes[0].text.startsWith(u"La Base de Datos está siendo usada por otro programa"_s));
         QCOMPARE(ui.boxes[0].style, Msg::YesNo + Msg::Exclamation);
         if (!terminado) QCOMPARE(Conexion().path(), ocupada);
-        QCOMPARE(ui.selectDatabaseShown, 0);
-    }
-
-    void oldSavedFileIsUpgradedAndLogged() {
-        InterfazGuionada ui;
-        const QString vieja = TestDb::createBaseline(world.root() + u"/vieja.db"_s);
-        Ajustes::saveSetting(u"BD"_s, u"Path"_s, vieja);
-        msAbrirBaseInicial();
-        QVERIFY(msValidarBD(vieja));
-        QCOMPARE(Conexion().path(), vieja);
-        QCOMPARE(guardado(), vieja);
-        QCOMPARE(estadoAplicacion().log.lines().size(), 1);
-        QVERIFY(estadoAplicacion().log.last().endsWith(
-            u" - Proceso de actualización de Base de Datos completado."_s));
         QCOMPARE(ui.selectDatabaseShown, 0);
     }
 
@@ -177,6 +177,7 @@ class TestStartup : public QObject {
         QCOMPARE(Ajustes::getSetting(u"Tr"_s, u"Interval"_s), reescrito);
     }
 
+    // A null side is one the shift can't reach: that way fails.
     void passwordShift_data() {
         QTest::addColumn<QString>("claro");
         QTest::addColumn<QString>("guardado");
@@ -185,12 +186,21 @@ class TestStartup : public QObject {
         QTest::newRow("accent") << u"é"_s << QString(QChar(0xE9 + 10));
         QTest::newRow("euro") << u"5€"_s << u"?\u20B6"_s;
         QTest::newRow("a pair stays a pair") << u"\U0001F600"_s << u"\U00021E0A"_s;
+        QTest::newRow("last code up fails") << QString(QChar(0xFFFA)) << QString();
+        QTest::newRow("tab down fails") << QString() << u"\t"_s;
+        QTest::newRow("into the surrogates fails") << QString(QChar(0xD7FA)) << QString();
     }
     void passwordShift() {
         QFETCH(QString, claro);
         QFETCH(QString, guardado);
-        QCOMPARE(msCifrarClave(claro, true), guardado);
-        QCOMPARE(msCifrarClave(guardado, false), claro);
+        if (guardado.isNull())
+            QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, msCifrarClave(claro, true));
+        else if (claro.isNull())
+            QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, msCifrarClave(guardado, false));
+        else {
+            QCOMPARE(msCifrarClave(claro, true), guardado);
+            QCOMPARE(msCifrarClave(guardado, false), claro);
+        }
     }
 
     void numericForms_data() {
@@ -232,19 +242,6 @@ class TestStartup : public QObject {
             QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, aNumero(texto));
         else
             QCOMPARE(aNumero(texto), valor);
-    }
-
-    void passwordShiftOutOfRangeFails_data() {
-        QTest::addColumn<QString>("texto");
-        QTest::addColumn<bool>("encode");
-        QTest::newRow("last code up") << QString(QChar(0xFFFA)) << true;
-        QTest::newRow("tab down") << u"\t"_s << false;
-        QTest::newRow("into the surrogates") << QString(QChar(0xD7FA)) << true;
-    }
-    void passwordShiftOutOfRangeFails() {
-        QFETCH(QString, texto);
-        QFETCH(bool, encode);
-        QVERIFY_THROWS_EXCEPTION(ErrorQuelmo, msCifrarClave(texto, encode));
     }
 
     void accessGate() {

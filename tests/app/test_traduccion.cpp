@@ -12,13 +12,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestTraduccion : public QObject {
+class TestTraduccion : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTraduccion(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     bool cargada = false;
 
     // The texts of the buttons of `d`, in the order shown.
@@ -34,6 +32,7 @@ class TestTraduccion : public QObject {
   private Q_SLOTS:
     void initTestCase() { cargada = cargarTraduccionQt(); }
 
+    // A style of -1 stands for the input box.
     void botonesDeCajas_data() {
         QTest::addColumn<int>("estilo");
         QTest::addColumn<QStringList>("textos");
@@ -42,6 +41,7 @@ class TestTraduccion : public QObject {
             << int(Msg::YesNoCancel) << QStringList{u"&No"_s, u"&Sí"_s, u"Cancelar"_s};
         QTest::newRow("aceptar/cancelar") << 1 << QStringList{u"Aceptar"_s, u"Cancelar"_s};
         QTest::newRow("aceptar") << int(Msg::OkOnly) << QStringList{u"Aceptar"_s};
+        QTest::newRow("entrada") << -1 << QStringList{u"Aceptar"_s, u"Cancelar"_s};
     }
     void botonesDeCajas() {
         if (!cargada) QSKIP("Qt's Spanish catalogue (qt6-translations-l10n) is not installed");
@@ -53,20 +53,11 @@ class TestTraduccion : public QObject {
             vistos = botones(d);
             d->reject();
         });
-        interfaz.msgBox(u"¿Seguro?"_s, estilo, QString());
+        if (estilo < 0)
+            interfaz.inputBox(u"Nombre"_s, QString(), QString());
+        else
+            interfaz.msgBox(u"¿Seguro?"_s, estilo, QString());
         QCOMPARE(vistos, textos);
-    }
-
-    void botonesDeEntrada() {
-        if (!cargada) QSKIP("Qt's Spanish catalogue (qt6-translations-l10n) is not installed");
-        InterfazGrafica interfaz;
-        QStringList vistos;
-        prueba::alAbrirModal([&](QDialog* d) {
-            vistos = botones(d);
-            d->reject();
-        });
-        interfaz.inputBox(u"Nombre"_s, QString(), QString());
-        QCOMPARE(vistos, (QStringList{u"Aceptar"_s, u"Cancelar"_s}));
     }
 };
 

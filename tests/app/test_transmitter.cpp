@@ -5,7 +5,6 @@
 #include "app/Transmisor.h"
 #include "app/mdoOpciones.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
@@ -13,13 +12,12 @@
 
 using namespace Qt::StringLiterals;
 
-class TestTransmitter : public QObject {
+class TestTransmitter : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTransmitter(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
     void conBase() { TestDb::openShared(TestDb::createCurrent(world.root() + u"/tx.db"_s)); }
 
@@ -27,6 +25,7 @@ class TestTransmitter : public QObject {
     void init() {
         world.reset();
         conBase();
+        ui.emplace();
     }
 
     void switchDecidesWhetherARunHappens_data() {
@@ -40,7 +39,6 @@ class TestTransmitter : public QObject {
     void switchDecidesWhetherARunHappens() {
         QFETCH(QString, activo);
         QFETCH(bool, corre);
-        InterfazGuionada ui;
         if (!activo.isNull()) Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         msLog(u"línea anterior"_s);
         estadoAplicacion().gsVersionPlataforma = u"400"_s;
@@ -52,13 +50,9 @@ class TestTransmitter : public QObject {
     }
 
     void flagsStandDuringTheRunOnly() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, world.root() + u"/vigilado.txt"_s);
-        for (int canal : {3, 1, 2})
-            Conexion().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,'600','x',2)"_s,
-                {QDateTime::currentDateTime(), canal});
+        for (int canal : {3, 1, 2}) prueba::pendiente(u"600"_s, u"x"_s, canal);
         QList<QPair<bool, bool>> vistos;
         const EnCadaLinea enCadaLinea([&] {
             // The import's own log lines yield before its flag goes up.
@@ -82,7 +76,6 @@ class TestTransmitter : public QObject {
     }
 
     void shortWatchedPathIsNoImport() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, u"a.t"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
@@ -103,7 +96,6 @@ class TestTransmitter : public QObject {
         QFETCH(QString, activo);
         QFETCH(bool, cerrar);
         QFETCH(bool, sigueEnviando);
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, activo);
         if (cerrar) Conexion().close();
         QCoro::waitFor(SendMessage());
@@ -121,7 +113,6 @@ class TestTransmitter : public QObject {
     // The options saved during a run, or a "send now", neither start a
     // second run nor let a tick come inside this one.
     void tickTurnsTheTimerOffWhileItRuns() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (1)"_s);
         Conexion().exec(u"INSERT INTO envios (Canal) VALUES (2)"_s);
@@ -168,20 +159,13 @@ class TestTransmitter : public QObject {
         QFETCH(QString, destino);
         QFETCH(int, ejecuciones);
         QFETCH(int, quedan);
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(),
                             u"[plataforma]\nrechazados=0034600000666\n[cuenta1]\nusuario=demo\n"
                             u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
         QVERIFY(sim.listo());
         Conexion().exec(u"update opciones set maxlote=2 where id=1"_s);
-        prueba::cuenta(1, u"Tienda"_s,
-                       {{u"Host"_s, sim.host()},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(u"demo"_s, true)}});
-        for (int i = 0; i < 5; ++i)
-            Conexion().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,'x',2)"_s,
-                {QDateTime::currentDateTime(), destino});
+        prueba::cuentaPrincipal(sim.host());
+        for (int i = 0; i < 5; ++i) prueba::pendiente(destino, u"x"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Continuo"_s, continuo);
         Transmisor::continuoPorOrden(porOrden);
@@ -203,3 +187,5 @@ class TestTransmitter : public QObject {
 
 QUELMO_TEST_MAIN(TestTransmitter)
 #include "test_transmitter.moc"
+
+#include <optional>

@@ -42,10 +42,9 @@ const QList<Boton>& botones() {
 
 }  // namespace
 
-class TestUnaPulsacion : public QObject {
+class TestUnaPulsacion : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestUnaPulsacion(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -81,9 +80,6 @@ class TestUnaPulsacion : public QObject {
         QCOMPARE(pulsado.count(), 1);
         delete pantalla.data();
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_GUI_TEST_MAIN(TestUnaPulsacion)

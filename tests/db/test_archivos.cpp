@@ -11,27 +11,18 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
+using prueba::shell;
 
 namespace {
-
-// What another program (the sqlite3 shell) reads or writes.
-QString shell(const QString& ruta, const QString& sql) {
-    QProcess p;
-    p.start(u"sqlite3"_s, {ruta, sql});
-    if (!p.waitForFinished(20000) || p.exitCode() != 0)
-        qFatal("sqlite3 failed: %s", p.readAllStandardError().constData());
-    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
-}
 
 const QString kFila =
     u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES (?,1,?,'m',2)"_s;
 
 }  // namespace
 
-class TestArchivos : public QObject {
+class TestArchivos : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestArchivos(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -134,10 +125,8 @@ class TestArchivos : public QObject {
         QVERIFY(db.esArchivoPropio(world.root() + u"/enlace.db"_s));
         QVERIFY(db.esArchivoPropio(world.root() + u"/./mensajes.db"_s));
         QVERIFY(!db.esArchivoPropio(world.root() + u"/otra.txt"_s));
-        QFile otra(world.root() + u"/otra.txt"_s);
-        QVERIFY(otra.open(QIODevice::WriteOnly));
-        otra.close();
-        QVERIFY(!db.esArchivoPropio(otra.fileName()));
+        prueba::escribir(world.root() + u"/otra.txt"_s, {});
+        QVERIFY(!db.esArchivoPropio(world.root() + u"/otra.txt"_s));
     }
 
     // Named as an import file (by hand or watched), the database or its log
@@ -168,9 +157,6 @@ class TestArchivos : public QObject {
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 1LL);
         Conexion().close();
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_TEST_MAIN(TestArchivos)

@@ -11,16 +11,14 @@
 #include "db/Transaccion.h"
 
 #include <sqlite3.h>
-#include <QProcess>
 #include <QStandardPaths>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
-class TestDatabase : public QObject {
+class TestDatabase : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDatabase(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -144,17 +142,10 @@ PRAGMA integrity_check;
                          qPrintable(orden + tabla));
         const QString ruta = db.path();
         db.close();
-        const QString shell = QStandardPaths::findExecutable(u"sqlite3"_s);
-        QVERIFY2(!shell.isEmpty(), "the sqlite3 shell (scripts/deps.sh) is missing");
-        QProcess p;
-        p.start(shell, {u"-bail"_s, ruta});
-        QVERIFY(p.waitForStarted());
-        p.write(guion);
-        p.closeWriteChannel();
-        QVERIFY(p.waitForFinished());
-        QCOMPARE(QString::fromUtf8(p.readAllStandardError()), QString());
-        QCOMPARE(p.exitCode(), 0);
-        QCOMPARE(QString::fromUtf8(p.readAllStandardOutput()), u"ok\n"_s);
+        QVERIFY2(!QStandardPaths::findExecutable(u"sqlite3"_s).isEmpty(),
+                 "the sqlite3 shell (scripts/deps.sh) is missing");
+        // The shell stops at the first statement that fails, and says why.
+        QCOMPARE(prueba::shell(ruta, QString::fromUtf8(guion)), u"ok"_s);
 
         QVERIFY(db.open(ruta));
         QCOMPARE(db.queryTexts(u"PRAGMA integrity_check"_s), QVector<QString>{u"ok"_s});
@@ -182,9 +173,8 @@ PRAGMA integrity_check;
         Conexion().exec(
             u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES ('0034611','ñu','',1)"_s);
         Conexion().close();
-        p.start(shell, {ruta, u"PRAGMA integrity_check; SELECT count(*) FROM Abonados;"_s});
-        QVERIFY(p.waitForFinished());
-        QCOMPARE(QString::fromUtf8(p.readAllStandardOutput()), u"ok\n5\n"_s);
+        QCOMPARE(prueba::shell(ruta, u"PRAGMA integrity_check; SELECT count(*) FROM Abonados;"_s),
+                 u"ok\n5"_s);
     }
 
     // A file of the release before names the program's own collation in
@@ -290,10 +280,7 @@ PRAGMA integrity_check;
 
     void notADatabaseDoesNotOpen() {
         const QString path = world.root() + u"/texto.db"_s;
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(4096, 'x'));
-        f.close();
+        prueba::escribir(path, QByteArray(4096, 'x'));
         BaseDatos otro;
         QString error;
         QVERIFY(!otro.open(path, &error));
@@ -371,7 +358,6 @@ PRAGMA integrity_check;
     }
 
   private:
-    TestWorld& world;
     BaseDatos db;
 };
 

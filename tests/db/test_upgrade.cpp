@@ -63,10 +63,9 @@ void sembrarBase(const QString& path) {
 
 }  // namespace
 
-class TestUpgrade : public QObject {
+class TestUpgrade : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestUpgrade(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { world.reset(); }
@@ -176,14 +175,12 @@ class TestUpgrade : public QObject {
 
     void unopenableFileIsLeftAlone() {
         const QString path = world.root() + u"/basura.db"_s;
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("esto no es una base de datos, solo texto que ocupa sitio en el disco....");
-        f.close();
+        const QByteArray texto =
+            "esto no es una base de datos, solo texto que ocupa sitio en el disco....";
+        prueba::escribir(path, texto);
         msActualizarBD(path);
         QVERIFY(!msValidarBD(path));
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QVERIFY(f.readAll().startsWith("esto no es"));
+        QCOMPARE(prueba::leer(path), texto);
         msActualizarBD(world.root() + u"/no-existe.db"_s);
         QVERIFY(!QFile::exists(world.root() + u"/no-existe.db"_s));
     }
@@ -204,9 +201,6 @@ class TestUpgrade : public QObject {
         }
         QVERIFY(!msValidarBD(path));
     }
-
-  private:
-    TestWorld& world;
 };
 
 QUELMO_TEST_MAIN(TestUpgrade)

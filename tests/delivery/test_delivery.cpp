@@ -5,7 +5,6 @@
 #include "TestSupport.h"
 #include "base/Ajustes.h"
 #include "base/Avisos.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
@@ -14,9 +13,14 @@
 
 #include <sqlite3.h>
 #include <atomic>
+#include <optional>
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using prueba::cuantos;
+using prueba::enRegistro;
+using prueba::pendiente;
+using prueba::registro;
 
 namespace {
 
@@ -29,23 +33,14 @@ QString configuracion(const QString& plataforma = {}, const QString& cuenta = {}
            u'\n';
 }
 
-bool registroContiene(const QString& texto) {
-    return estadoAplicacion().log.lines().join(u'\n').contains(texto);
-}
-
-int cuenta(const QString& sql, const QVariantList& params = {}) {
-    return Conexion().query(sql, params).value(0, 0).toInt();
-}
-
 }  // namespace
 
-class TestDelivery : public QObject {
+class TestDelivery : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDelivery(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
     std::unique_ptr<RelojFijo> reloj;
 
     std::unique_ptr<SimuladorPrueba> simulador(const QString& ini = configuracion()) {
@@ -53,26 +48,22 @@ class TestDelivery : public QObject {
         if (!s->listo()) qFatal("the platform simulator did not start");
         return s;
     }
+    // The simulator with the principal account of anadirCuenta on it.
+    std::unique_ptr<SimuladorPrueba> plataforma(const QString& ini = configuracion()) {
+        auto s = simulador(ini);
+        anadirCuenta(s->host());
+        return s;
+    }
     void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
                       const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
-        prueba::cuenta(1, u"Principal"_s,
-                       {{u"Host"_s, host},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(clave, true)},
-                        {u"Saldo"_s, 7},
-                        {u"Principal"_s, 1},
-                        {u"Remitente"_s, u"Tienda"_s},
-                        {u"remopc"_s, remopc},
-                        {u"tini"_s, tini},
-                        {u"tfin"_s, tfin},
-                        {u"imptextos"_s, imptextos},
-                        {u"movil"_s, u""_s}});
-    }
-    void anadirFila(const QString& abonado, const QString& mensaje, int canal = 1,
-                    const QVariant& id = {}) {
-        Conexion().exec(
-            u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES (?,?,?,?,?,2)"_s,
-            {id, kAntes, canal, abonado, mensaje});
+        prueba::cuentaPrincipal(host, clave,
+                                {{u"Saldo"_s, 7},
+                                 {u"Remitente"_s, u"Tienda"_s},
+                                 {u"remopc"_s, remopc},
+                                 {u"tini"_s, tini},
+                                 {u"tfin"_s, tfin},
+                                 {u"imptextos"_s, imptextos},
+                                 {u"movil"_s, u""_s}});
     }
 
   private Q_SLOTS:
@@ -80,6 +71,7 @@ class TestDelivery : public QObject {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
         reloj = std::make_unique<RelojFijo>(kAhora);
+        ui.emplace();
     }
     void cleanup() { reloj.reset(); }
 
@@ -136,15 +128,13 @@ class TestDelivery : public QObject {
         QFETCH(int, historial);
         QFETCH(int, intento);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
-        auto sim = simulador(configuracion({}, cuentaSim));
-        anadirCuenta(sim->host());
-        anadirFila(abonado, mensaje, canalFila);
+        auto sim = plataforma(configuracion({}, cuentaSim));
+        pendiente(abonado, mensaje, canalFila);
         if (!conectar) sim->detener();
         QCoro::waitFor(msEnviarLote(int16_t(canalFila), false));
 
-        QVERIFY2(registroContiene(linea), qPrintable(estadoAplicacion().log.lines().join(u'\n')));
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), historial);
+        QVERIFY2(enRegistro(linea), qPrintable(registro()));
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), historial);
         const ResultadoConsulta fila = Conexion().query(u"select intento, Registro from envios"_s);
         QCOMPARE(fila.recordCount(), intento == 0 ? 0 : 1);
         if (intento != 0) {
@@ -160,11 +150,11 @@ class TestDelivery : public QObject {
             QCOMPARE(h.value(0, 2).toString(), aTextoBD(kAhora));
         }
         // Only an account the platform holds inactive is told with a box.
-        QCOMPARE(ui.boxes.size(), cuentaSim == u"activa=false"_s ? 1 : 0);
-        if (!ui.boxes.isEmpty()) {
-            QCOMPARE(ui.boxes[0].title, u"Su cuenta no está Activa"_s);
-            QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.contains(u"su cuenta esté Activa"_s));
+        QCOMPARE(ui->boxes.size(), cuentaSim == u"activa=false"_s ? 1 : 0);
+        if (!ui->boxes.isEmpty()) {
+            QCOMPARE(ui->boxes[0].title, u"Su cuenta no está Activa"_s);
+            QCOMPARE(ui->boxes[0].style, Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.contains(u"su cuenta esté Activa"_s));
         }
     }
 
@@ -175,9 +165,6 @@ class TestDelivery : public QObject {
         QTest::addColumn<bool>("importado");
         QTest::addColumn<int>("imptextos");
         QTest::addColumn<QList<int>>("longitudes");
-        QTest::newRow("160") << 160 << false << false << 0 << QList<int>{160};
-        QTest::newRow("161") << 161 << false << false << 0 << QList<int>{156, 17};
-        QTest::newRow("300") << 300 << false << false << 0 << QList<int>{156, 156};
         QTest::newRow("301") << 301 << false << false << 0 << QList<int>{156, 156, 7};
         QTest::newRow("start and end texts count")
             << 155 << true << false << 0 << QList<int>{156, 17};
@@ -190,14 +177,13 @@ class TestDelivery : public QObject {
         QFETCH(bool, importado);
         QFETCH(int, imptextos);
         QFETCH(QList<int>, longitudes);
-        InterfazGuionada ui;
         auto sim = simulador();
         const QString tini = textos ? u"ABC"_s : QString(), tfin = textos ? u"XYZ"_s : QString();
         anadirCuenta(sim->host(), u"demo"_s, 0, tini, tfin, imptextos);
         QString mensaje;
         while (mensaje.size() < largo) mensaje += u"0123456789"_s;
         mensaje.truncate(largo);
-        anadirFila(u"629000000"_s, mensaje, 1, 7);
+        pendiente(u"629000000"_s, mensaje, 1, 7);
         QCoro::waitFor(msEnviarLote(1, importado));
 
         const QList<QJsonObject> r = sim->registro();
@@ -212,29 +198,22 @@ class TestDelivery : public QObject {
             unido += r.size() > 1 ? parte.mid(prefijo.size()) : parte;
         }
         QCOMPARE(unido, !importado || imptextos ? tini + mensaje + tfin : mensaje);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), int(r.size()));
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), int(r.size()));
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
     }
 
-    void destinationsAreNormalised() {
-        InterfazGuionada ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host());
-        const QList<QPair<QString, QString>> casos = {
-            {u"629000000"_s, u"0034629000000"_s},     {u"+34629000000"_s, u"0034629000000"_s},
-            {u"0034629000000"_s, u"0034629000000"_s}, {u"+447700900123"_s, u"00447700900123"_s},
-            {u" 629000001 "_s, u"0034629000001"_s},   {u"111111111"_s, u"ENVIO_SIMULADO"_s},
-            {u"+34111111111"_s, u"ENVIO_SIMULADO"_s}, {u"0034999999999"_s, u"ENVIO_SIMULADO"_s},
-            {u"0034123456789"_s, u"0034123456789"_s},
-        };
-        for (const auto& c : casos) anadirFila(c.first, u"x"_s);
+    // The destination the platform gets is the normalised one; a simulated
+    // number costs nothing.
+    void simulatedNumbersCostNothing() {
+        auto sim = plataforma();
+        pendiente(u"+34629000000"_s, u"x"_s);
+        pendiente(u"0034999999999"_s, u"x"_s);
         QCoro::waitFor(msEnviarLote(1, false));
         const QList<QJsonObject> r = sim->registro();
-        QCOMPARE(r.size(), casos.size());
-        for (int i = 0; i < casos.size(); ++i)
-            QCOMPARE(r[i][u"destino"_s].toString(), casos[i].second);
-        // Simulated numbers cost nothing.
-        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 100 - 6);
+        QCOMPARE(r.size(), 2);
+        QCOMPARE(r[0][u"destino"_s].toString(), u"0034629000000"_s);
+        QCOMPARE(r[1][u"destino"_s].toString(), u"ENVIO_SIMULADO"_s);
+        QCOMPARE(cuantos(u"select Saldo from Canales"_s), 99);
     }
 
     void batchSizeComesFromTheOptions_data() {
@@ -250,18 +229,16 @@ class TestDelivery : public QObject {
     void batchSizeComesFromTheOptions() {
         QFETCH(QVariant, maxlote);
         QFETCH(int, enviadas);
-        InterfazGuionada ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host());
+        auto sim = plataforma();
         if (maxlote.isValid())
             Conexion().exec(u"update opciones set maxlote=? where id=1"_s, {maxlote});
         else
             Conexion().exec(u"delete from opciones"_s);
-        for (int i = 0; i < 40; ++i) anadirFila(u"0034111111111"_s, u"x"_s);
+        for (int i = 0; i < 40; ++i) pendiente(u"0034111111111"_s, u"x"_s);
         QCoro::waitFor(msEnviarLote(1, false));
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 40 - enviadas);
-        QVERIFY(registroContiene(
-            u"Enviando %1 mensajes con Cuenta  Principal Usando remitente: Tienda"_s.arg(
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 40 - enviadas);
+        QVERIFY(
+            enRegistro(u"Enviando %1 mensajes con Cuenta  Principal Usando remitente: Tienda"_s.arg(
                 enviadas)));
     }
 
@@ -293,26 +270,23 @@ class TestDelivery : public QObject {
     void failedExchangesChangeNothing() {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         // 17 MB take a loaded machine more than a second: the limit on
         // size must be what stops them, not the time.
         const bool enorme = fallo == u"fallo=enorme"_s;
         Ajustes::saveSetting(u"Despliegue"_s, u"TimeoutTotal"_s, enorme ? u"10"_s : u"1"_s);
-        auto sim = simulador(configuracion(fallo));
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"uno"_s);
-        anadirFila(u"0034111111111"_s, u"dos"_s);
+        auto sim = plataforma(configuracion(fallo));
+        pendiente(u"629000000"_s, u"uno"_s);
+        pendiente(u"0034111111111"_s, u"dos"_s);
         QElapsedTimer reloj;
         reloj.start();
         QCoro::waitFor(msEnviarLote(1, false));
         // The pacing second and the one-second limit, with room to spare.
         if (!enorme) QVERIFY(reloj.elapsed() < 4000);
-        for (const QString& l : linea.split(u'*'))
-            QVERIFY2(registroContiene(l), qPrintable(estadoAplicacion().log.lines().join(u'\n')));
-        QCOMPARE(cuenta(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
+        for (const QString& l : linea.split(u'*')) QVERIFY2(enRegistro(l), qPrintable(registro()));
+        QCOMPARE(cuantos(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
                  2);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 0);
-        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 0);
+        QCOMPARE(cuantos(u"select Saldo from Canales"_s), 7);
     }
 
     void awkwardCharactersSurvive_data() {
@@ -324,12 +298,11 @@ class TestDelivery : public QObject {
     }
     void awkwardCharactersSurvive() {
         QFETCH(QString, texto);
-        InterfazGuionada ui;
         const QString clave = u"cl&ve<ñ'"_s;
         auto sim =
             simulador(u"[plataforma]\n[cuenta1]\nusuario=demo\nclave=\"cl&ve<ñ'\"\nsaldo=5\n"_s);
         anadirCuenta(sim->host(), clave);
-        anadirFila(u"629000000"_s, texto);
+        pendiente(u"629000000"_s, texto);
         QCoro::waitFor(msEnviarLote(1, false));
         const QList<QJsonObject> r = sim->registro();
         QString llegado;
@@ -358,11 +331,10 @@ class TestDelivery : public QObject {
         QFETCH(QString, cuentaSim);
         QFETCH(QString, remitente);
         QFETCH(bool, aviso);
-        InterfazGuionada ui;
         QSignalSpy cuentas(&Avisos::instancia(), &Avisos::cuentasCambiadas);
         auto sim = simulador(configuracion(u"version=330"_s, cuentaSim));
         anadirCuenta(sim->host(), u"demo"_s, remopc);
-        anadirFila(u"629000000"_s, u"hola"_s);
+        pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
         const ResultadoConsulta c =
             Conexion().query(u"select Saldo, Remitente, movil from Canales"_s);
@@ -372,11 +344,11 @@ class TestDelivery : public QObject {
         QCOMPARE(estadoAplicacion().gsSaldoCuenta, u"99"_s);
         QCOMPARE(estadoAplicacion().gsVersionPlataforma, u"330"_s);
         QCOMPARE(cuentas.count(), 1);
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
         if (aviso) {
-            QCOMPARE(ui.boxes[0].title, u"Remitente no aceptado"_s);
-            QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.startsWith(
+            QCOMPARE(ui->boxes[0].title, u"Remitente no aceptado"_s);
+            QCOMPARE(ui->boxes[0].style, Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.startsWith(
                 u"Su Remitente Personalizado no ha sido aceptado.\n\nPara utilizar"_s));
         }
     }
@@ -390,36 +362,32 @@ class TestDelivery : public QObject {
     void debugLinesFollowTheSetting() {
         QFETCH(QString, valor);
         QFETCH(bool, depura);
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, valor);
-        auto sim = simulador();
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"hola"_s);
+        auto sim = plataforma();
+        pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
-        QCOMPARE(registroContiene(u"Creando Objetos para el envio"_s), depura);
+        QCOMPARE(enRegistro(u"Creando Objetos para el envio"_s), depura);
         QCOMPARE(estadoAplicacion().log.last().contains(u"<respuesta>"_s), depura);
     }
 
     // A platform whose trace repeats the request, with the debug lines on:
     // the account's password shows in none of its forms.
     void passwordStaysOutOfTheLog() {
-        InterfazGuionada ui;
         Ajustes::saveSetting(u"Tr"_s, u"Debug"_s, u"RXXML"_s);
         const QString clave = u"s3cr&t<ñ 'x"_s;
         auto sim = simulador(
             u"[plataforma]\neco=true\n[cuenta1]\nusuario=demo\n"
             u"clave=\"s3cr&t<ñ 'x\"\nsaldo=5\n"_s);
         anadirCuenta(sim->host(), clave);
-        anadirFila(u"629000000"_s, u"hola"_s);
+        pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 1);
-        const QString registro = estadoAplicacion().log.lines().join(u'\n');
-        QVERIFY(registro.contains(u"Valor AuTrace: <?xml"_s));
+        QVERIFY(enRegistro(u"Valor AuTrace: <?xml"_s));
         const QString xml = clave.toHtmlEscaped();
         for (const QString& forma :
              {clave, xml, xml.toHtmlEscaped(), QString::fromUtf8(QUrl::toPercentEncoding(clave)),
               QString::fromUtf8(QUrl::toPercentEncoding(xml))})
-            QVERIFY2(!registro.contains(forma), qPrintable(forma));
+            QVERIFY2(!enRegistro(forma), qPrintable(forma));
     }
 
     // Another process takes the database's write lock: before our run, or
@@ -434,19 +402,17 @@ class TestDelivery : public QObject {
     void lockedDatabaseSendsNothingTwice() {
         QFETCH(bool, antes);
         QFETCH(int, enPrimera);
-        InterfazGuionada ui;
-        auto sim = simulador(configuracion(u"retraso_ms=1500"_s));
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"hola"_s);
+        auto sim = plataforma(configuracion(u"retraso_ms=1500"_s));
+        pendiente(u"629000000"_s, u"hola"_s);
         // Our side gives up on a lock after 0.3 s instead of 5.
         sqlite3_busy_timeout(Conexion().handle(), 300);
         const QByteArray ruta = Conexion().path().toUtf8();
-        const QString registro = world.root() + u"/registro.jsonl"_s;
+        const QString recibidos = world.root() + u"/registro.jsonl"_s;
         std::atomic<bool> tomado = false;
         std::thread otro([&] {
             // Before the run at once; during it, once the platform has the batch.
             if (!antes)
-                for (int i = 0; i < 200 && QFileInfo(registro).size() == 0; ++i)
+                for (int i = 0; i < 200 && QFileInfo(recibidos).size() == 0; ++i)
                     std::this_thread::sleep_for(std::chrono::milliseconds(25));
             sqlite3* h = nullptr;
             sqlite3_open(ruta.constData(), &h);
@@ -462,38 +428,35 @@ class TestDelivery : public QObject {
         otro.join();
         QCOMPARE(int(sim->registro().size()), enPrimera);
         if (antes)
-            QVERIFY2(registroContiene(u"Descripcion: database is locked"_s),
-                     qPrintable(estadoAplicacion().log.lines().join(u'\n')));
+            QVERIFY2(enRegistro(u"Descripcion: database is locked"_s), qPrintable(registro()));
         else
-            QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+            QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
         // The next run finds nothing of the first one to send again.
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 1);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
     }
 
     // A crash after the platform took a batch and before our commit leaves
     // the rows to be sent again: they carry the same references, and the
     // platform answers them without sending or charging twice.
     void resentItemsReachNobodyTwice() {
-        InterfazGuionada ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        auto sim = plataforma();
+        pendiente(u"629000000"_s, QString(200, u'a'), 1, 7);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 2);
         // The row as it was before the lost commit.
-        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        pendiente(u"629000000"_s, QString(200, u'a'), 1, 7);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 2);
         QCOMPARE(sim->duplicados().size(), 2);
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
-        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 98);
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuantos(u"select Saldo from Canales"_s), 98);
         // Another database's items with the same keys are new to the platform.
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/otra.db"_s));
         anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, QString(200, u'a'), 1, 7);
+        pendiente(u"629000000"_s, QString(200, u'a'), 1, 7);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(sim->registro().size(), 4);
     }
@@ -520,19 +483,17 @@ class TestDelivery : public QObject {
         QFETCH(QString, fallo);
         QFETCH(QString, linea);
         QFETCH(int, quedan);
-        InterfazGuionada ui;
-        auto sim = simulador(configuracion(u"veces=1\nfallo="_s + fallo));
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"uno"_s);
-        anadirFila(u"629000001"_s, u"dos"_s);
+        auto sim = plataforma(configuracion(u"veces=1\nfallo="_s + fallo));
+        pendiente(u"629000000"_s, u"uno"_s);
+        pendiente(u"629000001"_s, u"dos"_s);
         QCoro::waitFor(msEnviarLote(1, false));
         QCOMPARE(estadoAplicacion().log.lines().filter(linea).size(), 1);
-        QCOMPARE(cuenta(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
+        QCOMPARE(cuantos(u"select count(*) from envios where intento=2 and Registro=?"_s, {kAntes}),
                  quedan);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 2 - quedan);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 2 - quedan);
         QCoro::waitFor(msEnviarLote(1, false));
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 2);
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 2);
         QCOMPARE(sim->registro().size(), 2);
     }
 
@@ -549,12 +510,10 @@ class TestDelivery : public QObject {
     void rowsWithoutAUsableAccount() {
         QFETCH(QVariant, canal);
         QFETCH(QString, nombre);
-        InterfazGuionada ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"sin cuenta"_s, 1);
+        auto sim = plataforma();
+        pendiente(u"629000000"_s, u"sin cuenta"_s, 1);
         Conexion().exec(u"update envios set Canal=?"_s, {canal});
-        anadirFila(u"629000001"_s, u"con cuenta"_s, 1);
+        pendiente(u"629000001"_s, u"con cuenta"_s, 1);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         QCoro::waitFor(SendMessage());
         const QString linea = u"Hay mensajes sin una cuenta válida (cuenta: "_s + nombre +
@@ -562,43 +521,39 @@ class TestDelivery : public QObject {
         QCOMPARE(estadoAplicacion().log.lines().filter(linea).size(), 1);
         QCOMPARE(Conexion().query(u"select Mensaje from envios"_s).value(0, 0).toString(),
                  u"sin cuenta"_s);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 1);
         QVERIFY(!estadoAplicacion().gbEnviando);
     }
 
     // A run that starts while one waits for the platform ends at once: it
     // would send the same rows again.
     void runInsideARunSendsNothing() {
-        InterfazGuionada ui;
-        auto sim = simulador();
-        anadirCuenta(sim->host());
-        anadirFila(u"629000000"_s, u"hola"_s);
+        auto sim = plataforma();
+        pendiente(u"629000000"_s, u"hola"_s);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         QCoro::Task<bool> primera = SendMessage();
         QVERIFY(estadoAplicacion().gbEnviando);
         QCOMPARE(QCoro::waitFor(SendMessage()), false);
         QCoro::waitFor(std::move(primera));
         QCOMPARE(sim->registro().size(), 1);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 1);
         QVERIFY(!estadoAplicacion().gbEnviando);
     }
 
     // A balance the platform reports that is no number is never stored: a
     // batch keeps its items' results, a query returns nothing.
     void balanceThatIsNoNumber() {
-        InterfazGuionada ui;
-        auto sim = simulador(configuracion(u"fallo=saldo_texto"_s));
-        anadirCuenta(sim->host());
+        auto sim = plataforma(configuracion(u"fallo=saldo_texto"_s));
         QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(1))), u"error"_s);
-        QVERIFY2(registroContiene(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
-                                  "plataforma: 'abc'"_s),
-                 qPrintable(estadoAplicacion().log.lines().join(u'\n')));
-        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
-        anadirFila(u"629000000"_s, u"hola"_s);
+        QVERIFY2(enRegistro(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
+                            "plataforma: 'abc'"_s),
+                 qPrintable(registro()));
+        QCOMPARE(cuantos(u"select Saldo from Canales"_s), 7);
+        pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), 1);
-        QCOMPARE(cuenta(u"select count(*) from envios"_s), 0);
-        QCOMPARE(cuenta(u"select Saldo from Canales"_s), 7);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), 1);
+        QCOMPARE(cuantos(u"select count(*) from envios"_s), 0);
+        QCOMPARE(cuantos(u"select Saldo from Canales"_s), 7);
     }
 
     // A higher version announced asks the user; `respuesta` answers that box.
@@ -642,14 +597,13 @@ class TestDelivery : public QObject {
         QFETCH(QString, linea);
         QFETCH(int, respuesta);
         QFETCH(QString, abierta);
-        InterfazGuionada ui;
-        ui.answers << respuesta;
+        ui->answers << respuesta;
         auto sim = simulador(configuracion(u"version="_s + version));
         if (!conectar) sim->detener();
         QString host = sim->host();
         QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, clave, host))),
                  resultado);
-        QVERIFY2(registroContiene(u" - "_s + linea), qPrintable(estadoAplicacion().log.last()));
+        QVERIFY2(enRegistro(u" - "_s + linea), qPrintable(estadoAplicacion().log.last()));
         // A failure ends with the line that names it, which the boxes repeat.
         if (resultado == u"fallido"_s) {
             QVERIFY(!msCausaFallo().isEmpty());
@@ -660,29 +614,28 @@ class TestDelivery : public QObject {
             QVERIFY(msCausaFallo().isEmpty());
         }
         const bool aviso = respuesta != 0;
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
         if (aviso) {
-            QCOMPARE(ui.boxes[0].style, Msg::YesNoCancel + Msg::Exclamation);
-            QVERIFY(ui.boxes[0].text.contains(u"nueva versión "_s + version.trimmed() + u'?'));
+            QCOMPARE(ui->boxes[0].style, Msg::YesNoCancel + Msg::Exclamation);
+            QVERIFY(ui->boxes[0].text.contains(u"nueva versión "_s + version.trimmed() + u'?'));
         }
-        QCOMPARE(ui.openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
+        QCOMPARE(ui->openedUrls, abierta.isEmpty() ? QStringList() : QStringList{abierta});
         if (resultado != u"100"_s) return;
         QCOMPARE(estadoAplicacion().MovilCuenta, u"0034600123456"_s);
 
         // A transmitter run only writes a line, at its end.
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         anadirCuenta(sim->host());
-        anadirFila(u"0034111111111"_s, u"x"_s);
+        pendiente(u"0034111111111"_s, u"x"_s);
         QCoro::waitFor(SendMessage());
         QCOMPARE(estadoAplicacion().log.last().endsWith(
                      u"ATENCION: Existe una versión nueva de Quelmo Mensajes SMS, acceda a "
                      "http://www.quelmo.example para descargarla."_s),
                  aviso);
-        QCOMPARE(ui.boxes.size(), aviso ? 1 : 0);
+        QCOMPARE(ui->boxes.size(), aviso ? 1 : 0);
     }
 
     void emptyHostTakesThePlatformsAddress() {
-        InterfazGuionada ui;
         auto sim = simulador();
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
         QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString()))),
@@ -706,7 +659,6 @@ class TestDelivery : public QObject {
         QFETCH(QString, saldoSim);
         QFETCH(QString, resultado);
         QFETCH(bool, guardado);
-        InterfazGuionada ui;
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
         QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(int16_t(canal)))), resultado);
@@ -716,7 +668,7 @@ class TestDelivery : public QObject {
         QCOMPARE(c.value(0, 1).toString(), guardado ? u"Tienda "_s : u"Tienda"_s);
         QCOMPARE(c.value(0, 2).toString(), guardado ? u"0034600123456"_s : QString());
         // The user name is the password in some rows: the log shows it masked.
-        QCOMPARE(registroContiene(u"Conectando con Usuario: '"_s), canal == 1);
+        QCOMPARE(enRegistro(u"Conectando con Usuario: '"_s), canal == 1);
     }
 
     void urlRule_data() {

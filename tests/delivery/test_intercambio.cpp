@@ -16,24 +16,11 @@
 using namespace Qt::StringLiterals;
 using prueba::columna;
 using prueba::cuantos;
+using prueba::pendiente;
 
-class TestIntercambio : public QObject {
+class TestIntercambio : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestIntercambio(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
-
-    std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
-        return plataformaLenta(world, retrasoMs);
-    }
-    static void fila(const QString& abonado) {
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-            u"('2026-01-01 08:00:00',1,?,'hola',2)"_s,
-            {abonado});
-    }
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -47,14 +34,14 @@ class TestIntercambio : public QObject {
     // the platform took goes to the history, the new rows wait.
     void theOutboxStaysOpenDuringTheExchange() {
         InterfazGuionada ui;
-        auto sim = simulador(1500);
-        fila(u"600000001"_s);
-        fila(u"600000002"_s);
-        fila(u"600000003"_s);
+        auto sim = plataformaLenta(world, 1500);
+        pendiente(u"600000001"_s);
+        pendiente(u"600000002"_s);
+        pendiente(u"600000003"_s);
         bool otroEscribio = false;
         QTimer::singleShot(600, [&] {
             Conexion().exec(u"DELETE FROM envios WHERE Abonado='600000002'"_s);
-            fila(u"600000004"_s);
+            pendiente(u"600000004"_s);
             sqlite3* otro = nullptr;
             sqlite3_open(Conexion().path().toUtf8().constData(), &otro);
             sqlite3_busy_timeout(otro, 200);
@@ -78,9 +65,9 @@ class TestIntercambio : public QObject {
     // same references reaches nobody twice.
     void aStopGivesTheExchangeUp() {
         InterfazGuionada ui;
-        auto sim = simulador(2500);
-        fila(u"600000001"_s);
-        fila(u"600000002"_s);
+        auto sim = plataformaLenta(world, 2500);
+        pendiente(u"600000001"_s);
+        pendiente(u"600000002"_s);
         QElapsedTimer reloj;
         QTimer::singleShot(400, [&] {
             reloj.start();
@@ -111,8 +98,8 @@ class TestIntercambio : public QObject {
     void anotherDatabaseOpenedDuringTheRun() {
         QFETCH(bool, enLaRespuesta);
         InterfazGuionada ui;
-        auto sim = simulador(1500);
-        fila(u"600000001"_s);
+        auto sim = plataformaLenta(world, 1500);
+        pendiente(u"600000001"_s);
         const QString primera = Conexion().path();
         const QString segunda = TestDb::createCurrent(world.root() + u"/segunda.db"_s);
         QTimer vigia;
@@ -133,8 +120,6 @@ class TestIntercambio : public QObject {
         QCOMPARE(cuantos(u"SELECT count(*) FROM HEnvios"_s), 1LL);
         QCOMPARE(sim->registro().size(), 1);
     }
-
-  private:
 };
 
 QUELMO_TEST_MAIN(TestIntercambio)

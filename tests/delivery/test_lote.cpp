@@ -11,14 +11,11 @@
 #include <QElapsedTimer>
 
 using namespace Qt::StringLiterals;
+using prueba::cuantos;
 
 namespace {
 
 const QDateTime kAhora(QDate(2026, 3, 1), QTime(10, 0));
-
-int cuenta(const QString& sql) {
-    return Conexion().query(sql).value(0, 0).toInt();
-}
 
 // No lone half of a surrogate pair: nothing was cut in two.
 bool utf16Entero(const QString& s) {
@@ -35,13 +32,9 @@ bool utf16Entero(const QString& s) {
 
 }  // namespace
 
-class TestLote : public QObject {
+class TestLote : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestLote(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
@@ -53,10 +46,12 @@ class TestLote : public QObject {
         QTest::addColumn<QString>("abonado");
         QTest::addColumn<QString>("destino");  // empty: refused
         QTest::newRow("national") << u"629000000"_s << u"0034629000000"_s;
+        QTest::newRow("international stays") << u"0034123456789"_s << u"0034123456789"_s;
         QTest::newRow("plus") << u"+447700900123"_s << u"00447700900123"_s;
         QTest::newRow("blanks around") << u" 629000001 "_s << u"0034629000001"_s;
         QTest::newRow("simulated, national") << u"111111111"_s << u"ENVIO_SIMULADO"_s;
         QTest::newRow("simulated, plus") << u"+34999999999"_s << u"ENVIO_SIMULADO"_s;
+        QTest::newRow("simulated, international") << u"0034999999999"_s << u"ENVIO_SIMULADO"_s;
         QTest::newRow("sign only") << u"+"_s << QString();
         QTest::newRow("blanks only") << u"   "_s << QString();
         QTest::newRow("exponent") << u"6e5"_s << QString();
@@ -79,6 +74,8 @@ class TestLote : public QObject {
             << QString(160, u'a') << QStringList{u"7"_s} << QList<int>{160};
         QTest::newRow("161 is cut")
             << QString(161, u'a') << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 17};
+        QTest::newRow("300 in two")
+            << QString(300, u'a') << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 156};
         QTest::newRow("301 in three")
             << QString(301, u'a') << QStringList{u"7"_s, u"X2X7"_s, u"X3X7"_s}
             << QList<int>{156, 156, 7};
@@ -147,8 +144,7 @@ class TestLote : public QObject {
         QFETCH(int, historial);
         QFETCH(int, intento);
         RelojFijo reloj(kAhora);
-        Conexion().exec(
-            u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES (5,'2026-01-01 08:00:00',1,'629000000','hola',2)"_s);
+        prueba::pendiente(u"629000000"_s, u"hola"_s, 1, 5);
         qmXMLSend::Item item;
         item.Key = clave;
         item.Destino = destino;
@@ -156,8 +152,8 @@ class TestLote : public QObject {
         item.Resultado = tomado;
         item.Comentario = u"Mensaje aceptado"_s;
         Lote::aplicarResultado(Conexion(), item, 1, u"Principal (Tienda)"_s);
-        QCOMPARE(cuenta(u"select count(*) from HEnvios"_s), historial);
-        QCOMPARE(cuenta(u"select coalesce(sum(intento),0) from envios"_s), intento);
+        QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), historial);
+        QCOMPARE(cuantos(u"select coalesce(sum(intento),0) from envios"_s), intento);
         if (intento == 1)
             QCOMPARE(Conexion().query(u"select Registro from envios"_s).value(0, 0).toString(),
                      aTextoBD(kAhora));

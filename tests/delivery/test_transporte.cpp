@@ -6,7 +6,6 @@
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "delivery/Transporte.h"
 #include "delivery/mdoSendRavion.h"
@@ -25,6 +24,9 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using prueba::cuantos;
+using prueba::enRegistro;
+using prueba::registro;
 
 namespace {
 
@@ -137,27 +139,13 @@ class Programa : public QProcess {
     }
 };
 
-bool registroContiene(const QString& texto) {
-    return estadoAplicacion().log.lines().join(u'\n').contains(texto);
-}
-
-QString registro() {
-    return estadoAplicacion().log.lines().join(u'\n');
-}
-
-int cuantos(const QString& sql) {
-    return Conexion().query(sql).value(0, 0).toInt();
-}
-
 }  // namespace
 
-class TestTransporte : public QObject {
+class TestTransporte : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTransporte(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     QTemporaryDir tls;
     std::unique_ptr<SimuladorPrueba> sim;
 
@@ -184,12 +172,10 @@ class TestTransporte : public QObject {
     }
     // A server certificate for `nombres` (subjectAltName), signed by `ca`.
     bool hoja(const QString& nombre, const QString& ca, const QString& nombres) {
-        QFile ext(ruta(nombre + u".ext"_s));
-        if (!ext.open(QIODevice::WriteOnly)) return false;
-        ext.write((u"subjectAltName="_s + nombres +
-                   u"\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n"_s)
-                      .toUtf8());
-        ext.close();
+        prueba::escribir(ruta(nombre + u".ext"_s),
+                         (u"subjectAltName="_s + nombres +
+                          u"\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n"_s)
+                             .toUtf8());
         return openssl({u"req"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
                         u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-keyout"_s,
                         nombre + u".key"_s, u"-out"_s, nombre + u".csr"_s, u"-subj"_s,
@@ -200,59 +186,43 @@ class TestTransporte : public QObject {
                         nombre + u".ext"_s});
     }
 
+    // `nombre` started on its configuration `conf` (a file named last on
+    // its command line), once it listens at `puerto`.
+    std::unique_ptr<Programa> servidor(const QString& nombre, const QStringList& opciones,
+                                       const QString& conf, int puerto) {
+        const QString fichero = ruta(u"%1-%2.conf"_s.arg(nombre).arg(puerto));
+        prueba::escribir(fichero, conf.toUtf8());
+        auto p = std::make_unique<Programa>();
+        p->setProcessChannelMode(QProcess::MergedChannels);
+        p->start(programa(nombre), opciones + QStringList{fichero});
+        if (esperarPuerto(puerto)) return p;
+        qWarning("%s: %s", qPrintable(nombre), p->readAll().constData());
+        return nullptr;
+    }
     // stunnel4 with the certificate `hoja`, in front of the simulator.
     std::unique_ptr<Programa> tunelTls(const QString& hoja, int& puerto) {
         puerto = puertoLibre();
-        const QString conf = ruta(u"stunnel-%1.conf"_s.arg(puerto));
-        QFile f(conf);
-        if (!f.open(QIODevice::WriteOnly)) return nullptr;
-        f.write(
-            u"foreground = yes\npid =\n[plataforma]\naccept = 127.0.0.1:%1\n"
-            u"connect = 127.0.0.1:%2\ncert = %3.pem\nkey = %3.key\n"_s.arg(puerto)
-                .arg(sim->puerto())
-                .arg(ruta(hoja))
-                .toUtf8());
-        f.close();
-        auto p = std::make_unique<Programa>();
-        p->setProcessChannelMode(QProcess::MergedChannels);
-        p->start(programa(u"stunnel4"_s), {conf});
-        if (!esperarPuerto(puerto)) {
-            qWarning("stunnel4: %s", p->readAll().constData());
-            return nullptr;
-        }
-        return p;
+        return servidor(u"stunnel4"_s, {},
+                        u"foreground = yes\npid =\n[plataforma]\naccept = 127.0.0.1:%1\n"
+                        u"connect = 127.0.0.1:%2\ncert = %3.pem\nkey = %3.key\n"_s.arg(puerto)
+                            .arg(sim->puerto())
+                            .arg(ruta(hoja)),
+                        puerto);
     }
     // tinyproxy with `extra` lines of configuration; its log on its output.
     std::unique_ptr<Programa> tinyproxy(const QString& extra, int& puerto) {
         puerto = puertoLibre();
-        const QString conf = ruta(u"tinyproxy-%1.conf"_s.arg(puerto));
-        QFile f(conf);
-        if (!f.open(QIODevice::WriteOnly)) return nullptr;
-        f.write(u"Port %1\nListen 127.0.0.1\nTimeout 10\nLogLevel Connect\nMaxClients 10\n%2\n"_s
-                    .arg(puerto)
-                    .arg(extra)
-                    .toUtf8());
-        f.close();
-        auto p = std::make_unique<Programa>();
-        p->setProcessChannelMode(QProcess::MergedChannels);
-        p->start(programa(u"tinyproxy"_s), {u"-d"_s, u"-c"_s, conf});
-        if (!esperarPuerto(puerto)) {
-            qWarning("tinyproxy: %s", p->readAll().constData());
-            return nullptr;
-        }
-        return p;
+        return servidor(
+            u"tinyproxy"_s, {u"-d"_s, u"-c"_s},
+            u"Port %1\nListen 127.0.0.1\nTimeout 10\nLogLevel Connect\nMaxClients 10\n%2\n"_s
+                .arg(puerto)
+                .arg(extra),
+            puerto);
     }
 
     void anadirCuenta(const QString& host) {
-        prueba::cuenta(1, u"Segura"_s,
-                       {{u"Host"_s, host},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(kClave, true)},
-                        {u"Saldo"_s, 7},
-                        {u"Principal"_s, 1}});
-        Conexion().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-            u"VALUES ('2026-01-01 08:00:00',1,'0034629000000','hola',2)"_s);
+        prueba::cuentaPrincipal(host, kClave, {{u"Saldo"_s, 7}});
+        prueba::pendiente(u"0034629000000"_s);
     }
     // One transmitter run and one balance query of the account.
     QString enviarYConsultar() {
@@ -270,8 +240,8 @@ class TestTransporte : public QObject {
         QCOMPARE(msLotesSinEntregar(), 1);
         QCOMPARE(saldo, u"fallido"_s);
         QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
-        QVERIFY2(registroContiene(linea), qPrintable(registro()));
-        QVERIFY2(!registroContiene(kInternet), qPrintable(registro()));
+        QVERIFY2(enRegistro(linea), qPrintable(registro()));
+        QVERIFY2(!enRegistro(kInternet), qPrintable(registro()));
     }
     void entregado(const QString& saldo) {
         QCOMPARE(sim->registro().size(), 1);
@@ -376,10 +346,10 @@ class TestTransporte : public QObject {
             u"No se pudo resolver el nombre de la plataforma: Could not resolve "
             u"host: plataforma.invalid"_s;
         QVERIFY2(msCausaFallo().startsWith(linea), qPrintable(msCausaFallo()));
-        QVERIFY2(registroContiene(linea), qPrintable(registro()));
+        QVERIFY2(enRegistro(linea), qPrintable(registro()));
         QVERIFY(
-            registroContiene(u"Error de conexión. Imposible conectar con Quelmo Mensajes, "
-                             u"revise su conexión a Internet"_s));
+            enRegistro(u"Error de conexión. Imposible conectar con Quelmo Mensajes, "
+                       u"revise su conexión a Internet"_s));
         QCOMPARE(cuantos(u"select count(*) from envios where intento = 2"_s), 1);
     }
 
@@ -536,7 +506,7 @@ class TestTransporte : public QObject {
             nadaEnviado(linea.arg(puertoProxy), saldo);
         }
         // The proxy's password is never written anywhere the user reads.
-        QVERIFY(!registroContiene(u"secreto-proxy"_s));
+        QVERIFY(!enRegistro(u"secreto-proxy"_s));
     }
 };
 

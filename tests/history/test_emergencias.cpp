@@ -14,6 +14,7 @@
 
 #include <QPushButton>
 #include <QSignalSpy>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using prueba::en;
@@ -33,31 +34,24 @@ void destinatario(int codigo, const QString& abonado, const QString& mensaje) {
 }
 
 void contacto(const QString& codigo, int canal) {
-    bd().exec(u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) VALUES (?,?,'',?)"_s,
-              {codigo, QString(u"Alias "_s + codigo), canal});
-}
-
-QStringList lineas(const Listado* l) {
-    QStringList t;
-    for (int f = 0; f < l->modelo()->rowCount(); ++f) t << l->modelo()->fila(f).join(u'|');
-    return t;
+    prueba::contacto(codigo, u"Alias "_s + codigo, canal, u""_s);
 }
 
 }  // namespace
 
-class TestEmergencias : public QObject {
+class TestEmergencias : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestEmergencias(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
   private Q_SLOTS:
     void init() {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/emergencias.db"_s));
         registrarPantallasHistorico();
+        ui.emplace();
     }
 
     void listShowsNextAndLastRun() {
@@ -74,25 +68,23 @@ class TestEmergencias : public QObject {
         nombre(4, u"Sin programar"_s);
         destinatario(4, u"0034600000001"_s, u"a"_s);
         destinatario(4, u"0034600000002"_s, u"b"_s);
-        InterfazGuionada ui;
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
         frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
         QCOMPARE(pantalla->windowTitle(),
                  u"Selección de Mensajes Programados para envío inmediato"_s);
-        QCOMPARE(lineas(pantalla->ListView1),
+        QCOMPARE(prueba::filasDe(pantalla->ListView1),
                  (QStringList{u"Diario sin enviar|0|15/03/2006|nunca"_s,
                               u"Diario|0|15/03/2006|14/03/2006"_s,
                               u"Una vez, pasado|0|Finalizado|"_s, u"Sin programar|2|no|"_s}));
-        QVERIFY(ui.boxes.isEmpty());
+        QVERIFY(ui->boxes.isEmpty());
         delete pantalla;
     }
 
     void nothingToShowClosesTheScreen() {
-        InterfazGuionada ui;
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes.at(0).text, u"No existen Mensajes Programados"_s);
-        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCOMPARE(ui->boxes.size(), 1);
+        QCOMPARE(ui->boxes.at(0).text, u"No existen Mensajes Programados"_s);
+        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!PantallasHijas::isLoaded<frmEmergencias>());
     }
@@ -128,7 +120,6 @@ class TestEmergencias : public QObject {
         for (const QString& c : contactos)
             contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
         const QStringList programaAntes = prueba::filas(u"SELECT * FROM Automaticos"_s);
-        InterfazGuionada ui;
         int envioAbierto = 0, bandejaAlAbrir = -1;
         QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
         Pantallas::registrar(u"frmEnvio"_s, [&] {
@@ -145,7 +136,7 @@ class TestEmergencias : public QObject {
             bandeja);
         QCOMPARE(prueba::filas(u"SELECT DISTINCT Registro FROM envios"_s),
                  QStringList{u"2006-03-15 10:00:30"_s});
-        QVERIFY(ui.boxes.isEmpty());
+        QVERIFY(ui->boxes.isEmpty());
         // The compose screen comes up first, then redraws its outbox.
         QCOMPARE(envioAbierto, 1);
         QCOMPARE(bandejaAlAbrir, 0);
@@ -172,7 +163,6 @@ class TestEmergencias : public QObject {
         destinatario(7, u"0034600000002"_s, u"b"_s);
         contacto(u"0034600000001"_s, 1);
         contacto(u"0034600000002"_s, 1);
-        InterfazGuionada ui;
         Pantallas::registrar(u"frmEnvio"_s, [] {});
         frmEmergencias pantalla;
         pantalla.show();
@@ -205,7 +195,6 @@ class TestEmergencias : public QObject {
         contacto(u"0034600000001"_s, 1);
         destinatario(3, u"0034600000001"_s, u"del tres"_s);
         destinatario(5, u"0034600000001"_s, u"del cinco"_s);
-        InterfazGuionada ui;
         QVariant abierto;
         Pantallas::registrarConDato(u"frmNewMenAuto2"_s, [&](const QVariant& d) {
             abierto = d;
@@ -225,14 +214,13 @@ class TestEmergencias : public QObject {
     void noRecipientsIsTold() {
         programa(2, u"Periodicidad=1"_s);
         nombre(2, u"Vacío"_s);
-        InterfazGuionada ui;
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes.at(0).text,
+        QCOMPARE(ui->boxes.size(), 1);
+        QCOMPARE(ui->boxes.at(0).text,
                  u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s);
-        QCOMPARE(ui.boxes.at(0).style, Msg::Critical);
+        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
         QCOMPARE(bd().query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 0);
     }
 };

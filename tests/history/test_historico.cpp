@@ -19,12 +19,14 @@
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTreeView>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 using prueba::bd;
+using prueba::cajas;
 
 void enviado(const QString& registro, const QString& numero, const QString& mensaje, int canal = 1,
              const QVariant& crem = u"Tienda"_s, const QString& resultado = u"Mensaje aceptado"_s) {
@@ -34,22 +36,9 @@ void enviado(const QString& registro, const QString& numero, const QString& mens
         {numero, registro, mensaje, resultado, canal, crem});
 }
 
-void cuenta(int canal, bool principal) {
-    bd().exec(
-        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,Principal) "
-        u"VALUES (?,?,160,80,'h','u','c',0,?)"_s,
-        {canal, u"Cuenta %1"_s.arg(canal), principal ? 1 : 0});
-}
-
 QStringList columna(const QAbstractItemModel* m, int c) {
     QStringList t;
     for (int f = 0; f < m->rowCount(); ++f) t << m->index(f, c).data().toString();
-    return t;
-}
-
-QStringList cajas(const InterfazGuionada& ui) {
-    QStringList t;
-    for (const ShownBox& b : ui.boxes) t << QString::number(b.style) + u' ' + b.text;
     return t;
 }
 
@@ -64,23 +53,22 @@ void tresMensajes() {
 
 }  // namespace
 
-class TestHistorico : public QObject {
+class TestHistorico : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestHistorico(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
   private Q_SLOTS:
     void init() {
         world.reset();
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/historico.db"_s));
+        ui.emplace();
     }
 
     void listShowsSixColumnsNewestFirst() {
         tresMensajes();
-        InterfazGuionada ui;
         registrarPantallasHistorico();
         QVERIFY(Pantallas::abrir(u"frmHEnvios"_s));
         frmHEnvios* pantalla = PantallasHijas::instance<frmHEnvios>();
@@ -143,7 +131,6 @@ class TestHistorico : public QObject {
         QFETCH(int, flecha);
         QFETCH(Qt::SortOrder, sentido);
         tresMensajes();
-        InterfazGuionada ui;
         frmHEnvios pantalla;
         for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
         QCOMPARE(columna(pantalla.ListView1->model(), columnaMirada), orden);
@@ -213,7 +200,6 @@ class TestHistorico : public QObject {
         QStringList orden;
         for (const Esperada& e : esperadas) orden << e.numero;
 
-        InterfazGuionada ui;
         frmHEnvios pantalla;
         for (int c : clics) Q_EMIT pantalla.ListView1->header()->sectionClicked(c);
         // Delivered after the list was filled: it shows at the next fill.
@@ -244,17 +230,16 @@ class TestHistorico : public QObject {
         QFETCH(int, respuesta);
         QFETCH(bool, dobleClic);
         QFETCH(QString, esperado);
-        cuenta(3, false);
-        if (principal) cuenta(principal, true);
+        prueba::cuenta(3, u"Tres"_s);
+        if (principal) prueba::cuenta(principal, u"Uno"_s, {{u"Principal"_s, 1}});
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, mensaje, 3, u"Otra"_s);
         RelojFijo reloj(QDateTime(QDate(2006, 3, 20), QTime(12, 0)));
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         QSignalSpy bandeja(&Avisos::instancia(), &Avisos::bandejaCambiada);
         frmHEnvios pantalla;
         // Nothing selected: nothing asked.
         pantalla.XPButton2->click();
-        QVERIFY(ui.boxes.isEmpty());
+        QVERIFY(ui->boxes.isEmpty());
         const QModelIndex fila = pantalla.ListView1->model()->index(0, 1);
         pantalla.ListView1->selectionModel()->select(
             fila, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -269,7 +254,7 @@ class TestHistorico : public QObject {
             vistas << QString::number(Msg::Information) +
                           u" El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene "
                           u"activado el Modo Transmisor el mensaje se enviará en unos segundos."_s;
-        QCOMPARE(cajas(ui), vistas);
+        QCOMPARE(cajas(*ui), vistas);
         QCOMPARE(prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios"_s),
                  esperado.isEmpty() ? QStringList() : QStringList{esperado});
         if (!esperado.isEmpty())
@@ -283,16 +268,15 @@ class TestHistorico : public QObject {
     void resendFailureIsTold() {
         enviado(u"2006-03-14 09:30:00"_s, u"0034600000009"_s, u"Hola"_s);
         bd().exec(u"DROP TABLE envios"_s);
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
         pantalla.ListView1->selectionModel()->select(
             pantalla.ListView1->model()->index(0, 0),
             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         pantalla.XPButton2->click();
-        QCOMPARE(ui.boxes.size(), 2);
-        QCOMPARE(ui.boxes.at(1).text, u"No se ha podido reenviar el mensaje"_s);
-        QCOMPARE(ui.boxes.at(1).style, Msg::Exclamation);
+        QCOMPARE(ui->boxes.size(), 2);
+        QCOMPARE(ui->boxes.at(1).text, u"No se ha podido reenviar el mensaje"_s);
+        QCOMPARE(ui->boxes.at(1).style, Msg::Exclamation);
     }
 
     void deletion_data() {
@@ -332,8 +316,7 @@ class TestHistorico : public QObject {
         QFETCH(QStringList, preguntas);
         QFETCH(QStringList, quedan);
         tresMensajes();
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
+        ui->answers = {respuesta};
         frmHEnvios pantalla;
         if (todos) {
             pantalla.Option1_0->setChecked(true);
@@ -344,7 +327,7 @@ class TestHistorico : public QObject {
         // A row added behind the screen's back shows only after a reload.
         enviado(u"2006-03-17 08:00:00"_s, u"0034600000004"_s, u"nuevo"_s);
         pantalla.XPButton1->click();
-        QCOMPARE(cajas(ui), preguntas);
+        QCOMPARE(cajas(*ui), preguntas);
         // A delete that ran shows the list read anew, with the late row.
         const bool alcanzado = respuesta == Msg::Yes && (todos || !fecha.isEmpty());
         if (alcanzado && !todos) quedan.prepend(u"17/03/2006 08:00:00"_s);
@@ -354,13 +337,12 @@ class TestHistorico : public QObject {
     }
 
     void emptyHistory() {
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes};
+        ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
         QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
         pantalla.txtfecha->setDate(QDate(2006, 3, 15));
         pantalla.XPButton1->click();
-        QCOMPARE(ui.boxes.size(), 1);
+        QCOMPARE(ui->boxes.size(), 1);
         QCOMPARE(pantalla.ListView1->model()->rowCount(), 0);
     }
 };

@@ -3,7 +3,6 @@
 #include "AyudaImport.h"
 #include "SimuladorPrueba.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "delivery/mdoSendRavion.h"
 #include "import/mdoImport.h"
 
@@ -11,18 +10,12 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include <utime.h>
-
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
 
-class TestCiclo : public QObject {
+class TestCiclo : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestCiclo(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void loDejadoSaleEnElMismoCiclo() {
@@ -33,17 +26,12 @@ class TestCiclo : public QObject {
                             u"movil=0034600123456\n"_s);
         QVERIFY(sim.listo());
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/ciclo.db"_s));
-        bd().exec(
-            u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
-            u"remopc,imptextos) VALUES (1,'Tienda',?,'demo',?,0,1,'',0,0)"_s,
-            {sim.host(), msCifrarClave(u"demo"_s, true)});
+        prueba::cuentaPrincipal(sim.host(), u"demo"_s, {{u"Remitente"_s, u""_s}});
         const QString vigilado = world.root() + u"/pedidos.txt"_s;
         escribir(vigilado,
                  "600123456;Su pedido est\xc3\xa1 en camino\r\n"
                  "1;600123457;Recogida en L'Hospitalet\r\n");
-        struct utimbuf t {};
-        t.actime = t.modtime = ::time(nullptr) - 60;
-        ::utime(QFile::encodeName(vigilado).constData(), &t);
+        envejecer(vigilado);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, vigilado);
 
@@ -86,14 +74,9 @@ class TestCiclo : public QObject {
         SimuladorPrueba sim(world.root(), u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"_s);
         QVERIFY(sim.listo());
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/ciclo.db"_s));
-        bd().exec(
-            u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
-            u"remopc,imptextos) VALUES (1,'Tienda',?,'demo',?,0,1,'',0,0)"_s,
-            {sim.host(), msCifrarClave(u"demo"_s, true)});
+        prueba::cuentaPrincipal(sim.host(), u"demo"_s, {{u"Remitente"_s, u""_s}});
         // What another program queued before the file came.
-        bd().exec(
-            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-            u"VALUES ('2026-01-01 08:00:00',1,'0034600000001','antes',2)"_s);
+        prueba::pendiente(u"0034600000001"_s, u"antes"_s);
         const QString carpeta = world.root() + u"/vigilada"_s;
         QDir(carpeta).removeRecursively();
         QVERIFY(QDir().mkpath(carpeta));
@@ -103,9 +86,7 @@ class TestCiclo : public QObject {
             QVERIFY(QDir().mkpath(vigilado));
         } else {
             escribir(vigilado, contenido);
-            struct utimbuf t {};
-            t.actime = t.modtime = ::time(nullptr) - 60;
-            ::utime(QFile::encodeName(vigilado).constData(), &t);
+            envejecer(vigilado);
         }
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"ImportA"_s, u"Path"_s, vigilado);

@@ -5,7 +5,6 @@
 #include "import/mdoImport.h"
 
 #include <sys/stat.h>
-#include <utime.h>
 
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
@@ -26,22 +25,13 @@ QByteArray lineasNumeradas(int n) {
     }
     return b;
 }
-
-// The file looks as if its writer finished a while ago.
-void envejecer(const QString& ruta) {
-    struct utimbuf t {};
-    t.actime = t.modtime = ::time(nullptr) - 60;
-    ::utime(QFile::encodeName(ruta).constData(), &t);
-}
 }  // namespace
 
-class TestDriver : public QObject {
+class TestDriver : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestDriver(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     InterfazGuionada* ui = nullptr;
     QString base;
 
@@ -269,15 +259,11 @@ class TestDriver : public QObject {
             // Another writer adds a message and deletes a contact between
             // two chunks; a second import started from there waits.
             if (++turnos != 3) return;
-            bd().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
-                u"('2026-01-01 10:00:00',7,'0034600000002','del usuario',2)"_s);
+            prueba::pendiente(u"0034600000002"_s, u"del usuario"_s, 7);
             bd().exec(u"DELETE FROM Abonados WHERE Codigo='0034600000009'"_s);
             msImportarFichero(vigilado(), false, true, u"-1"_s, false);
         });
-        bd().exec(
-            u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) "
-            u"VALUES ('0034600000009','Borrable','',5)"_s);
+        prueba::contacto(u"0034600000009"_s, u"Borrable"_s, 5, u""_s);
         int lineas = 0;
         ImportPruebas::establecerPuntoDeFallo([&](const char* p) {
             if (QLatin1String(p) == QLatin1String("linea") && ++lineas == 450) throw Muerte{};

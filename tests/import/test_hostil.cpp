@@ -175,13 +175,9 @@ int comprobarDesenlaces(const QStringList& desenlaces, const QStringList& textos
 
 }  // namespace
 
-class TestHostil : public QObject {
+class TestHostil : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestHostil(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() { baseConCuentas(world); }

@@ -14,14 +14,11 @@
 
 using namespace Qt::StringLiterals;
 
-class TestMatar : public QObject {
+class TestMatar : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestMatar(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     QString base() const { return world.root() + u"/matar.db"_s; }
     QString carpeta() const { return world.root() + u"/buzon"_s; }
     QString vigilado() const { return carpeta() + u"/envios.txt"_s; }

@@ -4,7 +4,6 @@
 // what the tests of waiting screens and batches share.
 #include "SimuladorPrueba.h"
 #include "TestSupport.h"
-#include "base/Cifrado.h"
 
 #include <memory>
 
@@ -17,11 +16,6 @@ inline std::unique_ptr<SimuladorPrueba> plataformaLenta(const TestWorld& world, 
                                      "clave=demo\nsaldo=100\nmovil=0034600123456\n")
                           .arg(retrasoMs));
     if (!s->listo()) qFatal("the platform simulator did not start");
-    prueba::cuenta(1, QStringLiteral("Principal"),
-                   {{QStringLiteral("Host"), s->host()},
-                    {QStringLiteral("usuario"), QStringLiteral("demo")},
-                    {QStringLiteral("clave"), msCifrarClave(QStringLiteral("demo"), true)},
-                    {QStringLiteral("Saldo"), saldo},
-                    {QStringLiteral("Principal"), 1}});
+    prueba::cuentaPrincipal(s->host(), QStringLiteral("demo"), {{QStringLiteral("Saldo"), saldo}});
     return s;
 }

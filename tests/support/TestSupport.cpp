@@ -30,6 +30,15 @@ QString TestWorld::appDir() const {
     return dataHome() + u"/Quelmo/Quelmo Mensajes SMS"_s;
 }
 
+QString TestWorld::settingsFile() const {
+    return configHome() + u"/Quelmo/Quelmo Mensajes SMS.ini"_s;
+}
+
+void TestWorld::writeSettings(const QByteArray& ini) const {
+    QDir().mkpath(configHome() + u"/Quelmo"_s);
+    prueba::escribir(settingsFile(), ini);
+}
+
 void TestWorld::reset() {
     EstadoAplicacion& g = estadoAplicacion();
     Conexion().close();
@@ -259,6 +268,50 @@ QStringList filas(const QString& sql, const QVariantList& params) {
 
 long long cuantos(const QString& sql, const QVariantList& params) {
     return numeroDe(bd().query(sql, params).value(0, 0));
+}
+
+void cuentaPrincipal(const QString& host, const QString& clave, const QVariantMap& columnas) {
+    QVariantMap v{{u"Host"_s, host},
+                  {u"usuario"_s, u"demo"_s},
+                  {u"clave"_s, msCifrarClave(clave, true)},
+                  {u"Principal"_s, 1}};
+    v.insert(columnas);
+    cuenta(1, u"Principal"_s, v);
+}
+
+void pendiente(const QString& abonado, const QString& mensaje, const QVariant& canal,
+               const QVariant& id) {
+    bd().exec(
+        u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) "
+        u"VALUES (?,'2026-01-01 08:00:00',?,?,?,2)"_s,
+        {id, canal, abonado, mensaje});
+}
+
+QString registro() {
+    return estadoAplicacion().log.lines().join(u'\n');
+}
+
+bool enRegistro(const QString& texto) {
+    return registro().contains(texto);
+}
+
+void escribir(const QString& ruta, const QByteArray& bytes) {
+    QFile f(ruta);
+    QVERIFY2(f.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(ruta));
+    f.write(bytes);
+}
+
+QByteArray leer(const QString& ruta) {
+    QFile f(ruta);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QString shell(const QString& ruta, const QString& sql) {
+    QProcess p;
+    p.start(u"sqlite3"_s, {ruta, sql});
+    if (!p.waitForFinished(20000) || p.exitCode() != 0)
+        qFatal("sqlite3 failed: %s", p.readAllStandardError().constData());
+    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
 }
 
 QString caja(int estilo, const QString& texto) {

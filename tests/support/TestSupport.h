@@ -28,12 +28,24 @@ class TestWorld {
     QString dataHome() const { return m_dir.path() + QStringLiteral("/data"); }
     // The application directory inside the data home.
     QString appDir() const;
+    // The settings file a program started in this world reads, written whole.
+    QString settingsFile() const;
+    void writeSettings(const QByteArray& ini) const;
     // A fresh settings store and an empty application directory, and the
     // shared connection closed (call in each test's init).
     void reset();
 
   private:
     QTemporaryDir m_dir;
+};
+
+// A test class of one executable: the temporary world its main built.
+class Prueba : public QObject {
+  public:
+    explicit Prueba(TestWorld& w) : world(w) {}
+
+  protected:
+    TestWorld& world;
 };
 
 // The clock pinned to an instant that the test moves.
@@ -175,6 +187,27 @@ QStringList columna(const QString& sql, const QVariantList& params = {});
 // Every row of a query as "a|b|c".
 QStringList filas(const QString& sql, const QVariantList& params = {});
 long long cuantos(const QString& sql, const QVariantList& params = {});
+
+// Principal account 1 named "Principal" (user "demo", password `clave`)
+// that speaks to `host`; `columnas` change those or fill others.
+void cuentaPrincipal(const QString& host, const QString& clave = QStringLiteral("demo"),
+                     const QVariantMap& columnas = {});
+// A message to `abonado` waiting in the outbox since 2026-01-01 08:00
+// with both attempts left.
+void pendiente(const QString& abonado, const QString& mensaje = QStringLiteral("hola"),
+               const QVariant& canal = 1, const QVariant& id = {});
+
+// The activity log as one text, one line a line, and whether it holds `texto`.
+QString registro();
+bool enRegistro(const QString& texto);
+
+// A file's bytes written whole (fails the test if it can't), and read back.
+void escribir(const QString& ruta, const QByteArray& bytes);
+QByteArray leer(const QString& ruta);
+
+// What another program, the sqlite3 shell, prints for `sql` on the file
+// at `ruta` (trimmed); a failing shell ends the run.
+QString shell(const QString& ruta, const QString& sql);
 
 // Message boxes as "style text", so one comparison checks both.
 QString caja(int estilo, const QString& texto);

@@ -1,11 +1,24 @@
 #include "TestSupportGui.h"
 
+#include "app/mdiMain.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloListado.h"
 
+#include <QSignalSpy>
 #include <QTimer>
 
 namespace prueba {
+
+std::unique_ptr<mdiMain> ventanaPrincipal(std::function<void()> terminar,
+                                          const std::function<void()>& antesDeMostrar) {
+    auto w = std::make_unique<mdiMain>();
+    w->terminar = std::move(terminar);
+    if (antesDeMostrar) antesDeMostrar();
+    QSignalSpy lista(w.get(), &mdiMain::primeraActivacionTerminada);
+    w->show();
+    if (!lista.wait(5000)) qFatal("no first activation");
+    return w;
+}
 
 void alAbrirModal(std::function<void(QDialog*)> accion, int intentos) {
     QTimer::singleShot(10, qApp, [accion, intentos] {
@@ -25,6 +38,12 @@ QStringList textosDe(const ModeloListado* m, int col) {
 
 QStringList textosDe(const Listado* l, int col) {
     return textosDe(l->modelo(), col);
+}
+
+QStringList filasDe(const Listado* l) {
+    QStringList t;
+    for (int f = 0; f < l->modelo()->rowCount(); ++f) t.append(l->modelo()->fila(f).join(u'|'));
+    return t;
 }
 
 }  // namespace prueba

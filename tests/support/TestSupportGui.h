@@ -5,9 +5,11 @@
 #include <QApplication>
 #include <QDialog>
 #include <functional>
+#include <memory>
 
 class Listado;
 class ModeloListado;
+class mdiMain;
 
 // A QTest main for tests that show real widgets (offscreen).
 #define QUELMO_GUI_TEST_MAIN(TestClass) QUELMO_TEST_MAIN_WITH(TestClass, QApplication)
@@ -49,6 +51,12 @@ T* hijo(const QObject& padre, const QString& nombre) {
     return hijo<T>(&padre, nombre);
 }
 
+// The main window shown and past its first activation; closing it runs
+// `terminar` instead of ending the program. `antesDeMostrar` runs once the
+// window has registered its screens, before its first activation.
+std::unique_ptr<mdiMain> ventanaPrincipal(
+    std::function<void()> terminar = [] {}, const std::function<void()>& antesDeMostrar = {});
+
 // Runs `accion` on the next modal dialog once it is up; `accion` must
 // close it.
 void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 200);
@@ -56,5 +64,7 @@ void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 200);
 // One column of a list, in the order shown.
 QStringList textosDe(const ModeloListado* m, int col);
 QStringList textosDe(const Listado* l, int col);
+// Every row of a list as "a|b|c", in the order shown.
+QStringList filasDe(const Listado* l);
 
 }  // namespace prueba

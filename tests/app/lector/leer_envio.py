@@ -35,12 +35,6 @@ def buscar(nodo, nombre, profundidad=0):
     return None
 
 
-def nombre(nodo, rol):
-    # What a screen reader announces first: a combo box named only by its
-    # value ("Demo (100 Créditos)") says nothing of what it is for.
-    return nodo.name
-
-
 def controles(nodo, salida):
     for hijo in nodo:
         if hijo is None:
@@ -51,19 +45,40 @@ def controles(nodo, salida):
         rol = hijo.getRoleName()
         enfocable = estado.contains(pyatspi.STATE_FOCUSABLE)
         if enfocable or rol == "label":
-            salida.append((rol, nombre(hijo, rol), enfocable))
+            salida.append((rol, hijo.name, enfocable))
         if rol not in SIN_BAJAR:
             controles(hijo, salida)
+
+
+# The program as the accessibility bus shows it, or None.
+def programa():
+    for app in pyatspi.Registry.getDesktop(0):
+        if app is not None and app.name in ("quelmo-sms", "Quelmo Mensajes SMS"):
+            return app
+    return None
+
+
+# What a screen reader user would miss among the controls read: one that
+# takes the focus without a name, or with another's.
+def sin_nombre_propio(leidos, prefijo=""):
+    fallos = []
+    vistos = set()
+    for rol, nombre, enfocable in leidos:
+        if not enfocable:
+            continue
+        if not nombre.strip():
+            fallos.append(f"{prefijo}{rol} sin nombre")
+        elif nombre in vistos:
+            fallos.append(f"{prefijo}dos controles se llaman «{nombre}»")
+        vistos.add(nombre)
+    return fallos
 
 
 def main():
     plazo = time.time() + 60
     pantalla = None
     while pantalla is None and time.time() < plazo:
-        escritorio = pyatspi.Registry.getDesktop(0)
-        for app in escritorio:
-            if app is not None and app.name in ("quelmo-sms", "Quelmo Mensajes SMS"):
-                pantalla = buscar(app, "Envío de Mensajes")
+        pantalla = buscar(programa(), "Envío de Mensajes")
         if pantalla is None:
             time.sleep(0.5)
     if pantalla is None:
@@ -72,17 +87,9 @@ def main():
 
     leidos = []
     controles(pantalla, leidos)
-    fallos = []
-    vistos = set()
     for rol, nombre, enfocable in leidos:
         print(f"{rol}: {nombre}{'' if enfocable else ' (no enfocable)'}")
-        if not enfocable:
-            continue
-        if not nombre.strip():
-            fallos.append(f"{rol} sin nombre")
-        elif nombre in vistos:
-            fallos.append(f"dos controles se llaman «{nombre}»")
-        vistos.add(nombre)
+    fallos = sin_nombre_propio(leidos)
     # The switch says its state as a check box does; sending is on here.
     interruptor = buscar(pantalla, "Envío de SMS")
     if interruptor is not None and not interruptor.getState().contains(pyatspi.STATE_CHECKED):

@@ -11,7 +11,7 @@ import time
 
 import pyatspi
 
-from leer_envio import SIN_BAJAR, buscar, controles
+from leer_envio import SIN_BAJAR, buscar, controles, programa, sin_nombre_propio
 
 # Title, and the keys that open it from the menus (Alt+menu, then item).
 PANTALLAS = [
@@ -67,7 +67,6 @@ def dentro(nodo, ancestro):
 
 
 def recorrer(app, titulo, menu, opcion):
-    fallos = []
     tecla(menu, alt=True)
     tecla(opcion)
     pantalla = esperar(lambda: (lambda p: p if visible(p) else None)(buscar(app, titulo)))
@@ -77,15 +76,7 @@ def recorrer(app, titulo, menu, opcion):
     log = buscar(app, "Eventos de la aplicación")
     leidos = []
     controles(pantalla, leidos)
-    vistos = set()
-    for rol, nombre, enfocable in leidos:
-        if not enfocable:
-            continue
-        if not nombre.strip():
-            fallos.append(f"{titulo}: {rol} sin nombre")
-        elif nombre in vistos:
-            fallos.append(f"{titulo}: dos controles se llaman «{nombre}»")
-        vistos.add(nombre)
+    fallos = sin_nombre_propio(leidos, f"{titulo}: ")
 
     inicio = esperar(lambda: enfocado(app))
     cerrar = None
@@ -131,10 +122,7 @@ def recorrer(app, titulo, menu, opcion):
 
 
 def main():
-    app = None
-    for a in pyatspi.Registry.getDesktop(0):
-        if a is not None and a.name in ("quelmo-sms", "Quelmo Mensajes SMS"):
-            app = a
+    app = programa()
     if app is None:
         print("el programa no está en el bus de accesibilidad")
         return 1
