@@ -7,6 +7,11 @@
 
 #include <sqlite3.h>
 
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -193,11 +198,168 @@ int msBorrarContactos(const QStringList& codigos) {
     return borrados;
 }
 
-ResultadoConsulta abrirContactos() {
-    return bd().query(
-        u"select Abonados.Codigo,Abonados.Alias,Canales.nombre,Abonados.Comentario, "
-        u"Abonados.Canal from Abonados inner join canales on abonados.canal=Canales.Canal "
-        u"order by Abonados.Alias COLLATE REGLA_LISTAS"_s);
+namespace {
+const QString kContactosVisibles =
+    u"FROM Abonados INNER JOIN Canales ON Abonados.Canal = Canales.Canal"_s;
+}  // namespace
+
+ListaPaginada::Definicion definicionContactos() {
+    ListaPaginada::Definicion d;
+    d.desde = kContactosVisibles;
+    d.clave = u"Abonados.rowid"_s;
+    d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
+    d.columnas = {{u"Abonados.Alias"_s, {}},
+                  {u"Abonados.Codigo"_s, {}},
+                  {u"Abonados.Comentario"_s, {}},
+                  {u"Canales.Nombre"_s, {}}};
+    // Names that sort alike keep the order of the names when another
+    // column is sorted.
+    d.desempate = u"coalesce(Abonados.Alias, '') COLLATE REGLA_LISTAS"_s;
+    return d;
+}
+
+std::optional<ContactoLeido> primerContactoConAlias(const QString& alias) {
+    const ResultadoConsulta r = bd().query(
+        u"SELECT Abonados.Codigo, Abonados.Comentario, Abonados.Canal "_s + kContactosVisibles +
+            u" WHERE Abonados.Alias = ? ORDER BY Abonados.rowid LIMIT 1"_s,
+        {alias});
+    if (r.isEmpty()) return std::nullopt;
+    return ContactoLeido{textoDe(r.value(0, 0)), textoDe(r.value(0, 1)),
+                         int16_t(numeroDe(r.value(0, 2)))};
+}
+
+namespace {
+
+constexpr int kContactosPorBloque = 5000;
+
+// Runs `sentencias` in one transaction; how many contacts went (the
+// changes of the last one). When the block fails it is undone and its
+// contacts (`codigos` of the block) go one by one, each failure with its
+// own box, as they would without blocks.
+int borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
+                 const std::function<QStringList()>& codigos) {
+    const QString sp = u"bloquecontactos"_s;
+    try {
+        bd().savepoint(sp);
+        int n = 0;
+        for (const auto& [sql, params] : sentencias) n = bd().exec(sql, params);
+        bd().release(sp);
+        return n;
+    } catch (const ErrorBD&) {
+        deshacer(sp);
+    }
+    try {
+        return msBorrarContactos(codigos());
+    } catch (const ErrorBD& e) {
+        ui().msgBox(e.description());
+        return 0;
+    }
+}
+
+// Runs `bloque` (it returns how many went, and false in `quedan` when it
+// was the last) now and then once per turn of the event loop until done.
+void porBloques(std::function<int(bool& quedan)> bloque, int borrados,
+                std::function<void(int)> alTerminar) {
+    bool quedan = false;
+    borrados += bloque(quedan);
+    if (quedan) {
+        // The window gets its turn before the next block.
+        QTimer::singleShot(
+            0, QCoreApplication::instance(),
+            [bloque = std::move(bloque), borrados, alTerminar = std::move(alTerminar)]() mutable {
+                porBloques(std::move(bloque), borrados, std::move(alTerminar));
+            });
+        return;
+    }
+    Q_EMIT Avisos::instancia().contactosCambiados();
+    if (alTerminar) alTerminar(borrados);
+}
+
+// Memberships and multi-send rows of the contacts chosen by `donde`, then
+// the contacts themselves.
+QList<std::pair<QString, QVariantList>> borrarDonde(const QString& donde,
+                                                    const QVariantList& params) {
+    const QString codigos = u"(SELECT Codigo FROM Abonados WHERE "_s + donde + u')';
+    return {{u"DELETE FROM AboGrup WHERE Abonado IN "_s + codigos, params},
+            {u"DELETE FROM AboAuto WHERE Abonado IN "_s + codigos, params},
+            {u"DELETE FROM Abonados WHERE "_s + donde, params}};
+}
+
+long long contar(const QString& sql) {
+    return numeroDe(bd().query(sql).value(0, 0));
+}
+
+// The numbers of the contacts chosen by `donde`.
+std::function<QStringList()> codigosDonde(const QString& donde, const QVariantList& params) {
+    return [donde, params] {
+        const QVector<QString> t =
+            bd().queryTexts(u"SELECT Codigo FROM Abonados WHERE "_s + donde, params);
+        return QStringList(t.begin(), t.end());
+    };
+}
+
+}  // namespace
+
+void msBorrarContactosPorBloques(const QStringList& codigos,
+                                 std::function<void(int borrados)> alTerminar) {
+    const QString donde = u"Codigo IN (SELECT value FROM json_each(?))"_s;
+    qsizetype desde = 0;
+    porBloques(
+        [codigos, desde, donde](bool& quedan) mutable {
+            const QString lista = QString::fromUtf8(
+                QJsonDocument(QJsonArray::fromStringList(codigos.mid(desde, kContactosPorBloque)))
+                    .toJson(QJsonDocument::Compact));
+            desde += kContactosPorBloque;
+            quedan = desde < codigos.size();
+            return borrarBloque(borrarDonde(donde, {lista}), codigosDonde(donde, {lista}));
+        },
+        0, std::move(alTerminar));
+}
+
+void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
+    long long ocultos = 0, huerfanos = 0, mayor = 0;
+    try {
+        ocultos = contar(
+            u"SELECT count(*) FROM Abonados WHERE Canal NOT IN (SELECT Canal FROM "
+            u"Canales) OR Canal IS NULL"_s);
+        huerfanos = contar(
+            u"SELECT (SELECT count(*) FROM AboGrup WHERE Abonado NOT IN (SELECT Codigo "
+            u"FROM Abonados)) + (SELECT count(*) FROM AboAuto WHERE Abonado NOT IN "
+            u"(SELECT Codigo FROM Abonados))"_s);
+        mayor = contar(u"SELECT coalesce(max(rowid), 0) FROM Abonados"_s);
+    } catch (const ErrorBD& e) {
+        ui().msgBox(e.description());
+        if (alTerminar) alTerminar(0);
+        return;
+    }
+    if (ocultos == 0 && huerfanos == 0) {
+        // Every row of the three tables goes: without a condition the
+        // engine drops the tables' pages instead of deleting row by row.
+        porBloques(
+            [](bool&) {
+                return borrarBloque({{u"DELETE FROM AboGrup"_s, {}},
+                                     {u"DELETE FROM AboAuto"_s, {}},
+                                     {u"DELETE FROM Abonados"_s, {}}},
+                                    codigosDonde(u"1"_s, {}));
+            },
+            0, std::move(alTerminar));
+        return;
+    }
+    // Contacts of a missing account stay, and so do memberships of a
+    // number that is no contact: a block of row numbers at a time.
+    long long desde = 0;
+    porBloques(
+        [desde, mayor](bool& quedan) mutable {
+            const long long hasta = desde + kContactosPorBloque;
+            const QString donde =
+                u"rowid > ? AND rowid <= ? AND Canal IN (SELECT Canal FROM Canales)"_s;
+            const int n = borrarBloque(borrarDonde(donde, {desde, hasta}),
+                                       codigosDonde(donde, {desde, hasta}));
+            desde = hasta;
+            quedan = desde < mayor;
+            return n;
+        },
+        0, std::move(alTerminar));
 }
 
 ResultadoConsulta abrirCuentas() {
@@ -295,17 +457,16 @@ bool msBorrarLista(int16_t grupo, const QString& nombre) {
     return true;
 }
 
-ResultadoConsulta abrirMiembrosLista(int16_t grupo) {
-    return bd().query(
-        u"select upper(abonados.alias), abonados.codigo, abogrup.grupo from abonados inner join "
-        u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by "
-        u"abonados.alias COLLATE "
-        u"REGLA_LISTAS"_s,
+QVector<QString> leerMiembrosLista(int16_t grupo) {
+    return bd().queryTexts(
+        u"select upper(abonados.alias), abonados.codigo from abonados inner join abogrup on "
+        u"abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by abonados.alias "
+        u"COLLATE REGLA_LISTAS"_s,
         {grupo});
 }
 
-ResultadoConsulta abrirNoMiembrosLista(int16_t grupo) {
-    return bd().query(
+QVector<QString> leerNoMiembrosLista(int16_t grupo) {
+    return bd().queryTexts(
         u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
         u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
         u"abonados.Alias COLLATE REGLA_LISTAS"_s,
