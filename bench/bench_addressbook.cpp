@@ -126,8 +126,7 @@ int main(int argc, char** argv) {
         cifra(u"frmUserGroup store "_s + n + u" memberships"_s, t, 300);
         delete miembros;
 
-        // The deletion goes a block at a time: the loop turns until the
-        // summary box has been answered.
+        // The loop turns until the summary box has been answered.
         pantalla = new frmAbonados;
         pantalla->show();
         QCoreApplication::processEvents();
@@ -141,8 +140,8 @@ int main(int argc, char** argv) {
                     qPrintable(pantalla->lblcont->text()));
         delete pantalla;
 
-        // With a contact of a missing account, which stays: the rows go a
-        // block of numbers at a time.
+        // With a contact of a missing account, which stays: what stays is
+        // set aside and put back.
         llenar(contactos);
         bd.exec(u"UPDATE Abonados SET Canal = 9 WHERE rowid = 1"_s);
         pantalla = new frmAbonados;
@@ -153,7 +152,7 @@ int main(int argc, char** argv) {
         t.empezar();
         pantalla->cmdDeletetodos->click();
         while (banco.ui.boxes.size() < antes + 2) QCoreApplication::processEvents();
-        cifra(u"frmAbonados delete all "_s + n + u", one hidden (in blocks)"_s, t, 300);
+        cifra(u"frmAbonados delete all "_s + n + u", one hidden stays"_s, t, 300);
         std::printf("  %s\n", qPrintable(banco.ui.boxes.last().text.trimmed()));
         delete pantalla;
     }

@@ -232,19 +232,19 @@ namespace {
 
 constexpr int kContactosPorBloque = 5000;
 
-// Runs `sentencias` in one transaction; how many contacts went (the
-// changes of the last one). When the block fails it is undone and its
-// contacts (`codigos` of the block) go one by one, each failure with its
-// own box, as they would without blocks.
+// Runs `sentencias` in one transaction; how many contacts went (`borrados`
+// when given, else the changes of the last statement). When the block
+// fails it is undone and its contacts (`codigos` of the block) go one by
+// one, each failure with its own box, as they would without blocks.
 int borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
-                 const std::function<QStringList()>& codigos) {
+                 const std::function<QStringList()>& codigos, int borrados = -1) {
     const QString sp = u"bloquecontactos"_s;
     try {
         bd().savepoint(sp);
         int n = 0;
         for (const auto& [sql, params] : sentencias) n = bd().exec(sql, params);
         bd().release(sp);
-        return n;
+        return borrados >= 0 ? borrados : n;
     } catch (const ErrorBD&) {
         deshacer(sp);
     }
@@ -280,7 +280,12 @@ void porBloques(std::function<int(bool& quedan)> bloque, int borrados,
 QList<std::pair<QString, QVariantList>> borrarDonde(const QString& donde,
                                                     const QVariantList& params) {
     const QString codigos = u"(SELECT Codigo FROM Abonados WHERE "_s + donde + u')';
-    return {{u"DELETE FROM AboGrup WHERE Abonado IN "_s + codigos, params},
+    // The contacts first, then their memberships by the number's index:
+    // left to itself the engine walks every membership for each block.
+    return {{u"DELETE FROM AboGrup WHERE rowid IN (SELECT AboGrup.rowid FROM Abonados CROSS "
+             u"JOIN AboGrup ON AboGrup.Abonado = Abonados.Codigo WHERE "_s +
+                 donde + u')',
+             params},
             {u"DELETE FROM AboAuto WHERE Abonado IN "_s + codigos, params},
             {u"DELETE FROM Abonados WHERE "_s + donde, params}};
 }
@@ -302,7 +307,7 @@ std::function<QStringList()> codigosDonde(const QString& donde, const QVariantLi
 
 void msBorrarContactosPorBloques(const QStringList& codigos,
                                  std::function<void(int borrados)> alTerminar) {
-    const QString donde = u"Codigo IN (SELECT value FROM json_each(?))"_s;
+    const QString donde = u"Abonados.Codigo IN (SELECT value FROM json_each(?))"_s;
     qsizetype desde = 0;
     porBloques(
         [codigos, desde, donde](bool& quedan) mutable {
@@ -316,48 +321,62 @@ void msBorrarContactosPorBloques(const QStringList& codigos,
         0, std::move(alTerminar));
 }
 
+namespace {
+// The contact shown of the row's number, found on the table's key.
+QString contactoVisible(const QString& tabla) {
+    return u"(SELECT 1 FROM Abonados a WHERE a.Codigo = "_s + tabla +
+           u".Abonado AND a.Canal IN (SELECT Canal FROM Canales))"_s;
+}
+}  // namespace
+
 void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
-    long long ocultos = 0, huerfanos = 0, mayor = 0;
+    const QString visibles =
+        u"(SELECT Codigo FROM Abonados WHERE Canal IN (SELECT Canal FROM Canales))"_s;
+    int borrados = 0;
     try {
-        ocultos = contar(
-            u"SELECT count(*) FROM Abonados WHERE Canal NOT IN (SELECT Canal FROM "
-            u"Canales) OR Canal IS NULL"_s);
-        huerfanos = contar(
-            u"SELECT (SELECT count(*) FROM AboGrup WHERE Abonado NOT IN (SELECT Codigo "
-            u"FROM Abonados)) + (SELECT count(*) FROM AboAuto WHERE Abonado NOT IN "
-            u"(SELECT Codigo FROM Abonados))"_s);
-        mayor = contar(u"SELECT coalesce(max(rowid), 0) FROM Abonados"_s);
+        borrados =
+            int(contar(u"SELECT count(*) FROM Abonados WHERE Canal IN (SELECT Canal FROM "
+                       u"Canales)"_s));
     } catch (const ErrorBD& e) {
         ui().msgBox(e.description());
         if (alTerminar) alTerminar(0);
         return;
     }
-    if (ocultos == 0 && huerfanos == 0) {
-        // Every row of the three tables goes: without a condition the
-        // engine drops the tables' pages instead of deleting row by row.
-        porBloques(
-            [](bool&) {
-                return borrarBloque({{u"DELETE FROM AboGrup"_s, {}},
-                                     {u"DELETE FROM AboAuto"_s, {}},
-                                     {u"DELETE FROM Abonados"_s, {}}},
-                                    codigosDonde(u"1"_s, {}));
-            },
-            0, std::move(alTerminar));
-        return;
-    }
-    // Contacts of a missing account stay, and so do memberships of a
-    // number that is no contact: a block of row numbers at a time.
-    long long desde = 0;
+    // What stays (contacts of a missing account, memberships and
+    // multi-send rows of numbers that are no contact shown) is set aside,
+    // the three tables are emptied and it comes back, under its own row
+    // numbers: emptied without a condition, a table's pages are dropped
+    // whole, where deleting row by row rewrites every page of its indexes.
+    const QList<std::pair<QString, QVariantList>> sentencias{
+        {u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, Comentario, "
+         u"Canal FROM Abonados WHERE Canal IS NULL OR Canal NOT IN (SELECT Canal FROM Canales)"_s,
+         {}},
+        {u"CREATE TEMP TABLE quedanAboGrup AS SELECT rowid AS r, Abonado, Grupo FROM AboGrup "
+         u"WHERE NOT EXISTS "_s +
+             contactoVisible(u"AboGrup"_s),
+         {}},
+        {u"CREATE TEMP TABLE quedanAboAuto AS SELECT id_AboAuto, Automatico, Abonado, Mensaje "
+         u"FROM AboAuto WHERE NOT EXISTS "_s +
+             contactoVisible(u"AboAuto"_s),
+         {}},
+        {u"DELETE FROM AboGrup"_s, {}},
+        {u"DELETE FROM AboAuto"_s, {}},
+        {u"DELETE FROM Abonados"_s, {}},
+        {u"INSERT INTO Abonados (rowid, Codigo, Alias, Comentario, Canal) SELECT r, Codigo, "
+         u"Alias, Comentario, Canal FROM temp.quedanAbonados"_s,
+         {}},
+        {u"INSERT INTO AboGrup (rowid, Abonado, Grupo) SELECT r, Abonado, Grupo FROM "
+         u"temp.quedanAboGrup"_s,
+         {}},
+        {u"INSERT INTO AboAuto (id_AboAuto, Automatico, Abonado, Mensaje) SELECT * FROM "
+         u"temp.quedanAboAuto"_s,
+         {}},
+        {u"DROP TABLE temp.quedanAbonados"_s, {}},
+        {u"DROP TABLE temp.quedanAboGrup"_s, {}},
+        {u"DROP TABLE temp.quedanAboAuto"_s, {}}};
     porBloques(
-        [desde, mayor](bool& quedan) mutable {
-            const long long hasta = desde + kContactosPorBloque;
-            const QString donde =
-                u"rowid > ? AND rowid <= ? AND Canal IN (SELECT Canal FROM Canales)"_s;
-            const int n = borrarBloque(borrarDonde(donde, {desde, hasta}),
-                                       codigosDonde(donde, {desde, hasta}));
-            desde = hasta;
-            quedan = desde < mayor;
-            return n;
+        [sentencias, visibles, borrados](bool&) {
+            return borrarBloque(sentencias, codigosDonde(u"Codigo IN "_s + visibles, {}), borrados);
         },
         0, std::move(alTerminar));
 }

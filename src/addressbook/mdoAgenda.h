@@ -68,14 +68,16 @@ struct ContactoLeido {
 std::optional<ContactoLeido> primerContactoConAlias(const QString& alias);
 
 // Deletes contacts many at a time, a block of them in each turn of the event
-// loop, so that fifty thousand go without holding the window: each block
-// in one transaction, with its memberships and multi-send rows; a block
-// that fails has its box and the others still go. `alTerminar` gets how
-// many went; Avisos tells the screens. The first block goes at once, so a
-// few contacts are gone when this returns.
+// loop, so that thousands go without holding the window: each block in
+// one transaction, with its memberships and multi-send rows. A block that
+// fails is undone and its contacts go one by one (mbBorrarContacto), each
+// failure with its box. `alTerminar` gets how many went; Avisos tells the
+// screens. The first block goes at once, so a few contacts are gone when
+// this returns.
 void msBorrarContactosPorBloques(const QStringList& codigos,
                                  std::function<void(int borrados)> alTerminar);
-// The same for every contact the list shows (those whose account exists).
+// The same for every contact the list shows (those whose account exists),
+// in one transaction that empties the tables and puts back what stays.
 void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar);
 ResultadoConsulta abrirCuentas();
 ResultadoConsulta abrirListas();

@@ -403,7 +403,7 @@ class TestContactos : public QObject {
         QTest::newRow("every contact shown") << 3 << false << false << false;
         QTest::newRow("a hidden contact stays") << 3 << true << false << false;
         QTest::newRow("rows of no contact stay") << 3 << false << false << true;
-        QTest::newRow("more than a block") << 12000 << true << false << true;
+        QTest::newRow("12,000 contacts") << 12000 << true << false << true;
         QTest::newRow("a refused contact stays") << 3 << false << true << true;
     }
     void deleteAllLeavesNothingAndTellsTheScreens() {
