@@ -18,6 +18,8 @@ constexpr size_t kPaginasGuardadas = 4;
 // A page a few pages past the last one read is reached by skipping rows
 // of one bounded sort; farther, the whole order is read once.
 constexpr int kSaltoCorto = 4;
+// A row that moved far is looked for in lists up to this size.
+constexpr int kFilasBuscadas = 100000;
 
 QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
@@ -295,6 +297,9 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     for (const Pagina& p : m_paginas)
         for (size_t k = 0; k < p.filas.size(); ++k)
             if (p.filas[k].clave == clave) return p.numero * kFilasPagina + int(k);
+    // Farther away, finding it walks the table: beyond a size the row is
+    // let go rather than hold the window.
+    if (m_filas > kFilasBuscadas) return -1;
     const QVector<Termino> t = terminos();
     QString valores = u"SELECT "_s + m_def.clave;
     for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;

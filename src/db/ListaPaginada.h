@@ -68,9 +68,10 @@ class ListaPaginada {
     QString texto(int fila, int columna) const;
     // The row's number, 0 when it can't be read.
     int64_t clave(int fila) const;
-    // Where the row numbered `clave` stands now; -1 when it isn't there.
-    // `cerca`, where it stood, is looked at first: rows that came or went
-    // move a line by a few places at most.
+    // Where the row numbered `clave` stands now; -1 when it isn't there,
+    // or when it moved far in a list too long to walk for it. `cerca`,
+    // where it stood, is looked at first: rows that came or went move a
+    // line by a few places at most.
     int filaDe(int64_t clave, int cerca = -1) const;
 
     // Orders by a column (-1: by the rows' numbers, the order they were

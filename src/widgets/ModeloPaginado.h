@@ -11,7 +11,7 @@
 //
 // Selected lines stay selected when the list is sorted or read anew: each
 // follows its row to wherever it stands then, and leaves the selection
-// when its row is gone.
+// when its row is gone (or, in a list too long to walk, moved far).
 class ModeloPaginado : public ModeloListado {
     Q_OBJECT
   public:
