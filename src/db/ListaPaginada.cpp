@@ -19,7 +19,7 @@ constexpr size_t kPaginasGuardadas = 4;
 // of one bounded sort; farther, the whole order is read once.
 constexpr int kSaltoCorto = 4;
 // A row that moved far is looked for in lists up to this size.
-constexpr int kFilasBuscadas = 100000;
+constexpr int kFilasBuscadas = 20000;
 
 QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
