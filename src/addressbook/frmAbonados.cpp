@@ -3,17 +3,18 @@
 #include "addressbook/frmNewUser.h"
 #include "addressbook/mdoAgenda.h"
 #include "base/Avisos.h"
-#include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -26,6 +27,11 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
     setWindowIcon(iconoQuelmo(u"contactos"_s));
     ListView1 =
         new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
+    m_contactos = new ModeloPaginado(
+        definicionContactos(), {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
+    // Loaded by name, the arrow on the first column.
+    m_contactos->ordenar(0, false);
+    ListView1->usarModelo(m_contactos);
     nombreAccesible(ListView1, u"Contactos"_s);
     ListView1->setSeleccionMultiple(true);
     // Each column as wide as what it usually holds, so that all four show.
@@ -80,34 +86,13 @@ QSize frmAbonados::sizeHint() const {
 }
 
 void frmAbonados::requery() {
-    try {
-        adoPrimaryRS = abrirContactos();
-    } catch (const ErrorBD&) {
-        // A list that can't be read shows empty.
-        adoPrimaryRS = ResultadoConsulta();
-    }
     msPintarContactos();
 }
 
 void frmAbonados::msPintarContactos() {
-    const ResultadoConsulta& rs = adoPrimaryRS;
-    const int n = rs.recordCount();
-    QVector<QString> celdas;
-    if (n > 0) {
-        const int alias = rs.columnIndex(u"Alias"_s);
-        const int codigo = rs.columnIndex(u"Codigo"_s);
-        const int comentario = rs.columnIndex(u"Comentario"_s);
-        const int cuenta = rs.columnIndex(u"nombre"_s);
-        celdas.reserve(qsizetype(n) * 4);
-        for (int f = 0; f < n; ++f) {
-            celdas.append(textoDe(rs.value(f, alias)));
-            celdas.append(textoDe(rs.value(f, codigo)));
-            celdas.append(textoDe(rs.value(f, comentario)));
-            celdas.append(textoDe(rs.value(f, cuenta)));
-        }
-    }
-    ListView1->modelo()->asignar(std::move(celdas));
-    lblcont->setText(QString::number(n) + u" Contactos"_s);
+    // A list that can't be read shows empty.
+    m_contactos->cargar();
+    lblcont->setText(QString::number(m_contactos->rowCount()) + u" Contactos"_s);
 }
 
 bool frmAbonados::msNuevoContacto(QWidget* padre) {
@@ -130,39 +115,52 @@ void frmAbonados::cmdEdit_Click() {
     const QString texto = ListView1->modelo()->texto(linea, 0);
     if (texto.isEmpty()) return;
     // Of two contacts with the same name, the first in the order opens.
-    const int f = primeraFilaCon(adoPrimaryRS, u"Alias"_s, texto);
-    if (f < 0) return;
+    std::optional<ContactoLeido> c;
+    try {
+        c = primerContactoConAlias(texto);
+    } catch (const ErrorBD&) {
+        return;
+    }
+    if (!c) return;
     frmNewUser editor(this);
-    editor.prepararEdicion(textoDe(adoPrimaryRS.value(f, u"Codigo"_s)),
-                           int16_t(numeroDe(adoPrimaryRS.value(f, u"Canal"_s))), texto,
-                           textoDe(adoPrimaryRS.value(f, u"Comentario"_s)));
+    editor.prepararEdicion(c->codigo, c->canal, texto, c->comentario);
     editor.msLoad();
     editor.exec();
 }
 
-void frmAbonados::borrarFilas(const QList<int>& filas) {
-    QStringList codigos;
-    codigos.reserve(filas.size());
-    for (auto it = filas.crbegin(); it != filas.crend(); ++it)
-        codigos.append(ListView1->modelo()->texto(*it, 1));
+void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
+    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos}) b->setEnabled(false);
     // Each failure has had its own box; the summary tells the successes only.
-    const int borrados = msBorrarContactos(codigos);
-    ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados), Msg::Information);
-    requery();
+    QPointer<frmAbonados> pantalla(this);
+    auto alTerminar = [pantalla](int borrados) {
+        ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados), Msg::Information);
+        if (!pantalla) return;
+        for (QPushButton* b :
+             {pantalla->cmdAdd, pantalla->cmdEdit, pantalla->cmdDelete, pantalla->cmdDeletetodos})
+            b->setEnabled(true);
+        pantalla->requery();
+    };
+    if (todos)
+        msBorrarTodosLosContactos(alTerminar);
+    else
+        msBorrarContactosPorBloques(codigos, alTerminar);
 }
 
 void frmAbonados::cmdDelete_Click() {
     if (ui().msgBox(u"Esta a punto de eliminar los Contactos Seleccionados, ¿esta seguro?"_s,
                     Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
         return;
-    borrarFilas(ListView1->filasSeleccionadas());
+    const QList<int> filas = ListView1->filasSeleccionadas();
+    QStringList codigos;
+    codigos.reserve(filas.size());
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it)
+        codigos.append(ListView1->modelo()->texto(*it, 1));
+    borrarFilas(codigos);
 }
 
 void frmAbonados::cmdDeletetodos_Click() {
     if (ui().msgBox(u"¿Quiere eliminar TODOS sus Contactos?"_s,
                     Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
         return;
-    QList<int> todas;
-    for (int f = 0; f < ListView1->modelo()->rowCount(); ++f) todas.append(f);
-    borrarFilas(todas);
+    borrarFilas({}, true);
 }

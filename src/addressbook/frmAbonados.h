@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class Listado;
+class ModeloPaginado;
 class QLabel;
 class QPushButton;
 
@@ -38,8 +39,10 @@ class frmAbonados : public QWidget {
     QSize sizeHint() const override;
 
   private:
-    void borrarFilas(const QList<int>& filas);
+    // Deletes the contacts numbered `codigos` (or all the list shows) and
+    // says how many went.
+    void borrarFilas(const QStringList& codigos, bool todos = false);
 
     QSize m_tamano;
-    ResultadoConsulta adoPrimaryRS;
+    ModeloPaginado* m_contactos;
 };

@@ -1,7 +1,6 @@
 #include "addressbook/frmUserGroup.h"
 
 #include "addressbook/mdoAgenda.h"
-#include "base/Conversiones.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
@@ -15,18 +14,6 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-QVector<QString> celdasDe(const ResultadoConsulta& rs) {
-    QVector<QString> celdas;
-    celdas.reserve(qsizetype(rs.recordCount()) * 2);
-    for (int f = 0; f < rs.recordCount(); ++f) {
-        celdas.append(textoDe(rs.value(f, 0)));
-        celdas.append(textoDe(rs.value(f, 1)));
-    }
-    return celdas;
-}
-}  // namespace
 
 frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmUserGroup"_s);
@@ -97,17 +84,17 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
 
 void frmUserGroup::msCargarUsuariosParaGrupo() {
     setWindowTitle(u"Contactos de la Lista: "_s + sNombreGrupo.toUpper());
-    ResultadoConsulta miembros;
-    ResultadoConsulta resto;
+    QVector<QString> miembros;
+    QVector<QString> resto;
     try {
-        miembros = abrirMiembrosLista(nCodGrupo);
-        resto = abrirNoMiembrosLista(nCodGrupo);
+        miembros = leerMiembrosLista(nCodGrupo);
+        resto = leerNoMiembrosLista(nCodGrupo);
     } catch (const ErrorBD&) {
         // Lists that can't be read show empty, like the other address book lists.
     }
-    lstLista->modelo()->asignar(celdasDe(miembros));
-    lblcont->setText(QString::number(miembros.recordCount()) + u" Contactos en la lista"_s);
-    lstcontactos->modelo()->asignar(celdasDe(resto));
+    lblcont->setText(QString::number(miembros.size() / 2) + u" Contactos en la lista"_s);
+    lstLista->modelo()->asignar(std::move(miembros));
+    lstcontactos->modelo()->asignar(std::move(resto));
 }
 
 void frmUserGroup::mover(Listado* origen, Listado* destino, const QList<int>& filas) {

@@ -8,6 +8,11 @@
 
 #include <sqlite3.h>
 
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -186,11 +191,187 @@ int msBorrarContactos(const QStringList& codigos) {
     return borrados;
 }
 
-ResultadoConsulta abrirContactos() {
-    return bd().query(
-        u"select Abonados.Codigo,Abonados.Alias,Canales.nombre,Abonados.Comentario, "
-        u"Abonados.Canal from Abonados inner join canales on abonados.canal=Canales.Canal "
-        u"order by Abonados.Alias COLLATE REGLA_LISTAS"_s);
+namespace {
+const QString kContactosVisibles =
+    u"FROM Abonados INNER JOIN Canales ON Abonados.Canal = Canales.Canal"_s;
+}  // namespace
+
+ListaPaginada::Definicion definicionContactos() {
+    ListaPaginada::Definicion d;
+    d.desde = kContactosVisibles;
+    d.clave = u"Abonados.rowid"_s;
+    d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
+    d.columnas = {{u"Abonados.Alias"_s, {}},
+                  {u"Abonados.Codigo"_s, {}},
+                  {u"Abonados.Comentario"_s, {}},
+                  {u"Canales.Nombre"_s, {}}};
+    // Names that sort alike keep the order of the names when another
+    // column is sorted.
+    d.desempate = u"coalesce(Abonados.Alias, '') COLLATE REGLA_LISTAS"_s;
+    return d;
+}
+
+std::optional<ContactoLeido> primerContactoConAlias(const QString& alias) {
+    const ResultadoConsulta r = bd().query(
+        u"SELECT Abonados.Codigo, Abonados.Comentario, Abonados.Canal "_s + kContactosVisibles +
+            u" WHERE Abonados.Alias = ? ORDER BY Abonados.rowid LIMIT 1"_s,
+        {alias});
+    if (r.isEmpty()) return std::nullopt;
+    return ContactoLeido{textoDe(r.value(0, 0)), textoDe(r.value(0, 1)),
+                         int16_t(numeroDe(r.value(0, 2)))};
+}
+
+namespace {
+
+constexpr int kContactosPorBloque = 5000;
+
+// Runs `sentencias` in one transaction; how many contacts went (`borrados`
+// when given, else the changes of the last statement). When the block
+// fails it is undone and its contacts (`codigos` of the block) go one by
+// one, each failure with its own box, as they would without blocks.
+int borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
+                 const std::function<QStringList()>& codigos, int borrados = -1) {
+    const QString sp = u"bloquecontactos"_s;
+    try {
+        bd().savepoint(sp);
+        int n = 0;
+        for (const auto& [sql, params] : sentencias) n = bd().exec(sql, params);
+        bd().release(sp);
+        return borrados >= 0 ? borrados : n;
+    } catch (const ErrorBD&) {
+        deshacer(sp);
+    }
+    try {
+        return msBorrarContactos(codigos());
+    } catch (const ErrorBD& e) {
+        ui().msgBox(e.description());
+        return 0;
+    }
+}
+
+// Runs `bloque` (it returns how many went, and false in `quedan` when it
+// was the last) now and then once per turn of the event loop until done.
+void porBloques(std::function<int(bool& quedan)> bloque, int borrados,
+                std::function<void(int)> alTerminar) {
+    bool quedan = false;
+    borrados += bloque(quedan);
+    if (quedan) {
+        // The window gets its turn before the next block.
+        QTimer::singleShot(
+            0, QCoreApplication::instance(),
+            [bloque = std::move(bloque), borrados, alTerminar = std::move(alTerminar)]() mutable {
+                porBloques(std::move(bloque), borrados, std::move(alTerminar));
+            });
+        return;
+    }
+    Q_EMIT Avisos::instancia().contactosCambiados();
+    if (alTerminar) alTerminar(borrados);
+}
+
+// Memberships and multi-send rows of the contacts chosen by `donde`, then
+// the contacts themselves.
+QList<std::pair<QString, QVariantList>> borrarDonde(const QString& donde,
+                                                    const QVariantList& params) {
+    const QString codigos = u"(SELECT Codigo FROM Abonados WHERE "_s + donde + u')';
+    // The contacts first, then their memberships by the number's index:
+    // left to itself the engine walks every membership for each block.
+    return {{u"DELETE FROM AboGrup WHERE rowid IN (SELECT AboGrup.rowid FROM Abonados CROSS "
+             u"JOIN AboGrup ON AboGrup.Abonado = Abonados.Codigo WHERE "_s +
+                 donde + u')',
+             params},
+            {u"DELETE FROM AboAuto WHERE Abonado IN "_s + codigos, params},
+            {u"DELETE FROM Abonados WHERE "_s + donde, params}};
+}
+
+long long contar(const QString& sql) {
+    return numeroDe(bd().query(sql).value(0, 0));
+}
+
+// The numbers of the contacts chosen by `donde`.
+std::function<QStringList()> codigosDonde(const QString& donde, const QVariantList& params) {
+    return [donde, params] {
+        const QVector<QString> t =
+            bd().queryTexts(u"SELECT Codigo FROM Abonados WHERE "_s + donde, params);
+        return QStringList(t.begin(), t.end());
+    };
+}
+
+}  // namespace
+
+void msBorrarContactosPorBloques(const QStringList& codigos,
+                                 std::function<void(int borrados)> alTerminar) {
+    const QString donde = u"Abonados.Codigo IN (SELECT value FROM json_each(?))"_s;
+    qsizetype desde = 0;
+    porBloques(
+        [codigos, desde, donde](bool& quedan) mutable {
+            const QString lista = QString::fromUtf8(
+                QJsonDocument(QJsonArray::fromStringList(codigos.mid(desde, kContactosPorBloque)))
+                    .toJson(QJsonDocument::Compact));
+            desde += kContactosPorBloque;
+            quedan = desde < codigos.size();
+            return borrarBloque(borrarDonde(donde, {lista}), codigosDonde(donde, {lista}));
+        },
+        0, std::move(alTerminar));
+}
+
+namespace {
+// The contact shown of the row's number, found on the table's key.
+QString contactoVisible(const QString& tabla) {
+    return u"(SELECT 1 FROM Abonados a WHERE a.Codigo = "_s + tabla +
+           u".Abonado AND a.Canal IN (SELECT Canal FROM Canales))"_s;
+}
+}  // namespace
+
+void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
+    const QString visibles =
+        u"(SELECT Codigo FROM Abonados WHERE Canal IN (SELECT Canal FROM Canales))"_s;
+    int borrados = 0;
+    try {
+        borrados =
+            int(contar(u"SELECT count(*) FROM Abonados WHERE Canal IN (SELECT Canal FROM "
+                       u"Canales)"_s));
+    } catch (const ErrorBD& e) {
+        ui().msgBox(e.description());
+        if (alTerminar) alTerminar(0);
+        return;
+    }
+    // What stays (contacts of a missing account, memberships and
+    // multi-send rows of numbers that are no contact shown) is set aside,
+    // the three tables are emptied and it comes back, under its own row
+    // numbers: emptied without a condition, a table's pages are dropped
+    // whole, where deleting row by row rewrites every page of its indexes.
+    const QList<std::pair<QString, QVariantList>> sentencias{
+        {u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, Comentario, "
+         u"Canal FROM Abonados WHERE Canal IS NULL OR Canal NOT IN (SELECT Canal FROM Canales)"_s,
+         {}},
+        {u"CREATE TEMP TABLE quedanAboGrup AS SELECT rowid AS r, Abonado, Grupo FROM AboGrup "
+         u"WHERE NOT EXISTS "_s +
+             contactoVisible(u"AboGrup"_s),
+         {}},
+        {u"CREATE TEMP TABLE quedanAboAuto AS SELECT id_AboAuto, Automatico, Abonado, Mensaje "
+         u"FROM AboAuto WHERE NOT EXISTS "_s +
+             contactoVisible(u"AboAuto"_s),
+         {}},
+        {u"DELETE FROM AboGrup"_s, {}},
+        {u"DELETE FROM AboAuto"_s, {}},
+        {u"DELETE FROM Abonados"_s, {}},
+        {u"INSERT INTO Abonados (rowid, Codigo, Alias, Comentario, Canal) SELECT r, Codigo, "
+         u"Alias, Comentario, Canal FROM temp.quedanAbonados"_s,
+         {}},
+        {u"INSERT INTO AboGrup (rowid, Abonado, Grupo) SELECT r, Abonado, Grupo FROM "
+         u"temp.quedanAboGrup"_s,
+         {}},
+        {u"INSERT INTO AboAuto (id_AboAuto, Automatico, Abonado, Mensaje) SELECT * FROM "
+         u"temp.quedanAboAuto"_s,
+         {}},
+        {u"DROP TABLE temp.quedanAbonados"_s, {}},
+        {u"DROP TABLE temp.quedanAboGrup"_s, {}},
+        {u"DROP TABLE temp.quedanAboAuto"_s, {}}};
+    porBloques(
+        [sentencias, visibles, borrados](bool&) {
+            return borrarBloque(sentencias, codigosDonde(u"Codigo IN "_s + visibles, {}), borrados);
+        },
+        0, std::move(alTerminar));
 }
 
 ResultadoConsulta abrirCuentas() {
@@ -288,17 +469,16 @@ bool msBorrarLista(int16_t grupo, const QString& nombre) {
     return true;
 }
 
-ResultadoConsulta abrirMiembrosLista(int16_t grupo) {
-    return bd().query(
-        u"select upper(abonados.alias), abonados.codigo, abogrup.grupo from abonados inner join "
-        u"abogrup on abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by "
-        u"abonados.alias COLLATE "
-        u"REGLA_LISTAS"_s,
+QVector<QString> leerMiembrosLista(int16_t grupo) {
+    return bd().queryTexts(
+        u"select upper(abonados.alias), abonados.codigo from abonados inner join abogrup on "
+        u"abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by abonados.alias "
+        u"COLLATE REGLA_LISTAS"_s,
         {grupo});
 }
 
-ResultadoConsulta abrirNoMiembrosLista(int16_t grupo) {
-    return bd().query(
+QVector<QString> leerNoMiembrosLista(int16_t grupo) {
+    return bd().queryTexts(
         u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
         u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
         u"abonados.Alias COLLATE REGLA_LISTAS"_s,

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "db/BaseDatos.h"
+#include "db/ListaPaginada.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <functional>
+#include <optional>
 
 // The address book's logic: contacts, lists and predefined texts. The
 // screens of this folder read their fields into these routines; every
@@ -48,9 +51,31 @@ bool mbBorrarContacto(const QString& codigo);
 // went.
 int msBorrarContactos(const QStringList& codigos);
 
-// Contacts with their account: Codigo, Alias, nombre (of the account),
-// Comentario, Canal; ordered by alias.
-ResultadoConsulta abrirContactos();
+// The contacts as their list shows them, those whose account exists:
+// name, number, comment, account; by name as loaded.
+ListaPaginada::Definicion definicionContactos();
+// What the editor needs of a contact.
+struct ContactoLeido {
+    QString codigo;
+    QString comentario;
+    int16_t canal = 0;
+};
+// The first contact of the list (in its loaded order) whose name is
+// exactly `alias`; none when there is none. Throws ErrorBD.
+std::optional<ContactoLeido> primerContactoConAlias(const QString& alias);
+
+// Deletes contacts many at a time, a block of them in each turn of the event
+// loop, so that thousands go without holding the window: each block in
+// one transaction, with its memberships and multi-send rows. A block that
+// fails is undone and its contacts go one by one (mbBorrarContacto), each
+// failure with its box. `alTerminar` gets how many went; Avisos tells the
+// screens. The first block goes at once, so a few contacts are gone when
+// this returns.
+void msBorrarContactosPorBloques(const QStringList& codigos,
+                                 std::function<void(int borrados)> alTerminar);
+// The same for every contact the list shows (those whose account exists),
+// in one transaction that empties the tables and puts back what stays.
+void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar);
 ResultadoConsulta abrirCuentas();
 ResultadoConsulta abrirListas();
 
@@ -71,9 +96,10 @@ int msAltaLista(QString* nombre = nullptr);
 void msRenombrarLista(int16_t grupo, const QString& actual);
 // Asks and deletes the list with its memberships; true when it went.
 bool msBorrarLista(int16_t grupo, const QString& nombre);
-// Members (upper-case alias, number) of a list, and the contacts outside it.
-ResultadoConsulta abrirMiembrosLista(int16_t grupo);
-ResultadoConsulta abrirNoMiembrosLista(int16_t grupo);
+// Members of a list, and the contacts outside it, by name: upper-case
+// alias and number, cell after cell. Throw ErrorBD.
+QVector<QString> leerMiembrosLista(int16_t grupo);
+QVector<QString> leerNoMiembrosLista(int16_t grupo);
 // Replaces all memberships of the list by `numeros`, in one transaction.
 bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros);
 

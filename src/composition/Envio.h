@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QSet>
+#include "db/ListaPaginada.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -51,16 +52,10 @@ int largoMensaje(const QString& texto);
 bool soloBlancos(const QString& texto);
 inline constexpr int kLargoUnSms = 160;
 
-// The outbox as the list shows it: the rows whose account exists.
-int contarBandeja();
-// Cells row after row: Id, date "dd/MM hh:mm:ss", destination, account
-// (with its sender in brackets), text.
-QVector<QString> leerBandeja();
-inline constexpr int kColumnasBandeja = 5;
-// The same for the rows numbered above `id` only (the rows added since).
-QVector<QString> leerBandejaDesde(qint64 id);
-// The numbers of the rows the outbox list shows.
-QSet<qint64> idsBandeja();
+// The outbox as the list shows it, the rows whose account exists, in the
+// order they came: Id, date "dd/MM hh:mm:ss", destination, account (with
+// its sender in brackets), text.
+ListaPaginada::Definicion definicionBandeja();
 
 // An outbox row taken back to be composed again.
 struct MensajeRetirado {

@@ -18,6 +18,7 @@
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QAction>
@@ -133,6 +134,10 @@ void frmEnvio::construir() {
     ListView1 = new Listado(
         u"ListView1"_s,
         {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
+    m_bandeja = new ModeloPaginado(
+        definicionBandeja(),
+        {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
+    ListView1->usarModelo(m_bandeja);
     // The Id is what the lines are loaded in order of and what modify and
     // delete act on; the user has no use for it, and even at the smallest
     // width its header would show clipped.
@@ -355,14 +360,15 @@ void frmEnvio::msActualizaLista() {
 
 void frmEnvio::msPintarBandeja() {
     try {
-        // Counting first keeps the 10-second refresh cheap: the rows are
-        // read and drawn only when their number changed.
-        const int n = contarBandeja();
+        // Counting first keeps the 10-second refresh cheap: the list is
+        // read anew only when the number of rows changed, and then only
+        // the lines in view.
+        const int n = m_bandeja->contar();
         if (n == 0) {
-            ListView1->modelo()->limpiar();
+            if (m_bandeja->rowCount() > 0) m_bandeja->cargar();
         } else if (n != mlMensajes) {
             mlMensajes = n;
-            actualizarBandeja(n);
+            m_bandeja->cargar(n);
         }
         lblcont->setText(n < 1 ? QString()
                                : QString::number(n) + u" mensajes listos para enviar"_s);
@@ -371,34 +377,6 @@ void frmEnvio::msPintarBandeja() {
         // Every ten seconds: the list stays as last drawn until the
         // database answers again, rather than a box at each tick.
     }
-}
-
-void frmEnvio::actualizarBandeja(int filas) {
-    ModeloListado* m = ListView1->modelo();
-    if (m->rowCount() == 0) {
-        m->asignar(leerBandeja());
-        return;
-    }
-    // A batch that left, or rows that came: the lines that are gone leave
-    // the list and the new ones join it, without reading and drawing a
-    // hundred thousand lines again every few seconds of a drain.
-    const QSet<qint64> ids = idsBandeja();
-    QList<int> idas;
-    qint64 mayor = 0;
-    for (int f = 0; f < m->rowCount(); ++f) {
-        const qint64 id = m->texto(f, 0).toLongLong();
-        mayor = std::max(mayor, id);
-        if (!ids.contains(id)) idas.append(f);
-    }
-    const qsizetype quedan = m->rowCount() - idas.size();
-    QVector<QString> nuevas = ids.size() > quedan ? leerBandejaDesde(mayor) : QVector<QString>();
-    if (quedan + nuevas.size() / kColumnasBandeja != ids.size() || ids.size() != filas) {
-        // Rows came back under older numbers: read the list whole.
-        m->asignar(leerBandeja());
-        return;
-    }
-    m->quitarFilas(idas);
-    m->anadirCeldas(std::move(nuevas));
 }
 
 QString frmEnvio::preguntaFila(const QString& inicio, int fila) const {

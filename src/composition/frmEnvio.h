@@ -6,6 +6,7 @@
 
 class ImagenInterruptor;
 class Listado;
+class ModeloPaginado;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -50,8 +51,6 @@ class frmEnvio : public QWidget {
     void Timer1_Timer();
     void msAbrirBandeja();
     void msPintarBandeja();
-    // Brings the outbox list to the `filas` rows of the outbox.
-    void actualizarBandeja(int filas);
     void msCargarContactos();
     void contador();
     void mostrarTransmisor(bool activo);
@@ -82,6 +81,7 @@ class frmEnvio : public QWidget {
     QPushButton* cmdEliminarTodos = nullptr;
     QPushButton* CmdSalir = nullptr;
     Listado* ListView1 = nullptr;
+    ModeloPaginado* m_bandeja = nullptr;
     QTimer* Timer1 = nullptr;
 
     int32_t mlMensajes = 0;

@@ -6,6 +6,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -26,47 +27,8 @@ const QStringList& cabeceras() {
 }
 }  // namespace
 
-ModeloHistorico::ModeloHistorico(QObject* parent) : QAbstractTableModel(parent) {}
-
-int ModeloHistorico::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : m_historico.filas();
-}
-
-int ModeloHistorico::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : Historico::kColumnas;
-}
-
-QVariant ModeloHistorico::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || role != Qt::DisplayRole) return {};
-    return m_historico.texto(index.row(), index.column());
-}
-
-QVariant ModeloHistorico::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 &&
-        section < cabeceras().size())
-        return cabeceras().at(section);
-    return {};
-}
-
-void ModeloHistorico::cargar() {
-    beginResetModel();
-    try {
-        m_historico.cargar();
-    } catch (const ErrorBD&) {
-        m_historico.limpiar();
-    }
-    endResetModel();
-}
-
-void ModeloHistorico::ordenar(int columna, bool descendente) {
-    // The rows are read anew in the new order: nothing of the old one,
-    // selection included, carries over.
-    beginResetModel();
-    m_historico.ordenar(columna, descendente);
-    endResetModel();
-}
-
-frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHistorico(this)) {
+frmHEnvios::frmHEnvios(QWidget* parent)
+    : QWidget(parent), m_modelo(new ModeloPaginado(Historico::definicion(), cabeceras(), this)) {
     setObjectName(u"frmHEnvios"_s);
     setWindowTitle(u"Mensajes Enviados"_s);
     setWindowIcon(iconoQuelmo(u"enviados"_s));
@@ -144,6 +106,7 @@ frmHEnvios::frmHEnvios(QWidget* parent) : QWidget(parent), m_modelo(new ModeloHi
 }
 
 void frmHEnvios::msCargarHistorico() {
+    m_modelo->ordenar(Historico::Id, true);
     m_modelo->cargar();
     // The table comes newest first: that is the date's order, descending.
     m_columna = Historico::Id;

@@ -2,36 +2,14 @@
 
 #include "history/mdoHistorico.h"
 
-#include <QAbstractTableModel>
 #include <QWidget>
 
+class ModeloPaginado;
 class QDateEdit;
 class QGroupBox;
 class QPushButton;
 class QRadioButton;
 class QTreeView;
-
-// The list model over the history's rows, read a page at a time as the
-// list shows them.
-class ModeloHistorico : public QAbstractTableModel {
-    Q_OBJECT
-  public:
-    explicit ModeloHistorico(QObject* parent = nullptr);
-
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
-    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
-    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
-    // Reads the table anew, newest first; an unreadable table shows empty.
-    void cargar();
-    void ordenar(int columna, bool descendente);
-    QString texto(int fila, int columna) const { return m_historico.texto(fila, columna); }
-
-  private:
-    Historico m_historico;
-};
 
 // "Mensajes Enviados": what the batch sender delivered, newest first; a
 // past message can be queued again and old history deleted.
@@ -65,7 +43,7 @@ class frmHEnvios : public QWidget {
     void pintarCabecera();
     int filaElegida() const;
 
-    ModeloHistorico* m_modelo;
+    ModeloPaginado* m_modelo;
     int m_columna = Historico::Id;
     bool m_descendente = true;
 };

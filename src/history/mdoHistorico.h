@@ -1,77 +1,24 @@
 #pragma once
 
+#include "db/ListaPaginada.h"
+
 #include <QString>
 #include <QVariant>
-#include <array>
 #include <cstdint>
-#include <map>
-#include <vector>
 
 // The sent history (HEnvios) as the history screen lists it, and what the
 // user can do from there: queue a past message again, delete history.
 
 // The rows of HEnvios as the history screen lists them. A heavy user's
-// history holds a million rows, so nothing is read until it is shown: the
-// list knows its count and reads the rows a page at a time, in the order
-// the engine gives (the date's index for the date, a bounded sort for the
-// other columns). The rows stay those of the moment of `cargar`: what the
-// batch sender delivers later shows at the next fill.
-class Historico {
-  public:
-    enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
-
-    // Counts the table and starts over newest first (the "id" column,
-    // descending); throws ErrorBD.
-    void cargar();
-    void limpiar();
-
-    int filas() const { return m_filas; }
-    // The text of a cell as the list shows it; empty when the row can't
-    // be read.
-    QString texto(int fila, int columna) const;
-
-    // Reorders the rows by a column: "Enviado" and "id" by the date, the
-    // others by their text with the lists' rule (case and accents don't
-    // count, "ñ" after "n"). Rows that compare equal go by their age, in
-    // the same direction.
-    void ordenar(int columna, bool descendente);
-
-  private:
-    struct Fila {
-        int64_t rowid = 0;
-        int64_t fecha = 0;              // yyyyMMddhhmmss, 0 when none
-        std::array<QString, 4> textos;  // Numero .. Resultado
-    };
-    struct Pagina {
-        int numero = -1;
-        std::vector<Fila> filas;
-    };
-    // Where a page of a text order ended: the next one starts after it.
-    struct Ancla {
-        QString clave;
-        int64_t rowid = 0;
-    };
-
-    const Fila* fila(int n) const;
-    std::vector<Fila> leerPagina(int numero) const;
-    std::vector<Fila> leerFilas(const QString& sql, const QVariantList& params) const;
-    std::vector<Fila> leerPorRowid(const int64_t* ids, size_t n) const;
-    std::vector<int64_t> leerRowids(const QString& sql, const QVariantList& params) const;
-    void leerOrdenCompleto() const;
-    QString ordenSql() const;
-    void vaciarPaginas();
-
-    int m_filas = 0;
-    int64_t m_tope = 0;  // the highest rowid at `cargar`: later rows don't show
-    int m_columna = Id;
-    bool m_descendente = true;
-    // The few pages last shown, the latest first.
-    mutable std::vector<Pagina> m_paginas;
-    mutable std::map<int, Ancla> m_anclas;
-    // Every rowid in a text order, read only when the user jumps far into
-    // it; a date order never needs it.
-    mutable std::vector<int64_t> m_orden;
-};
+// history holds a million rows: the list reads them a page at a time, in
+// the order of the date's index, or of a bounded sort for the other
+// columns. "Enviado" and "id" both sort by the date; the others by their
+// text with the lists' rule. Rows that compare equal go by their age, in
+// the same direction.
+namespace Historico {
+enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
+ListaPaginada::Definicion definicion();
+}  // namespace Historico
 
 // The sort key of the date column: "yyyymmddhhnnss".
 QString idDeFecha(int64_t fecha);

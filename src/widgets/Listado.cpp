@@ -80,6 +80,16 @@ void Listado::showEvent(QShowEvent* event) {
             setColumnWidth(c, header()->sectionSizeHint(c));
 }
 
+void Listado::usarModelo(ModeloListado* modelo) {
+    ModeloListado* viejo = m_modelo;
+    modelo->setParent(this);
+    m_modelo = modelo;
+    QItemSelectionModel* seleccion = selectionModel();
+    setModel(modelo);
+    delete seleccion;
+    if (viejo != modelo) delete viejo;
+}
+
 void Listado::setSeleccionMultiple(bool multiple) {
     setSelectionMode(multiple ? QAbstractItemView::ExtendedSelection
                               : QAbstractItemView::SingleSelection);

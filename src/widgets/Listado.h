@@ -23,6 +23,9 @@ class Listado : public QTreeView {
     Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent = nullptr);
 
     ModeloListado* modelo() const { return m_modelo; }
+    // Shows `modelo` (a ModeloPaginado for the long lists) in place of the
+    // lines kept in memory; the list takes it over.
+    void usarModelo(ModeloListado* modelo);
     void setSeleccionMultiple(bool multiple);
 
     // The selected line of a single-selection list (the current line when

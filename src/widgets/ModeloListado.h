@@ -43,7 +43,7 @@ class ModeloListado : public QAbstractTableModel {
     // sorted).
     void anadirCeldas(QVector<QString> celdas);
 
-    QString texto(int fila, int columna) const;
+    virtual QString texto(int fila, int columna) const;
     QStringList fila(int fila) const;
     // The column of the last sort, -1 while unsorted.
     int columnaOrden() const { return m_columnaOrden; }

@@ -5,8 +5,10 @@
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmNewUser.h"
 #include "addressbook/mdoAgenda.h"
+#include "base/Avisos.h"
 #include "base/Pantallas.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloListado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <sqlite3.h>
@@ -18,6 +20,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
+#include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 using namespace prueba;
@@ -348,6 +351,104 @@ class TestContactos : public QObject {
         QCOMPARE(ui.boxes.last().text, u"Se han borrado 0 Contactos con éxito.\n"_s);
         QCOMPARE(textosDe(l, 0), (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s, u"Carla"_s,
                                               u"Nuria"_s, u"Ñoño"_s, u"Oscar"_s}));
+    }
+
+    // Each sequence of header clicks orders the lines as the list kept in
+    // memory did: by the shown text under the lists' rule, equal texts in
+    // the order they stood in.
+    void sortsAsTheListInMemory_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::newRow("Nombre") << QList<int>{0};
+        QTest::newRow("Número") << QList<int>{1};
+        QTest::newRow("Comentario, then Cuenta") << QList<int>{2, 3};
+        QTest::newRow("Cuenta, then Nombre twice") << QList<int>{3, 0, 0};
+        QTest::newRow("Nombre, then Comentario") << QList<int>{0, 2};
+    }
+    void sortsAsTheListInMemory() {
+        QFETCH(QList<int>, clics);
+        const QStringList nombres{u"beatriz"_s, u"Álvaro"_s, u"Nuria"_s, u"Ñoño"_s,
+                                  u"Oscar"_s,   u"andrés"_s, u"Émile"_s, u"zoe"_s};
+        const QStringList comentarios{u"b"_s, QString(), u"B"_s,    u"a"_s,
+                                      u"á"_s, u"b"_s,    QString(), u"c"_s};
+        for (int i = 0; i < nombres.size(); ++i)
+            contacto(u"00346000000%1"_s.arg(9 - i, 2, 10, QChar(u'0')), nombres[i], i % 2,
+                     comentarios[i]);
+        InterfazGuionada ui;
+        frmAbonados pantalla;
+        Listado* l = pantalla.ListView1;
+        ModeloListado antes({u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s});
+        QVector<QString> celdas;
+        for (int f = 0; f < l->modelo()->rowCount(); ++f) celdas += l->modelo()->fila(f);
+        antes.asignar(celdas);
+        QCOMPARE(textosDe(&antes, 0),
+                 (QStringList{u"Álvaro"_s, u"andrés"_s, u"beatriz"_s, u"Émile"_s, u"Nuria"_s,
+                              u"Ñoño"_s, u"Oscar"_s, u"zoe"_s}));
+        bool descendente = false;
+        for (int c : clics) {
+            l->ordenarPorColumna(c);
+            descendente = !descendente;
+            antes.sort(c, descendente ? Qt::DescendingOrder : Qt::AscendingOrder);
+            for (int col = 0; col < 4; ++col) QCOMPARE(textosDe(l, col), textosDe(&antes, col));
+        }
+    }
+
+    // Deleting every contact leaves no row of theirs, leaves what isn't
+    // theirs, tells the screens and says how many went, also when it goes
+    // in several blocks or a block has to go contact by contact.
+    void deleteAllLeavesNothingAndTellsTheScreens_data() {
+        QTest::addColumn<int>("contactos");
+        QTest::addColumn<bool>("oculto");     // a contact of a missing account
+        QTest::addColumn<bool>("bloqueado");  // a contact the engine refuses to delete
+        QTest::addColumn<bool>("ajenas");     // rows of a number that is no contact
+        QTest::newRow("every contact shown") << 3 << false << false << false;
+        QTest::newRow("a hidden contact stays") << 3 << true << false << false;
+        QTest::newRow("rows of no contact stay") << 3 << false << false << true;
+        QTest::newRow("12,000 contacts") << 12000 << true << false << true;
+        QTest::newRow("a refused contact stays") << 3 << false << true << true;
+    }
+    void deleteAllLeavesNothingAndTellsTheScreens() {
+        QFETCH(int, contactos);
+        QFETCH(bool, oculto);
+        QFETCH(bool, bloqueado);
+        QFETCH(bool, ajenas);
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Abonados (Codigo,Alias,Canal) SELECT '0034' || (600000000 + i), "
+            u"'Contacto ' || i, i % 2 FROM n"_s,
+            {contactos});
+        bd().exec(u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 1 FROM Abonados"_s);
+        bd().exec(u"INSERT INTO AboAuto (Abonado,Automatico) VALUES ('0034600000001',1)"_s);
+        if (ajenas) {
+            miembro(u"0034699999999"_s, 0);
+            bd().exec(u"INSERT INTO AboAuto (Abonado,Automatico) VALUES ('0034699999999',1)"_s);
+        }
+        if (oculto) contacto(u"0034611111111"_s, u"Sin cuenta"_s, 7);
+        if (bloqueado)
+            bd().exec(
+                u"CREATE TRIGGER no_borrar BEFORE DELETE ON Abonados WHEN old.Codigo = "
+                u"'0034600000002' BEGIN SELECT RAISE(ABORT, 'bloqueado'); END"_s);
+        InterfazGuionada ui;
+        frmAbonados pantalla;
+        QSignalSpy avisos(&Avisos::instancia(), &Avisos::contactosCambiados);
+        ui.answers = {Msg::Yes};
+        pantalla.cmdDeletetodos->click();
+        QTRY_VERIFY(ui.boxes.size() >= 2);
+        const int quedan = bloqueado ? 1 : 0;
+        QCOMPARE(ui.boxes.last().text,
+                 u"Se han borrado %1 Contactos con éxito.\n"_s.arg(contactos - quedan));
+        // The refused contact had its own box.
+        QCOMPARE(ui.boxes.size(), bloqueado ? 3 : 2);
+        QStringList siguen;
+        if (oculto) siguen << u"0034611111111"_s;
+        if (bloqueado) siguen << u"0034600000002"_s;
+        QCOMPARE(columna(u"select Codigo from Abonados order by Codigo"_s), siguen);
+        const QStringList ajena = ajenas ? QStringList{u"0034699999999"_s} : QStringList();
+        QCOMPARE(columna(u"select Abonado from AboGrup order by Abonado"_s),
+                 bloqueado ? QStringList{u"0034600000002"_s} + ajena : ajena);
+        QCOMPARE(columna(u"select Abonado from AboAuto"_s), ajena);
+        QVERIFY(avisos.size() >= 1);
+        QCOMPARE(pantalla.lblcont->text(), u"%1 Contactos"_s.arg(quedan));
+        QCOMPARE(pantalla.cmdDeletetodos->isEnabled(), true);
     }
 };
 

@@ -10,6 +10,7 @@
 #include "composition/PantallasEnvio.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
+#include "widgets/Listado.h"
 #include "widgets/ModeloListado.h"
 #include "widgets/PantallasHijas.h"
 
@@ -230,15 +231,15 @@ class TestEnvio : public QObject {
         sql(u"UPDATE envios SET Mensaje='cambiado'"_s);
         refrescar(f);
         QCOMPARE(lista(f, 0, 4), u"uno"_s);
-        // A row gone and two come (a batch left, a script queued): the lines
-        // that went leave, the new ones join, the others stay as drawn.
+        // A row gone and two come (a batch left, a script queued): the list
+        // is read anew, the row changed meanwhile as it is now.
         sql(u"DELETE FROM envios WHERE Registro='2026-03-04 05:06:07'"_s);
         sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
             u"('2026-03-04 05:06:09',2,'0044','dos',2),"
             u"('2026-03-04 05:06:10',1,'0045','tres',2)"_s);
         refrescar(f);
         auto* m = static_cast<ModeloListado*>(hijo<QTreeView>(f, u"ListView1"_s)->model());
-        QCOMPARE(prueba::textosDe(m, 4), (QStringList{u"solo fecha"_s, u"dos"_s, u"tres"_s}));
+        QCOMPARE(prueba::textosDe(m, 4), (QStringList{u"cambiado"_s, u"dos"_s, u"tres"_s}));
         QCOMPARE(lista(f, 1, 3), u"Otra"_s);
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"3 mensajes listos para enviar"_s);
         // Rows back under older numbers than the list holds: read whole.
@@ -439,6 +440,89 @@ class TestEnvio : public QObject {
         QCOMPARE(lmt->text(), u"Envío de SMS Desactivado"_s);
         QCOMPARE(lmt->palette().color(QPalette::WindowText), QColor(255, 0, 0));
         QVERIFY(!hijo<QPushButton>(f, u"cmdEnviar"_s)->isEnabled());
+    }
+
+    // Each sequence of header clicks orders the outbox as the list kept in
+    // memory did: by the shown text (dates and numbers too) under the lists'
+    // rule, equal texts in the order they stood in.
+    void outboxSortsAsTheListInMemory_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::newRow("Id, as text") << QList<int>{0};
+        QTest::newRow("Fecha") << QList<int>{1};
+        QTest::newRow("Destinatario, then Cuenta") << QList<int>{2, 3};
+        QTest::newRow("Mensaje, then Fecha") << QList<int>{4, 1};
+        QTest::newRow("Cuenta, then Mensaje twice") << QList<int>{3, 4, 4};
+    }
+    void outboxSortsAsTheListInMemory() {
+        QFETCH(QList<int>, clics);
+        const QStringList textos{u"Ñandú"_s, u"nube"_s, u"árbol"_s, u"Zapato"_s,
+                                 u"nube"_s,  u"Oca"_s,  u"ábaco"_s, u"nube"_s};
+        for (int i = 0; i < 12; ++i)
+            sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+                u"(?,?,?,?,2)"_s,
+                {u"2026-03-%1 05:06:0%2"_s.arg(10 + i % 3).arg(i % 2), 1 + i % 2,
+                 u"00346000000%1"_s.arg(i % 5), textos.at(i % textos.size())});
+        frmEnvio f;
+        auto* l = hijo<Listado>(f, u"ListView1"_s);
+        ModeloListado antes(
+            {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s});
+        QVector<QString> celdas;
+        for (int r = 0; r < l->modelo()->rowCount(); ++r) celdas += l->modelo()->fila(r);
+        antes.asignar(celdas);
+        QCOMPARE(prueba::textosDe(&antes, 0).size(), 12);
+        bool descendente = false;
+        for (int c : clics) {
+            l->ordenarPorColumna(c);
+            descendente = !descendente;
+            antes.sort(c, descendente ? Qt::DescendingOrder : Qt::AscendingOrder);
+            for (int col = 0; col < 5; ++col)
+                QCOMPARE(prueba::textosDe(l, col), prueba::textosDe(&antes, col));
+        }
+    }
+
+    // Rows the transmitter adds or takes show at the next refresh, and the
+    // line the user chose stays chosen wherever its row went.
+    void refreshKeepsTheChosenLine_data() {
+        QTest::addColumn<int>("filas");
+        QTest::addColumn<int>("columna");  // sorted by a header click first; -1 not
+        QTest::addColumn<int>("elegida");
+        QTest::addColumn<QString>("cambio");
+        QTest::addColumn<int>("linea");  // where it is after the refresh; -1 gone
+        const QString una =
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+            u"VALUES ('2026-03-04 05:06:07',1,'0034600000009','m9',2)"_s;
+        QTest::newRow("a row came") << 5 << -1 << 2 << una << 2;
+        QTest::newRow("a row before it went")
+            << 5 << -1 << 2 << u"DELETE FROM envios WHERE Id = 1"_s << 1;
+        QTest::newRow("its row went") << 5 << -1 << 2 << u"DELETE FROM envios WHERE Id = 3"_s << -1;
+        QTest::newRow("sorted, a row came before it") << 5 << 4 << 2 << una << 3;
+        QTest::newRow("far down, a batch before it went")
+            << 2500 << -1 << 2400 << u"DELETE FROM envios WHERE Id <= 1500"_s << 900;
+    }
+    void refreshKeepsTheChosenLine() {
+        QFETCH(int, filas);
+        QFETCH(int, columna);
+        QFETCH(int, elegida);
+        QFETCH(QString, cambio);
+        QFETCH(int, linea);
+        sql(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+            u"SELECT '2026-03-04 05:06:07', 1, '0034600000001', 'm' || i, 2 FROM n"_s,
+            {filas});
+        InterfazGuionada ui;
+        frmEnvio f;
+        auto* l = hijo<Listado>(f, u"ListView1"_s);
+        if (columna >= 0) l->ordenarPorColumna(columna);
+        l->seleccionarFila(elegida);
+        const QString id = l->modelo()->texto(elegida, 0);
+        sql(cambio);
+        refrescar(f);
+        const int quedan = int(prueba::cuantos(u"select count(*) from envios"_s));
+        QCOMPARE(l->modelo()->rowCount(), quedan);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(),
+                 u"%1 mensajes listos para enviar"_s.arg(quedan));
+        QCOMPARE(l->filaActual(), linea);
+        if (linea >= 0) QCOMPARE(l->modelo()->texto(linea, 0), id);
     }
 };
 

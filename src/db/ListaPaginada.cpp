@@ -1,0 +1,317 @@
+#include "db/ListaPaginada.h"
+
+#include "db/Conexion.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_map>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Rows read at once, and pages kept for scrolling back and forth.
+constexpr int kFilasPagina = 1000;
+constexpr size_t kPaginasGuardadas = 4;
+// A page a few pages past the last one read is reached by skipping rows
+// of one bounded sort; farther, the whole order is read once.
+constexpr int kSaltoCorto = 4;
+// A row that moved far is looked for in lists up to this size.
+constexpr int kFilasBuscadas = 20000;
+
+QString sinNulo(const QString& sql) {
+    return u"coalesce("_s + sql + u", '')"_s;
+}
+
+}  // namespace
+
+ListaPaginada::ListaPaginada(Definicion definicion) : m_def(std::move(definicion)) {}
+
+void ListaPaginada::vaciarPaginas() {
+    m_paginas.clear();
+    m_anclas.clear();
+    m_orden.clear();
+    m_orden.shrink_to_fit();
+}
+
+void ListaPaginada::limpiar() {
+    vaciarPaginas();
+    m_filas = 0;
+    m_tope = 0;
+}
+
+int ListaPaginada::contar() const {
+    const QString sql = m_def.cuenta.isEmpty() ? u"SELECT count(*) "_s + m_def.desde : m_def.cuenta;
+    return int(Conexion().query(sql).value(0, 0).toLongLong());
+}
+
+void ListaPaginada::cargar(int filas) {
+    limpiar();
+    // The count from the smallest index, the highest number from the
+    // table's own key: neither walks the rows.
+    m_filas = filas >= 0 ? filas : contar();
+    const QString mayor = m_def.mayor.isEmpty()
+                              ? u"SELECT max("_s + m_def.clave + u") "_s + m_def.desde
+                              : m_def.mayor;
+    m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
+}
+
+void ListaPaginada::ordenar(int columna, bool descendente) {
+    vaciarPaginas();
+    columna = columna >= 0 && columna < columnas() ? columna : -1;
+    if (columna != m_columna) {
+        m_anterior = m_columna;
+        m_anteriorDescendente = m_descendente;
+    }
+    m_columna = columna;
+    m_descendente = descendente;
+}
+
+bool ListaPaginada::porIndice() const {
+    return m_columna < 0 || !m_def.columnas.at(m_columna).orden.isEmpty();
+}
+
+QString ListaPaginada::valorDe(int columna) const {
+    const Columna& c = m_def.columnas.at(columna);
+    return c.orden.isEmpty() ? sinNulo(c.texto) + u" COLLATE REGLA_LISTAS"_s : c.orden;
+}
+
+QVector<ListaPaginada::Termino> ListaPaginada::terminos() const {
+    if (m_columna < 0) return {{m_def.clave, m_descendente}};
+    const bool empates = m_def.estable ? false : m_descendente;
+    QVector<Termino> t{{valorDe(m_columna), m_descendente}};
+    if (m_def.estable && m_anterior >= 0) t.append({valorDe(m_anterior), m_anteriorDescendente});
+    if (!m_def.desempate.isEmpty()) t.append({m_def.desempate, empates});
+    t.append({m_def.clave, empates});
+    return t;
+}
+
+QString ListaPaginada::ordenSql() const {
+    QString orden;
+    for (const Termino& t : terminos())
+        orden += (orden.isEmpty() ? u" ORDER BY "_s : u", "_s) + t.sql +
+                 (t.descendente ? u" DESC"_s : u""_s);
+    return orden;
+}
+
+QString ListaPaginada::despuesDe(QVariantList& params, const QVector<QString>& orden,
+                                 int64_t clave) const {
+    // (a after x) OR (a = x AND (b after y OR (b = y AND ...))), down to
+    // the row's number, which no two rows share.
+    const QVector<Termino> t = terminos();
+    QString sql;
+    QVariantList valores;
+    for (qsizetype i = t.size() - 1; i >= 0; --i) {
+        const QString mayor = t.at(i).descendente ? u" < ?"_s : u" > ?"_s;
+        const QVariant v =
+            i == t.size() - 1 ? QVariant(qlonglong(clave)) : QVariant(orden.value(i));
+        if (sql.isEmpty()) {
+            sql = t.at(i).sql + mayor;
+            valores = {v};
+        } else {
+            sql = u"("_s + t.at(i).sql + mayor + u" OR ("_s + t.at(i).sql + u" = ? AND "_s + sql +
+                  u"))"_s;
+            valores = QVariantList{v, v} + valores;
+        }
+    }
+    params += valores;
+    return sql;
+}
+
+QString ListaPaginada::seleccion() const {
+    QString s = u"SELECT "_s + m_def.clave;
+    const QVector<Termino> t = terminos();
+    for (qsizetype i = 0; i + 1 < t.size(); ++i) s += u", "_s + t.at(i).sql;
+    for (const Columna& c : m_def.columnas) s += u", "_s + sinNulo(c.texto);
+    return s + u' ' + m_def.desde;
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
+                                                          const QString& resto,
+                                                          const QVariantList& params) const {
+    const int ancho = columnas();
+    const qsizetype terminosFila = terminos().size() - 1;
+    const QVector<QString> celdas =
+        Conexion().queryTexts(seleccion() + u" WHERE "_s + donde + resto, params);
+    const qsizetype porFila = ancho + 1 + terminosFila;
+    std::vector<Fila> filas(size_t(celdas.size() / porFila));
+    for (size_t i = 0; i < filas.size(); ++i) {
+        const qsizetype base = qsizetype(i) * porFila;
+        Fila& f = filas[i];
+        f.clave = celdas.at(base).toLongLong();
+        f.orden = celdas.mid(base + 1, terminosFila);
+        f.celdas = celdas.mid(base + 1 + terminosFila, ancho);
+    }
+    return filas;
+}
+
+void ListaPaginada::leerOrdenCompleto() const {
+    sqlite3* h = Conexion().handle();
+    const QByteArray sql = (u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s +
+                            m_def.clave + u" <= ?"_s + ordenSql())
+                               .toUtf8();
+    sqlite3_stmt* s = nullptr;
+    if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
+        sqlite3_finalize(s);
+        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
+                      ErrNum::BaseDatos);
+    }
+    sqlite3_bind_int64(s, 1, m_tope);
+    std::vector<int64_t> orden;
+    orden.reserve(size_t(m_filas));
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) orden.push_back(sqlite3_column_int64(s, 0));
+    const QString error = QString::fromUtf8(sqlite3_errmsg(h));
+    sqlite3_finalize(s);
+    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
+    m_orden = std::move(orden);
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerPorClave(const int64_t* claves,
+                                                             size_t n) const {
+    // One statement for the page: the numbers go in as one JSON array.
+    QString lista = u"["_s;
+    for (size_t k = 0; k < n; ++k) {
+        if (k) lista += u',';
+        lista += QString::number(claves[k]);
+    }
+    lista += u']';
+    std::vector<Fila> leidas =
+        leerFilas(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s, QString(), {lista});
+    std::unordered_map<int64_t, size_t> donde;
+    donde.reserve(leidas.size());
+    for (size_t i = 0; i < leidas.size(); ++i) donde.emplace(leidas[i].clave, i);
+    std::vector<Fila> filas(n);
+    for (size_t k = 0; k < n; ++k) {
+        const auto it = donde.find(claves[k]);
+        // A row deleted meanwhile shows empty rather than shift the rest.
+        if (it == donde.end())
+            filas[k].clave = claves[k];
+        else
+            filas[k] = std::move(leidas[it->second]);
+    }
+    return filas;
+}
+
+std::vector<int64_t> ListaPaginada::leerClaves(const QString& donde, const QString& resto,
+                                               const QVariantList& params) const {
+    const QVector<QString> t = Conexion().queryTexts(
+        u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s + donde + resto, params);
+    std::vector<int64_t> claves(size_t(t.size()));
+    for (qsizetype i = 0; i < t.size(); ++i) claves[size_t(i)] = t.at(i).toLongLong();
+    return claves;
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
+    const QString hastaTope = m_def.clave + u" <= ?"_s;
+    if (porIndice()) {
+        // The index gives the order; skipping rows on it is cheap. The
+        // unary plus keeps the engine from walking the table by its key
+        // instead.
+        return leerFilas(u"+"_s + hastaTope, ordenSql() + u" LIMIT ? OFFSET ?"_s,
+                         {qlonglong(m_tope), kFilasPagina, qlonglong(numero) * kFilasPagina});
+    }
+    // A text order walks the whole table and keeps the numbers of one
+    // page; the rows themselves are read after, by number.
+    std::vector<int64_t> claves;
+    auto ancla = m_anclas.lower_bound(numero);
+    if (m_orden.empty() && numero == 0) {
+        claves =
+            leerClaves(hastaTope, ordenSql() + u" LIMIT ?"_s, {qlonglong(m_tope), kFilasPagina});
+    } else if (m_orden.empty() && ancla != m_anclas.begin() &&
+               numero - std::prev(ancla)->first <= kSaltoCorto) {
+        // Go on after the nearest page read before this one.
+        --ancla;
+        QVariantList params{qlonglong(m_tope)};
+        const QString despues = despuesDe(params, ancla->second.orden, ancla->second.clave);
+        params << kFilasPagina << qlonglong(numero - ancla->first - 1) * kFilasPagina;
+        claves = leerClaves(hastaTope + u" AND "_s + despues, ordenSql() + u" LIMIT ? OFFSET ?"_s,
+                            params);
+    } else {
+        if (m_orden.empty()) leerOrdenCompleto();
+        const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
+        const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
+        return leerPorClave(m_orden.data() + desde, hasta - desde);
+    }
+    return leerPorClave(claves.data(), claves.size());
+}
+
+const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
+    if (n < 0 || n >= m_filas) return nullptr;
+    const int numero = n / kFilasPagina;
+    auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
+                           [numero](const Pagina& p) { return p.numero == numero; });
+    if (it == m_paginas.end()) {
+        Pagina p{numero, {}};
+        try {
+            p.filas = leerPagina(numero);
+        } catch (const ErrorBD&) {
+            // The rows show empty, and the page is kept so that painting
+            // doesn't ask the engine again. No log line: it would give the
+            // event loop a turn in the middle of painting.
+        }
+        if (!porIndice() && !p.filas.empty()) {
+            const Fila& ultima = p.filas.back();
+            m_anclas[numero] = {ultima.orden, ultima.clave};
+        }
+        if (m_paginas.size() >= kPaginasGuardadas) m_paginas.pop_back();
+        m_paginas.insert(m_paginas.begin(), std::move(p));
+        it = m_paginas.begin();
+    }
+    const size_t k = size_t(n - numero * kFilasPagina);
+    return k < it->filas.size() ? &it->filas[k] : nullptr;
+}
+
+QString ListaPaginada::texto(int n, int columna) const {
+    const Fila* f = fila(n);
+    if (!f || columna < 0 || columna >= f->celdas.size()) return QString();
+    const QString& celda = f->celdas.at(columna);
+    return m_def.mostrar ? m_def.mostrar(columna, celda) : celda;
+}
+
+int64_t ListaPaginada::clave(int n) const {
+    const Fila* f = fila(n);
+    return f ? f->clave : 0;
+}
+
+int ListaPaginada::filaDe(int64_t clave, int cerca) const {
+    if (clave <= 0 || clave > m_tope) return -1;
+    // The page where it stood, and the one before (rows that went before
+    // it move it up), are read anyway to paint it.
+    for (const int n : {cerca, cerca - kFilasPagina}) {
+        if (n < 0 || n >= m_filas || !m_orden.empty()) continue;
+        const int numero = n / kFilasPagina;
+        fila(n);
+        for (const Pagina& p : m_paginas)
+            if (p.numero == numero)
+                for (size_t k = 0; k < p.filas.size(); ++k)
+                    if (p.filas[k].clave == clave) return numero * kFilasPagina + int(k);
+    }
+    if (!m_orden.empty()) {
+        const auto it = std::find(m_orden.begin(), m_orden.end(), clave);
+        return it == m_orden.end() ? -1 : int(it - m_orden.begin());
+    }
+    // Those of the pages in memory are found there.
+    for (const Pagina& p : m_paginas)
+        for (size_t k = 0; k < p.filas.size(); ++k)
+            if (p.filas[k].clave == clave) return p.numero * kFilasPagina + int(k);
+    // Farther away, finding it walks the table: beyond a size the row is
+    // let go rather than hold the window.
+    if (m_filas > kFilasBuscadas) return -1;
+    const QVector<Termino> t = terminos();
+    QString valores = u"SELECT "_s + m_def.clave;
+    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+    const QVector<QString> orden = Conexion().queryTexts(
+        valores + u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s, {qlonglong(clave)});
+    if (orden.isEmpty()) return -1;
+    // The rows before it are those neither it nor after it.
+    QVariantList params{qlonglong(m_tope), qlonglong(clave)};
+    const QString despues = despuesDe(params, orden.mid(1), clave);
+    const ResultadoConsulta r =
+        Conexion().query(u"SELECT count(*) "_s + m_def.desde + u" WHERE "_s + m_def.clave +
+                             u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues,
+                         params);
+    return int(r.value(0, 0).toLongLong());
+}

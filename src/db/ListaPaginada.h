@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <vector>
+
+// The rows of a query as a list screen shows them, read only when shown.
+// A list of a million rows knows its count at once and reads the rows a
+// page at a time in the order the engine gives: an index's order where one
+// serves, a bounded sort for the other columns. Nothing but the pages in
+// view and a few around them stays in memory.
+//
+// The rows are those of the moment of `cargar`: what is written later
+// shows at the next `cargar`, which keeps the order chosen.
+class ListaPaginada {
+  public:
+    struct Columna {
+        // The cell as the list shows it, as SQL text (null shows empty).
+        QString texto;
+        // What an index orders this column by, when the shown text isn't
+        // sorted by the lists' rule (a date shown day first sorts by the
+        // stored date); empty sorts by `texto` under the rule.
+        QString orden;
+    };
+    struct Definicion {
+        // "FROM ..." with its joins, no WHERE and no ORDER BY.
+        QString desde;
+        // The row's number (a rowid), unique and growing with each insert.
+        QString clave;
+        // Statements that count the rows and give the highest number more
+        // cheaply than `desde` does (on the table alone, its index); empty
+        // runs them over `desde`.
+        QString cuenta;
+        QString mayor;
+        QVector<Columna> columnas;
+        // Rows equal in the column sorted by go by this order (SQL that
+        // sorts as the list is loaded), then by their number; empty: by
+        // their number alone.
+        QString desempate;
+        // Rows equal in the column sorted by keep the order they stood in
+        // (the sort before, then the order of loading) whichever the
+        // direction, as a sorted report list keeps them; otherwise they
+        // go by `desempate` and their number in the same direction.
+        bool estable = true;
+        // Turns a cell read into what the list shows (a date into the
+        // list's form), when SQL can't.
+        std::function<QString(int columna, const QString& celda)> mostrar;
+    };
+
+    explicit ListaPaginada(Definicion definicion);
+
+    // Counts the rows (unless `filas`, just counted, is given) and starts
+    // over in the order chosen; throws ErrorBD.
+    void cargar(int filas = -1);
+    // The rows there are now, without reading them; throws ErrorBD.
+    int contar() const;
+    void limpiar();
+
+    int filas() const { return m_filas; }
+    int columnas() const { return int(m_def.columnas.size()); }
+    // The text of a cell as the list shows it; empty when the row can't be
+    // read.
+    QString texto(int fila, int columna) const;
+    // The row's number, 0 when it can't be read.
+    int64_t clave(int fila) const;
+    // Where the row numbered `clave` stands now; -1 when it isn't there,
+    // or when it moved far in a list too long to walk for it. `cerca`,
+    // where it stood, is looked at first: rows that came or went move a
+    // line by a few places at most.
+    int filaDe(int64_t clave, int cerca = -1) const;
+
+    // Orders by a column (-1: by the rows' numbers, the order they were
+    // written in).
+    void ordenar(int columna, bool descendente);
+    int columnaOrden() const { return m_columna; }
+    bool descendente() const { return m_descendente; }
+
+  private:
+    struct Fila {
+        int64_t clave = 0;
+        QVector<QString> celdas;
+        // The row's values of the order's terms but the last (its number).
+        QVector<QString> orden;
+    };
+    // One term of the order: SQL and direction.
+    struct Termino {
+        QString sql;
+        bool descendente = false;
+    };
+    struct Pagina {
+        int numero = -1;
+        std::vector<Fila> filas;
+    };
+    // Where a page of a text order ended: the next one starts after it.
+    struct Ancla {
+        QVector<QString> orden;
+        int64_t clave = 0;
+    };
+
+    const Fila* fila(int n) const;
+    std::vector<Fila> leerPagina(int numero) const;
+    std::vector<Fila> leerFilas(const QString& donde, const QString& resto,
+                                const QVariantList& params) const;
+    std::vector<Fila> leerPorClave(const int64_t* claves, size_t n) const;
+    std::vector<int64_t> leerClaves(const QString& donde, const QString& resto,
+                                    const QVariantList& params) const;
+    void leerOrdenCompleto() const;
+    QString seleccion() const;
+    QString valorDe(int columna) const;
+    // The order, its row number last.
+    QVector<Termino> terminos() const;
+    QString ordenSql() const;
+    // The rows that come after the row with these values in the order.
+    QString despuesDe(QVariantList& params, const QVector<QString>& orden, int64_t clave) const;
+    bool porIndice() const;
+    void vaciarPaginas();
+
+    Definicion m_def;
+    int m_filas = 0;
+    int64_t m_tope = 0;  // the highest number at `cargar`: later rows don't show
+    int m_columna = -1;
+    bool m_descendente = false;
+    // The sort before the last: what rows equal in this one keep.
+    int m_anterior = -1;
+    bool m_anteriorDescendente = false;
+    mutable std::vector<Pagina> m_paginas;
+    mutable std::map<int, Ancla> m_anclas;
+    // Every number in a text order, read only when the user jumps far
+    // into it; an index's order never needs it.
+    mutable std::vector<int64_t> m_orden;
+};
