@@ -72,7 +72,8 @@ int frmEmergencias::codigoDeFila(int fila) const {
 void frmEmergencias::cmdEnviar_Click() {
     const int codigo = codigoDeFila(ListView1->filaActual());
     if (codigo < 0) return;
-    msEnviarEmergencia(codigo);
+    // The user sees at once what went into the outbox.
+    if (msEnviarEmergencia(codigo) >= 0) Pantallas::abrir(u"frmEnvio"_s);
 }
 
 void frmEmergencias::editar(int fila) {

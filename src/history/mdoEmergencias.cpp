@@ -4,7 +4,6 @@
 #include "base/Conversiones.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Movil.h"
-#include "base/Pantallas.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
 #include "db/Bandeja.h"
@@ -80,7 +79,6 @@ int32_t codigoDeNombre(const QString& nombre) {
 
 int msEnviarEmergencia(int32_t codigo) {
     BaseDatos& bd = Conexion();
-    // The compose screen opens on the rows, then hears of them.
     EntradaBandeja entrada(bd);
     try {
         const ResultadoConsulta destinos =
@@ -116,6 +114,5 @@ int msEnviarEmergencia(int32_t codigo) {
         ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Critical);
         return -1;
     }
-    Pantallas::abrir(u"frmEnvio"_s);
     return entrada.puestos();
 }

@@ -27,7 +27,6 @@ int32_t codigoDeNombre(const QString& nombre);
 
 // Puts every recipient's own text of multi-send `codigo` into the outbox,
 // through the account of the recipient's contact (recipients no longer in
-// the address book are left out), then shows the compose screen with its
-// outbox redrawn. Says so when the multi-send has no recipients. The
-// number of rows queued, -1 when nothing was sent.
+// the address book are left out). Says so when the multi-send has no
+// recipients. The number of rows queued, -1 when nothing was sent.
 int msEnviarEmergencia(int32_t codigo);
