@@ -118,6 +118,15 @@ int main(int argc, char** argv) {
         QCoreApplication::processEvents();
         cifra(u"frmUserGroup open ("_s + mitad + u" in, "_s + mitad + u" out)"_s, t, 50);
         t.empezar();
+        Q_EMIT miembros->lstcontactos->header()->sectionClicked(0);
+        QCoreApplication::processEvents();
+        cifra(u"frmUserGroup header click Nombre, "_s + mitad + u" out"_s, t, 50);
+        miembros->lstLista->seleccionarFila(10);
+        t.empezar();
+        miembros->cmdQuitar->click();
+        QCoreApplication::processEvents();
+        cifra(u"frmUserGroup move one line out, "_s + n, t, 50);
+        t.empezar();
         miembros->cmdTodos->click();
         QCoreApplication::processEvents();
         cifra(u"frmUserGroup move all in, "_s + n, t, 50);

@@ -216,6 +216,77 @@ class TestListas : public QObject {
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 2), u"3"_s);
     }
 
+    // Moves stay on screen: a sort keeps them, Cancelar drops them, Guardar
+    // writes them and touches no other list.
+    // Steps: "+A,B" selects lines outside and adds them, "-A" removes,
+    // "++" / "--" move a whole side, "^" clicks the first header of both.
+    void movesReachTheListOnlyWhenStored_data() {
+        QTest::addColumn<QStringList>("pasos");
+        QTest::addColumn<bool>("guardar");
+        QTest::addColumn<QStringList>("dentro");
+        QTest::addColumn<QStringList>("fuera");
+        QTest::addColumn<QStringList>("guardados");  // numbers' last digits
+        QTest::newRow("moves then sort")
+            << QStringList{u"-ANA"_s, u"+DORA"_s, u"^"_s} << true
+            << QStringList{u"DORA"_s, u"BERTA"_s} << QStringList{u"CARLOS"_s, u"ANA"_s}
+            << QStringList{u"2"_s, u"4"_s};
+        QTest::newRow("moves then cancel")
+            << QStringList{u"++"_s, u"-BERTA"_s} << false
+            << QStringList{u"ANA"_s, u"DORA"_s, u"CARLOS"_s} << QStringList{u"BERTA"_s}
+            << QStringList{u"1"_s, u"2"_s, u"9"_s};
+        QTest::newRow("out and in again, one more, from the last up")
+            << QStringList{u"-ANA"_s, u"+ANA"_s, u"+CARLOS,DORA"_s} << true
+            << QStringList{u"BERTA"_s, u"ANA"_s, u"DORA"_s, u"CARLOS"_s} << QStringList{}
+            << QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s};
+        QTest::newRow("all out") << QStringList{u"--"_s} << true << QStringList{}
+                                 << QStringList{u"CARLOS"_s, u"DORA"_s, u"BERTA"_s, u"ANA"_s}
+                                 << QStringList{};
+    }
+
+    void movesReachTheListOnlyWhenStored() {
+        QFETCH(QStringList, pasos);
+        QFETCH(bool, guardar);
+        const QStringList nombres{u"ana"_s, u"Berta"_s, u"Carlos"_s, u"Dora"_s};
+        for (int i = 0; i < nombres.size(); ++i)
+            contacto(u"003460000000"_s + QString::number(i + 1), nombres[i], 0);
+        miembro(u"0034600000001"_s, 3);
+        miembro(u"0034600000002"_s, 3);
+        miembro(u"0034600000009"_s, 3);  // no contact: goes at the store
+        miembro(u"0034600000003"_s, 7);  // another list's, never touched
+        frmUserGroup m;
+        m.sNombreGrupo = u"Club"_s;
+        m.nCodGrupo = 3;
+        m.msCargarUsuariosParaGrupo();
+        QCOMPARE(m.lblcont->text(), u"2 Contactos en la lista"_s);
+        for (const QString& p : pasos) {
+            if (p == u"++"_s) {
+                m.cmdTodos->click();
+            } else if (p == u"--"_s) {
+                m.cmdquitarTodos->click();
+            } else if (p == u"^"_s) {
+                m.lstLista->ordenarPorColumna(0);
+                m.lstcontactos->ordenarPorColumna(0);
+            } else {
+                Listado* l = p.startsWith(u'+') ? m.lstcontactos : m.lstLista;
+                l->clearSelection();
+                for (const QString& n : p.mid(1).split(u','))
+                    l->seleccionarFila(int(textosDe(l, 0).indexOf(n)), true);
+                (p.startsWith(u'+') ? m.Command1 : m.cmdQuitar)->click();
+            }
+        }
+        QTEST(textosDe(m.lstLista, 0), "dentro");
+        QTEST(textosDe(m.lstcontactos, 0), "fuera");
+        QCOMPARE(m.lblcont->text(), u"2 Contactos en la lista"_s);
+        (guardar ? m.cmdAdd : m.cmdClose)->click();
+        QStringList guardados;
+        for (const QString& c :
+             columna(u"select Abonado from AboGrup where Grupo = 3 order by 1"_s))
+            guardados.append(c.right(1));
+        QTEST(guardados, "guardados");
+        QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 7"_s),
+                 QStringList{u"0034600000003"_s});
+    }
+
     void publicationGoesToItsScreen() {
         lista(5, u"Web"_s);
         InterfazGuionada ui;
