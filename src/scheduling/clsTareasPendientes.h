@@ -17,12 +17,12 @@ class clsTareasPendientes {
     // takes the re-work on by `filasRepaso` rows (a few milliseconds),
     // then looks only at the rows already reached; the re-work fires the
     // others when it reaches them.
-    int16_t ReLoad(int filasRepaso = 250);
+    int16_t ReLoad(int filasRepaso = 100);
     // One slice of a re-work under way: the next rows in the order of the
     // codes, at most `filasMax` and what fits in `msMax` (0: no limit),
     // worked out at the clock of now and fired when due, as the tick
     // would. Returns the number of rows fired.
-    int16_t Repasar(int filasMax = 400, qint64 msMax = 5);
+    int16_t Repasar(int filasMax = 200, qint64 msMax = 3);
     // Has a re-work under way go on from the event loop, slice after slice.
     static void programarRepaso();
     // At start-up: offers today's runs whose time has passed, asking once
