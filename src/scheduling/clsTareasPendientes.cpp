@@ -163,17 +163,21 @@ int16_t clsTareasPendientes::Repasar(int filasMax, qint64 msMax) {
     return cuenta;
 }
 
-void clsTareasPendientes::programarRepaso() {
+void clsTareasPendientes::programarRepaso(int esperaMs) {
     static bool programado = false;
     QCoreApplication* app = QCoreApplication::instance();
     if (programado || !app) return;
     programado = true;
     // A few milliseconds at a time, each from the event loop: the window
     // answers between two.
-    QTimer::singleShot(0, app, [] {
+    QTimer::singleShot(esperaMs, app, [] {
         programado = false;
+        const std::optional<int64_t> antes = ProximasTareas::repasadoHasta();
         clsTareasPendientes().Repasar();
-        if (ProximasTareas::repasadoHasta()) programarRepaso();
+        const std::optional<int64_t> ahora = ProximasTareas::repasadoHasta();
+        // A slice that could not be written (the file locked by another
+        // program) is tried again a second later, not at once.
+        if (ahora) programarRepaso(ahora == antes ? 1000 : 0);
     });
 }
 

@@ -24,7 +24,7 @@ class clsTareasPendientes {
     // would. Returns the number of rows fired.
     int16_t Repasar(int filasMax = 200, qint64 msMax = 3);
     // Has a re-work under way go on from the event loop, slice after slice.
-    static void programarRepaso();
+    static void programarRepaso(int esperaMs = 0);
     // At start-up: offers today's runs whose time has passed, asking once
     // for the whole walk. Returns the number of rows fired; 0 when the
     // user refused or the walk stopped (a failure stops it; what was
