@@ -90,6 +90,12 @@ std::optional<Vistazo>& ultimoVistazo() {
     return v;
 }
 
+// How far the re-work under way went.
+std::optional<int64_t>& repaso() {
+    static std::optional<int64_t> r;
+    return r;
+}
+
 }  // namespace
 
 namespace ProximasTareas {
@@ -115,7 +121,8 @@ ProximaGuardada calcular(clsNextTarea& calculo, int32_t codigo, const ResultadoC
     const Respuesta ya = responder(calculo, ahora);
     if (fallo) *fallo = ya.falla;
     ProximaGuardada p;
-    p.proxima = ya.cuando;
+    // Stored empty, not null, when it fails: the list tells it from an end.
+    p.proxima = ya.falla ? u""_s : ya.cuando;
     // The day of the calculation is that of one minute ago. Wall-clock
     // parts only: the calculation reads no more of an instant.
     const QDateTime pared(ahora.date(), ahora.time(), Qt::UTC);
@@ -152,25 +159,6 @@ void guardar(int32_t codigo) {
     escribir(codigo, calcular(calculo, codigo, r, 0, Reloj::now()));
 }
 
-void recalcularTodas() {
-    BaseDatos& db = Conexion();
-    const QDateTime ahora = Reloj::now();
-    const ResultadoConsulta r = db.query(seleccion() + u"WHERE tareaProgramada=true"_s);
-    Transaccion t(db);
-    db.exec(
-        u"UPDATE Automaticos SET ProximaTarea = NULL, RevisarTarea = NULL "
-        u"WHERE NOT coalesce(tareaProgramada=true, 0) "
-        u"AND (ProximaTarea IS NOT NULL OR RevisarTarea IS NOT NULL)"_s);
-    for (int i = 0; i < r.recordCount(); ++i) {
-        const int32_t codigo = codigoDe(r, i);
-        clsNextTarea calculo;
-        const ProximaGuardada p = calcular(calculo, codigo, r, i, ahora);
-        // Only what changed is written: most rows hold their value already.
-        if (!(p == guardadaEn(r, i))) escribir(codigo, p);
-    }
-    t.commit();
-}
-
 bool ponerAlDia() {
     const QDateTime ahora = Reloj::now();
     const Vistazo ya{Conexion().apertura(), ahora.toMSecsSinceEpoch(), monotono(),
@@ -179,10 +167,22 @@ bool ponerAlDia() {
     const bool cambio = !antes || antes->apertura != ya.apertura || antes->desfase != ya.desfase ||
                         antes->zona != ya.zona ||
                         qAbs((ya.pared - antes->pared) - (ya.mono - antes->mono)) > kToleranciaMs;
-    // A failure leaves the last look as it was, so the next one tries again.
-    if (cambio) recalcularTodas();
+    // The rows are worked out again in slices from the event loop: at a
+    // hundred thousand rows the whole takes seconds.
+    if (cambio) repaso() = -1;
     ultimoVistazo() = ya;
     return cambio;
+}
+
+std::optional<int64_t> repasadoHasta() {
+    return repaso();
+}
+
+void repasado(int64_t codigo, bool fin) {
+    if (fin)
+        repaso().reset();
+    else
+        repaso() = codigo;
 }
 
 void setMonotono(std::function<qint64()> fuente) {

@@ -6,6 +6,7 @@
 #include <QString>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 class clsNextTarea;
 
@@ -13,7 +14,7 @@ class clsNextTarea;
 // nor the list works every schedule out again:
 //
 // - ProximaTarea: the next run as clsNextTarea gives it now, null when it
-//   gives none (ended, or a day its month lacks).
+//   gives none (ended), empty when it fails (a day its month lacks).
 // - RevisarTarea: the first instant at which that answer may change, null
 //   when it never will (switched off, or ended for good). The tick reads
 //   only the rows whose instant has come, through an index.
@@ -24,7 +25,9 @@ class clsNextTarea;
 // some months only, an ended daily one can come back the next morning.
 // Both instants are asked of the calculation itself. The values hold for
 // a clock that runs forward; a jump of the clock, a change of time zone or
-// another open of the database has them worked out again for every row.
+// another open of the database has them worked out again for every row,
+// a slice at a time in the order of the codes (see clsTareasPendientes):
+// until a row's turn comes, what it holds is not to be trusted.
 struct ProximaGuardada {
     QString proxima;  // stored form; null for a null column
     QString revisar;
@@ -51,13 +54,17 @@ void escribir(int32_t codigo, const ProximaGuardada& p);
 // Works one row out again from what it holds now (after it was saved or
 // fired). Throws when the database fails.
 void guardar(int32_t codigo);
-// Every row again, in one transaction. Throws when the database fails.
-void recalcularTodas();
-// Works every row out again when the database was opened since the last
-// look, the wall clock moved otherwise than the monotonic clock, or the
-// time zone or its offset changed. True when it did. Throws when the
-// database fails; the next look then tries again.
+// Starts working every row out again when the database was opened since
+// the last look, the wall clock moved otherwise than the monotonic clock,
+// or the time zone or its offset changed (a re-work under way starts
+// over). True when it did.
 bool ponerAlDia();
+// While a re-work is under way, the highest code worked out again so far
+// (-1: none yet); nullopt when none is under way. Rows above it are left
+// to the re-work.
+std::optional<int64_t> repasadoHasta();
+// The re-work has reached `codigo`; `fin`: every row.
+void repasado(int64_t codigo, bool fin);
 
 // Tests: the monotonic clock, in milliseconds; an empty function restores
 // the system's.

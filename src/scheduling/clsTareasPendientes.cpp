@@ -13,6 +13,9 @@
 #include "scheduling/ProximasTareas.h"
 #include "scheduling/clsNextTarea.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTimer>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -84,25 +87,109 @@ void clsTareasPendientes::dispararFila(int32_t codigo, const std::function<QDate
     }
 }
 
-int16_t clsTareasPendientes::ReLoad() {
+int16_t clsTareasPendientes::ReLoad(int filasRepaso) {
     // From here on a failing statement is passed over: one bad row must
     // not keep the others from going out.
     constexpr bool pasar = true;
     ejecutar(pasar, [] { ProximasTareas::ponerAlDia(); });
+    // A re-work under way goes on by a slice of rows first: a small table
+    // is done within the tick, a large one goes on from the event loop.
+    // The slice judges its rows; the tick, those reached before it.
+    int16_t cuenta = 0;
+    const std::optional<int64_t> repasado = ProximasTareas::repasadoHasta();
+    if (repasado) {
+        cuenta = Repasar(filasRepaso, 0);
+        if (ProximasTareas::repasadoHasta()) programarRepaso();
+    }
     // Only the rows whose next run may have come: the tick costs what is
-    // due, not what is stored.
+    // due, not what is stored. During a re-work the rows not yet reached
+    // hold values that can't be trusted either way: the re-work judges
+    // them when it reaches them, with the clock of then.
     const QDateTime ahora = Reloj::now();
     m_activas = ResultadoConsulta();
     ejecutar(pasar, [&] {
-        m_activas = Conexion().query(
-            ProximasTareas::seleccion() + u"WHERE RevisarTarea <= ? AND tareaProgramada=true"_s,
-            {ahora});
+        const QString donde = u"WHERE RevisarTarea <= ? AND tareaProgramada=true"_s;
+        m_activas =
+            repasado ? Conexion().query(ProximasTareas::seleccion() + donde + u" AND Codigo <= ?"_s,
+                                        {ahora, qlonglong(*repasado)})
+                     : Conexion().query(ProximasTareas::seleccion() + donde, {ahora});
     });
-    if (!(m_activas.recordCount() > 0)) return 0;
+    return int16_t(cuenta + juzgar(ahora, nullptr));
+}
+
+int16_t clsTareasPendientes::Repasar(int filasMax, qint64 msMax) {
+    constexpr bool pasar = true;
+    // Another open or another jump meanwhile starts it over.
+    ejecutar(pasar, [] { ProximasTareas::ponerAlDia(); });
+    const std::optional<int64_t> desde = ProximasTareas::repasadoHasta();
+    if (!desde) return 0;
+    QElapsedTimer reloj;
+    reloj.start();
+    const QDateTime ahora = Reloj::now();
+    m_activas = ResultadoConsulta();
+    bool leido = false;
+    ejecutar(pasar, [&] {
+        m_activas = Conexion().query(ProximasTareas::seleccion() +
+                                         u"WHERE Codigo > ? AND tareaProgramada=true "
+                                         u"ORDER BY Codigo LIMIT ?"_s,
+                                     {qlonglong(*desde), filasMax});
+        leido = true;
+    });
+    // An unreadable table is tried again at the next turn.
+    if (!leido) return 0;
+    int hechas = m_activas.recordCount();
+    const bool fin = hechas < filasMax;
+    const QElapsedTimer* limite = msMax > 0 ? &reloj : nullptr;
+    const int16_t cuenta = juzgar(ahora, limite, msMax, &hechas, [&] {
+        // A row switched off in the range reached keeps no next run.
+        const bool todo = fin && hechas == m_activas.recordCount();
+        const QString rango = todo ? u"Codigo > ?"_s : u"Codigo > ? AND Codigo <= ?"_s;
+        QVariantList params{qlonglong(*desde)};
+        if (!todo)
+            params << qlonglong(hechas ? ProximasTareas::codigoDe(m_activas, hechas - 1) : *desde);
+        Conexion().exec(
+            u"UPDATE Automaticos SET ProximaTarea = NULL, RevisarTarea = NULL "
+            u"WHERE "_s +
+                rango +
+                u" AND NOT coalesce(tareaProgramada=true, 0) "
+                u"AND (ProximaTarea IS NOT NULL OR RevisarTarea IS NOT NULL)"_s,
+            params);
+    });
+    // A slice that could not be written is done again at the next turn.
+    if (!m_escrito) return cuenta;
+    const bool todo = fin && hechas == m_activas.recordCount();
+    ProximasTareas::repasado(hechas ? ProximasTareas::codigoDe(m_activas, hechas - 1) : *desde,
+                             todo);
+    return cuenta;
+}
+
+void clsTareasPendientes::programarRepaso(int esperaMs) {
+    static bool programado = false;
+    QCoreApplication* app = QCoreApplication::instance();
+    if (programado || !app) return;
+    programado = true;
+    // A few milliseconds at a time, each from the event loop: the window
+    // answers between two.
+    QTimer::singleShot(esperaMs, app, [] {
+        programado = false;
+        const std::optional<int64_t> antes = ProximasTareas::repasadoHasta();
+        clsTareasPendientes().Repasar();
+        const std::optional<int64_t> ahora = ProximasTareas::repasadoHasta();
+        // A slice that could not be written (the file locked by another
+        // program) is tried again a second later, not at once.
+        if (ahora) programarRepaso(ahora == antes ? 1000 : 0);
+    });
+}
+
+int16_t clsTareasPendientes::juzgar(const QDateTime& ahora, const QElapsedTimer* reloj,
+                                    qint64 msMax, int* filas, const std::function<void()>& ademas) {
+    constexpr bool pasar = true;
+    const int total = filas ? *filas : m_activas.recordCount();
+    if (!(total > 0) && !ademas) return 0;
 
     // In the order of the codes, as a walk over the whole table went.
     QVector<std::pair<int32_t, int>> orden;
-    for (int i = 0; i < m_activas.recordCount(); ++i)
+    for (int i = 0; i < total; ++i)
         ejecutar(pasar, [&] { orden.append({ProximasTareas::codigoDe(m_activas, i), i}); });
     std::sort(orden.begin(), orden.end());
 
@@ -114,7 +201,12 @@ int16_t clsTareasPendientes::ReLoad() {
     };
     QVector<Disparo> disparos;
     QVector<std::pair<int32_t, ProximaGuardada>> cambios;
+    int hechas = 0;
     for (const auto& [codigo, i] : orden) {
+        // A slice of a re-work stops at its time; the rows after wait for
+        // the next slice (a slice reads them in the order of the codes).
+        if (reloj && hechas > 0 && reloj->elapsed() >= msMax) break;
+        ++hechas;
         // A row without a next run of its own (a failed calculation) is
         // never fired on what another row left in the calculator.
         clsNextTarea tarea;
@@ -136,14 +228,21 @@ int16_t clsTareasPendientes::ReLoad() {
             cambios.append({codigo, nueva});
         }
     }
-    if (disparos.isEmpty() && cambios.isEmpty()) return cuenta;
+    if (filas) *filas = hechas;
+    m_escrito = disparos.isEmpty() && cambios.isEmpty() && !ademas;
+    if (m_escrito) return cuenta;
 
     // One commit for the tick. A row's outbox rows, its last run and its
     // next run go in together, under a savepoint of their own: a kill
     // sends no run twice and loses none, and a row that fails stays due
     // without taking the others with it.
+    // What a re-work writes and fires nothing is worked out again at the
+    // next open if lost: its commit skips the disk sync (10-20 ms) and the
+    // next synced commit takes it along.
+    BaseDatos& db = Conexion();
+    const bool sinSincronizar = ademas && disparos.isEmpty();
+    if (sinSincronizar) ejecutar(pasar, [&] { db.exec(u"PRAGMA synchronous=NORMAL"_s); });
     ejecutar(pasar, [&] {
-        BaseDatos& db = Conexion();
         Transaccion t(db);
         const QString punto = u"disparo"_s;
         for (const Disparo& d : std::as_const(disparos)) {
@@ -162,8 +261,11 @@ int16_t clsTareasPendientes::ReLoad() {
         }
         for (const auto& [codigo, p] : std::as_const(cambios))
             ejecutar(pasar, [&] { ProximasTareas::escribir(codigo, p); });
+        if (ademas) ejecutar(pasar, ademas);
         t.commit();
+        m_escrito = true;
     });
+    if (sinSincronizar) ejecutar(pasar, [&] { db.exec(u"PRAGMA synchronous=FULL"_s); });
     return cuenta;
 }
 

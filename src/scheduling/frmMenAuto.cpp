@@ -1,17 +1,23 @@
 #include "scheduling/frmMenAuto.h"
 
+#include "base/Error.h"
 #include "base/EstadoAplicacion.h"
+#include "scheduling/ProximasTareas.h"
+#include "scheduling/clsTareasPendientes.h"
 #include "scheduling/frmNewMenAuto2.h"
+#include "scheduling/mdoProgramacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -20,8 +26,13 @@ frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
     setObjectName(u"frmMenAuto"_s);
     setWindowTitle(u"Mensajes Programados"_s);
     setWindowIcon(iconoQuelmo(u"programar"_s));
-    ListView1 = new Listado(u"ListView1"_s,
-                            {u"Nombre"_s, u"Nº Men."_s, u"Programado"_s, u"Último envío"_s}, this);
+    const QStringList cabeceras{u"Nombre"_s, u"Nº Men."_s, u"Programado"_s, u"Último envío"_s};
+    ListView1 = new Listado(u"ListView1"_s, cabeceras, this);
+    m_modelo = new ModeloPaginado(definicionMensajesProgramados(), cabeceras, this);
+    ListView1->usarModelo(m_modelo);
+    m_repaso = new QTimer(this);
+    m_repaso->setInterval(250);
+    connect(m_repaso, &QTimer::timeout, this, &frmMenAuto::seguirRepaso);
     nombreAccesible(ListView1, u"Mensajes Programados"_s);
     ListView1->setColumnWidth(0, 220);
     ListView1->setColumnWidth(1, 70);
@@ -49,18 +60,34 @@ frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
 }
 
 void frmMenAuto::requery() {
+    // The stored next runs are what the list shows: after an open of the
+    // database or a jump of the clock they are worked out again first.
     try {
-        m_lineas = leerMensajesProgramados();
+        ProximasTareas::ponerAlDia();
     } catch (const ErrorQuelmo&) {
-        m_lineas = LineasMenAuto();
+        // The stored ones show meanwhile; the next look tries again.
     }
-    ListView1->modelo()->asignar(m_lineas.celdas);
+    if (ProximasTareas::repasadoHasta()) {
+        clsTareasPendientes::programarRepaso();
+        m_repaso->start();
+    }
+    m_modelo->cargar();
+}
+
+void frmMenAuto::seguirRepaso() {
+    if (ProximasTareas::repasadoHasta()) return;
+    m_repaso->stop();
+    m_modelo->cargar();
 }
 
 int32_t frmMenAuto::codigoElegido() const {
     const int fila = ListView1->filaActual();
     if (fila < 0) return -1;
-    return codigoDeLinea(m_lineas, ListView1->modelo()->texto(fila, 0));
+    try {
+        return primerCodigoConNombre(ListView1->modelo()->texto(fila, 0));
+    } catch (const ErrorQuelmo&) {
+        return -1;
+    }
 }
 
 void frmMenAuto::cmdAdd_Click() {

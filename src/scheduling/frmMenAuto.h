@@ -1,11 +1,12 @@
 #pragma once
 
-#include "scheduling/mdoProgramacion.h"
-
 #include <QWidget>
+#include <cstdint>
 
 class Listado;
+class ModeloPaginado;
 class QPushButton;
+class QTimer;
 
 // "Mensajes Programados": the multi-sends with their number of messages,
 // next run and last run; leads to the editor.
@@ -14,7 +15,7 @@ class frmMenAuto : public QWidget {
   public:
     explicit frmMenAuto(QWidget* parent = nullptr);
 
-    // Reads the rows again and refills the list.
+    // Reads the rows again (their count; the lines in view as they show).
     void requery();
 
     void cmdAdd_Click();
@@ -31,6 +32,10 @@ class frmMenAuto : public QWidget {
     // The code of the selected line's row (the first of its name), -1 when
     // none is selected.
     int32_t codigoElegido() const;
+    // While the next runs are worked out again, the list reads them anew
+    // once they all are.
+    void seguirRepaso();
 
-    LineasMenAuto m_lineas;
+    ModeloPaginado* m_modelo;
+    QTimer* m_repaso;
 };

@@ -240,27 +240,6 @@ QDateTime paredDe(const QString& s) {
     return d.isValid() && t.isValid() ? QDateTime(d, t, Qt::UTC) : QDateTime();
 }
 
-// The list's text of a stored next run, moved into the day-first form
-// character by character, as clsNextTarea::textoFecha writes it; a null
-// text when the stored one is in another form.
-QString textoDeGuardada(const QString& s) {
-    static constexpr char16_t kForma[] = u"0000-00-00 00:00:00";
-    if (s.size() != 19) return {};
-    for (int i = 0; i < 19; ++i) {
-        const bool cifra = s[i].isDigit();
-        if (cifra != (kForma[i] == u'0') || (!cifra && s[i] != kForma[i])) return {};
-    }
-    const QStringView v(s);
-    const QStringView hora = v.mid(11);
-    // A time of day alone, as a value on the zero date is shown.
-    if (v.left(10) == u"1899-12-30") return hora.toString();
-    QString t;
-    t.reserve(19);
-    t.append(v.mid(8, 2)).append(u'/').append(v.mid(5, 2)).append(u'/').append(v.left(4));
-    if (hora != u"00:00:00") t.append(u' ').append(hora);
-    return t;
-}
-
 // What the list shows of a last run: its date, or "nunca" when there is
 // none.
 QString textoUltima(const QString& columna) {
@@ -276,74 +255,74 @@ QString textoUltima(const QString& columna) {
     return enviada ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
 }
 
-// "Programado" and "Último envío" of an active row, from the calculation.
-std::pair<QString, QString> calcularLinea(clsNextTarea& calculo, int32_t codigo,
-                                          const QString& ultima) {
-    // A row whose calculation fails (a day its month lacks) shows no next
-    // run rather than keep the whole list from opening.
-    try {
-        calculo.setCodigo(codigo);
-        calculo.CalcularProximaTarea();
-        if (!calculo.HayTarea()) return {u"Finalizado"_s, QString()};
-        return {clsNextTarea::textoFecha(calculo.FechaProximaTarea()), textoUltima(ultima)};
-    } catch (const ErrorQuelmo&) {
-        return {QString(), QString()};
-    }
+// A stored date in the stored form, shown day first as
+// clsNextTarea::textoFecha writes it: a time of day alone on the zero
+// date, no time at midnight. In SQL, so that the engine sorts what shows.
+QString diaPrimero(const QString& x) {
+    const QString hora = u"substr("_s + x + u", 12)"_s;
+    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
+           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
+           u", 6, 2) || '/' || "
+           u"substr("_s +
+           x + u", 1, 4) || CASE WHEN "_s + hora +
+           u" = '00:00:00' THEN '' "
+           u"ELSE ' ' || "_s +
+           hora + u" END END"_s;
 }
+
+QString enFormaGuardada(const QString& x) {
+    // Never null, so that NOT of it is false for a null column.
+    return u"coalesce("_s + x +
+           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
+           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
+}
+
+// A last run in another form than the stored one goes to the list marked
+// with this, to be read there.
+constexpr char16_t kOtraForma = u'\x1f';
 
 }  // namespace
 
-LineasMenAuto leerMensajesProgramados() {
-    LineasMenAuto l;
-    // The stored next runs stand for the calculation once they are up to
-    // date; a row whose value may have changed since is worked out here.
-    try {
-        ProximasTareas::ponerAlDia();
-    } catch (const ErrorQuelmo&) {
-        // The rows due for a look are worked out below all the same.
-    }
-    const QString ahora = aTextoBD(Reloj::now());
-    // As texts: a list of a hundred thousand rows is read without a value
-    // object per cell.
-    constexpr int kCeldas = 7;
-    const QVector<QString> r = bd().queryTexts(
-        u"SELECT Codigo, Nombre, TareaProgramada, (SELECT count(automatico) FROM AboAuto WHERE "
-        u"AboAuto.automatico = Automaticos.Codigo), ProximaTarea, RevisarTarea, UltimaTarea "
-        u"FROM Automaticos ORDER BY Automaticos.codigo"_s);
-    const qsizetype filas = r.size() / kCeldas;
-    l.codigos.reserve(filas);
-    l.celdas.reserve(filas * 4);
-    clsNextTarea calculo;
-    for (qsizetype i = 0; i < filas; ++i) {
-        const QString* c = r.constData() + i * kCeldas;
-        const int32_t codigo = int32_t(c[0].toLongLong());
-        const QString& programada = c[2];
-        QString programado = u"no"_s, ultimo;
-        if (programada == u"1"_s || (!programada.isNull() && numeroDe(programada) != 0)) {
-            const QString& guardada = c[4];
-            const QString& revisar = c[5];
-            const bool vigente = revisar.isNull() || revisar > ahora;
-            const QString proxima = vigente ? textoDeGuardada(guardada) : QString();
-            if (vigente && revisar.isNull()) {
-                programado = u"Finalizado"_s;
-            } else if (!proxima.isNull()) {
-                programado = proxima;
-                ultimo = textoUltima(c[6]);
-            } else {
-                // Due for a look, or a calculation that fails today.
-                std::tie(programado, ultimo) = calcularLinea(calculo, codigo, c[6]);
-            }
-        }
-        l.codigos.append(codigo);
-        l.celdas << c[1] << c[3] << programado << ultimo;
-    }
-    return l;
+ListaPaginada::Definicion definicionMensajesProgramados() {
+    const QString activa = u"coalesce(TareaProgramada=true, 0)"_s;
+    const QString conFecha = activa + u" AND "_s + enFormaGuardada(u"ProximaTarea"_s);
+    // A stored next run as it stands (see ProximasTareas): the list reads
+    // it and works nothing out. A failed calculation is stored empty.
+    const QString programado = u"CASE WHEN NOT "_s + activa + u" THEN 'no' WHEN "_s +
+                               enFormaGuardada(u"ProximaTarea"_s) + u" THEN "_s +
+                               diaPrimero(u"ProximaTarea"_s) +
+                               u" WHEN ProximaTarea IS NULL THEN 'Finalizado' ELSE '' END"_s;
+    const QString ultima = u"CASE WHEN NOT ("_s + conFecha +
+                           u") THEN '' WHEN coalesce(UltimaTarea, '') = '' THEN 'nunca' WHEN "_s +
+                           enFormaGuardada(u"UltimaTarea"_s) +
+                           u" THEN CASE WHEN UltimaTarea > '1900-01-01 00:00:00' "
+                           u"THEN "_s +
+                           diaPrimero(u"UltimaTarea"_s) +
+                           u" ELSE 'nunca' END ELSE char(31) || UltimaTarea END"_s;
+    ListaPaginada::Definicion d;
+    d.desde = u"FROM Automaticos"_s;
+    d.clave = u"Automaticos.Codigo"_s;
+    d.cuenta = u"SELECT count(*) FROM Automaticos"_s;
+    d.mayor = u"SELECT max(Codigo) FROM Automaticos"_s;
+    d.columnas = {{u"Automaticos.Nombre"_s, {}},
+                  {u"(SELECT count(automatico) FROM AboAuto WHERE AboAuto.automatico = "
+                   u"Automaticos.Codigo)"_s,
+                   {}},
+                  {programado, {}},
+                  {ultima, {}}};
+    d.mostrar = [](int columna, const QString& celda) {
+        if (columna == 3 && celda.startsWith(kOtraForma)) return textoUltima(celda.mid(1));
+        return celda;
+    };
+    return d;
 }
 
-int32_t codigoDeLinea(const LineasMenAuto& lineas, const QString& nombre) {
-    for (int i = 0; i < lineas.codigos.size(); ++i)
-        if (lineas.celdas.at(qsizetype(i) * 4) == nombre) return lineas.codigos.at(i);
-    return -1;
+int32_t primerCodigoConNombre(const QString& nombre) {
+    const ResultadoConsulta r = bd().query(
+        u"SELECT Codigo FROM Automaticos WHERE coalesce(Nombre, '') = ? COLLATE BINARY "
+        u"ORDER BY Codigo LIMIT 1"_s,
+        {nombre});
+    return r.isEmpty() ? -1 : int32_t(numeroDe(r.value(0, 0)));
 }
 
 int32_t proximoCodigoAutomatico() {

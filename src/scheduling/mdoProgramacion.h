@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/BaseDatos.h"
+#include "db/ListaPaginada.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -85,16 +86,12 @@ QString descripcionPrograma(const Programa& p);
 
 // ---- The list of multi-sends -----------------------------------------------
 
-// One line of the list: name, number of recipients, next run, last run.
-struct LineasMenAuto {
-    QVector<int32_t> codigos;  // in the order of the lines
-    QVector<QString> celdas;   // four cells per line
-};
-// Every row of Automaticos by code, with its next run as the calculation
-// gives it: the stored one, worked out again only where it may be stale.
-LineasMenAuto leerMensajesProgramados();
-// The code of the first line (in code order) named `nombre`, -1 if none.
-int32_t codigoDeLinea(const LineasMenAuto& lineas, const QString& nombre);
+// The list's lines: name, number of recipients, next run as stored (see
+// ProximasTareas), last run; read a page at a time.
+ListaPaginada::Definicion definicionMensajesProgramados();
+// The code of the first row (in code order) named `nombre`, -1 if none;
+// throws ErrorBD.
+int32_t primerCodigoConNombre(const QString& nombre);
 // The code a new multi-send gets: the highest plus 1, or 1 for the first.
 int32_t proximoCodigoAutomatico();
 // Removes a multi-send with its recipients; both or neither.
