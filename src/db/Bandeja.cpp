@@ -10,7 +10,13 @@ using namespace Qt::StringLiterals;
 EntradaBandeja::EntradaBandeja(BaseDatos& bd) : m_bd(bd) {}
 
 EntradaBandeja::~EntradaBandeja() {
-    if (m_puestos > 0) Q_EMIT Avisos::instancia().bandejaCambiada();
+    if (m_puestos == 0) return;
+    // A destructor must not throw, also while an error unwinds the
+    // routine: a screen that can't redraw now redraws at its next refresh.
+    try {
+        Q_EMIT Avisos::instancia().bandejaCambiada();
+    } catch (...) {
+    }
 }
 
 bool EntradaBandeja::poner(const QString& destino, const QString& texto, const QVariant& canal,
