@@ -32,20 +32,20 @@ bool delMotor(void* llamador) {
            std::strstr(info.dli_fname, "libsqlite3") != nullptr;
 }
 
-void anotar(const char* ruta, void* llamador) {
+// Notes an open of one of the database's files by anything but the engine;
+// the mode the call passes after its flags, if any.
+mode_t anotar(const char* ruta, int flags, va_list& args, void* llamador) {
+    const mode_t modo = (flags & (O_CREAT | O_TMPFILE)) ? mode_t(va_arg(args, int)) : 0;
     if (!g_vigilando.load() || !ruta ||
-        std::strncmp(ruta, g_prefijo.constData(), size_t(g_prefijo.size())) != 0)
-        return;
-    if (delMotor(llamador)) return;
+        std::strncmp(ruta, g_prefijo.constData(), size_t(g_prefijo.size())) != 0 ||
+        delMotor(llamador))
+        return modo;
     Dl_info info{};
     dladdr(llamador, &info);
     const QMutexLocker bloqueo(&g_cerrojo);
     g_ajenas.append(QString::fromUtf8(ruta) + u" desde "_s +
                     QString::fromUtf8(info.dli_fname ? info.dli_fname : "?"));
-}
-
-mode_t modoDe(int flags, va_list& args) {
-    return (flags & (O_CREAT | O_TMPFILE)) ? mode_t(va_arg(args, int)) : 0;
+    return modo;
 }
 
 template <typename F>
@@ -59,36 +59,32 @@ F real(const char* nombre) {
 extern "C" int open(const char* ruta, int flags, ...) {
     va_list a;
     va_start(a, flags);
-    const mode_t modo = modoDe(flags, a);
+    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
     va_end(a);
-    anotar(ruta, __builtin_return_address(0));
     static const auto f = real<int (*)(const char*, int, ...)>("open");
     return f(ruta, flags, modo);
 }
 extern "C" int open64(const char* ruta, int flags, ...) {
     va_list a;
     va_start(a, flags);
-    const mode_t modo = modoDe(flags, a);
+    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
     va_end(a);
-    anotar(ruta, __builtin_return_address(0));
     static const auto f = real<int (*)(const char*, int, ...)>("open64");
     return f(ruta, flags, modo);
 }
 extern "C" int openat(int dir, const char* ruta, int flags, ...) {
     va_list a;
     va_start(a, flags);
-    const mode_t modo = modoDe(flags, a);
+    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
     va_end(a);
-    anotar(ruta, __builtin_return_address(0));
     static const auto f = real<int (*)(int, const char*, int, ...)>("openat");
     return f(dir, ruta, flags, modo);
 }
 extern "C" int openat64(int dir, const char* ruta, int flags, ...) {
     va_list a;
     va_start(a, flags);
-    const mode_t modo = modoDe(flags, a);
+    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
     va_end(a);
-    anotar(ruta, __builtin_return_address(0));
     static const auto f = real<int (*)(int, const char*, int, ...)>("openat64");
     return f(dir, ruta, flags, modo);
 }

@@ -31,9 +31,7 @@ inline void cuenta(int canal, bool principal) {
 
 // A fresh database as the shared connection, with accounts 5 and 7.
 inline QString baseConCuentas(TestWorld& world) {
-    world.reset();
-    const QString ruta = TestDb::createCurrent(world.root() + u"/import.db"_s);
-    TestDb::openShared(ruta);
+    const QString ruta = world.baseNueva(u"import.db"_s);
     cuenta(5, true);
     cuenta(7, false);
     return ruta;

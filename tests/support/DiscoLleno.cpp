@@ -29,6 +29,13 @@ bool bajoRaiz(int fd) {
     return std::strncmp(ruta, raiz, std::strlen(raiz)) == 0;
 }
 
+// A write to a file under the full disk fails as the kernel fails it.
+bool lleno(int fd) {
+    if (!bajoRaiz(fd)) return false;
+    errno = ENOSPC;
+    return true;
+}
+
 template <typename F>
 F siguiente(const char* nombre) {
     return reinterpret_cast<F>(::dlsym(RTLD_NEXT, nombre));
@@ -40,47 +47,27 @@ extern "C" {
 
 ssize_t write(int fd, const void* b, size_t n) {
     static const auto real = siguiente<ssize_t (*)(int, const void*, size_t)>("write");
-    if (bajoRaiz(fd)) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return real(fd, b, n);
+    return lleno(fd) ? -1 : real(fd, b, n);
 }
 
 ssize_t pwrite(int fd, const void* b, size_t n, off_t o) {
     static const auto real = siguiente<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
-    if (bajoRaiz(fd)) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return real(fd, b, n, o);
+    return lleno(fd) ? -1 : real(fd, b, n, o);
 }
 
 ssize_t pwrite64(int fd, const void* b, size_t n, off64_t o) {
     static const auto real = siguiente<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
-    if (bajoRaiz(fd)) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return real(fd, b, n, o);
+    return lleno(fd) ? -1 : real(fd, b, n, o);
 }
 
 ssize_t writev(int fd, const struct iovec* v, int n) {
     static const auto real = siguiente<ssize_t (*)(int, const struct iovec*, int)>("writev");
-    if (bajoRaiz(fd)) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return real(fd, v, n);
+    return lleno(fd) ? -1 : real(fd, v, n);
 }
 
 int fallocate(int fd, int modo, off_t o, off_t n) {
     static const auto real = siguiente<int (*)(int, int, off_t, off_t)>("fallocate");
-    if (bajoRaiz(fd)) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return real(fd, modo, o, n);
+    return lleno(fd) ? -1 : real(fd, modo, o, n);
 }
 
 int posix_fallocate(int fd, off_t o, off_t n) {

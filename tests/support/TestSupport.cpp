@@ -56,6 +56,13 @@ void TestWorld::reset() {
     QDir().mkpath(appDir());
 }
 
+QString TestWorld::baseNueva(const QString& nombre) {
+    reset();
+    const QString ruta = TestDb::createCurrent(root() + u'/' + nombre);
+    TestDb::openShared(ruta);
+    return ruta;
+}
+
 RelojFijo::RelojFijo(const QDateTime& at) : m_now(at) {
     Reloj::setSource([this] { return m_now; });
 }

@@ -34,6 +34,9 @@ class TestWorld {
     // A fresh settings store and an empty application directory, and the
     // shared connection closed (call in each test's init).
     void reset();
+    // reset(), then a new database `nombre` in the root as the shared
+    // connection; its path.
+    QString baseNueva(const QString& nombre);
 
   private:
     QTemporaryDir m_dir;
