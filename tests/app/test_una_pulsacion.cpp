@@ -47,10 +47,7 @@ class TestUnaPulsacion : public Prueba {
     using Prueba::Prueba;
 
   private Q_SLOTS:
-    void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/pulsacion.db"_s));
-    }
+    void init() { world.baseNueva(u"pulsacion.db"_s); }
 
     void aDoubleClickIsOnePress_data() {
         QTest::addColumn<int>("boton");

@@ -34,24 +34,18 @@ QStringList lineasLog() {
     return r;
 }
 QStringList abonadosEnBandeja() {
-    const ResultadoConsulta r = Conexion().query(u"select abonado from envios order by Id"_s);
-    QStringList a;
-    for (int i = 0; i < r.recordCount(); ++i) a.append(r.value(i, 0).toString());
-    return a;
+    return prueba::columna(u"select abonado from envios order by Id"_s);
 }
 void sql(const QString& s, const QVariantList& p = {}) {
     Conexion().exec(s, p);
 }
 }  // namespace
 
-class TestEnvio : public QObject {
+class TestEnvio : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestEnvio(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     static void escribir(frmEnvio& f, const QString& destinos, const QString& texto) {
         hijo<QLineEdit>(f, u"Text1"_s)->setText(destinos);
         hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->setPlainText(texto);
@@ -67,8 +61,7 @@ class TestEnvio : public QObject {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/envio.db"_s));
+        world.baseNueva(u"envio.db"_s);
         sql(u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente,tini,tfin) VALUES "
             u"(1,'Cuenta_1',12,1,'Juan ',NULL,NULL),(2,'Otra',3,0,'',NULL,NULL)"_s);
         sql(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1),"
@@ -129,7 +122,6 @@ class TestEnvio : public QObject {
         QFETCH(bool, solo);
         QFETCH(QStringList, filas);
         QFETCH(QString, queda);
-        QFETCH(QStringList, log);
         InterfazGuionada ui;
         sql(u"UPDATE opciones SET solocontactos=?"_s, {solo ? 1 : 0});
         frmEnvio f;
@@ -138,7 +130,7 @@ class TestEnvio : public QObject {
 
         QCOMPARE(abonadosEnBandeja(), filas);
         QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), queda);
-        QCOMPARE(lineasLog(), log);
+        QTEST(lineasLog(), "log");
         QVERIFY(ui.boxes.isEmpty());
         // The text goes only when every destination went.
         QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText().isEmpty(),
@@ -159,9 +151,9 @@ class TestEnvio : public QObject {
         QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), u"ana"_s);
         escribir(f, u"  "_s, u"hola"_s);
         hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes[0].text, u"No seleccionó destinatarios para este mensaje .."_s);
-        QCOMPARE(ui.boxes[0].style, Msg::Exclamation);
+        QCOMPARE(prueba::cajas(ui),
+                 QStringList{prueba::caja(Msg::Exclamation,
+                                          u"No seleccionó destinatarios para este mensaje .."_s)});
         QCOMPARE(hijo<QPlainTextEdit>(f, u"txtMensaje"_s)->toPlainText(), u"hola"_s);
         QVERIFY(abonadosEnBandeja().isEmpty());
         // Only blanks count as empty: line breaks are a text.
@@ -187,15 +179,13 @@ class TestEnvio : public QObject {
     void counter() {
         QFETCH(QString, tini);
         QFETCH(QString, texto);
-        QFETCH(QString, etiqueta);
-        QFETCH(bool, mas);
         InterfazGuionada ui;
         sql(u"UPDATE Canales SET tini=?, tfin=? WHERE Canal=1"_s, {tini, tini});
         frmEnvio f;
         f.show();
         Q_EMIT Avisos::instancia().textoElegido(texto);
-        QCOMPARE(hijo<QLabel>(f, u"lblCaracteres"_s)->text(), etiqueta);
-        QCOMPARE(hijo<QLabel>(f, u"lblmas"_s)->isVisible(), mas);
+        QTEST(hijo<QLabel>(f, u"lblCaracteres"_s)->text(), "etiqueta");
+        QTEST(hijo<QLabel>(f, u"lblmas"_s)->isVisible(), "mas");
     }
 
     void accountsCombo() {
@@ -265,10 +255,10 @@ class TestEnvio : public QObject {
         ui.answers = {Msg::No, Msg::Yes};
         hijo<QPushButton>(f, u"cmdModificar"_s)->click();
         QCOMPARE(abonadosEnBandeja().size(), 3);
-        QCOMPARE(ui.boxes[0].text,
-                 u"Desea modificar el \nMensaje: Cuenta_1 (Juan)\nTerminal: "
-                 u"0034600000008\nDe fecha : 04/03 05:06:08"_s);
-        QCOMPARE(ui.boxes[0].style, Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2);
+        QCOMPARE(prueba::cajas(ui), QStringList{prueba::caja(
+                                        Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2,
+                                        u"Desea modificar el \nMensaje: Cuenta_1 (Juan)\nTerminal: "
+                                        u"0034600000008\nDe fecha : 04/03 05:06:08"_s)});
         hijo<QPushButton>(f, u"cmdModificar"_s)->click();
         QCOMPARE(abonadosEnBandeja(), (QStringList{u"0034600000009"_s, u"0034600000007"_s}));
         QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), u"0034600000008"_s);
@@ -302,7 +292,6 @@ class TestEnvio : public QObject {
     }
     void outboxRoutinesTellTheScreens() {
         QFETCH(QString, accion);
-        QFETCH(QStringList, quedan);
         QFETCH(int, avisos);
         InterfazGuionada ui;
         sql(u"INSERT INTO envios (Id,Registro,Canal,Abonado,Mensaje,intento) VALUES "
@@ -321,7 +310,7 @@ class TestEnvio : public QObject {
         } else {
             agregarMensajes(arg, u"hola"_s, false, 1);
         }
-        QCOMPARE(abonadosEnBandeja(), quedan);
+        QTEST(abonadosEnBandeja(), "quedan");
         QCOMPARE(int(bandeja.count()), avisos);
     }
 
@@ -404,7 +393,6 @@ class TestEnvio : public QObject {
     }
     void fitsASmallFrame() {
         QFETCH(QSize, marco);
-        QFETCH(int, izquierda);
         InterfazGuionada ui;
         QMdiArea area;
         area.resize(marco);
@@ -417,7 +405,7 @@ class TestEnvio : public QObject {
             area.viewport()->rect().contains(sub->geometry()),
             qPrintable(
                 u"%1,%2 %3x%4"_s.arg(sub->x()).arg(sub->y()).arg(sub->width()).arg(sub->height())));
-        QCOMPARE(sub->x(), izquierda);
+        QTEST(sub->x(), "izquierda");
         // Down as far as 100 while it still shows whole.
         QCOMPARE(sub->y(), qMin(100, area.viewport()->height() - sub->height()));
         auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);

@@ -24,23 +24,17 @@ using namespace Qt::StringLiterals;
 using prueba::cuantos;
 using prueba::hijo;
 
-class TestEspera : public QObject {
+class TestEspera : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestEspera(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-
     std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
         return plataformaLenta(world, retrasoMs, 5);
     }
 
   private Q_SLOTS:
-    void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/espera.db"_s));
-    }
+    void init() { world.baseNueva(u"espera.db"_s); }
 
     void theWindowTurnsWhileThePlatformThinks() {
         InterfazGuionada ui;

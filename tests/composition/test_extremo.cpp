@@ -18,19 +18,16 @@
 
 using namespace Qt::StringLiterals;
 
-class TestExtremo : public QObject {
+class TestExtremo : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestExtremo(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     std::unique_ptr<SimuladorPrueba> sim;
 
     // A fresh database with one account at the running simulator.
     bool preparar(const QString& clave = u"demo"_s) {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/extremo.db"_s));
+        world.baseNueva(u"extremo.db"_s);
         sim = std::make_unique<SimuladorPrueba>(
             world.root(),
             u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\nclave=demo\n"
@@ -107,10 +104,8 @@ class TestExtremo : public QObject {
         QTRY_COMPARE(db.query(u"select count(*) from HEnvios"_s).value(0, 0).toInt(), 2);
         QTRY_VERIFY(cuenta(f).startsWith(u"Cuenta_1   (98 Créditos)"_s));
 
-        const ResultadoConsulta h = db.query(u"select Abonado from HEnvios order by Abonado"_s);
-        QCOMPARE(h.recordCount(), 2);
-        QCOMPARE(h.value(0, 0).toString(), u"0034600000001"_s);
-        QCOMPARE(h.value(1, 0).toString(), u"0034600123456"_s);
+        QCOMPARE(prueba::columna(u"select Abonado from HEnvios order by Abonado"_s),
+                 (QStringList{u"0034600000001"_s, u"0034600123456"_s}));
         QCOMPARE(db.query(u"select count(*) from envios"_s).value(0, 0).toInt(), 0);
         QCOMPARE(sim->registro().size(), 2);
         // The balance the platform reported after the batch.

@@ -42,8 +42,7 @@ class TestDatabase : public Prueba {
         const ResultadoConsulta r =
             db.query(u"SELECT Mensaje, Registro FROM envios WHERE Mensaje=?"_s, {texto});
         QCOMPARE(r.recordCount(), 1);
-        QCOMPARE(r.value(0, 0).toString(), texto);
-        QCOMPARE(r.value(0, 1).toString(), u"2006-03-15 10:00:30"_s);
+        QCOMPARE(r.row(0), (QVector<QVariant>{texto, u"2006-03-15 10:00:30"_s}));
     }
 
     void namesIgnoreCaseAndAccentCase_data() {

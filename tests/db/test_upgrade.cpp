@@ -6,6 +6,7 @@
 #include "db/mdoDB.h"
 
 using namespace Qt::StringLiterals;
+using prueba::filas;
 
 namespace {
 
@@ -77,54 +78,31 @@ class TestUpgrade : public Prueba {
 
         msActualizarBD(path);
         QVERIFY(msValidarBD(path));
-
-        BaseDatos db;
-        QVERIFY(db.open(path));
-        const ResultadoConsulta c =
-            db.query(u"SELECT Nombre, Saldo, imptextos, remopc, Remitente, tini FROM Canales"_s);
-        QCOMPARE(c.recordCount(), 1);
-        QCOMPARE(c.value(0, u"Nombre"_s).toString(), u"Cuenta_1"_s);
-        QCOMPARE(c.value(0, u"Saldo"_s).toInt(), 12);
-        QCOMPARE(c.value(0, u"imptextos"_s).toInt(), 0);
-        QCOMPARE(c.value(0, u"remopc"_s).toInt(), 0);
-        QVERIFY(c.value(0, u"Remitente"_s).isNull());
-        QVERIFY(c.value(0, u"tini"_s).isNull());
-
-        const ResultadoConsulta o =
-            db.query(u"SELECT id, maxlote, solocontactos, imgfondo FROM opciones"_s);
-        QCOMPARE(o.recordCount(), 1);
-        QCOMPARE(o.value(0, 0).toInt(), 1);
-        QCOMPARE(o.value(0, 1).toInt(), 50);
-        QCOMPARE(o.value(0, 2).toInt(), 0);
-        QCOMPARE(o.value(0, 3).toString(), QString());
-        QVERIFY(db.query(u"SELECT dflt_value FROM pragma_table_info('opciones') "
-                         u"WHERE name='imgfondo'"_s)
-                    .value(0, 0)
-                    .isNull());
         QCOMPARE(indices(path), indices(TestDb::createCurrent(world.root() + u"/nuevo.db"_s)));
 
-        QCOMPARE(db.query(u"SELECT crem FROM HEnvios"_s).value(0, 0), QVariant());
-        QCOMPARE(db.query(u"SELECT count(*) FROM sqlite_master WHERE name='HEnvios_Registro'"_s)
-                     .value(0, 0)
-                     .toInt(),
-                 1);
-        QCOMPARE(db.query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 1);
-        QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"Ana"_s);
+        // Old rows keep their values; new columns come empty or with their
+        // defaults, and a null default stays null.
+        TestDb::openShared(path);
+        QCOMPARE(filas(u"SELECT Nombre, Saldo, imptextos, remopc, Remitente IS NULL, tini IS NULL "
+                       u"FROM Canales"_s),
+                 QStringList{u"Cuenta_1|12|0|0|1|1"_s});
+        QCOMPARE(filas(u"SELECT id, maxlote, solocontactos, coalesce(imgfondo, ''), "
+                       u"(SELECT dflt_value IS NULL FROM pragma_table_info('opciones') "
+                       u"WHERE name='imgfondo') FROM opciones"_s),
+                 QStringList{u"1|50|0||1"_s});
+        QCOMPARE(filas(u"SELECT (SELECT crem IS NULL FROM HEnvios), (SELECT count(*) FROM "
+                       u"sqlite_master WHERE name='HEnvios_Registro'), (SELECT count(*) FROM "
+                       u"envios), (SELECT Alias FROM Abonados), (SELECT TareaProgramada IS NULL "
+                       u"FROM Automaticos)"_s),
+                 QStringList{u"1|1|1|Ana|1"_s});
 
         // The old row keeps its values and gains an identity; the same contact
         // can now stand twice in one multi-send.
-        const ResultadoConsulta aa =
-            db.query(u"SELECT id_AboAuto, Automatico, Abonado, Mensaje FROM AboAuto"_s);
-        QCOMPARE(aa.recordCount(), 1);
-        QVERIFY(!aa.value(0, 0).isNull());
-        QCOMPARE(aa.value(0, 3).toString(), u"hola"_s);
-        db.exec(
+        QCOMPARE(filas(u"SELECT id_AboAuto IS NOT NULL, Mensaje FROM AboAuto"_s),
+                 QStringList{u"1|hola"_s});
+        prueba::bd().exec(
             u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (3,'0034629000000','otra')"_s);
-        QCOMPARE(db.query(u"SELECT count(*) FROM AboAuto WHERE Automatico=3"_s).value(0, 0).toInt(),
-                 2);
-
-        // New schedule columns are empty on the old multi-send.
-        QVERIFY(db.query(u"SELECT TareaProgramada FROM Automaticos"_s).value(0, 0).isNull());
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM AboAuto WHERE Automatico=3"_s), 2);
     }
 
     void secondRunChangesNothing_data() {
@@ -163,14 +141,10 @@ class TestUpgrade : public Prueba {
         }
         msActualizarBD(path);
         QVERIFY(msValidarBD(path));
-        BaseDatos db;
-        QVERIFY(db.open(path));
-        const ResultadoConsulta c = db.query(u"SELECT Remitente, tini, tfin, movil FROM Canales"_s);
-        QCOMPARE(c.value(0, 0).toString(), u"Juan"_s);
-        const ResultadoConsulta o = db.query(u"SELECT maxlote, solocontactos FROM opciones"_s);
-        QCOMPARE(o.recordCount(), 1);
-        QCOMPARE(o.value(0, 0).toInt(), 200);
-        QCOMPARE(o.value(0, 1).toInt(), 0);
+        TestDb::openShared(path);
+        QCOMPARE(filas(u"SELECT Remitente, tini, tfin, movil FROM Canales"_s),
+                 QStringList{u"Juan|||"_s});
+        QCOMPARE(filas(u"SELECT maxlote, solocontactos FROM opciones"_s), QStringList{u"200|0"_s});
     }
 
     void unopenableFileIsLeftAlone() {

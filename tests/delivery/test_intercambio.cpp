@@ -24,8 +24,7 @@ class TestIntercambio : public Prueba {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/intercambio.db"_s));
+        world.baseNueva(u"intercambio.db"_s);
         estadoAplicacion().log.clear();
     }
 

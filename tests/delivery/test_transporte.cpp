@@ -263,8 +263,7 @@ class TestTransporte : public Prueba {
         programa(u"tinyproxy"_s);
     }
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/transporte.db"_s));
+        world.baseNueva(u"transporte.db"_s);
         for (const QString& v : kVariablesProxy) qunsetenv(v.toLatin1().constData());
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Ajustes::saveSetting(u"Despliegue"_s, u"TimeoutConexion"_s, u"3"_s);

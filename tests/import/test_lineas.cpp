@@ -13,7 +13,7 @@ class TestLineas : public Prueba {
     using Prueba::Prueba;
 
   private:
-    InterfazGuionada* ui = nullptr;
+    std::optional<InterfazGuionada> ui;  // scripted answers, new for each test
 
     QString fichero() const { return world.root() + u"/lineas.txt"_s; }
 
@@ -26,11 +26,7 @@ class TestLineas : public Prueba {
   private Q_SLOTS:
     void init() {
         baseConCuentas(world);
-        ui = new InterfazGuionada;
-    }
-    void cleanup() {
-        delete ui;
-        ui = nullptr;
+        ui.emplace();
     }
 
     void lineaDeMensajes_data() {
@@ -169,12 +165,9 @@ class TestLineas : public Prueba {
     }
     void ficheros() {
         QFETCH(QByteArray, bytes);
-        QFETCH(QStringList, textos);
-        QFETCH(bool, leido);
-        QFETCH(QString, cierre);
-        QCOMPARE(importar(bytes), leido);
-        QCOMPARE(import_prueba::registro().last(), cierre);
-        QCOMPARE(filas(u"SELECT Mensaje FROM envios ORDER BY Id"_s), textos);
+        QTEST(importar(bytes), "leido");
+        QTEST(import_prueba::registro().last(), "cierre");
+        QTEST(filas(u"SELECT Mensaje FROM envios ORDER BY Id"_s), "textos");
     }
 
     void ficheroQueNoSeAbre() {
@@ -245,7 +238,6 @@ class TestLineas : public Prueba {
         QFETCH(QString, linea);
         QFETCH(QStringList, registro);
         QFETCH(QStringList, abonados);
-        QFETCH(QStringList, miembros);
         QFETCH(bool, correcta);
         prueba::lista(3, u"Clientes"_s);
         prueba::contacto(u"0034600999999"_s, u"Eva"_s, 5, u"cliente"_s);
@@ -260,7 +252,7 @@ class TestLineas : public Prueba {
                              .arg(contactos ? u"Contactos"_s : u"Mensajes"_s));
         QCOMPARE(filas(u"SELECT Codigo,Alias,Comentario FROM Abonados ORDER BY Codigo"_s),
                  abonados);
-        QCOMPARE(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), miembros);
+        QTEST(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), "miembros");
     }
 
     // What a line quotes reaches the log, and the terminal of --import,
@@ -288,10 +280,9 @@ class TestLineas : public Prueba {
     void controlesEnElRegistro() {
         QFETCH(QByteArray, linea);
         QFETCH(bool, contactos);
-        QFETCH(QString, registro);
         QFETCH(QString, guardado);
         importar(linea + "\r\n", contactos, u"-1"_s, contactos);
-        QCOMPARE(import_prueba::registro().value(0), registro);
+        QTEST(import_prueba::registro().value(0), "registro");
         for (const QString& l : estadoAplicacion().log.lines())
             QVERIFY(std::none_of(l.cbegin(), l.cend(), [](QChar c) { return c.unicode() < 32; }));
         const QString tabla =
@@ -315,10 +306,9 @@ class TestLineas : public Prueba {
     void aliasConSufijo() {
         QFETCH(QStringList, existentes);
         QFETCH(QString, alias);
-        QFETCH(QString, esperado);
         for (int i = 0; i < existentes.size(); ++i)
             prueba::contacto(u"00346000000%1"_s.arg(i, 2, 10, QChar(u'0')), existentes.at(i), 5);
-        QCOMPARE(::aliasConSufijo(alias), esperado);
+        QTEST(::aliasConSufijo(alias), "esperado");
     }
 
     void listas_data() {
@@ -358,21 +348,18 @@ class TestLineas : public Prueba {
         QFETCH(QString, lista);
         QFETCH(bool, addContactos);
         QFETCH(QStringList, nuevas);
-        QFETCH(QStringList, miembros);
         QFETCH(bool, caja);
         for (int g : existentes) prueba::lista(g, u"Existente %1"_s.arg(g));
         QVERIFY(importar("7;600123456;Hola\n", false, lista, addContactos));
         QCOMPARE(filas(u"SELECT Grupo,Nombre FROM Grupos WHERE Nombre NOT LIKE 'Existente %' "
                        u"ORDER BY Grupo"_s),
                  nuevas);
-        QCOMPARE(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), miembros);
+        QTEST(filas(u"SELECT Abonado,Grupo FROM AboGrup"_s), "miembros");
         QCOMPARE(import_prueba::registro().contains(u"Creando Nueva lista de Contactos"_s),
                  !nuevas.isEmpty() || caja);
-        QCOMPARE(ui->boxes.size(), caja ? 1 : 0);
-        if (caja) {
-            QCOMPARE(ui->boxes.at(0).text, u"No es posible añadir mas Listas"_s);
-            QCOMPARE(ui->boxes.at(0).style, 16);
-        }
+        QCOMPARE(prueba::cajas(*ui),
+                 caja ? QStringList{prueba::caja(16, u"No es posible añadir mas Listas"_s)}
+                      : QStringList());
     }
 
     void nombrePorDefectoVuelveAlLlamador() {

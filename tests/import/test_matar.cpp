@@ -1,13 +1,10 @@
 // The watched file is taken exactly once even when the program is killed:
 // a child `quelmo-sms --headless --once` imports a file of 20,000 lines and
 // is killed at random instants, then restarted until it finishes.
-#include "TestSupport.h"
+#include "AyudaImport.h"
 #include "base/Ajustes.h"
-#include "base/Conversiones.h"
 #include "db/BaseDatos.h"
 
-#include <utime.h>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -79,14 +76,8 @@ class TestMatar : public Prueba {
             for (int i = 1; i <= kLineas; ++i)
                 b += "7;600000001;" + prefijo.toUtf8() + "L'" + QByteArray::number(i) +
                      (i % 2 ? "\r\n" : "\n");
-            {
-                QFile f(vigilado());
-                QVERIFY(f.open(QIODevice::WriteOnly));
-                f.write(b);
-            }
-            struct utimbuf t {};
-            t.actime = t.modtime = ::time(nullptr) - 60;
-            ::utime(QFile::encodeName(vigilado()).constData(), &t);
+            prueba::escribir(vigilado(), b);
+            import_prueba::envejecer(vigilado());
 
             for (int intento = 0; intento < 10 && aMedias < 4; ++intento) {
                 const Estado antes = estado(prefijo);

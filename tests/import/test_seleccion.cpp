@@ -21,6 +21,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
+using prueba::caja;
+using prueba::cajas;
+using prueba::hijo;
 
 namespace {
 
@@ -35,13 +38,6 @@ class InterfazConDialogos : public InterfazGuionada {
     }
 };
 
-template <class T>
-T* hijo(QWidget* w, const QString& nombre) {
-    T* h = w->findChild<T*>(nombre);
-    if (!h) qFatal("no está %s", qPrintable(nombre));
-    return h;
-}
-
 void pulsar(QWidget* w, const QString& boton) {
     hijo<QPushButton>(w, boton)->click();
 }
@@ -49,17 +45,12 @@ void pulsar(QWidget* w, const QString& boton) {
 // Opens a registered screen and acts on it once it is up; `accion` closes it.
 void conPantalla(const QString& nombre, std::function<void(QDialog*)> accion) {
     bool hecho = false;
-    std::function<void(int)> intentar = [&](int quedan) {
-        QTimer::singleShot(10, qApp, [&, quedan] {
-            if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-                hecho = true;
-                accion(d);
-            } else if (quedan > 0) {
-                intentar(quedan - 1);
-            }
-        });
-    };
-    intentar(300);
+    prueba::alAbrirModal(
+        [&](QDialog* d) {
+            hecho = true;
+            accion(d);
+        },
+        300);
     QVERIFY(Pantallas::abrir(nombre));
     QVERIFY(hecho);
 }
@@ -76,25 +67,19 @@ QStringList visibles(QDialog* d) {
 
 }  // namespace
 
-class TestSeleccion : public QObject {
+class TestSeleccion : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestSeleccion(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
-    InterfazConDialogos* ui = nullptr;
+    std::optional<InterfazConDialogos> ui;  // new for each test
     QString base;
 
   private Q_SLOTS:
     void initTestCase() { registrarPantallasImportacion(); }
     void init() {
         base = baseConCuentas(world);
-        ui = new InterfazConDialogos;
-    }
-    void cleanup() {
-        delete ui;
-        ui = nullptr;
+        ui.emplace();
     }
 
     // Opening the screen writes nothing: the combo shows the line nearest
@@ -161,20 +146,17 @@ class TestSeleccion : public QObject {
     }
     void modos() {
         QFETCH(QString, nombre);
-        QFETCH(QString, titulo);
         QFETCH(QString, ruta);
-        QFETCH(QStringList, visibles);
-        QFETCH(bool, aceptarActivo);
         QFETCH(QString, dialogo);
         Ajustes::saveSetting(u"BD"_s, u"Path"_s, base);
         for (QString* t : {&ruta, &dialogo})
             t->replace(u"{app}"_s, directorioAplicacion()).replace(u"{base}"_s, base);
         conPantalla(nombre, [&](QDialog* d) {
-            QCOMPARE(d->windowTitle(), titulo);
+            QTEST(d->windowTitle(), "titulo");
             QCOMPARE(hijo<QLabel>(d, u"lblactual"_s)->text(), ruta);
             QCOMPARE(hijo<QLabel>(d, u"lblFichero"_s)->text(), ruta);
-            QCOMPARE(::visibles(d), visibles);
-            QCOMPARE(hijo<QPushButton>(d, u"cmdAdd"_s)->isEnabled(), aceptarActivo);
+            QTEST(::visibles(d), "visibles");
+            QTEST(hijo<QPushButton>(d, u"cmdAdd"_s)->isEnabled(), "aceptarActivo");
             QCOMPARE(hijo<QPushButton>(d, u"cmdAdd"_s)->text(), u"&Aceptar selección"_s);
             QCOMPARE(hijo<QPushButton>(d, u"cmdClose"_s)->text(), u"&Cancelar"_s);
             if (!qEnvironmentVariableIsEmpty("QUELMO_CAPTURAS"))
@@ -309,17 +291,11 @@ class TestSeleccion : public QObject {
             auto* aceptar = hijo<QPushButton>(d, u"cmdAdd"_s);
             QVERIFY(!aceptar->isEnabled());
             pulsar(d, u"XPButton1"_s);
-            QCOMPARE(ui->boxes.size(), 1);
-            QCOMPARE(ui->boxes.at(0).text, prueba);
-            QCOMPARE(ui->boxes.at(0).style, 64);
+            QCOMPARE(cajas(*ui), QStringList{caja(64, prueba)});
             QVERIFY(aceptar->isEnabled());
             aceptar->click();
         });
-        QCOMPARE(ui->boxes.size(), aviso.isEmpty() ? 1 : 2);
-        if (!aviso.isEmpty()) {
-            QCOMPARE(ui->boxes.at(1).text, aviso);
-            QCOMPARE(ui->boxes.at(1).style, 48);
-        }
+        QCOMPARE(cajas(*ui).mid(1), aviso.isEmpty() ? QStringList() : QStringList{caja(48, aviso)});
         QCOMPARE(Ajustes::getSetting(u"BD"_s, u"Path"_s), cambiada ? otra : base);
         QCOMPARE(Conexion().path(), cambiada ? otra : base);
     }

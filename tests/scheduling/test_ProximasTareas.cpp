@@ -117,13 +117,11 @@ void comprobarGuardadas(const QString& donde) {
 
 }  // namespace
 
-class TestProximasTareas : public QObject {
+class TestProximasTareas : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestProximasTareas(TestWorld& w) : world(w) {}
+    using Prueba::Prueba;
 
   private:
-    TestWorld& world;
     qint64 mono = 0;
 
   private Q_SLOTS:

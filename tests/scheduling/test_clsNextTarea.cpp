@@ -63,20 +63,15 @@ QString resultado(const clsNextTarea& t) {
 }
 }  // namespace
 
-class TestNextTarea : public QObject {
+class TestNextTarea : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestNextTarea(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void initTestCase() {
         // Dates go day first whatever the locale says.
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/calc.db"_s));
+        world.baseNueva(u"calc.db"_s);
     }
     void init() { Conexion().exec(u"DELETE FROM Automaticos"_s); }
 

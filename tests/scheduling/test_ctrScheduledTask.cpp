@@ -31,13 +31,9 @@ QString marcados(const ctrScheduledTask& c) {
 
 }  // namespace
 
-class TestCtrScheduledTask : public QObject {
+class TestCtrScheduledTask : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestCtrScheduledTask(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void startsOnTheNextFullHourAndToday() {
@@ -72,12 +68,11 @@ class TestCtrScheduledTask : public QObject {
     void weekdayBitsBothWays() {
         QFETCH(int, antes);
         QFETCH(int, escrito);
-        QFETCH(QString, dias);
         InterfazGuionada ui;
         ctrScheduledTask c;
         c.setP_Semanal_Dias(int16_t(antes));
         c.setP_Semanal_Dias(int16_t(escrito));
-        QCOMPARE(marcados(c), dias);
+        QTEST(marcados(c), "dias");
         QCOMPARE(c.p_Semanal_Dias(), escrito);
         QVERIFY(ui.boxes.isEmpty());
     }
@@ -104,11 +99,12 @@ class TestCtrScheduledTask : public QObject {
         c.chkDay[clic]->click();
         QCOMPARE(c.p_Semanal_Dias(), despues);
         QCOMPARE(cambios.count(), 1);
-        QCOMPARE(ui.boxes.size(), mensaje ? 1 : 0);
-        if (!mensaje) return;
-        QCOMPARE(ui.boxes[0].text, u"Debe de seleccionar al menos un día de la semana"_s);
-        QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
-        QCOMPARE(ui.boxes[0].style, Msg::Critical);
+        QCOMPARE(prueba::cajas(ui),
+                 mensaje
+                     ? QStringList{prueba::caja(
+                           Msg::Critical, u"Debe de seleccionar al menos un día de la semana"_s)}
+                     : QStringList());
+        if (mensaje) QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
     }
 
     void endDateAndItsBox_data() {
@@ -195,9 +191,9 @@ class TestCtrScheduledTask : public QObject {
         }
         QCOMPARE(cambios.count(), 1);
         QCOMPARE(ui.boxes.size(), mensaje.isEmpty() ? 0 : 1);
-        if (mensaje.isEmpty()) return;
-        QCOMPARE(ui.boxes[0].text, mensaje);
-        QCOMPARE(ui.boxes[0].title, u"Error - Entrada de datos"_s);
+        if (!mensaje.isEmpty())
+            QCOMPARE(ui.boxes[0].title + u' ' + ui.boxes[0].text,
+                     u"Error - Entrada de datos "_s + mensaje);
     }
 
     void numberPickBounds_data() {
@@ -216,7 +212,6 @@ class TestCtrScheduledTask : public QObject {
     void numberPickBounds() {
         QFETCH(QString, inicial);
         QFETCH(QString, teclas);
-        QFETCH(QString, texto);
         QFETCH(int, cambios);
         ctrNumberPick n;
         n.setMinValue(1);
@@ -235,7 +230,7 @@ class TestCtrScheduledTask : public QObject {
                 QTest::keyClicks(n.txtNumber, QString(t));
             }
         }
-        QCOMPARE(n.Valor(), texto);
+        QTEST(n.Valor(), "texto");
         QCOMPARE(spy.count(), cambios);
     }
 
@@ -295,7 +290,6 @@ class TestCtrScheduledTask : public QObject {
     }
     void descriptionLines() {
         QFETCH(QString, propiedades);
-        QFETCH(QString, texto);
         RelojFijo reloj(QDateTime(QDate(2006, 3, 1), QTime(8, 0)));
         InterfazGuionada ui;
         ctrScheduledTask c;
@@ -319,7 +313,7 @@ class TestCtrScheduledTask : public QObject {
             if (k == u"anualdia") c.setP_Anual_Dia(int16_t(n));
             if (k == u"anualmes") c.setP_Anual_Mes(int16_t(n));
         }
-        QCOMPARE(c.Descripcion(), texto);
+        QTEST(c.Descripcion(), "texto");
         QVERIFY(ui.boxes.isEmpty());
     }
 };

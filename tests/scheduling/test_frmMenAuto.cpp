@@ -1,13 +1,10 @@
 // The list of multi-sends: what each line shows of its schedule, adding
 // with the proposed name, editing, deleting, and the entries that open it.
 #include "AyudaProgramacion.h"
-#include "base/Pantallas.h"
-#include "scheduling/PantallasProgramacion.h"
 #include "scheduling/ProximasTareas.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "scheduling/frmMenAuto.h"
 #include "scheduling/frmNewMenAuto2.h"
-#include "widgets/PantallasHijas.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -37,18 +34,13 @@ void recipiente(int automatico, const QString& numero) {
 
 }  // namespace
 
-class TestFrmMenAuto : public QObject {
+class TestFrmMenAuto : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestFrmMenAuto(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/lista.db"_s));
+        world.baseNueva(u"lista.db"_s);
         contacto(u"0034600000001"_s, u"Ana"_s, 0);
     }
 
@@ -211,14 +203,6 @@ class TestFrmMenAuto : public QObject {
         p.cmdDelete->click();
         QCOMPARE(p.ListView1->modelo()->rowCount(), 0);
         QVERIFY(ui.boxes.isEmpty());
-    }
-
-    void theListIsRegisteredByName() {
-        registrarPantallasProgramacion();
-        QVERIFY(Pantallas::abrir(u"frmMenAuto"_s));
-        QVERIFY(PantallasHijas::isLoaded<frmMenAuto>());
-        QCOMPARE(PantallasHijas::instance<frmMenAuto>()->windowTitle(), u"Mensajes Programados"_s);
-        PantallasHijas::instance<frmMenAuto>()->close();
     }
 };
 

@@ -67,18 +67,13 @@ QStringList filas(const frmNewMenAuto2& e) {
 
 }  // namespace
 
-class TestFrmNewMenAuto2 : public QObject {
+class TestFrmNewMenAuto2 : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestFrmNewMenAuto2(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/editor.db"_s));
+        world.baseNueva(u"editor.db"_s);
         contacto(u"0034600000001"_s, u"Ana"_s, 0);
         contacto(u"0034600000002"_s, u"Bea"_s, 1);
         contacto(u"0034600000003"_s, u"Carla"_s, 0);
@@ -121,13 +116,12 @@ class TestFrmNewMenAuto2 : public QObject {
     }
     void loadingMapsColumnsOntoTheControl() {
         QFETCH(QString, columnas);
-        QFETCH(QString, propiedades);
         RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(5, columnas);
         InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(5);
-        QCOMPARE(propiedadesDe(e.ctrScheduledTask1), propiedades);
+        QTEST(propiedadesDe(e.ctrScheduledTask1), "propiedades");
         QVERIFY(e.optTask[1]->isChecked());
         QVERIFY(e.ctrScheduledTask1->isEnabled());
         QCOMPARE(e.lblTarea->text(), e.ctrScheduledTask1->Descripcion());
@@ -161,7 +155,6 @@ class TestFrmNewMenAuto2 : public QObject {
     }
     void closingStoresTheKindsOwnColumns() {
         QFETCH(QString, cambios);
-        QFETCH(QString, columnas);
         RelojFijo reloj(en(u"15/03/2006 08:00"_s));
         programa(3,
                  u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=20 MensualNumSemana=2 "
@@ -187,7 +180,7 @@ class TestFrmNewMenAuto2 : public QObject {
             if (k == u"fin") c->setP_Fecha_Fin(d);
         }
         e.XPButton2->click();
-        QCOMPARE(columnasDe(3), columnas);
+        QTEST(columnasDe(3), "columnas");
         QCOMPARE(cuantos(u"select TareaProgramada from Automaticos where Codigo = 3"_s), 1);
         QVERIFY(ui.boxes.isEmpty());
     }
