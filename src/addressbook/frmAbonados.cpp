@@ -6,6 +6,7 @@
 #include "base/EstadoAplicacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
@@ -130,10 +131,12 @@ void frmAbonados::cmdEdit_Click() {
 
 void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
     for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos}) b->setEnabled(false);
-    // Each failure has had its own box; the summary tells the successes only.
+    // Each failure has its own box; the summary tells the successes only.
     QPointer<frmAbonados> pantalla(this);
-    auto alTerminar = [pantalla](int borrados) {
-        ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados), Msg::Information);
+    auto alTerminar = [pantalla](const ContactosBorrados& borrados) {
+        for (const Hecho& fallo : borrados.fallos) mostrar(fallo);
+        ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados.cuantos),
+                    Msg::Information);
         if (!pantalla) return;
         for (QPushButton* b :
              {pantalla->cmdAdd, pantalla->cmdEdit, pantalla->cmdDelete, pantalla->cmdDeletetodos})
@@ -147,8 +150,7 @@ void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
 }
 
 void frmAbonados::cmdDelete_Click() {
-    if (ui().msgBox(u"Esta a punto de eliminar los Contactos Seleccionados, ¿esta seguro?"_s,
-                    Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
+    if (!confirmar(u"Esta a punto de eliminar los Contactos Seleccionados, ¿esta seguro?"_s))
         return;
     const QList<int> filas = ListView1->filasSeleccionadas();
     QStringList codigos;
@@ -159,8 +161,6 @@ void frmAbonados::cmdDelete_Click() {
 }
 
 void frmAbonados::cmdDeletetodos_Click() {
-    if (ui().msgBox(u"¿Quiere eliminar TODOS sus Contactos?"_s,
-                    Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2) != Msg::Yes)
-        return;
+    if (!confirmar(u"¿Quiere eliminar TODOS sus Contactos?"_s)) return;
     borrarFilas({}, true);
 }

@@ -3,8 +3,10 @@
 #include "addressbook/frmUserGroup.h"
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -96,26 +98,47 @@ void frmGrupos::abrirMiembros(const QString& nombre, int16_t grupo) {
 }
 
 void frmGrupos::cmdAdd_Click() {
-    QString nombre;
-    const int grupo = msAltaLista(&nombre);
-    // A new list gets its members at once.
-    if (grupo >= 0) abrirMiembros(nombre, int16_t(grupo));
+    const QString nombre =
+        ui().inputBox(u"Inserte un nombre para la nueva Lista"_s, u"Alta de Listas"_s, QString());
+    if (!nombre.isEmpty()) {
+        const Resultado<int> grupo = msAltaLista(nombre);
+        // A new list gets its members at once.
+        if (mostrar(grupo)) abrirMiembros(nombre, int16_t(*grupo));
+    }
     msAbrirListas();
 }
 
 void frmGrupos::cmdEdit_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    msRenombrarLista(int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))),
-                     textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
+    const QString actual = textoDe(adoPrimaryRS.value(f, u"Nombre"_s));
+    const QString nombre =
+        ui().inputBox(u"Inserte el nuevo nombre para la Lista"_s, u"Edicion de Lista"_s, actual);
+    if (!nombre.isEmpty())
+        mostrar(
+            msRenombrarLista(int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))), actual, nombre));
     msAbrirListas();
 }
 
 void frmGrupos::cmdDelete_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    msBorrarLista(int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s))),
-                  textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
+    const auto grupo = int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s)));
+    const QString nombre = textoDe(adoPrimaryRS.value(f, u"Nombre"_s));
+    long long miembros = 0;
+    try {
+        miembros = miembrosDeLista(grupo);
+    } catch (const ErrorBD&) {
+        // Errors are ignored here, as in the lists' other routines.
+        msAbrirListas();
+        return;
+    }
+    // The question names the members when there are any.
+    if (confirmar(miembros > 0 ? u"La Lista   '"_s + nombre +
+                                     u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s
+                               : u"Esta a punto de eliminar la Lista   '"_s + nombre +
+                                     u"'   , ¿esta seguro ?"_s))
+        msBorrarLista(grupo);
     msAbrirListas();
 }
 

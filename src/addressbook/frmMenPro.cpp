@@ -2,8 +2,10 @@
 
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
+#include "base/EstadoAplicacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -68,20 +70,28 @@ int frmMenPro::filaElegida() const {
 }
 
 void frmMenPro::cmdAdd_Click() {
-    msAltaMensaje();
+    const QString texto = ui().inputBox(u"Inserte el texto para el nuevo mensaje"_s,
+                                        u"Alta de Mensajes Programados"_s, QString());
+    if (texto.isEmpty()) return;
+    mostrar(msAltaMensaje(texto));
     requery();
 }
 
 void frmMenPro::cmdEdit_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    if (msCambiarMensaje(int(numeroDe(adoPrimaryRS.value(f, u"Mensaje"_s))),
-                         textoDe(adoPrimaryRS.value(f, u"Texto"_s))))
-        requery();
+    const QString texto =
+        ui().inputBox(u"Inserte el nuevo texto para el mensaje"_s, u"Edicion de Mensajes"_s,
+                      textoDe(adoPrimaryRS.value(f, u"Texto"_s)));
+    if (texto.isEmpty()) return;
+    const Resultado<bool> cambiado =
+        msCambiarMensaje(int(numeroDe(adoPrimaryRS.value(f, u"Mensaje"_s))), texto);
+    if (mostrar(cambiado) && *cambiado) requery();
 }
 
 void frmMenPro::cmdDelete_Click() {
     const int f = filaElegida();
     if (f < 0) return;
+    if (!confirmar(u"Esta a punto de eliminar un Mensaje, esta seguro ?"_s)) return;
     if (msBorrarMensaje(int(numeroDe(adoPrimaryRS.value(f, u"Mensaje"_s))))) requery();
 }

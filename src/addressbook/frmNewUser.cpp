@@ -3,6 +3,7 @@
 #include "addressbook/mdoAgenda.h"
 #include "base/Conversiones.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QComboBox>
@@ -146,5 +147,5 @@ bool frmNewUser::mbGuardarContacto() {
     for (int r = 0; r < entradas.size(); ++r)
         if (lstGrupos->selectionModel()->isSelected(m_listas->index(r)))
             f.listas.append(entradas.at(r));
-    return ::mbGuardarContacto(f);
+    return mostrar(::mbGuardarContacto(f));
 }

@@ -19,7 +19,8 @@ class frmNewUser : public QDialog {
 
     // Fills the lists and the accounts; false when there is no account.
     bool msLoad();
-    // Saves what the fields hold; true when it was stored.
+    // Saves what the fields hold; true when it was stored, else the user
+    // has been told why.
     bool mbGuardarContacto();
     // Puts the screen in edit mode for an existing contact (before msLoad).
     void prepararEdicion(const QString& codigo, int16_t canal, const QString& alias,

@@ -2,8 +2,10 @@
 
 #include "addressbook/mdoPublicar.h"
 #include "base/EstadoAplicacion.h"
+#include "db/Conexion.h"
 #include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QApplication>
@@ -90,7 +92,9 @@ frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
 
 void frmSubirListaWeb::msCargarCanales() {
     ImageCombo1->clear();
-    for (const CuentaPublicacion& c : msCuentasPublicacion()) {
+    const Resultado<QList<CuentaPublicacion>> cuentas = msCuentasPublicacion();
+    if (!mostrar(cuentas)) return;
+    for (const CuentaPublicacion& c : *cuentas) {
         ImageCombo1->addItem(iconoQuelmo(u"cuentas"_s), c.texto, c.clave);
         if (c.principal) ImageCombo1->setCurrentIndex(ImageCombo1->count() - 1);
     }
@@ -98,10 +102,19 @@ void frmSubirListaWeb::msCargarCanales() {
 
 void frmSubirListaWeb::msCargarDatos(int16_t grupo) {
     m_grupo = grupo;
-    QString nombre, cuantos;
-    if (!msDatosLista(grupo, &nombre, &cuantos)) return;
-    Nombre->setText(nombre);
-    contactos->setText(cuantos);
+    std::optional<DatosLista> datos;
+    try {
+        datos = leerDatosLista(grupo);
+    } catch (const ErrorQuelmo& e) {
+        if (e.number() == ErrNum::ItemNotFound)
+            msBaseNoValida();
+        else
+            mostrar(Hecho::no(u"Encontrado Error: "_s + e.description(), Msg::Exclamation));
+        return;
+    }
+    if (!datos) return;
+    Nombre->setText(datos->nombre);
+    contactos->setText(datos->contactos);
 }
 
 QCoro::Task<> frmSubirListaWeb::cmdPublicar_Click() {
@@ -118,9 +131,22 @@ QCoro::Task<> frmSubirListaWeb::cmdPublicar_Click() {
     const Intercambio::Encargo encargo(this);
     setCursor(Qt::BusyCursor);
     setEnabled(false);
-    co_await msPublicarLista(u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked(),
-                             encargo.cancelacion());
+    const ResultadoPublicacion r = co_await msPublicarLista(
+        u"U"_s, m_grupo, ltag->text(), canal, nborrar->isChecked(), encargo.cancelacion());
+    // Closed meanwhile: the answer has no screen to be told on.
     if (encargo.abandonada()) co_return;
+    const QString titulo = u"Publicación de lista"_s;
+    if (r.correcta)
+        ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
+                        r.CADD + u"\nContactos Actualizados: "_s + r.CUP + u"\nErrores : "_s +
+                        r.CERR +
+                        u"\n\nPuede comprobar sus listas en el menú /Contactos y Listas/Listas "
+                        u"Web."_s,
+                    Msg::Information, titulo);
+    else
+        mostrar(Hecho::no(u"FALLO en la Publicación de Lista"_s +
+                          (r.causa.isEmpty() ? QString() : u"\n"_s + r.causa)),
+                titulo);
     setEnabled(true);
     unsetCursor();
 }

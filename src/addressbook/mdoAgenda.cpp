@@ -2,8 +2,8 @@
 
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
-#include "base/EstadoAplicacion.h"
 #include "base/Movil.h"
+#include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 
 #include <sqlite3.h>
@@ -17,19 +17,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
-
 BaseDatos& bd() {
     return Conexion();
 }
 
-// Undoes a savepoint after a failure; the failure has already been told.
+// Undoes a savepoint after a failure; the failure is the caller's to report.
 void deshacer(const QString& nombre) {
     try {
         bd().rollbackTo(nombre);
         bd().release(nombre);
     } catch (const ErrorBD&) {
-        // Already told; a savepoint the engine no longer has leaves nothing to undo.
+        // A savepoint the engine no longer has leaves nothing to undo.
     }
 }
 
@@ -39,58 +37,49 @@ bool esClaveRepetida() {
     return h && (sqlite3_extended_errcode(h) & 0xff) == SQLITE_CONSTRAINT;
 }
 
+// What the editor says of a failure of the engine.
+Hecho inesperado(const ErrorBD& e) {
+    return Hecho::no(u"Error inesperado:\n"_s + e.description());
+}
+
 }  // namespace
 
 // ---- Contacts --------------------------------------------------------------
 
-bool msComprobarNumeroContacto(const QString& numero) {
+Hecho msComprobarNumeroContacto(const QString& numero) {
     const QString motivo = Movil::motivo(Movil::leer(Movil::Via::Contacto, numero).fallo);
-    if (motivo.isEmpty()) return true;
-    ui().msgBox(motivo +
-                    u"\nAtención, el formato del Número de Móvil, no es correcto "
-                    u"\nRecuerde, que el formato debe incluir el código internacional del "
-                    u"Número de Móvil\nEjemplo : para España (0034)629000000, el Número "
-                    u"sería 0034629000000"_s,
-                Msg::Critical);
-    return false;
+    if (motivo.isEmpty()) return {};
+    return Hecho::no(motivo +
+                     u"\nAtención, el formato del Número de Móvil, no es correcto "
+                     u"\nRecuerde, que el formato debe incluir el código internacional del "
+                     u"Número de Móvil\nEjemplo : para España (0034)629000000, el Número "
+                     u"sería 0034629000000"_s);
 }
 
-bool mbDatosCompletos(const FichaContacto& ficha) {
+Hecho mbDatosCompletos(const FichaContacto& ficha) {
     // Nothing is trimmed: a blank counts as data.
-    if (ficha.codigo.isEmpty()) {
-        ui().msgBox(u"El Número de Móvil debe de contener datos"_s, Msg::Critical);
-        return false;
-    }
-    if (ficha.alias.isEmpty()) {
-        ui().msgBox(u"El Nombre del Contacto debe de contener datos"_s, Msg::Critical);
-        return false;
-    }
-    if (ficha.cuenta.isEmpty()) {
-        ui().msgBox(u"Debe seleccionar una Cuenta para este Contacto"_s, Msg::Critical);
-        return false;
-    }
-    return true;
+    if (ficha.codigo.isEmpty()) return Hecho::no(u"El Número de Móvil debe de contener datos"_s);
+    if (ficha.alias.isEmpty()) return Hecho::no(u"El Nombre del Contacto debe de contener datos"_s);
+    if (ficha.cuenta.isEmpty())
+        return Hecho::no(u"Debe seleccionar una Cuenta para este Contacto"_s);
+    return {};
 }
 
-bool mbGuardarContacto(const FichaContacto& ficha) {
-    if (!mbDatosCompletos(ficha)) return false;
+Hecho mbGuardarContacto(const FichaContacto& ficha) {
+    if (Hecho h = mbDatosCompletos(ficha); !h) return h;
     // Destinations are separated by ";", so an alias can't hold one.
-    if (ficha.alias.contains(u';')) {
-        ui().msgBox(
+    if (ficha.alias.contains(u';'))
+        return Hecho::no(
             u"Atención, el formato del Nombre de Contacto, contiene el caracter [;] y no "
-            u"esta permitido"_s,
-            Msg::Critical);
-        return false;
-    }
+            u"esta permitido"_s);
     const int16_t canal = ficha.canal;
-    if (!msComprobarNumeroContacto(ficha.codigo)) return false;
+    if (Hecho h = msComprobarNumeroContacto(ficha.codigo); !h) return h;
 
     const QString sp = u"contacto"_s;
     try {
         bd().savepoint(sp);
     } catch (const ErrorBD& e) {
-        ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
-        return false;
+        return inesperado(e);
     }
     try {
         if (ficha.nuevo)
@@ -102,37 +91,25 @@ bool mbGuardarContacto(const FichaContacto& ficha) {
     } catch (const ErrorBD& e) {
         const bool repetido = esClaveRepetida();
         deshacer(sp);
-        if (repetido)
-            ui().msgBox(u"Error Añadiendo datos, el Contacto ya existe"_s, Msg::Critical);
-        else
-            ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
-        return false;
-    }
-    if (!mbGuardarListas(ficha.codigo, ficha.listas)) {
-        deshacer(sp);
-        return false;
+        if (repetido) return Hecho::no(u"Error Añadiendo datos, el Contacto ya existe"_s);
+        return inesperado(e);
     }
     try {
+        mbGuardarListas(ficha.codigo, ficha.listas);
         bd().release(sp);
     } catch (const ErrorBD& e) {
         deshacer(sp);
-        ui().msgBox(u"Error inesperado:\n"_s + e.description(), Msg::Critical);
-        return false;
+        return inesperado(e);
     }
     Q_EMIT Avisos::instancia().contactosCambiados();
-    return true;
+    return {};
 }
 
-bool mbGuardarListas(const QString& codigo, const QStringList& entradas) {
-    try {
-        bd().exec(u"Delete from AboGrup where Abonado = ?"_s, {codigo});
-        for (const QString& entrada : entradas)
-            bd().exec(u"Insert into AboGrup (Abonado,Grupo) Values (?,?)"_s,
-                      {codigo, grupoDeEntrada(entrada)});
-    } catch (const ErrorBD&) {
-        return false;
-    }
-    return true;
+void mbGuardarListas(const QString& codigo, const QStringList& entradas) {
+    bd().exec(u"Delete from AboGrup where Abonado = ?"_s, {codigo});
+    for (const QString& entrada : entradas)
+        bd().exec(u"Insert into AboGrup (Abonado,Grupo) Values (?,?)"_s,
+                  {codigo, grupoDeEntrada(entrada)});
 }
 
 bool mbEstaEnLista(const QString& codigo, int16_t grupo) {
@@ -152,7 +129,7 @@ int16_t grupoDeEntrada(const QString& entrada) {
     return int16_t(numeroDe(numero));
 }
 
-bool mbBorrarContacto(const QString& codigo) {
+Hecho mbBorrarContacto(const QString& codigo) {
     const QString sp = u"borrarcontacto"_s;
     try {
         bd().savepoint(sp);
@@ -162,13 +139,12 @@ bool mbBorrarContacto(const QString& codigo) {
         bd().release(sp);
     } catch (const ErrorBD& e) {
         deshacer(sp);
-        ui().msgBox(e.description());
-        return false;
+        return Hecho::no(e.description(), Msg::OkOnly);
     }
-    return true;
+    return {};
 }
 
-int msBorrarContactos(const QStringList& codigos) {
+ContactosBorrados msBorrarContactos(const QStringList& codigos) {
     // The outer savepoint only saves a disk sync per contact when thousands
     // go at once; without it each contact still goes on its own.
     const QString sp = u"borrarcontactos"_s;
@@ -178,9 +154,14 @@ int msBorrarContactos(const QStringList& codigos) {
     } catch (const ErrorBD&) {
         exterior = false;
     }
-    int borrados = 0;
-    for (const QString& codigo : codigos)
-        if (mbBorrarContacto(codigo)) ++borrados;
+    ContactosBorrados borrados;
+    for (const QString& codigo : codigos) {
+        Hecho h = mbBorrarContacto(codigo);
+        if (h)
+            ++borrados.cuantos;
+        else
+            borrados.fallos.append(std::move(h));
+    }
     if (exterior) {
         try {
             bd().release(sp);
@@ -228,31 +209,30 @@ constexpr int kContactosPorBloque = 5000;
 // Runs `sentencias` in one transaction; how many contacts went (`borrados`
 // when given, else the changes of the last statement). When the block
 // fails it is undone and its contacts (`codigos` of the block) go one by
-// one, each failure with its own box, as they would without blocks.
-int borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
-                 const std::function<QStringList()>& codigos, int borrados = -1) {
+// one, each failure reported on its own, as they would without blocks.
+ContactosBorrados borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
+                               const std::function<QStringList()>& codigos, int borrados = -1) {
     const QString sp = u"bloquecontactos"_s;
     try {
         bd().savepoint(sp);
         int n = 0;
         for (const auto& [sql, params] : sentencias) n = bd().exec(sql, params);
         bd().release(sp);
-        return borrados >= 0 ? borrados : n;
+        return {borrados >= 0 ? borrados : n, {}};
     } catch (const ErrorBD&) {
         deshacer(sp);
     }
     try {
         return msBorrarContactos(codigos());
     } catch (const ErrorBD& e) {
-        ui().msgBox(e.description());
-        return 0;
+        return {0, {Hecho::no(e.description(), Msg::OkOnly)}};
     }
 }
 
-// Runs `bloque` (it returns how many went, and false in `quedan` when it
+// Runs `bloque` (it returns what it did, and false in `quedan` when it
 // was the last) now and then once per turn of the event loop until done.
-void porBloques(std::function<int(bool& quedan)> bloque, int borrados,
-                std::function<void(int)> alTerminar) {
+void porBloques(std::function<ContactosBorrados(bool& quedan)> bloque, ContactosBorrados borrados,
+                std::function<void(const ContactosBorrados&)> alTerminar) {
     bool quedan = false;
     borrados += bloque(quedan);
     if (quedan) {
@@ -299,7 +279,7 @@ std::function<QStringList()> codigosDonde(const QString& donde, const QVariantLi
 }  // namespace
 
 void msBorrarContactosPorBloques(const QStringList& codigos,
-                                 std::function<void(int borrados)> alTerminar) {
+                                 std::function<void(const ContactosBorrados&)> alTerminar) {
     const QString donde = u"Abonados.Codigo IN (SELECT value FROM json_each(?))"_s;
     qsizetype desde = 0;
     porBloques(
@@ -311,7 +291,7 @@ void msBorrarContactosPorBloques(const QStringList& codigos,
             quedan = desde < codigos.size();
             return borrarBloque(borrarDonde(donde, {lista}), codigosDonde(donde, {lista}));
         },
-        0, std::move(alTerminar));
+        {}, std::move(alTerminar));
 }
 
 namespace {
@@ -322,7 +302,7 @@ QString contactoVisible(const QString& tabla) {
 }
 }  // namespace
 
-void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
+void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alTerminar) {
     const QString visibles =
         u"(SELECT Codigo FROM Abonados WHERE Canal IN (SELECT Canal FROM Canales))"_s;
     int borrados = 0;
@@ -331,8 +311,7 @@ void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
             int(contar(u"SELECT count(*) FROM Abonados WHERE Canal IN (SELECT Canal FROM "
                        u"Canales)"_s));
     } catch (const ErrorBD& e) {
-        ui().msgBox(e.description());
-        if (alTerminar) alTerminar(0);
+        if (alTerminar) alTerminar({0, {Hecho::no(e.description(), Msg::OkOnly)}});
         return;
     }
     // What stays (contacts of a missing account, memberships and
@@ -371,7 +350,7 @@ void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar) {
         [sentencias, visibles, borrados](bool&) {
             return borrarBloque(sentencias, codigosDonde(u"Codigo IN "_s + visibles, {}), borrados);
         },
-        0, std::move(alTerminar));
+        {}, std::move(alTerminar));
 }
 
 ResultadoConsulta abrirCuentas() {
@@ -398,15 +377,12 @@ ResultadoConsulta abrirListasConContactos() {
         u"Contactos FROM Grupos order by nombre COLLATE REGLA_LISTAS"_s);
 }
 
-int msAltaLista(QString* nombreDado) {
-    const QString nombre =
-        ui().inputBox(u"Inserte un nombre para la nueva Lista"_s, u"Alta de Listas"_s, QString());
-    if (nombreDado) *nombreDado = nombre;
-    if (nombre.isEmpty()) return -1;
-    if (nombre.size() > kMaxNombreLista) {
-        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
-        return -1;
-    }
+namespace {
+const QString kNombreGrande = u"El nombre introducido es demasiado grande"_s;
+}  // namespace
+
+Resultado<int> msAltaLista(const QString& nombre) {
+    if (nombre.size() > kMaxNombreLista) return Hecho::no(kNombreGrande);
     int grupo = 0;
     try {
         const QVariant maximo = bd().query(u"Select Max(Grupo) From Grupos"_s).value(0, 0);
@@ -415,53 +391,37 @@ int msAltaLista(QString* nombreDado) {
             // below the highest aren't handed out again.
             const long long mayor = numeroDe(maximo);
             grupo = int(mayor + 1);
-            if (mayor > kMaxGrupo) {
-                ui().msgBox(u"No es posible añadir mas Listas"_s, Msg::Critical);
-                return -1;
-            }
-            if (grupo > kMaxGrupo) {
-                ui().msgBox(u"Debe especificar un numero de Lista inferior"_s, Msg::Critical);
-                return -1;
-            }
+            if (mayor > kMaxGrupo) return Hecho::no(u"No es posible añadir mas Listas"_s);
+            if (grupo > kMaxGrupo)
+                return Hecho::no(u"Debe especificar un numero de Lista inferior"_s);
         }
         bd().exec(u"Insert into Grupos (Grupo, Nombre) values (?,?)"_s, {grupo, nombre});
     } catch (const ErrorBD&) {
-        ui().msgBox(u"El numero de Lista ya existe"_s, Msg::Critical);
-        return -1;
+        // Whatever the cause, these are the words the user has always had.
+        return Hecho::no(u"El numero de Lista ya existe"_s);
     }
     return grupo;
 }
 
-void msRenombrarLista(int16_t grupo, const QString& actual) {
-    const QString nombre =
-        ui().inputBox(u"Inserte el nuevo nombre para la Lista"_s, u"Edicion de Lista"_s, actual);
-    if (nombre.isEmpty()) return;
-    if (nombre.size() > kMaxNombreLista) {
-        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
-        return;
-    }
+Resultado<bool> msRenombrarLista(int16_t grupo, const QString& actual, const QString& nombre) {
+    if (nombre.size() > kMaxNombreLista) return Hecho::no(kNombreGrande);
     try {
         bd().exec(u"Update Grupos Set Nombre = ? where Grupo = ?"_s, {nombre, grupo});
     } catch (const ErrorBD& e) {
         msLog(u"No se pudo renombrar la Lista "_s + actual + u": "_s + e.description());
+        return false;
     }
+    return true;
 }
 
-bool msBorrarLista(int16_t grupo, const QString& nombre) {
+long long miembrosDeLista(int16_t grupo) {
+    return numeroDe(
+        bd().query(u"select count(*) from AboGrup where Grupo = ?"_s, {grupo}).value(0, 0));
+}
+
+bool msBorrarLista(int16_t grupo) {
     try {
-        const long long miembros = numeroDe(
-            bd().query(u"select count(*) from AboGrup where Grupo = ?"_s, {grupo}).value(0, 0));
-        if (miembros > 0) {
-            if (ui().msgBox(u"La Lista   '"_s + nombre +
-                                u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s,
-                            kPregunta) != Msg::Yes)
-                return false;
-            bd().exec(u"delete from AboGrup where Grupo = ?"_s, {grupo});
-        } else if (ui().msgBox(u"Esta a punto de eliminar la Lista   '"_s + nombre +
-                                   u"'   , ¿esta seguro ?"_s,
-                               kPregunta) != Msg::Yes) {
-            return false;
-        }
+        bd().exec(u"delete from AboGrup where Grupo = ?"_s, {grupo});
         bd().exec(u"delete from Grupos where Grupo = ?"_s, {grupo});
     } catch (const ErrorBD&) {
         return false;
@@ -518,33 +478,22 @@ QStringList leerTextosPredefinidos() {
     return textos;
 }
 
-bool msAltaMensaje() {
-    const QString texto = ui().inputBox(u"Inserte el texto para el nuevo mensaje"_s,
-                                        u"Alta de Mensajes Programados"_s, QString());
-    if (texto.isEmpty()) return false;
-    if (texto.size() > kMaxTextoPredefinido) {
-        ui().msgBox(u"El nombre introducido es demasiado grande"_s, Msg::Critical);
-        return false;
-    }
+Hecho msAltaMensaje(const QString& texto) {
+    // "nombre": the words of this routine, not of the change below.
+    if (texto.size() > kMaxTextoPredefinido) return Hecho::no(kNombreGrande);
     try {
         const QVariant siguiente = bd().query(u"Select Max(Mensaje)+1 From MenPro"_s).value(0, 0);
         bd().exec(u"Insert into menpro (Mensaje, Texto) values (?,?)"_s,
                   {siguiente.isNull() ? 0LL : numeroDe(siguiente), texto});
     } catch (const ErrorBD&) {
-        ui().msgBox(u"El numero de Mensaje ya existe"_s, Msg::Critical);
-        return false;
+        return Hecho::no(u"El numero de Mensaje ya existe"_s);
     }
-    return true;
+    return {};
 }
 
-bool msCambiarMensaje(int mensaje, const QString& actual) {
-    QString texto = ui().inputBox(u"Inserte el nuevo texto para el mensaje"_s,
-                                  u"Edicion de Mensajes"_s, actual);
-    if (texto.isEmpty()) return false;
-    if (texto.size() > kMaxTextoPredefinido) {
-        ui().msgBox(u"El texto introducido es demasiado grande"_s, Msg::Critical);
-        return false;
-    }
+Resultado<bool> msCambiarMensaje(int mensaje, QString texto) {
+    if (texto.size() > kMaxTextoPredefinido)
+        return Hecho::no(u"El texto introducido es demasiado grande"_s);
     // Texts changed here never carry a straight apostrophe.
     texto.replace(u'\'', u'´');
     try {
@@ -556,8 +505,6 @@ bool msCambiarMensaje(int mensaje, const QString& actual) {
 }
 
 bool msBorrarMensaje(int mensaje) {
-    if (ui().msgBox(u"Esta a punto de eliminar un Mensaje, esta seguro ?"_s, kPregunta) != Msg::Yes)
-        return false;
     try {
         bd().exec(u"delete from MenPro where Mensaje = ?"_s, {mensaje});
     } catch (const ErrorBD&) {

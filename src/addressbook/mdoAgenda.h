@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Hecho.h"
 #include "db/BaseDatos.h"
 #include "db/ListaPaginada.h"
 
@@ -11,13 +12,14 @@
 #include <optional>
 
 // The address book's logic: contacts, lists and predefined texts. The
-// screens of this folder read their fields into these routines; every
-// question and message goes through ui().
+// screens of this folder read their fields, and the user's answers to their
+// questions and input boxes, into these routines; a routine says what it
+// refused and why (Hecho), and the screen decides what to show.
 
 // ---- Contacts --------------------------------------------------------------
 
-// The number rule with its message box; true when the number is good.
-bool msComprobarNumeroContacto(const QString& numero);
+// The number rule; a refusal carries the editor's whole explanation.
+Hecho msComprobarNumeroContacto(const QString& numero);
 
 // What the contact editor holds when the user saves.
 struct FichaContacto {
@@ -30,26 +32,37 @@ struct FichaContacto {
     QStringList listas;  // the texts of the selected list entries
 };
 
-bool mbDatosCompletos(const FichaContacto& ficha);
-// Saves the contact and its memberships in one transaction; tells the user
-// why when it doesn't.
-bool mbGuardarContacto(const FichaContacto& ficha);
+// The first of number, name and account that is missing.
+Hecho mbDatosCompletos(const FichaContacto& ficha);
+// Checks the fields in the editor's order and saves the contact and its
+// memberships in one transaction; why not when it doesn't.
+Hecho mbGuardarContacto(const FichaContacto& ficha);
 // Rewrites the contact's memberships from the selected entries of the
-// editor; runs inside mbGuardarContacto's transaction. False when a
-// statement failed.
-bool mbGuardarListas(const QString& codigo, const QStringList& entradas);
+// editor; runs inside mbGuardarContacto's transaction. Throws ErrorBD.
+void mbGuardarListas(const QString& codigo, const QStringList& entradas);
 bool mbEstaEnLista(const QString& codigo, int16_t grupo);
 // The entry of a list in the editor ("000 - Nombre") and its number back.
 QString entradaLista(int grupo, const QString& nombre);
 int16_t grupoDeEntrada(const QString& entrada);
 
 // Removes a contact with its memberships and multi-send rows; the outbox
-// and the history keep their rows for the number.
-bool mbBorrarContacto(const QString& codigo);
-// Removes the contacts one by one, each in its own nested transaction
-// (a failure has its box and leaves the others going); returns how many
-// went.
-int msBorrarContactos(const QStringList& codigos);
+// and the history keep their rows for the number. A refusal carries the
+// engine's words.
+Hecho mbBorrarContacto(const QString& codigo);
+// What a delete of many contacts did: how many went, and each failure in
+// the order met (the screen shows them before its summary).
+struct ContactosBorrados {
+    int cuantos = 0;
+    QList<Hecho> fallos;
+    ContactosBorrados& operator+=(const ContactosBorrados& otro) {
+        cuantos += otro.cuantos;
+        fallos += otro.fallos;
+        return *this;
+    }
+};
+// Removes the contacts one by one, each in its own nested transaction: a
+// failure leaves the others going.
+ContactosBorrados msBorrarContactos(const QStringList& codigos);
 
 // The contacts as their list shows them, those whose account exists:
 // name, number, comment, account; by name as loaded.
@@ -67,15 +80,15 @@ std::optional<ContactoLeido> primerContactoConAlias(const QString& alias);
 // Deletes contacts many at a time, a block of them in each turn of the event
 // loop, so that thousands go without holding the window: each block in
 // one transaction, with its memberships and multi-send rows. A block that
-// fails is undone and its contacts go one by one (mbBorrarContacto), each
-// failure with its box. `alTerminar` gets how many went; Avisos tells the
+// fails is undone and its contacts go one by one (mbBorrarContacto).
+// `alTerminar` gets how many went and the failures; Avisos tells the
 // screens. The first block goes at once, so a few contacts are gone when
 // this returns.
 void msBorrarContactosPorBloques(const QStringList& codigos,
-                                 std::function<void(int borrados)> alTerminar);
+                                 std::function<void(const ContactosBorrados&)> alTerminar);
 // The same for every contact the list shows (those whose account exists),
 // in one transaction that empties the tables and puts back what stays.
-void msBorrarTodosLosContactos(std::function<void(int borrados)> alTerminar);
+void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alTerminar);
 ResultadoConsulta abrirCuentas();
 ResultadoConsulta abrirListas();
 
@@ -90,12 +103,18 @@ inline constexpr int kMaxGrupo = 250;
 
 // The lists with their member counts (Grupo, Nombre, Contactos), by name.
 ResultadoConsulta abrirListasConContactos();
-// Asks for a name and creates the list; its number, or -1 when none was
-// made. `nombre` receives the name given.
-int msAltaLista(QString* nombre = nullptr);
-void msRenombrarLista(int16_t grupo, const QString& actual);
-// Asks and deletes the list with its memberships; true when it went.
-bool msBorrarLista(int16_t grupo, const QString& nombre);
+// Creates a list named `nombre` (the screen's answer; an empty one is the
+// screen's to drop) under the next number; that number, or why not.
+Resultado<int> msAltaLista(const QString& nombre);
+// Renames list `grupo` from `actual` to `nombre`; refuses a name too long.
+// True when stored; a failure of the engine goes to the log only.
+Resultado<bool> msRenombrarLista(int16_t grupo, const QString& actual, const QString& nombre);
+// How many memberships list `grupo` has: the delete's question tells
+// when there are any. Throws ErrorBD.
+long long miembrosDeLista(int16_t grupo);
+// Deletes the list with its memberships (the contacts stay); false when a
+// statement failed, which the user isn't told.
+bool msBorrarLista(int16_t grupo);
 // Members of a list, and the contacts outside it, by name: upper-case
 // alias and number, cell after cell. Throw ErrorBD.
 QVector<QString> leerMiembrosLista(int16_t grupo);
@@ -111,8 +130,12 @@ ResultadoConsulta abrirMensajesPredefinidos();
 // The texts in the table's own order: what the picker offers; empty when
 // they can't be read.
 QStringList leerTextosPredefinidos();
-// Asks for a text and adds it; true when a row was added.
-bool msAltaMensaje();
-// Asks for the new text of message `mensaje`; true when it was changed.
-bool msCambiarMensaje(int mensaje, const QString& actual);
+// Adds `texto` (the screen's answer, not empty) under the next number; why
+// not when it wasn't added.
+Hecho msAltaMensaje(const QString& texto);
+// Gives message `mensaje` the text `texto` (not empty), straight
+// apostrophes turned into acute accents; refuses a text too long. True
+// when stored; a failure of the engine isn't told.
+Resultado<bool> msCambiarMensaje(int mensaje, QString texto);
+// Deletes message `mensaje`; false when that failed, which isn't told.
 bool msBorrarMensaje(int mensaje);

@@ -2,7 +2,6 @@
 
 #include "base/Cifrado.h"
 #include "base/Conversiones.h"
-#include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "delivery/Intercambio.h"
@@ -13,11 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QString& tituloPublicacion() {
-    static const QString t = u"Publicación de lista"_s;
-    return t;
-}
 
 struct DatosCuenta {
     QString usuario, clave, host;
@@ -35,7 +29,7 @@ bool leerCuenta(int16_t canal, DatosCuenta* c) {
 
 }  // namespace
 
-QList<CuentaPublicacion> msCuentasPublicacion() {
+Resultado<QList<CuentaPublicacion>> msCuentasPublicacion() {
     QList<CuentaPublicacion> cuentas;
     try {
         const ResultadoConsulta r = Conexion().query(u"SELECT * FROM Canales"_s);
@@ -45,28 +39,18 @@ QList<CuentaPublicacion> msCuentasPublicacion() {
                             u"c"_s + textoDe(r.value(i, u"canal"_s)),
                             numeroDe(r.value(i, u"Principal"_s)) == 1});
     } catch (const ErrorQuelmo& e) {
-        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
+        return Hecho::no(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
     }
     return cuentas;
 }
 
-bool msDatosLista(int16_t grupo, QString* nombre, QString* contactos) {
-    try {
-        const ResultadoConsulta r = Conexion().query(
-            u"SELECT Grupos.*, (SELECT count(*) FROM AboGrup WHERE AboGrup.Grupo = Grupos.Grupo) "
-            u"AS Contactos FROM Grupos WHERE Grupo = ?"_s,
-            {grupo});
-        if (r.isEmpty()) return false;
-        *nombre = textoDe(r.value(0, u"Nombre"_s));
-        *contactos = textoDe(r.value(0, u"Contactos"_s));
-        return true;
-    } catch (const ErrorQuelmo& e) {
-        if (e.number() == ErrNum::ItemNotFound)
-            msBaseNoValida();
-        else
-            ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
-        return false;
-    }
+std::optional<DatosLista> leerDatosLista(int16_t grupo) {
+    const ResultadoConsulta r = Conexion().query(
+        u"SELECT Grupos.*, (SELECT count(*) FROM AboGrup WHERE AboGrup.Grupo = Grupos.Grupo) "
+        u"AS Contactos FROM Grupos WHERE Grupo = ?"_s,
+        {grupo});
+    if (r.isEmpty()) return std::nullopt;
+    return DatosLista{textoDe(r.value(0, u"Nombre"_s)), textoDe(r.value(0, u"Contactos"_s))};
 }
 
 bool esPalabraClaveValida(const QString& ltag) {
@@ -82,7 +66,7 @@ QCoro::Task<ResultadoPublicacion> msPublicarLista(QString Lacc, int16_t grupo, Q
                                                   int16_t canal, bool nborrar,
                                                   Transporte::Cancelacion cancelacion) {
     ResultadoPublicacion resultado;
-    // What kept the exchange from an answer, for the log and the box.
+    // What kept the exchange from an answer, for the log and the screen.
     QString causa;
     try {
         DatosCuenta cuenta;
@@ -118,25 +102,13 @@ QCoro::Task<ResultadoPublicacion> msPublicarLista(QString Lacc, int16_t grupo, Q
                                      [&] { cliente->SendXMLLista(nn, ff); });
         causa = Transporte::descripcion(cliente->RXTransporte);
         const qmXMLSend::Autentificacion& rx = cliente->RXAutentificacion;
-        resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR};
+        resultado = {rx.Resultado.trimmed() == u"1"_s, rx.CADD, rx.CUP, rx.CERR, {}};
     } catch (const ErrorQuelmo& e) {
         // A failed exchange is the platform's failure to the user.
         resultado = ResultadoPublicacion();
         causa = e.description();
     }
     if (!causa.isEmpty()) msLog(causa);
-    // The screen that asked has closed: no box for it.
-    if (cancelacion.cancelada()) co_return resultado;
-    if (resultado.correcta)
-        ui().msgBox(u"Publicación de Lista realizada correctamente\n\nContactos Nuevos: "_s +
-                        resultado.CADD + u"\nContactos Actualizados: "_s + resultado.CUP +
-                        u"\nErrores : "_s + resultado.CERR +
-                        u"\n\nPuede comprobar sus listas en el menú /Contactos y Listas/Listas "
-                        u"Web."_s,
-                    Msg::Information, tituloPublicacion());
-    else
-        ui().msgBox(
-            u"FALLO en la Publicación de Lista"_s + (causa.isEmpty() ? QString() : u"\n"_s + causa),
-            Msg::Critical, tituloPublicacion());
+    resultado.causa = causa;
     co_return resultado;
 }
