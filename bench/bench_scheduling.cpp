@@ -140,7 +140,8 @@ bool editor(int codigo) {
     for (int i = 0; i < kContactos; ++i) aliases << u"Contacto %1"_s.arg(i, 5, 10, QChar(u'0'));
     QElapsedTimer t;
     t.start();
-    const int anadidos = anadirDestinatarios(codigo, u"Grande"_s, aliases, u"Hola"_s, true);
+    const Resultado<int> anadidos =
+        anadirDestinatarios(codigo, u"Grande"_s, aliases, u"Hola"_s, true);
     std::printf("add 5,000 recipients (one transaction): %.1f ms\n",
                 double(t.nsecsElapsed()) / 1e6);
     frmNewMenAuto2* e = nullptr;
@@ -156,7 +157,7 @@ bool editor(int codigo) {
     const Medida cerrar = medir(1, [&] { e->XPButton2->click(); });
     linea("frmNewMenAuto2 close (save), 5,000 recipients", kContactos, cerrar, "< 1000 ms");
     delete e;
-    return anadidos == kContactos && enLista == kContactos;
+    return anadidos && *anadidos == kContactos && enLista == kContactos;
 }
 
 }  // namespace

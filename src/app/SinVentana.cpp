@@ -125,7 +125,11 @@ int ejecutarSinVentana(int argc, char** argv, bool unaVez, bool continuo) {
     cargarClaveAcceso();
     abrirBaseSinVentana();
     anunciar(estadoAlArrancar(transmisor));
-    clsTareasPendientes().PendientesEnviar();
+    // Today's missed runs: the question takes its default answer, yes.
+    if (clsTareasPendientes().HayPendientesHoy())
+        ui().preguntar(preguntaPendientes(), kEstiloPreguntaPendientes, {}, [](int respuesta) {
+            if (respuesta == Msg::Yes) clsTareasPendientes().EnviarPendientes();
+        });
 
     int codigo = 0;
     if (unaVez) {

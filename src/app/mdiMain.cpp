@@ -445,7 +445,10 @@ void mdiMain::primeraActivacion() {
     // The picture may live in the database just opened.
     m_web->cargarfondo();
     ::msPrimeraVez();
-    clsTareasPendientes().PendientesEnviar();
+    clsTareasPendientes pendientes;
+    if (pendientes.HayPendientesHoy() &&
+        ui().msgBox(preguntaPendientes(), kEstiloPreguntaPendientes) == Msg::Yes)
+        pendientes.EnviarPendientes();
     Q_EMIT primeraActivacionTerminada();
 }
 

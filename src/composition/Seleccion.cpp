@@ -1,7 +1,7 @@
 #include "composition/Seleccion.h"
 
 #include "base/Conversiones.h"
-#include "base/EstadoAplicacion.h"
+#include "base/Error.h"
 #include "base/ReglaNombres.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
@@ -49,8 +49,8 @@ QString detalleLista(const QString& contactos) {
     return u"Lista ("_s + contactos + u" Contactos)"_s;
 }
 
-QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
-    QString resultado;
+Hecho msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, QString& aliases) {
+    aliases.clear();
     try {
         // The members of the chosen lists, each number once.
         QStringList listas;
@@ -71,11 +71,11 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
                 nombres);
             for (int i = 0; i < r.recordCount(); ++i) {
                 const QString alias = textoDe(r.value(i, 1));
-                resultado += u';' + alias;
+                aliases += u';' + alias;
                 excluidos.insert(ReglaNombres::clave(alias));
             }
         }
-        if (resultado.startsWith(u';')) resultado.remove(0, 1);
+        if (aliases.startsWith(u';')) aliases.remove(0, 1);
         // The single contacts not already named by a list. The choice
         // is matched here rather than in the statement, so that choosing
         // every contact of a large book stays within the engine's limits.
@@ -95,16 +95,15 @@ QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos) {
                 if (elegidos.contains(clave) && !excluidos.contains(clave) &&
                     !dados.contains(clave)) {
                     dados.insert(clave);
-                    resultado += u';' + alias;
+                    aliases += u';' + alias;
                 }
             }
         }
-        if (resultado.startsWith(u';')) resultado.remove(0, 1);
+        if (aliases.startsWith(u';')) aliases.remove(0, 1);
     } catch (const ErrorQuelmo& e) {
-        ui().msgBox(u"Error en Funcion Seleccionar Destinatarios\n"_s + e.description(),
-                    Msg::Critical);
+        return Hecho::no(u"Error en Funcion Seleccionar Destinatarios\n"_s + e.description());
     }
-    return resultado;
+    return {};
 }
 
 int buscarContacto(const QStringList& textos, const QString& buscado) {

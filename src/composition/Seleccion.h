@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Hecho.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -22,10 +24,11 @@ struct DestinoElegido {
 };
 QString detalleLista(const QString& contactos);
 
-// The aliases of the chosen lines joined by ";": the members of the chosen
-// lists first, then the single contacts, each contact once. A failure
-// shows its box and gives what was gathered so far.
-QString msDestinosSeleccionados(const QVector<DestinoElegido>& destinos);
+// Puts in `aliases` the aliases of the chosen lines joined by ";": the
+// members of the chosen lists first, then the single contacts, each
+// contact once. A database failure is refused, with what was gathered so
+// far left in `aliases`.
+Hecho msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, QString& aliases);
 
 // The line that a search for `buscado` selects: the first that begins with
 // it, or the last when none does, provided it contains `buscado`; -1 when

@@ -4,6 +4,7 @@
 #include "composition/Seleccion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 
@@ -181,11 +182,16 @@ void frmSeleccion::cmdBuscar_Click() {
                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
 }
 
-void frmSeleccion::cmdAdd_Click() {
+QString frmSeleccion::destinosElegidos() const {
     const ModeloListado* m = lstdestinos->modelo();
     QVector<DestinoElegido> destinos;
     for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
-    estadoAplicacion().gsDestinos =
-        destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
+    QString aliases;
+    if (!destinos.isEmpty()) mostrar(msDestinosSeleccionados(destinos, aliases));
+    return aliases;
+}
+
+void frmSeleccion::cmdAdd_Click() {
+    estadoAplicacion().gsDestinos = destinosElegidos();
     accept();
 }

@@ -12,6 +12,9 @@ class frmSeleccion : public QDialog {
     Q_OBJECT
   public:
     explicit frmSeleccion(QWidget* parent = nullptr);
+    // The chosen lines as one destinations text, empty when none; a
+    // failure shows its box and gives what was gathered.
+    QString destinosElegidos() const;
 
   private:
     void msCargarListados();

@@ -4,6 +4,7 @@
 #include "base/Pantallas.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -73,7 +74,7 @@ void frmEmergencias::cmdEnviar_Click() {
     const int codigo = codigoDeFila(ListView1->filaActual());
     if (codigo < 0) return;
     // The user sees at once what went into the outbox.
-    if (msEnviarEmergencia(codigo) >= 0) Pantallas::abrir(u"frmEnvio"_s);
+    if (mostrar(msEnviarEmergencia(codigo))) Pantallas::abrir(u"frmEnvio"_s);
 }
 
 void frmEmergencias::editar(int fila) {

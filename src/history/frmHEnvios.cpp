@@ -1,9 +1,11 @@
 #include "history/frmHEnvios.h"
 
+#include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
 #include "db/BaseDatos.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
@@ -137,12 +139,33 @@ int frmHEnvios::filaElegida() const {
 void frmHEnvios::XPButton2_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    msReenviarMensaje(m_modelo->texto(f, Historico::Numero), m_modelo->texto(f, Historico::Mensaje),
-                      m_modelo->texto(f, Historico::Enviado));
+    const QString numero = m_modelo->texto(f, Historico::Numero);
+    const QString mensaje = m_modelo->texto(f, Historico::Mensaje);
+    if (!confirmar(u"¿Seguro que desea Reenviar el Mensaje Seleccionado? \n\nMensaje: "_s +
+                   mensaje + u"\nNúmero: "_s + numero + u"\nDe fecha : "_s +
+                   m_modelo->texto(f, Historico::Enviado)))
+        return;
+    if (!mostrar(msReenviarMensaje(numero, mensaje))) return;
+    ui().msgBox(
+        u"El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene activado el Modo "
+        u"Transmisor el mensaje se enviará en unos segundos."_s,
+        Msg::Information);
 }
 
 void frmHEnvios::XPButton1_Click() {
-    const bool alcanzado =
-        Option1_0->isChecked() ? msBorrarTodos() : msBorrarAnteriores(txtfecha->text());
-    if (alcanzado) msCargarHistorico();
+    if (Option1_0->isChecked()) {
+        if (!confirmar(
+                u"Está seguro de querer eliminar todos los mensajes enviados del histórico?"_s))
+            return;
+        msBorrarTodos();
+    } else {
+        const QString fecha = txtfecha->text();
+        const Resultado<QDate> dia = diaParaBorrar(fecha);
+        if (!mostrar(dia)) return;
+        if (!confirmar(u"Se van a elminar todos los mensajes con fecha anterior a "_s + fecha +
+                       u"\n\n¿Está seguro de elminar estos mensajes?"_s))
+            return;
+        msBorrarAnteriores(*dia);
+    }
+    msCargarHistorico();
 }

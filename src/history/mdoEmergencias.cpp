@@ -2,7 +2,6 @@
 
 #include "base/Avisos.h"
 #include "base/Conversiones.h"
-#include "base/EstadoAplicacion.h"
 #include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
@@ -77,18 +76,16 @@ int32_t codigoDeNombre(const QString& nombre) {
     }
 }
 
-int msEnviarEmergencia(int32_t codigo) {
+Resultado<int> msEnviarEmergencia(int32_t codigo) {
     BaseDatos& bd = Conexion();
     EntradaBandeja entrada(bd);
     try {
         const ResultadoConsulta destinos =
             bd.query(u"SELECT Abonado, Mensaje FROM AboAuto WHERE Automatico = ? ORDER BY rowid"_s,
                      {codigo});
-        if (destinos.isEmpty()) {
-            ui().msgBox(u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s,
-                        Msg::Critical);
-            return -1;
-        }
+        if (destinos.isEmpty())
+            return Hecho::no(
+                u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s);
         // All the recipients or none: a failure halfway must not leave half
         // of them queued, to go twice when the user tries again.
         bd.begin();
@@ -111,8 +108,7 @@ int msEnviarEmergencia(int32_t codigo) {
             throw;
         }
     } catch (const ErrorBD& e) {
-        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Critical);
-        return -1;
+        return Hecho::no(u"Encontrado Error: "_s + e.description());
     }
     return entrada.puestos();
 }

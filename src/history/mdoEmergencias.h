@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Hecho.h"
+
 #include <QList>
 #include <QString>
 #include <cstdint>
@@ -27,6 +29,7 @@ int32_t codigoDeNombre(const QString& nombre);
 
 // Puts every recipient's own text of multi-send `codigo` into the outbox,
 // through the account of the recipient's contact (recipients no longer in
-// the address book are left out). Says so when the multi-send has no
-// recipients. The number of rows queued, -1 when nothing was sent.
-int msEnviarEmergencia(int32_t codigo);
+// the address book are left out). The number of rows queued; refused
+// when the multi-send has no recipients or the database fails (then
+// nothing is queued).
+Resultado<int> msEnviarEmergencia(int32_t codigo);

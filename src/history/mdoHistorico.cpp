@@ -2,7 +2,6 @@
 
 #include "accounts/mdoCuentas.h"
 #include "base/Avisos.h"
-#include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
 #include "db/Bandeja.h"
@@ -13,8 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
 // "yyyy-MM-dd HH:mm:ss" (or a bare date) as yyyyMMddhhmmss; 0 for
 // anything else.
@@ -89,11 +86,7 @@ ListaPaginada::Definicion Historico::definicion() {
 
 // ---- Resend and deletion -----------------------------------------------------
 
-bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QString& fecha) {
-    const QString pregunta =
-        u"¿Seguro que desea Reenviar el Mensaje Seleccionado? \n\nMensaje: "_s + mensaje +
-        u"\nNúmero: "_s + numero + u"\nDe fecha : "_s + fecha;
-    if (ui().msgBox(pregunta, kPregunta) != Msg::Yes) return false;
+Hecho msReenviarMensaje(const QString& numero, const QString& mensaje) {
     // Today's principal account pays, not the one that sent it first.
     const int16_t canal = msCanalPrincipal();
     bool puesto = false;
@@ -107,28 +100,19 @@ bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QStr
             puesto = false;
         }
     }
-    if (!puesto) {
-        ui().msgBox(u"No se ha podido reenviar el mensaje"_s, Msg::Exclamation);
-        return false;
-    }
-    ui().msgBox(
-        u"El mensaje está listo para enviar en la Bandeja de Salida\nsi tiene activado el Modo "
-        u"Transmisor el mensaje se enviará en unos segundos."_s,
-        Msg::Information);
-    return true;
+    if (!puesto) return Hecho::no(u"No se ha podido reenviar el mensaje"_s, Msg::Exclamation);
+    return {};
 }
 
-bool msBorrarAnteriores(const QString& fecha) {
+Resultado<QDate> diaParaBorrar(const QString& fecha) {
     const QDate dia = QDate::fromString(fecha.trimmed(), u"dd/MM/yyyy"_s);
-    if (!dia.isValid()) {
-        ui().msgBox(u"Fecha no válida, por favor introduzca la fecha en formato dd/mm/yyyy"_s,
-                    Msg::Exclamation);
-        return false;
-    }
-    if (ui().msgBox(u"Se van a elminar todos los mensajes con fecha anterior a "_s + fecha +
-                        u"\n\n¿Está seguro de elminar estos mensajes?"_s,
-                    kPregunta) != Msg::Yes)
-        return false;
+    if (!dia.isValid())
+        return Hecho::no(u"Fecha no válida, por favor introduzca la fecha en formato dd/mm/yyyy"_s,
+                         Msg::Exclamation);
+    return dia;
+}
+
+void msBorrarAnteriores(const QDate& dia) {
     // Stored dates are "yyyy-MM-dd HH:mm:ss": every one of the day itself
     // sorts at or after the bare day, so the day stays; the index serves.
     try {
@@ -137,17 +121,12 @@ bool msBorrarAnteriores(const QString& fecha) {
     } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
-    return true;
 }
 
-bool msBorrarTodos() {
-    if (ui().msgBox(u"Está seguro de querer eliminar todos los mensajes enviados del histórico?"_s,
-                    kPregunta) != Msg::Yes)
-        return false;
+void msBorrarTodos() {
     try {
         Conexion().exec(u"DELETE FROM HEnvios"_s);
     } catch (const ErrorBD& e) {
         msLog(u"No se pudo borrar el histórico: "_s + e.description());
     }
-    return true;
 }

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "base/Hecho.h"
 #include "db/ListaPaginada.h"
 
+#include <QDate>
 #include <QString>
 #include <QVariant>
 #include <cstdint>
 
 // The sent history (HEnvios) as the history screen lists it, and what the
-// user can do from there: queue a past message again, delete history.
+// user can do from there: queue a past message again, delete history. The
+// screen asks before each of these and shows what they refused.
 
 // The rows of HEnvios as the history screen lists them. A heavy user's
 // history holds a million rows: the list reads them a page at a time, in
@@ -23,15 +26,18 @@ ListaPaginada::Definicion definicion();
 // The sort key of the date column: "yyyymmddhhnnss".
 QString idDeFecha(int64_t fecha);
 
-// Queues the row's message once more, after asking, through today's
-// principal account (0 when there is none); tells the user how it went.
-// True when a row went into the outbox.
-bool msReenviarMensaje(const QString& numero, const QString& mensaje, const QString& fecha);
+// Queues a history row's message once more through today's principal
+// account (0 when there is none); the caller asked first. Refused when
+// the row names no number the sender takes (a simulated send) or the
+// outbox can't be written.
+Hecho msReenviarMensaje(const QString& numero, const QString& mensaje);
 
-// Deletes what is older than the day `fecha` ("dd/MM/yyyy"), after asking:
-// messages of that day itself stay. True when the delete was reached (the
-// list is to be read again), false when the date isn't valid or the user
-// said no.
-bool msBorrarAnteriores(const QString& fecha);
-// Deletes the whole history after asking; true when the delete was reached.
-bool msBorrarTodos();
+// The day that "delete what is older than" means, from the picker's text
+// ("dd/MM/yyyy"); refused when it is no date.
+Resultado<QDate> diaParaBorrar(const QString& fecha);
+// Deletes what is older than `dia`: messages of that day itself stay. The
+// caller asked first; a database failure is logged, and the list is to be
+// read again either way.
+void msBorrarAnteriores(const QDate& dia);
+// Deletes the whole history; the caller asked first.
+void msBorrarTodos();

@@ -224,6 +224,9 @@ int16_t crearLista(QString& nombre, const std::function<void(int16_t)>& alCrear)
         if (nombre.isEmpty())
             nombre = u"Lista de Contactos Importada Nº"_s + QString::number(codigo);
         if (maximo > 250) {
+            // Said as the run goes on (into list 0): the watched file's
+            // import has no screen to tell, and a box left unanswered must
+            // hold no line of it.
             ui().aviso(u"No es posible añadir mas Listas"_s, Msg::Critical);
             if (alCrear) alCrear(0);
             return 0;

@@ -8,7 +8,9 @@
 
 // Import of semicolon-separated text files of messages or contacts: by hand
 // through a working copy, or from the watched file, which is claimed by a
-// rename and imported exactly once even across a crash.
+// rename and imported exactly once even across a crash. Every line's
+// outcome is a log line; the one thing said aloud, without waiting for an
+// answer, is that no more lists fit.
 
 // Reads a file of messages (or of contacts when `contactos`) line by line
 // and imports each non-empty line. `lista` is "-1" (no list), a list code,

@@ -2,8 +2,6 @@
 
 #include "base/Conversiones.h"
 #include "base/Error.h"
-#include "base/EstadoAplicacion.h"
-#include "base/InterfazUsuario.h"
 #include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
@@ -269,7 +267,29 @@ int16_t clsTareasPendientes::juzgar(const QDateTime& ahora, const QElapsedTimer*
     return cuenta;
 }
 
-int16_t clsTareasPendientes::PendientesEnviar() {
+QString preguntaPendientes() {
+    return u"Tiene mensajes programados para hoy pendientes de enviar\n\n"
+           u"¿Desea enviarlos ahora?"_s;
+}
+
+bool clsTareasPendientes::HayPendientesHoy() {
+    try {
+        m_activas = Conexion().query(activas());
+        clsNextTarea tarea;
+        for (int i = 0; i < m_activas.recordCount(); ++i) {
+            tarea.setFila(ProximasTareas::codigoDe(m_activas, i), m_activas, i);
+            tarea.CalcularProximaTarea2();
+            // Only today's runs are offered; the first of another day ends
+            // the walk.
+            if (pendienteHoy(tarea)) return Reloj::now().date() == tarea.FechaProximaTarea().date();
+        }
+    } catch (const ErrorQuelmo&) {
+        // The start-up passes over a failure: nothing is offered.
+    }
+    return false;
+}
+
+int16_t clsTareasPendientes::EnviarPendientes() {
     // The start-up passes over a failure: the walk ends there, and the
     // later rows wait for the next start.
     try {
@@ -281,29 +301,15 @@ int16_t clsTareasPendientes::PendientesEnviar() {
 
 int16_t clsTareasPendientes::recorrerPendientes() {
     m_activas = Conexion().query(activas());
-    if (m_activas.recordCount() < 1) return 0;
-
     clsNextTarea tarea;
-    bool preguntado = false;
     int16_t cuenta = 0;
     for (int i = 0; i < m_activas.recordCount(); ++i) {
         const int32_t codigo = ProximasTareas::codigoDe(m_activas, i);
         tarea.setFila(codigo, m_activas, i);
         tarea.CalcularProximaTarea2();
         if (!pendienteHoy(tarea)) continue;
-        if (!preguntado) {
-            // Only today's runs are offered; the first of another day ends
-            // the walk.
-            if (Reloj::now().date() != tarea.FechaProximaTarea().date()) return 0;
-            const int respuesta = ui().msgBox(
-                u"Tiene mensajes programados para hoy pendientes de enviar\n\n"
-                u"¿Desea enviarlos ahora?"_s,
-                Msg::YesNo + Msg::Information);
-            if (respuesta != Msg::Yes) return 0;
-            preguntado = true;
-        }
-        // The rows were read before the question, and the timer ticks while
-        // it waits: a tick may have fired this row since. It is judged
+        // The rows were read before the transaction, and the timer ticks
+        // meanwhile: a tick may have fired this row since. It is judged
         // again on what the database holds, in the transaction that fires it.
         Transaccion t(Conexion());
         tarea.setCodigo(codigo);

@@ -2,13 +2,22 @@
 
 #include "db/BaseDatos.h"
 
+#include "base/InterfazUsuario.h"
+
 #include <QDateTime>
+#include <QString>
 #include <cstdint>
 #include <functional>
 
 class QElapsedTimer;
 
+// The start-up question that offers today's pending runs, and its style.
+QString preguntaPendientes();
+inline constexpr int kEstiloPreguntaPendientes = Msg::YesNo + Msg::Information;
+
 // Turns scheduled messages that came due into outbox rows; sends nothing.
+// Asks nothing either: at start-up its caller asks between finding what is
+// pending today and firing it.
 class clsTareasPendientes {
   public:
     // At each tick: fires what falls due in this minute, without a word,
@@ -25,11 +34,16 @@ class clsTareasPendientes {
     int16_t Repasar(int filasMax = 200, qint64 msMax = 3);
     // Has a re-work under way go on from the event loop, slice after slice.
     static void programarRepaso(int esperaMs = 0);
-    // At start-up: offers today's runs whose time has passed, asking once
-    // for the whole walk. Returns the number of rows fired; 0 when the
-    // user refused or the walk stopped (a failure stops it; what was
-    // queued until then stays queued).
-    int16_t PendientesEnviar();
+    // At start-up, before asking (preguntaPendientes()): whether runs of
+    // today have come and not gone out. False when the first such run
+    // found is of another day, or the table can't be read.
+    bool HayPendientesHoy();
+    // Once the user said yes: fires every run that has come and not gone
+    // out, each judged again on what the database holds, in the
+    // transaction that fires it (a tick may have fired it meanwhile).
+    // Returns the number of rows fired; 0 when a failure stopped the walk
+    // (what was queued until then stays queued).
+    int16_t EnviarPendientes();
 
   private:
     int16_t recorrerPendientes();

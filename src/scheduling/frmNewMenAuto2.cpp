@@ -8,6 +8,7 @@
 #include "scheduling/mdoProgramacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ReglasPantallas.h"
@@ -246,7 +247,7 @@ void frmNewMenAuto2::cmdAdd_Click() {
     const QString elegidos = estadoAplicacion().gsDestinos;
     estadoAplicacion().gsDestinos.clear();
     if (elegidos.isEmpty()) return;
-    anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo);
+    mostrar(anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo));
     cargarDestinatarios();
 }
 

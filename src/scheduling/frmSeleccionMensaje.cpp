@@ -1,11 +1,9 @@
 #include "scheduling/frmSeleccionMensaje.h"
 
 #include "base/EstadoAplicacion.h"
-#include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
 #include "scheduling/mdoProgramacion.h"
 #include "widgets/Iconos.h"
-#include "widgets/Listado.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -67,14 +65,10 @@ void frmSeleccionMensaje::cmdAdd_Click() {
         return;
     }
     Q_EMIT CambiaMensaje(texto, Check1->isChecked());
-    const ModeloListado* m = m_selector->findChild<Listado*>(u"lstdestinos"_s)->modelo();
-    QVector<DestinoElegido> destinos;
-    for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
     // The picker leaves out a contact that a chosen list already names by
     // alias; this one would by number. The two differ only for contacts
     // sharing an alias, and the editor adds every contact of an alias
     // anyway, so the rows it stores are the same either way.
-    estadoAplicacion().gsDestinos =
-        destinos.isEmpty() ? QString() : msDestinosSeleccionados(destinos);
+    estadoAplicacion().gsDestinos = m_selector->destinosElegidos();
     accept();
 }

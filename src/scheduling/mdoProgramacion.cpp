@@ -1,7 +1,6 @@
 #include "scheduling/mdoProgramacion.h"
 
 #include "base/Conversiones.h"
-#include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "base/ReglaNombres.h"
 #include "base/Reloj.h"
@@ -383,8 +382,9 @@ int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
     return -1;
 }
 
-int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList& aliases,
-                        const QString& mensaje, bool saludo) {
+Resultado<int> anadirDestinatarios(int32_t codigo, const QString& nombre,
+                                   const QStringList& aliases, const QString& mensaje,
+                                   bool saludo) {
     BaseDatos& db = bd();
     // Every contact that bears one of the chosen aliases, once, in the
     // order of the contacts' table.
@@ -430,12 +430,10 @@ int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList
         } catch (const ErrorQuelmo&) {
             // The failed statement already ended the transaction.
         }
-        ui().msgBox(paso == kAlta ? u"Imposible dar de Alta este Mensaje"_s
-                    : paso == kCambio
-                        ? u"Imposible Modificar este Mensaje"_s
-                        : u"Error en Mantenimiento de Mensajes Programados\n"_s + e.description(),
-                    Msg::Critical);
-        return 0;
+        return Hecho::no(paso == kAlta     ? u"Imposible dar de Alta este Mensaje"_s
+                         : paso == kCambio ? u"Imposible Modificar este Mensaje"_s
+                                           : u"Error en Mantenimiento de Mensajes Programados\n"_s +
+                                                 e.description());
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Hecho.h"
 #include "db/BaseDatos.h"
 #include "db/ListaPaginada.h"
 
@@ -17,8 +18,8 @@
 
 // The schedule screens' work on the database: the multi-sends of
 // Automaticos with their recipients in AboAuto, and how a schedule as the
-// editor shows it maps onto the columns of a row. No widget here; every
-// question and message goes through ui().
+// editor shows it maps onto the columns of a row. No widget and no box
+// here: the screens ask, and show what these routines refused.
 
 // ---- The schedule as the control holds it ----------------------------------
 
@@ -112,9 +113,10 @@ int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre);
 // contacts of an alias, and a contact twice if asked twice), each with
 // `mensaje`, preceded by "{alias}, " when `saludo`. The row of Automaticos
 // is created with `nombre` when it doesn't exist, and renamed otherwise.
-// All or nothing; tells the user when it fails. Returns the rows added.
-int anadirDestinatarios(int32_t codigo, const QString& nombre, const QStringList& aliases,
-                        const QString& mensaje, bool saludo);
+// All or nothing. Returns the rows added; refused, with the step that
+// failed, when nothing could be stored.
+Resultado<int> anadirDestinatarios(int32_t codigo, const QString& nombre,
+                                   const QStringList& aliases, const QString& mensaje, bool saludo);
 bool quitarDestinatario(long long idAboAuto);
 bool quitarTodosDestinatarios(int32_t codigo);
 bool cambiarMensajeDestinatario(long long idAboAuto, const QString& mensaje);

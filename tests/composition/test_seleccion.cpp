@@ -70,18 +70,18 @@ class TestSeleccion : public QObject {
     void expansion() {
         QFETCH(QVector<DestinoElegido>, elegidos);
         QFETCH(QString, destinos);
-        InterfazGuionada ui;
-        QCOMPARE(msDestinosSeleccionados(elegidos), destinos);
-        QVERIFY(ui.boxes.isEmpty());
+        QString aliases = u"de antes"_s;
+        QVERIFY(msDestinosSeleccionados(elegidos, aliases).ok());
+        QCOMPARE(aliases, destinos);
     }
 
-    void failureShowsItsBox() {
-        InterfazGuionada ui;
+    void failureIsRefused() {
         sql(u"DROP TABLE AboGrup"_s);
-        QCOMPARE(msDestinosSeleccionados({lista(u"amigos"_s)}), QString());
-        QCOMPARE(ui.boxes.size(), 1);
-        QVERIFY(ui.boxes[0].text.startsWith(u"Error en Funcion Seleccionar Destinatarios\n"_s));
-        QCOMPARE(ui.boxes[0].style, Msg::Critical);
+        QString aliases;
+        const Hecho h = msDestinosSeleccionados({lista(u"amigos"_s)}, aliases);
+        QVERIFY(h.motivo().startsWith(u"Error en Funcion Seleccionar Destinatarios\n"_s));
+        QCOMPARE(h.estilo(), Msg::Critical);
+        QCOMPARE(aliases, QString());
     }
 
     void search_data() {

@@ -166,7 +166,6 @@ class TestNumero : public QObject {
             u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES "
             u"(1,'0034600000001','a ana'),(1,'6.290.000','a mal')"_s);
         InterfazGuionada ui;
-        ui.answers = {Msg::Yes, Msg::Ok, Msg::Yes, Msg::Ok};
         QSignalSpy cambios(&Avisos::instancia(), &Avisos::bandejaCambiada);
 
         QCOMPARE(agregarMensajes(u"600000002;6.290.000"_s, u"hola"_s, false, 1),
@@ -175,10 +174,12 @@ class TestNumero : public QObject {
         QVERIFY(msImportarLinea(1, u"600000003"_s, u"importado"_s, 0, false, false));
         QVERIFY(!msImportarLinea(1, u"0044.123"_s, u"punto"_s, 0, false, false));
         QCOMPARE(cambios.count(), 2);
-        QCOMPARE(msEnviarEmergencia(1), 1);
+        const Resultado<int> emergencia = msEnviarEmergencia(1);
+        QVERIFY(emergencia);
+        QCOMPARE(*emergencia, 1);
         QCOMPARE(cambios.count(), 3);
-        QVERIFY(!msReenviarMensaje(u"ENVIO_SIMULADO"_s, u"simulado"_s, u"01/01/2026"_s));
-        QVERIFY(msReenviarMensaje(u"0034600000004"_s, u"otra vez"_s, u"01/01/2026"_s));
+        QVERIFY(!msReenviarMensaje(u"ENVIO_SIMULADO"_s, u"simulado"_s).ok());
+        QVERIFY(msReenviarMensaje(u"0034600000004"_s, u"otra vez"_s).ok());
         QCOMPARE(cambios.count(), 4);
         // A scheduled run: every "+" becomes "00"; the dotted one stays out.
         prueba::programa(2, u"Periodicidad=1 Hora=11:30"_s);

@@ -1,5 +1,5 @@
 // Scheduled messages becoming outbox rows: at each tick, and at start-up
-// with one question.
+// what is pending today, offered at once.
 #include "TestSupport.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
@@ -50,17 +50,6 @@ QStringList enCola() {
 }
 
 const QString kSemanal10 = u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s;  // Wednesday 10:00
-
-// A question that stays open while something else happens, as the start-up
-// question does while the transmitter's timer goes on ticking.
-class PreguntaQueEspera : public InterfazGuionada {
-  public:
-    std::function<void()> mientras;
-    int msgBox(const QString& text, int style, const QString& title) override {
-        if (mientras) mientras();
-        return InterfazGuionada::msgBox(text, style, title);
-    }
-};
 }  // namespace
 
 class TestTareasPendientes : public QObject {
@@ -97,38 +86,28 @@ class TestTareasPendientes : public QObject {
         QVERIFY(ui.boxes.isEmpty());
     }
 
-    // Runs missed by every tick are offered at a start later that day, with
-    // one question for all; on yes the time of sending is the last run, and
-    // a further start asks nothing. No queues nothing and asks again.
+    // Runs missed by every tick are offered at a start later that day, all
+    // at once; sent, the time of sending is the last run and a further
+    // start offers nothing. Not sent, they are offered again.
     void startLaterTheSameDay_data() {
-        QTest::addColumn<int>("respuesta");
-        QTest::addColumn<int>("disparadas");
-        QTest::newRow("yes") << int(Msg::Yes) << 2;
-        QTest::newRow("no") << int(Msg::No) << 0;
+        QTest::addColumn<bool>("enviar");
+        QTest::newRow("sent") << true;
+        QTest::newRow("not sent") << false;
     }
     void startLaterTheSameDay() {
-        QFETCH(int, respuesta);
-        QFETCH(int, disparadas);
+        QFETCH(bool, enviar);
         conDestinatario(1, kSemanal10);
         conDestinatario(2, u"Periodicidad=1 Hora=11:30"_s);
-        InterfazGuionada ui;
-        ui.answers = {respuesta};
         RelojFijo clock(en(u"15/03/2006 12:00:07"_s));
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), disparadas);
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes[0].text,
-                 u"Tiene mensajes programados para hoy pendientes de "
-                 u"enviar\n\n¿Desea enviarlos ahora?"_s);
-        QCOMPARE(ui.boxes[0].style, Msg::YesNo + Msg::Information);
-        QCOMPARE(enCola().size(), disparadas);
-        const QString ultima = disparadas ? u"2006-03-15 12:00:07"_s : QString();
+        QVERIFY(clsTareasPendientes().HayPendientesHoy());
+        if (enviar) QCOMPARE(clsTareasPendientes().EnviarPendientes(), 2);
+        QCOMPARE(enCola().size(), enviar ? 2 : 0);
+        const QString ultima = enviar ? u"2006-03-15 12:00:07"_s : QString();
         QCOMPARE(ultimaTarea(1), ultima);
         QCOMPARE(ultimaTarea(2), ultima);
 
         clock.set(en(u"15/03/2006 13:00:00"_s));
-        ui.answers = {Msg::No};
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), 0);
-        QCOMPARE(ui.boxes.size(), disparadas ? 1 : 2);
+        QCOMPARE(clsTareasPendientes().HayPendientesHoy(), !enviar);
     }
 
     // A tick while the start-up question waits fires what comes due; the
@@ -139,7 +118,7 @@ class TestTareasPendientes : public QObject {
         QTest::addColumn<QString>("tic");
         QTest::addColumn<bool>("ticEnLaPregunta");
         QTest::addColumn<QString>("respuesta");
-        QTest::addColumn<int>("alArrancar");  // rows PendientesEnviar fires
+        QTest::addColumn<int>("alArrancar");  // rows EnviarPendientes fires
         QTest::addColumn<int>("alTic");       // rows the tick fires
         QTest::addColumn<QStringList>("ultimas");
         // Row 1 daily at 08:00, missed; row 2 daily at 09:00; row 3 daily
@@ -173,16 +152,12 @@ class TestTareasPendientes : public QObject {
             clock.set(en(u"15/03/2006 "_s + tic));
             disparadasAlTic = clsTareasPendientes().ReLoad();
         };
-        PreguntaQueEspera ui;
-        ui.answers = {Msg::Yes};
-        ui.mientras = [&] {
-            if (ticEnLaPregunta) unTic();
-            clock.set(en(u"15/03/2006 "_s + respuesta));
-        };
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), alArrancar);
+        QVERIFY(clsTareasPendientes().HayPendientesHoy());
+        if (ticEnLaPregunta) unTic();
+        clock.set(en(u"15/03/2006 "_s + respuesta));
+        QCOMPARE(clsTareasPendientes().EnviarPendientes(), alArrancar);
         if (!ticEnLaPregunta) unTic();
         QCOMPARE(disparadasAlTic, alTic);
-        QCOMPARE(ui.boxes.size(), 1);
         QCOMPARE((QStringList{ultimaTarea(1), ultimaTarea(2), ultimaTarea(3)}), ultimas);
         // Each run that went, went once.
         QCOMPARE(enCola().size(), alArrancar + alTic);
@@ -218,14 +193,13 @@ class TestTareasPendientes : public QObject {
     void rowWithoutRecipientsStaysDue() {
         programa(1, kSemanal10);
         programa(2, u"TareaProgramada=0 "_s + kSemanal10);
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes, Msg::Yes};
         RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 1);
         clock.set(en(u"15/03/2006 12:00:00"_s));
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), 1);
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), 1);
-        QCOMPARE(ui.boxes.size(), 2);
+        for (int arranque = 0; arranque < 2; ++arranque) {
+            QVERIFY(clsTareasPendientes().HayPendientesHoy());
+            QCOMPARE(clsTareasPendientes().EnviarPendientes(), 1);
+        }
         QVERIFY(enCola().isEmpty());
         QVERIFY(ultimaTarea(1).isEmpty());
     }
@@ -238,8 +212,6 @@ class TestTareasPendientes : public QObject {
         conDestinatario(1, u"Periodicidad=2 DiasSemana=1 Hora=10:00"_s);          // Monday
         conDestinatario(2, u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=31"_s);  // no 31 April
         conDestinatario(3, u"Periodicidad=1 Hora=10:00"_s);
-        InterfazGuionada ui;
-        ui.answers = {Msg::Yes};
         RelojFijo clock(en(u"10/04/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 2);
         QVERIFY(ultimaTarea(2).isEmpty());
@@ -247,7 +219,8 @@ class TestTareasPendientes : public QObject {
 
         db().exec(u"UPDATE Automaticos SET UltimaTarea=NULL"_s);
         clock.set(en(u"10/04/2006 12:00:00"_s));
-        QCOMPARE(clsTareasPendientes().PendientesEnviar(), 0);
+        QVERIFY(clsTareasPendientes().HayPendientesHoy());
+        QCOMPARE(clsTareasPendientes().EnviarPendientes(), 0);
         QCOMPARE(ultimaTarea(1), u"2006-04-10 12:00:00"_s);
         QVERIFY(ultimaTarea(3).isEmpty());
         QCOMPARE(enCola().size(), 3);
