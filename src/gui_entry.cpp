@@ -9,6 +9,7 @@
 #include "base/InterfazSinVentana.h"
 #include "base/Pantallas.h"
 #include "db/Conexion.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Traduccion.h"
 
 #include <QApplication>
@@ -33,10 +34,10 @@ extern "C" __attribute__((visibility("default"))) int quelmo_gui_main(int argc, 
         case Instancia::Toma::Tomada:
             break;
         case Instancia::Toma::OtraEnMarcha:
-            Instancia::cederAlPrimero();
+            mostrar(Instancia::cederAlPrimero());
             return 0;
         case Instancia::Toma::SinCarpeta:
-            ui().msgBox(instancia.motivo(), Msg::Critical);
+            mostrar(Hecho::no(instancia.motivo()));
             return kSalidaSinBaseDatos;
     }
     prepararBaseInicial();

@@ -10,6 +10,7 @@
 #include "delivery/Intercambio.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
@@ -131,21 +132,27 @@ void frmCanales::cmdEdit_Click() {
 void frmCanales::cmdDelete_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    msEliminarCuenta(canalDe(f));
+    const int16_t canal = canalDe(f);
+    if (mostrar(msPuedeEliminarCuenta(canal)) &&
+        confirmar(u"Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s))
+        mostrar(msEliminarCuenta(canal));
     msrefrescar();
 }
 
 void frmCanales::cmdPrede_Click() {
     const int f = filaElegida();
     if (f < 0) return;
-    msHacerPrincipal(canalDe(f), textoDe(adoPrimaryRS.value(f, u"Nombre"_s)));
+    const QString nombre = textoDe(adoPrimaryRS.value(f, u"Nombre"_s));
+    if (confirmar(u"Quiere establecer la Cuenta '"_s + nombre +
+                  u"' como Cuenta Principal de Envío?"_s))
+        msHacerPrincipal(canalDe(f));
 }
 
 QCoro::Task<> frmCanales::cmdGetSaldo_Click() {
     const int f = filaElegida();
     if (f < 0) co_return;
     const Intercambio::Encargo encargo(this);
-    co_await msVerSaldo(canalDe(f), encargo.cancelacion());
+    mostrar(co_await msVerSaldo(canalDe(f), encargo.cancelacion()));
 }
 
 void frmCanales::cmdRecarga_Click() {

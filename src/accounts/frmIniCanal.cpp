@@ -1,8 +1,11 @@
 #include "accounts/frmIniCanal.h"
 
 #include "accounts/mdoCuentas.h"
+#include "base/EstadoAplicacion.h"
+#include "db/Conexion.h"
 #include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QFormLayout>
@@ -60,8 +63,31 @@ frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
 QCoro::Task<> frmIniCanal::cmdAceptar_Click() {
     const Intercambio::Encargo encargo(this);
     // Refused or not written, the user stays here to correct.
-    const AltaInicial alta = co_await msAltaInicial(txtUsuario->text(), txtClave->text(),
-                                                    txtClave2->text(), encargo.cancelacion());
-    if (encargo.abandonada()) co_return;
-    if (alta == AltaInicial::Hecha || alta == AltaInicial::SinVerificar) accept();
+    const Resultado<AltaInicial> alta = co_await msAltaInicial(
+        txtUsuario->text(), txtClave->text(), txtClave2->text(), encargo.cancelacion());
+    if (encargo.abandonada() || !mostrar(alta)) co_return;
+    switch (*alta) {
+        case AltaInicial::Hecha:
+            ui().msgBox(
+                u"Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
+                u"aplicación\nPuede acceder a la configuración de cuentas para personalizar su "
+                u"cuenta"_s,
+                Msg::Information);
+            accept();
+            break;
+        case AltaInicial::SinVerificar:
+            ui().msgBox(msAvisoSinVerificar(), Msg::Exclamation);
+            accept();
+            break;
+        case AltaInicial::BaseNoValida:
+            ui().msgBox(textoBaseNoValida(), Msg::Critical);
+            [[fallthrough]];
+        case AltaInicial::FalloBase:
+            ui().msgBox(u"No pudo completarse con éxito la configuración, verifique los datos"_s,
+                        Msg::Critical);
+            msMostrarSeleccionBD();
+            break;
+        case AltaInicial::Abandonada:
+            break;
+    }
 }

@@ -6,6 +6,7 @@
 #include "delivery/Intercambio.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QButtonGroup>
@@ -288,19 +289,19 @@ void frmNewCanal::Image4_Click(int indice) {
 QCoro::Task<> frmNewCanal::cmdAceptar_Click() {
     const Intercambio::Encargo encargo(this);
     DatosCuenta d = datos();
-    const Guardado guardado =
-        co_await msGuardarCuenta(d, m_edicion, m_canal, encargo.cancelacion());
-    // Closed meanwhile: the screen is gone, and so is the answer.
+    const Saldo saldo = co_await msVerificarCuenta(d.usuario, d.clave, encargo.cancelacion());
+    // Closed meanwhile: the screen is gone, and so is the answer; nothing is saved.
     if (encargo.abandonada()) co_return;
-    switch (guardado) {
-        case Guardado::Guardada:
-            txtSMSHost->setText(d.host);
-            accept();
-            break;
-        case Guardado::Descartada:
-            reject();
-            break;
-        case Guardado::Incompleta:
-            break;
+    if (saldo.estado == Saldo::Estado::Denegado &&
+        ui().msgBox(msTextoDenegada() + u"\n¿Desea guardar la cuenta de todas formas?"_s,
+                    Msg::YesNo | Msg::Critical | Msg::DefaultButton2) != Msg::Yes) {
+        reject();
+        co_return;
     }
+    // A field missing or a database error: the editor stays.
+    if (!mostrar(msGuardarCuenta(d, m_edicion, m_canal, saldo))) co_return;
+    if (saldo.estado == Saldo::Estado::Fallido)
+        ui().msgBox(msAvisoSinVerificar(), Msg::Exclamation);
+    txtSMSHost->setText(d.host);
+    accept();
 }

@@ -6,6 +6,7 @@
 #include "delivery/Intercambio.h"
 #include "delivery/Registro.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QCheckBox>
@@ -195,9 +196,9 @@ QCoro::Task<bool> frmRegistro::registrar() {
         co_return false;
     }
     // Signed up: the account is added even if the screen closes meanwhile.
-    const QString saldo = co_await msAnadirCuentaRegistrada(s.usuario, s.clave);
-    if (encargo.abandonada() || saldo.isNull()) co_return false;
-    m_saldo = saldo;
+    const Resultado<QString> saldo = co_await msAnadirCuentaRegistrada(s.usuario, s.clave);
+    if (!mostrar(saldo) || encargo.abandonada()) co_return false;
+    m_saldo = *saldo;
     m_usuario = s.usuario;
     co_return true;
 }

@@ -8,7 +8,6 @@
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
 #include "base/Movil.h"
-#include "base/Pantallas.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
 #include "db/Transaccion.h"
@@ -23,10 +22,6 @@ namespace {
 
 const QString kDenegada =
     u"Autentificación Denegada, Revise Usuario y Contraseña y que su Cuenta esté Activada."_s;
-const QString kBaseNoValida =
-    u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de Datos "
-    u"correcta de Quelmo Mensajes"_s;
-constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
 void avisarCambio() {
     msAvisarCuentas();
@@ -50,16 +45,6 @@ QString remitenteDe(const DatosCuenta& d) {
     return d.remitente;
 }
 
-// Said when the platform could not be reached (as opposed to a refusal):
-// what the user typed is kept, and the next exchange tells.
-void avisarSinVerificar() {
-    ui().msgBox(
-        u"No se pudo verificar la cuenta con la plataforma. Se ha guardado tal como la escribió "
-        u"y se comprobará en el próximo envío.\n"_s +
-            msCausaFallo(),
-        Msg::Exclamation);
-}
-
 // A balance the platform did not give is unknown, never a number.
 QVariant saldoConocido(const Saldo& saldo) {
     return saldo.conocido() && esNumerico(saldo.creditos) && numeroDe(saldo.creditos) >= 0
@@ -69,6 +54,16 @@ QVariant saldoConocido(const Saldo& saldo) {
 
 }  // namespace
 
+QString msTextoDenegada() {
+    return kDenegada;
+}
+
+QString msAvisoSinVerificar() {
+    return u"No se pudo verificar la cuenta con la plataforma. Se ha guardado tal como la "
+           u"escribió y se comprobará en el próximo envío.\n"_s +
+           msCausaFallo();
+}
+
 QString msUrlRecarga(const QString& usuario) {
     // A user name with "&" or a blank must reach the page whole.
     QString web = Despliegue::webSegura();
@@ -77,23 +72,20 @@ QString msUrlRecarga(const QString& usuario) {
            QString::fromLatin1(QUrl::toPercentEncoding(usuario));
 }
 
-void msRecarga() {
+Hecho msRecarga() {
     try {
         const ResultadoConsulta r = Conexion().query(u"select * from canales where Principal=1"_s);
-        if (r.isEmpty()) {
-            ui().msgBox(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
-            return;
-        }
+        if (r.isEmpty())
+            return Hecho::no(u"No dispone de ninguna Cuenta en la aplicación"_s, Msg::Exclamation);
         msAbrirUrl(msUrlRecarga(textoDe(r.value(0, u"usuario"_s))));
     } catch (const ErrorQuelmo& e) {
         if (e.number() == ErrNum::ItemNotFound) msBaseNoValida();
     }
+    return {};
 }
 
 void msMostrarAltaCuenta() {
-    Pantallas::abrirOAvisar(u"frmTipoRegistro"_s,
-                            u"[pantalla] No hay una cuenta principal utilizable; sin ventana no se "
-                            u"puede configurar una cuenta."_s);
+    ui().altaCuenta();
 }
 
 QCoro::Task<> msPrimeraVez() {
@@ -110,7 +102,7 @@ QCoro::Task<> msPrimeraVez() {
         }
         // A principal account without its credentials is completed in the
         // editor; only if it stays unusable does the set-up come.
-        Pantallas::abrir(u"frmNewCanal.Principal"_s);
+        ui().completarCuentaPrincipal();
         const ResultadoConsulta despues =
             Conexion().query(u"select * from canales where principal=1"_s);
         if (despues.isEmpty() || sinCredenciales(despues)) msMostrarAltaCuenta();
@@ -169,11 +161,7 @@ int msSiguienteCanal() {
     return int(numeroDe(r.value(0, 0))) + 1;
 }
 
-void msHacerPrincipal(int16_t canal, const QString& nombre) {
-    if (ui().msgBox(
-            u"Quiere establecer la Cuenta '"_s + nombre + u"' como Cuenta Principal de Envío?"_s,
-            kPregunta) != Msg::Yes)
-        return;
+void msHacerPrincipal(int16_t canal) {
     try {
         // Both or neither: a failure half-way must not leave no principal.
         Transaccion t(Conexion());
@@ -194,68 +182,66 @@ long long enBandeja(int16_t canal) {
         Conexion().query(u"Select Count(*) from envios where Canal = ?"_s, {canal}).value(0, 0));
 }
 
-void avisarEnBandeja(long long n) {
-    ui().msgBox(u"Imposible eliminar esta Cuenta.\nHay "_s + QString::number(n) +
-                    (n == 1 ? u" mensaje"_s : u" mensajes"_s) +
-                    u" en la Bandeja de Salida esperando a ser enviados con esta Cuenta. "
-                    u"Envíelos o elimínelos antes de eliminar la Cuenta."_s,
-                Msg::Critical);
+Hecho enBandejaNoSeElimina(long long n) {
+    return Hecho::no(u"Imposible eliminar esta Cuenta.\nHay "_s + QString::number(n) +
+                         (n == 1 ? u" mensaje"_s : u" mensajes"_s) +
+                         u" en la Bandeja de Salida esperando a ser enviados con esta Cuenta. "
+                         u"Envíelos o elimínelos antes de eliminar la Cuenta."_s,
+                     Msg::Critical);
 }
 
 }  // namespace
 
-bool msEliminarCuenta(int16_t canal) {
+Hecho msPuedeEliminarCuenta(int16_t canal) {
     // Contacts hold an account back, and so do messages waiting in the
     // outbox: a new account takes the highest code plus one, and would
     // otherwise send them with its own credit and sender.
     const long long contactos = numeroDe(
         Conexion().query(u"Select Count(*) from abonados where canal = ?"_s, {canal}).value(0, 0));
-    if (contactos > 0) {
-        ui().msgBox(
+    if (contactos > 0)
+        return Hecho::no(
             u"Imposible eliminar esta Cuenta.\nPara eliminar una Cuenta, no deben de "
             u"existir Contactos asociados a  la Cuenta ."_s,
             Msg::Critical);
-        return false;
-    }
-    if (const long long n = enBandeja(canal); n > 0) {
-        avisarEnBandeja(n);
-        return false;
-    }
-    if (ui().msgBox(u"Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s,
-                    kPregunta) != Msg::Yes)
-        return false;
+    if (const long long n = enBandeja(canal); n > 0) return enBandejaNoSeElimina(n);
+    return {};
+}
+
+Hecho msEliminarCuenta(int16_t canal) {
+    if (Hecho puede = msPuedeEliminarCuenta(canal); !puede) return puede;
     try {
         // Checked again in the one statement: a script may have queued a
-        // message for it while the question was open.
+        // message for it since the check.
         const int borradas = Conexion().exec(
             u"delete from canales where canal = ? and not exists "
             u"(select 1 from envios where Canal = ?)"_s,
             {canal, canal});
         if (borradas == 0) {
-            if (const long long n = enBandeja(canal); n > 0) avisarEnBandeja(n);
-            return false;
+            if (const long long n = enBandeja(canal); n > 0) return enBandejaNoSeElimina(n);
+            // Gone already: nothing was deleted, nothing to tell.
+            return {};
         }
     } catch (const ErrorBD& e) {
-        ui().msgBox(e.description());
-        return false;
+        return Hecho::no(e.description(), Msg::OkOnly);
     }
     msComprobarPrincipal();
     avisarCambio();
-    return true;
+    return {};
 }
 
-QCoro::Task<> msVerSaldo(int16_t canal, Transporte::Cancelacion cancelacion) {
+QCoro::Task<Hecho> msVerSaldo(int16_t canal, Transporte::Cancelacion cancelacion) {
     const Saldo r = co_await SendAutCuenta(canal, cancelacion);
-    if (cancelacion.cancelada()) co_return;
+    if (cancelacion.cancelada()) co_return Hecho();
+    avisarCambio();
     if (r.estado == Saldo::Estado::Denegado)
-        ui().msgBox(kDenegada, Msg::Critical | Msg::DefaultButton2);
-    else if (r.estado == Saldo::Estado::Fallido)
-        ui().msgBox(
+        co_return Hecho::no(kDenegada, Msg::Critical | Msg::DefaultButton2);
+    if (r.estado == Saldo::Estado::Fallido)
+        co_return Hecho::no(
             u"Error de conexión. Imposible conectar con Quelmo Mensajes, revise su conexión a "
             u"Internet.\n"_s +
                 msCausaFallo(),
             Msg::Critical | Msg::DefaultButton2);
-    avisarCambio();
+    co_return Hecho();
 }
 
 // ---- the account editor -----------------------------------------------------
@@ -296,30 +282,22 @@ DatosCuenta msLeerCuenta(int16_t canal) {
     return d;
 }
 
-QCoro::Task<Guardado> msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal,
-                                      Transporte::Cancelacion cancelacion) {
+QCoro::Task<Saldo> msVerificarCuenta(QString usuario, QString clave,
+                                     Transporte::Cancelacion cancelacion) {
     // A number left from an earlier exchange must not be stored with this
     // account when the platform can't be reached.
     estadoAplicacion().MovilCuenta.clear();
-    Saldo saldo = co_await msConsultarSaldo(d.usuario, d.clave, QString(), cancelacion);
-    // The editor was closed while the platform was asked: nothing is saved.
-    if (cancelacion.cancelada()) co_return Guardado::Descartada;
+    co_return co_await msConsultarSaldo(usuario, clave, QString(), cancelacion);
+}
+
+Hecho msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t canal, Saldo saldo) {
     const bool sinVerificar = saldo.estado == Saldo::Estado::Fallido;
-    if (saldo.estado == Saldo::Estado::Denegado) {
-        // Kept against the platform's word: no credit is known to it.
-        saldo = Saldo{Saldo::Estado::Conocido, u"0"_s};
-        if (ui().msgBox(kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s,
-                        Msg::YesNo | Msg::Critical | Msg::DefaultButton2) != Msg::Yes)
-            co_return Guardado::Descartada;
-    }
-    if (d.puerto.isEmpty()) {
-        ui().msgBox(u"Valor no valido para el parametro PUERTO REMOTO"_s);
-        co_return Guardado::Incompleta;
-    }
-    if (d.host.isEmpty()) {
-        ui().msgBox(u"Valor no valido para el parametro HOST REMOTO"_s);
-        co_return Guardado::Incompleta;
-    }
+    // Kept against the platform's word: no credit is known to it.
+    if (saldo.estado == Saldo::Estado::Denegado) saldo = Saldo{Saldo::Estado::Conocido, u"0"_s};
+    if (d.puerto.isEmpty())
+        return Hecho::no(u"Valor no valido para el parametro PUERTO REMOTO"_s, Msg::OkOnly);
+    if (d.host.isEmpty())
+        return Hecho::no(u"Valor no valido para el parametro HOST REMOTO"_s, Msg::OkOnly);
     const int remopc = d.remopc < 0 ? 0 : d.remopc;
     try {
         const QString clave = msCifrarClave(d.clave, true);
@@ -351,12 +329,10 @@ QCoro::Task<Guardado> msGuardarCuenta(DatosCuenta& d, bool edicion, int16_t cana
                  d.importacion ? 1 : 0, movil});
         }
     } catch (const ErrorQuelmo& e) {
-        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
-        co_return Guardado::Incompleta;
+        return Hecho::no(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
     }
-    if (sinVerificar) avisarSinVerificar();
     avisarCambio();
-    co_return Guardado::Guardada;
+    return {};
 }
 
 // ---- first-run set-up -------------------------------------------------------
@@ -372,7 +348,11 @@ QString msComprobarDatosIniciales(const QString& usuario, const QString& clave,
     return QString();
 }
 
-bool NewChannel(const Saldo& saldo, const QString& usuario, const QString& clave) {
+namespace {
+
+// Writes the first-run account row (principal, fixed defaults, code max+1
+// or 0): Hecha, or why the row was not written.
+AltaInicial NewChannel(const Saldo& saldo, const QString& usuario, const QString& clave) {
     try {
         BaseDatos& db = Conexion();
         const ResultadoConsulta r = db.query(u"Select max(canal)+1 from canales"_s);
@@ -383,53 +363,37 @@ bool NewChannel(const Saldo& saldo, const QString& usuario, const QString& clave
             u"Remitente,remopc,movil) Values (?,?,160,80,?,?,?,?,1,'',0,?)"_s,
             {canal, QString(u"Cuenta_"_s + usuario), msConEsquema(msHostPlataforma()), usuario,
              msCifrarClave(clave, true), saldoConocido(saldo), estadoAplicacion().MovilCuenta});
-        return true;
+        return AltaInicial::Hecha;
     } catch (const ErrorBD&) {
         // A statement the file can't take means a database of the wrong kind.
-        ui().msgBox(kBaseNoValida, Msg::Critical);
-        return false;
+        return AltaInicial::BaseNoValida;
     } catch (const ErrorQuelmo&) {
-        return false;
+        return AltaInicial::FalloBase;
     }
 }
 
-QCoro::Task<AltaInicial> msAltaInicial(QString usuario, QString clave, QString clave2,
-                                       Transporte::Cancelacion cancelacion) {
+}  // namespace
+
+QCoro::Task<Resultado<AltaInicial>> msAltaInicial(QString usuario, QString clave, QString clave2,
+                                                  Transporte::Cancelacion cancelacion) {
     const QString falta = msComprobarDatosIniciales(usuario, clave, clave2);
-    if (!falta.isEmpty()) {
-        ui().msgBox(falta, Msg::Critical);
-        co_return AltaInicial::Invalida;
-    }
+    if (!falta.isEmpty()) co_return Hecho::no(falta, Msg::Critical);
     estadoAplicacion().MovilCuenta.clear();
     const Saldo saldo = co_await msConsultarSaldo(usuario, clave, QString(), cancelacion);
-    if (cancelacion.cancelada()) co_return AltaInicial::Invalida;
+    if (cancelacion.cancelada()) co_return AltaInicial::Abandonada;
     // Unreached is not refused: the account is written, but not called a success.
-    if (saldo.estado == Saldo::Estado::Denegado) {
-        ui().msgBox(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
-        co_return AltaInicial::Invalida;
-    }
-    if (!NewChannel(saldo, usuario, clave)) {
-        ui().msgBox(u"No pudo completarse con éxito la configuración, verifique los datos"_s,
-                    Msg::Critical);
-        msMostrarSeleccionBD();
-        co_return AltaInicial::FalloBase;
-    }
-    if (saldo.estado == Saldo::Estado::Fallido) {
-        avisarSinVerificar();
-        avisarCambio();
-        co_return AltaInicial::SinVerificar;
-    }
-    ui().msgBox(
-        u"Se completó con éxito la configuración.\nSu Cuenta está dada de alta en la "
-        u"aplicación\nPuede acceder a la configuración de cuentas para personalizar su "
-        u"cuenta"_s,
-        Msg::Information);
+    if (saldo.estado == Saldo::Estado::Denegado)
+        co_return Hecho::no(kDenegada.chopped(1) + u", verifique sus datos"_s, Msg::Critical);
+    if (const AltaInicial escrita = NewChannel(saldo, usuario, clave);
+        escrita != AltaInicial::Hecha)
+        co_return escrita;
     avisarCambio();
-    co_return AltaInicial::Hecha;
+    co_return saldo.estado == Saldo::Estado::Fallido ? AltaInicial::SinVerificar
+                                                     : AltaInicial::Hecha;
 }
 
-QCoro::Task<QString> msAnadirCuentaRegistrada(QString usuario, QString clave,
-                                              Transporte::Cancelacion cancelacion) {
+QCoro::Task<Resultado<QString>> msAnadirCuentaRegistrada(QString usuario, QString clave,
+                                                         Transporte::Cancelacion cancelacion) {
     estadoAplicacion().MovilCuenta.clear();
     const QVariant saldo =
         saldoConocido(co_await msConsultarSaldo(usuario, clave, QString(), cancelacion));
@@ -444,8 +408,7 @@ QCoro::Task<QString> msAnadirCuentaRegistrada(QString usuario, QString clave,
              usuario, msCifrarClave(clave, true), saldo, primera ? 1 : 0,
              estadoAplicacion().MovilCuenta});
     } catch (const ErrorQuelmo& e) {
-        ui().msgBox(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
-        co_return QString();
+        co_return Hecho::no(u"Encontrado Error: "_s + e.description(), Msg::Exclamation);
     }
     avisarCambio();
     // Signed up a moment ago: a failed query only means the balance is not known yet.

@@ -126,26 +126,25 @@ Instancia::Respuesta Instancia::pedirVentana(int esperaMs) {
     return Respuesta::SinRespuesta;
 }
 
-void Instancia::cederAlPrimero() {
+Hecho Instancia::cederAlPrimero() {
     switch (pedirVentana()) {
         case Respuesta::VentanaMostrada:
-            return;
+            break;
         case Respuesta::SinVentana:
             // The headless transmitter holds the user's data: the window
             // can only come once it has stopped.
-            ui().msgBox(
+            return Hecho::no(
                 u"Quelmo Mensajes SMS ya está en marcha sin ventana: el transmisor "
                 u"funciona en segundo plano, normalmente como servicio del usuario.\n\n"
                 u"Para abrir la ventana, detenga antes el transmisor con la orden\n\n"
                 u"systemctl --user stop quelmo-sms-transmisor\n\n"
                 u"y vuelva a abrir Quelmo Mensajes SMS."_s,
                 Msg::Information);
-            return;
         case Respuesta::SinRespuesta:
-            ui().msgBox(
+            return Hecho::no(
                 u"Quelmo Mensajes SMS ya está en marcha para este usuario, pero no "
                 u"responde.\n\nEspere un momento y vuelva a abrirlo."_s,
                 Msg::Exclamation);
-            return;
     }
+    return {};
 }

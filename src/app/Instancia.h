@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Hecho.h"
+
 #include <QLockFile>
 #include <QObject>
 #include <QString>
@@ -35,8 +37,8 @@ class Instancia : public QObject {
     // `esperaMs` for an answer (the first may still be starting).
     static Respuesta pedirVentana(int esperaMs = 5000);
     // A second start of the window: the running program shows its window,
-    // or the user learns why none comes (through the prompt interface).
-    static void cederAlPrimero();
+    // or why none comes, for the caller to tell the user.
+    static Hecho cederAlPrimero();
     // Where the running program listens.
     static QString nombreServidor();
 

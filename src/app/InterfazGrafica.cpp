@@ -2,6 +2,7 @@
 
 #include "app/frmpwd.h"
 #include "base/EstadoAplicacion.h"
+#include "base/Pantallas.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -167,4 +168,18 @@ void InterfazGrafica::openUrl(const QString& target) {
 
 void InterfazGrafica::terminateWithoutDatabase() {
     std::_Exit(0);
+}
+
+// The screens are registered by name once the frame is built; before that
+// (or with none built) the line of a run without windows stands in.
+void InterfazGrafica::abrirSeleccionBaseDatos(const QString& motivo) {
+    if (!Pantallas::abrir(u"frmSelectDB"_s)) InterfazUsuario::abrirSeleccionBaseDatos(motivo);
+}
+
+void InterfazGrafica::altaCuenta() {
+    if (!Pantallas::abrir(u"frmTipoRegistro"_s)) InterfazUsuario::altaCuenta();
+}
+
+void InterfazGrafica::completarCuentaPrincipal() {
+    Pantallas::abrir(u"frmNewCanal.Principal"_s);
 }

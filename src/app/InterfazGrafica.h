@@ -24,10 +24,15 @@ class InterfazGrafica : public InterfazUsuario {
                          const QString& filter) override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
+    void altaCuenta() override;
+    void completarCuentaPrincipal() override;
 
     // Hands an address to the desktop; false when no program took it. A
     // test stands in for the desktop here.
     std::function<bool(const QUrl&)> abridor;
+
+  protected:
+    void abrirSeleccionBaseDatos(const QString& motivo) override;
 
   private:
     QWidget* m_owner;

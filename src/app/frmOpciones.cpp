@@ -4,6 +4,7 @@
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
 #include "widgets/Accesible.h"
+#include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
 
 #include <QCheckBox>
@@ -143,7 +144,13 @@ bool frmOpciones::msGuardarOpciones() {
     o.clave = txtpwdcontactos->text();
     o.soloContactos = Chkcontactos->isChecked();
     o.imgfondo = txtimgfondo->text();
-    return ::msGuardarOpciones(o, txtpwdcontactos2->text());
+    if (!mostrar(::msGuardarOpciones(o, txtpwdcontactos2->text()))) return false;
+    ui().msgBox(
+        u"Datos de Opciones  guardados correctamente.\n\nTiempo de envío de mensajes "
+        u"en bandeja de Salida establecido en "_s +
+            o.intervalo + u" Seg.\n\n"_s,
+        Msg::Information);
+    return true;
 }
 
 void frmOpciones::cmdexaminar_Click() {

@@ -23,6 +23,7 @@
 #include "import/mdoImport.h"
 #include "scheduling/clsTareasPendientes.h"
 #include "widgets/Ayuda.h"
+#include "widgets/Cuadros.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/PantallasHijas.h"
@@ -204,7 +205,7 @@ void mdiMain::msCrearMenu() {
         {u"keyCanales"_s, {true, pantalla(u"frmCanales")}},
         {u"keyBD"_s, {true, pantalla(u"frmSelectDB")}},
         {u"keyHelp"_s, {false, msAyuda}},
-        {u"keyHome01"_s, {false, [this] { ::msRecarga(); }}},
+        {u"keyHome01"_s, {false, [this] { mostrar(::msRecarga()); }}},
         {u"keyHome02"_s, {false, web(Despliegue::web)}},
         {u"keyHome07"_s,
          {false, web([]() -> QString { return Despliegue::web() + u"/novedadesqm.php"_s; })}},
@@ -287,7 +288,7 @@ void mdiMain::crearBarra() {
         {u"PROG"_s, {true, pantalla(u"frmMenAuto")}},
         {u"INFORMACION"_s, {false, msAyuda}},
         {u"EMERGENCIAS"_s, {true, pantalla(u"frmEmergencias")}},
-        {u"RECARGA"_s, {false, [this] { ::msRecarga(); }}},
+        {u"RECARGA"_s, {false, [this] { mostrar(::msRecarga()); }}},
         {u"OCULTAR"_s, {false, [this] { ocultar(); }}},
     };
 }

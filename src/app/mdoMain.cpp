@@ -43,10 +43,7 @@ void msAbrirBaseInicial() {
     bool abierta = msAbrirBD(guardada);
     while (!abierta && Conexion().openWasBusy()) {
         msLog(u"La Base de Datos está bloqueada por otro programa: "_s + guardada);
-        if (ui().msgBox(u"La Base de Datos está siendo usada por otro programa:\n"_s + guardada +
-                            u"\n\n¿Desea volver a intentarlo?"_s,
-                        Msg::YesNo + Msg::Exclamation) != Msg::Yes)
-            ui().terminateWithoutDatabase();
+        if (!ui().reintentarBaseOcupada(guardada)) ui().terminateWithoutDatabase();
         abierta = msAbrirBD(guardada);
     }
     if (abierta) {

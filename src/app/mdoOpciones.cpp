@@ -61,12 +61,9 @@ QString motivoOpcionesNoValidas(const Opciones& o, const QString& confirmacion) 
     return {};
 }
 
-bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
+Hecho msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
     const QString motivo = motivoOpcionesNoValidas(o, confirmacion);
-    if (!motivo.isEmpty()) {
-        ui().msgBox(motivo, Msg::Exclamation);
-        return false;
-    }
+    if (!motivo.isEmpty()) return Hecho::no(motivo, Msg::Exclamation);
     try {
         // The gate asks for the new password from now on.
         const QString nueva = o.clave.isEmpty() ? sinClave() : o.clave;
@@ -80,16 +77,10 @@ bool msGuardarOpciones(const Opciones& o, const QString& confirmacion) {
         const double segundos = aNumero(o.intervalo);
         if (segundos * 1000 > INT_MAX) throw ErrorQuelmo(u"Desbordamiento"_s, ErrNum::Overflow);
         Q_EMIT Avisos::instancia().intervaloCambiado(int(std::lround(segundos)));
-        ui().msgBox(
-            u"Datos de Opciones  guardados correctamente.\n\nTiempo de envío de mensajes "
-            u"en bandeja de Salida establecido en "_s +
-                o.intervalo + u" Seg.\n\n"_s,
-            Msg::Information);
         Q_EMIT Avisos::instancia().opcionesGuardadas();
-        return true;
+        return {};
     } catch (const ErrorQuelmo&) {
-        ui().msgBox(u"Ha ocurrido un error guardando los Datos."_s, Msg::Critical);
-        return false;
+        return Hecho::no(u"Ha ocurrido un error guardando los Datos."_s, Msg::Critical);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Hecho.h"
+
 #include <QString>
 
 // The general options: the `opciones` row (batch size, contacts-only
@@ -27,9 +29,10 @@ QString motivoOpcionesNoValidas(const Opciones& o, const QString& confirmacion);
 
 // Checks and stores the options and applies them at once: the access gate
 // asks for the new password, the transmitter counts the new interval from
-// now, the background shows the new picture. Tells the user the outcome;
-// false when a check fails (nothing changed) or storing fails.
-bool msGuardarOpciones(const Opciones& o, const QString& confirmacion);
+// now, the background shows the new picture. Refused when a check fails
+// (nothing changed, the reason as motivoOpcionesNoValidas says it) or when
+// storing fails.
+Hecho msGuardarOpciones(const Opciones& o, const QString& confirmacion);
 
 // The user's background picture (`opciones.imgfondo`); empty when none is
 // set or the database can't say.

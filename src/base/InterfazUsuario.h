@@ -60,8 +60,28 @@ class InterfazUsuario {
     }
     // Hands an address or a document to the desktop.
     virtual void openUrl(const QString& target) = 0;
+
+    // The screens the core needs and can't go on without. The window opens
+    // them modally and they have done their work on return; without a
+    // window a line on standard error says what could not be shown.
+    //
+    // The database selection. `aviso`, when given, is said in a critical
+    // box first; `motivo` (the file and why it is not usable) is what a
+    // run without windows can tell instead.
+    void seleccionarBaseDatos(const QString& motivo, const QString& aviso = QString());
+    // The first-run account set-up.
+    virtual void altaCuenta();
+    // The principal account's editor, to complete its user and password.
+    virtual void completarCuentaPrincipal() {}
+    // At start the saved database is held by another program: true to try
+    // again, false to give up (a Yes/No question, Yes by default).
+    virtual bool reintentarBaseOcupada(const QString& ruta);
     // The process can't go on without a usable database.
     [[noreturn]] virtual void terminateWithoutDatabase() = 0;
+
+  protected:
+    // The selection screen itself, after the box.
+    virtual void abrirSeleccionBaseDatos(const QString& motivo);
 };
 
 // Hands an address or a document to the desktop; an empty one is ignored.

@@ -1,7 +1,5 @@
 #include "base/Pantallas.h"
 
-#include "base/InterfazSinVentana.h"
-
 #include <QHash>
 
 namespace Pantallas {
@@ -10,10 +8,6 @@ namespace {
 QHash<QString, AbridorConDato>& registro() {
     static QHash<QString, AbridorConDato> r;
     return r;
-}
-QHash<QString, Abridor>& sustitutos() {
-    static QHash<QString, Abridor> s;
-    return s;
 }
 }  // namespace
 
@@ -50,27 +44,6 @@ QStringList nombres() {
     QStringList n = registro().keys();
     n.sort();
     return n;
-}
-
-void abrirOAvisar(const QString& nombre, const QString& aviso) {
-    if (const auto s = sustitutos().constFind(nombre); s != sustitutos().cend()) {
-        const Abridor abridor = *s;
-        abridor();
-        return;
-    }
-    if (!abrir(nombre)) avisoSinVentana(aviso);
-}
-
-Sustituto::Sustituto(const QString& nombre, Abridor abrir)
-    : m_nombre(nombre), m_anterior(sustitutos().value(nombre)) {
-    sustitutos().insert(nombre, std::move(abrir));
-}
-
-Sustituto::~Sustituto() {
-    if (m_anterior)
-        sustitutos().insert(m_nombre, std::move(m_anterior));
-    else
-        sustitutos().remove(m_nombre);
 }
 
 }  // namespace Pantallas

@@ -30,25 +30,4 @@ using AbridorConDato = std::function<void(const QVariant& dato)>;
 void registrarConDato(const QString& nombre, AbridorConDato abrir);
 bool abrir(const QString& nombre, const QVariant& dato);
 
-// How the core asks for a screen it needs (the database selection, the
-// first account): opens it, or, with none registered (a run without
-// windows), says on standard error what could not be shown.
-void abrirOAvisar(const QString& nombre, const QString& aviso);
-
-// While it lives, the core's requests for `nombre` (abrirOAvisar) open
-// `abrir` instead of the screen registered under it, also one registered
-// later; the menus still open the real screen. A test stands in this way
-// for a modal screen that would wait for a user.
-class Sustituto {
-  public:
-    Sustituto(const QString& nombre, Abridor abrir);
-    ~Sustituto();
-    Sustituto(const Sustituto&) = delete;
-    Sustituto& operator=(const Sustituto&) = delete;
-
-  private:
-    QString m_nombre;
-    Abridor m_anterior;  // the stand-in it covers, back when it goes
-};
-
 }  // namespace Pantallas

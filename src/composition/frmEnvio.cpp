@@ -15,6 +15,7 @@
 #include "delivery/mdoSendRavion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
+#include "widgets/Cuadros.h"
 #include "widgets/EstadoTransmisor.h"
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
@@ -468,7 +469,7 @@ QCoro::Task<> frmEnvio::cmdSaldo_Click() {
 }
 
 void frmEnvio::cmdRecarga_Click() {
-    msRecarga();
+    mostrar(msRecarga());
 }
 
 // ---- the transmitter switch and the refresh -------------------------------

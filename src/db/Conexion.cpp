@@ -6,7 +6,6 @@
 #include "base/Error.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
-#include "base/Pantallas.h"
 #include "base/RegistroActividad.h"
 
 #include <QCoreApplication>
@@ -92,23 +91,27 @@ bool msValidarBD(const QString& path) {
     return true;
 }
 
+QString textoBaseNoValida() {
+    return u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
+           u"de Datos correcta de Quelmo Mensajes"_s;
+}
+
+namespace {
+void pedirSeleccion(const QString& aviso) {
+    // Without a window, why the last file could not be used is all there is.
+    const QString motivo = Conexion().motivoFallo();
+    ui().seleccionarBaseDatos(u"(BD/Path: \""_s + Ajustes::rutaBaseDatos() + u"\")"_s +
+                                  (motivo.isEmpty() ? QString() : u": "_s + motivo),
+                              aviso);
+}
+}  // namespace
+
 void msBaseNoValida() {
-    ui().msgBox(
-        u"La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base "
-        u"de Datos correcta de Quelmo Mensajes"_s,
-        Msg::Critical);
-    msMostrarSeleccionBD();
+    pedirSeleccion(textoBaseNoValida());
 }
 
 void msMostrarSeleccionBD() {
-    // Without a window, why the last file could not be used is all there is.
-    const QString motivo = Conexion().motivoFallo();
-    Pantallas::abrirOAvisar(u"frmSelectDB"_s,
-                            u"[pantalla] No hay una base de datos utilizable (BD/Path: \""_s +
-                                Ajustes::rutaBaseDatos() + u"\")"_s +
-                                (motivo.isEmpty() ? QString() : u": "_s + motivo) +
-                                u". Sin ventana no se puede mostrar la selección de base de "
-                                u"datos."_s);
+    pedirSeleccion(QString());
 }
 
 int16_t msCanalPrincipal() {

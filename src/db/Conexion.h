@@ -26,12 +26,13 @@ bool prepararBaseInicial();
 bool msAbrirBD(const QString& path);
 bool msValidarBD(const QString& path);
 
-// "La Base de Datos Seleccionada no es válida": the box, then the database
-// selection. What a routine does when the open file lacks a table or column
-// it needs.
+// "La Base de Datos Seleccionada no es válida...": what a routine tells
+// when the open file lacks a table or column it needs.
+QString textoBaseNoValida();
+// That text in a box, then the database selection.
 void msBaseNoValida();
-// The database selection screen, shown modally; without windows a line on
-// standard error says that it could not be shown.
+// The database selection screen, asked of the user interface (modal with a
+// window; a line on standard error without one).
 void msMostrarSeleccionBD();
 
 // The code of the principal account; 0 when there is none (or no table).

@@ -8,7 +8,11 @@
 #include "base/Ajustes.h"
 #include "base/Cifrado.h"
 #include "base/Conversiones.h"
+#include "base/Hecho.h"
 #include "db/Conexion.h"
+
+#include <QCoro/QCoroTask>
+#include <optional>
 
 namespace cuentas_prueba {
 
@@ -62,15 +66,33 @@ inline QString fila(int canal) {
     return c.join(u'|');
 }
 
-// The boxes with the transport library's own words cut from the line that
-// names a failure's cause: they vary with its version and the machine.
+// A box (or a refusal, as "style text"; empty when done) with the transport
+// library's own words cut from the line that names a failure's cause: they
+// vary with its version and the machine.
+inline QString sinLibreria(QString c) {
+    const qsizetype salto = c.indexOf(u'\n');
+    const qsizetype dosPuntos = salto < 0 ? -1 : c.indexOf(u": "_s, salto);
+    if (dosPuntos >= 0) c.truncate(dosPuntos);
+    return c;
+}
+inline QString sinLibreria(const Hecho& h) {
+    return h.ok() ? QString() : sinLibreria(prueba::caja(h.estilo(), h.motivo()));
+}
+// The outcome of a routine that answers later: waitFor wants a value it can
+// build empty, which a Resultado is not.
+template <class T>
+Resultado<T> esperar(QCoro::Task<Resultado<T>> tarea) {
+    std::optional<Resultado<T>> r;
+    auto guardar = [](QCoro::Task<Resultado<T>> t,
+                      std::optional<Resultado<T>>& en) -> QCoro::Task<> {
+        en.emplace(co_await std::move(t));
+    };
+    QCoro::waitFor(guardar(std::move(tarea), r));
+    return std::move(*r);
+}
 inline QStringList cajasSinLibreria(const InterfazGuionada& ui) {
     QStringList t = cajas(ui);
-    for (QString& c : t) {
-        const qsizetype salto = c.indexOf(u'\n');
-        const qsizetype dosPuntos = salto < 0 ? -1 : c.indexOf(u": "_s, salto);
-        if (dosPuntos >= 0) c.truncate(dosPuntos);
-    }
+    for (QString& c : t) c = sinLibreria(c);
     return t;
 }
 

@@ -130,6 +130,82 @@ class TestPantallasCuentas : public Prueba {
         QCOMPARE(ui->selectDatabaseShown, 1);
     }
 
+    // A refusal comes before the question; No to it keeps the account.
+    void deletionRefusedOrDeclined_data() {
+        QTest::addColumn<bool>("contacto");
+        QTest::addColumn<QString>("caja");
+        QTest::newRow("a contact holds it back")
+            << true
+            << u"16 Imposible eliminar esta Cuenta.\nPara eliminar una Cuenta, no deben de "
+               u"existir Contactos asociados a  la Cuenta ."_s;
+        QTest::newRow("answered no")
+            << false
+            << u"308 Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s;
+    }
+    void deletionRefusedOrDeclined() {
+        QFETCH(bool, contacto);
+        tresCuentas();
+        if (contacto) prueba::contacto(u"0034600000001"_s, u"a"_s, 2);
+        ui->answers = {Msg::No};
+        frmCanales f;
+        elegir(f.ListView1, u"Zeta"_s);
+        f.cmdDelete->click();
+        QTEST(cajas(*ui).join(u" / "_s), "caja");
+        QCOMPARE(textosDe(f.ListView1, 0).size(), 3);
+    }
+
+    // The editor tells what the platform said: a refused user is kept only
+    // if the user says so; an unreached platform keeps it, and says so.
+    void editorSaysWhatThePlatformSaid_data() {
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<bool>("conectar");
+        QTest::addColumn<int>("respuesta");
+        QTest::addColumn<QString>("caja");
+        QTest::addColumn<QString>("saldo");  // "-": not kept
+        const QString pregunta =
+            u"276 "_s + kDenegada + u"\n¿Desea guardar la cuenta de todas formas?"_s;
+        QTest::newRow("refused, kept") << u"mala"_s << true << int(Msg::Yes) << pregunta << u"0"_s;
+        QTest::newRow("refused, dropped")
+            << u"mala"_s << true << int(Msg::No) << pregunta << u"-"_s;
+        QTest::newRow("unreached") << u"demo"_s << false << int(Msg::No) << kSinVerificar << u""_s;
+    }
+    void editorSaysWhatThePlatformSaid() {
+        QFETCH(QString, clave);
+        QFETCH(bool, conectar);
+        plataforma(*sim, conectar);
+        QFETCH(int, respuesta);
+        ui->answers = {respuesta};
+        frmCanales f;
+        alAbrirModal([&clave](QDialog* d) {
+            escribir(d, u"txtNombre"_s, u"Mi cuenta"_s);
+            escribir(d, u"txtUsuario"_s, u"demo"_s);
+            escribir(d, u"txtClave"_s, clave);
+            hijo<QRadioButton>(d, u"Option1_0"_s)->click();
+            hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
+        });
+        f.cmdAdd->click();
+        QTEST(cajasSinLibreria(*ui).join(u" / "_s), "caja");
+        QTEST(fila(0) == u"-"_s ? fila(0) : fila(0).section(u'|', 4, 4), "saldo");
+    }
+
+    // The first-run form on a database of the wrong kind: two boxes, then
+    // the database selection; the form stays.
+    void firstRunOnTheWrongDatabase() {
+        Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
+        alAbrirModal([this](QDialog* ini) {
+            altaDemo(ini);
+            QVERIFY(QTest::qWaitFor([this] { return ui->selectDatabaseShown > 0; }, 20000));
+            ini->reject();
+        });
+        Pantallas::abrir(u"frmIniCanal"_s);
+        QCOMPARE(cajas(*ui),
+                 (QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor favor "
+                              u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s,
+                              u"16 No pudo completarse con éxito la configuración, verifique "
+                              u"los datos"_s}));
+        QCOMPARE(ui->selectDatabaseShown, 1);
+    }
+
     // The first account added from the list becomes principal, and the
     // compose screen shows it at once.
     void addFirstAccountFromTheList() {
@@ -191,6 +267,8 @@ class TestPantallasCuentas : public Prueba {
                  QStringList{u"https://pago.test/informacion/recarga_sms.php?u=ana%20b"_s});
         ui->answers = {Msg::Yes};
         f.cmdPrede->click();
+        QCOMPARE(cajas(*ui), QStringList{u"308 Quiere establecer la Cuenta 'Zeta' como Cuenta "
+                                         u"Principal de Envío?"_s});
         QCOMPARE(textosDe(f.ListView1, 2), (QStringList{u"No"_s, u"No"_s, u"Sí"_s}));
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdGetSaldo->click();
@@ -198,6 +276,8 @@ class TestPantallasCuentas : public Prueba {
         ui->answers = {Msg::Yes};
         elegir(f.ListView1, u"Zeta"_s);
         f.cmdDelete->click();
+        QCOMPARE(cajas(*ui).last(),
+                 u"308 Esta a punto de eliminar una Cuenta de la aplicación, esta seguro ?"_s);
         QCOMPARE(textosDe(f.ListView1, 0), (QStringList{u"Alfa"_s, u"Beta"_s}));
         QCOMPARE(textosDe(f.ListView1, 2), (QStringList{u"Sí"_s, u"No"_s}));
         f.cmdRegistro->click();

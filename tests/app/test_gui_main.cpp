@@ -393,6 +393,37 @@ class TestGuiMain : public Prueba {
         QTEST(ui->firstRunShown, "puestaEnMarcha");
     }
 
+    // The screens the core asks for open through the registry; none
+    // registered is a line on standard error, not a failure.
+    void coreScreensOpenThroughTheRegistry_data() {
+        QTest::addColumn<QString>("pantalla");
+        QTest::newRow("database selection") << u"frmSelectDB"_s;
+        QTest::newRow("first-run set-up") << u"frmTipoRegistro"_s;
+        QTest::newRow("principal account") << u"frmNewCanal.Principal"_s;
+    }
+    void coreScreensOpenThroughTheRegistry() {
+        QFETCH(QString, pantalla);
+        ui.reset();
+        InterfazGrafica grafica;
+        establecerInterfaz(&grafica);
+        auto pedir = [&] {
+            if (pantalla == u"frmSelectDB"_s)
+                msMostrarSeleccionBD();
+            else if (pantalla == u"frmTipoRegistro"_s)
+                grafica.altaCuenta();
+            else
+                grafica.completarCuentaPrincipal();
+        };
+        int abierta = 0;
+        Pantallas::registrar(pantalla, [&] { ++abierta; });
+        pedir();
+        QCOMPARE(abierta, 1);
+        Pantallas::registrar(pantalla, {});
+        pedir();
+        QCOMPARE(abierta, 1);
+        establecerInterfaz(nullptr);
+    }
+
     void longLogLineReadInFull() {
         auto w = ventana();
         for (int i = 0; i < 2000; ++i) msLog(u"línea %1"_s.arg(i));

@@ -223,13 +223,10 @@ class TestHeadless : public Prueba {
 
         // The window, started now, learns why it can't come and what to do.
         QCOMPARE(Instancia::pedirVentana(), Instancia::Respuesta::SinVentana);
-        InterfazGuionada ui;
-        Instancia::cederAlPrimero();
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes[0].style, Msg::Information);
-        QVERIFY2(ui.boxes[0].text.contains(u"sin ventana"_s), qPrintable(ui.boxes[0].text));
-        QVERIFY(
-            ui.boxes[0].text.contains(u"\n\nsystemctl --user stop quelmo-sms-transmisor\n\n"_s));
+        const Hecho cedido = Instancia::cederAlPrimero();
+        QCOMPARE(cedido.estilo(), Msg::Information);
+        QVERIFY2(cedido.motivo().contains(u"sin ventana"_s), qPrintable(cedido.motivo()));
+        QVERIFY(cedido.motivo().contains(u"\n\nsystemctl --user stop quelmo-sms-transmisor\n\n"_s));
 
         ::kill(pid_t(primera.processId()), SIGTERM);
         QVERIFY(primera.waitForFinished(10000));

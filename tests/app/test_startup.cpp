@@ -266,33 +266,6 @@ class TestStartup : public Prueba {
         QVERIFY(ui.boxes.isEmpty());
     }
 
-    void coreScreensOpenThroughTheRegistry_data() {
-        QTest::addColumn<QString>("pantalla");
-        QTest::newRow("database selection") << u"frmSelectDB"_s;
-        QTest::newRow("first-run set-up") << u"frmTipoRegistro"_s;
-    }
-    void coreScreensOpenThroughTheRegistry() {
-        QFETCH(QString, pantalla);
-        // The interface of a run without windows, not a test's stand-in.
-        InterfazSinVentana sinVentana;
-        establecerInterfaz(&sinVentana);
-        auto mostrar = [&] {
-            if (pantalla == u"frmSelectDB"_s)
-                msMostrarSeleccionBD();
-            else
-                msMostrarAltaCuenta();
-        };
-        int abierta = 0;
-        Pantallas::registrar(pantalla, [&] { ++abierta; });
-        mostrar();
-        QCOMPARE(abierta, 1);
-        // Nothing registered: a line instead of a screen, and no failure.
-        Pantallas::registrar(pantalla, {});
-        mostrar();
-        QCOMPARE(abierta, 1);
-        establecerInterfaz(nullptr);
-    }
-
     void resetForgetsTheRun() {
         InterfazGuionada ui;
         EstadoAplicacion& g = estadoAplicacion();

@@ -71,13 +71,7 @@ RelojFijo::~RelojFijo() {
     Reloj::setSource({});
 }
 
-InterfazGuionada::InterfazGuionada()
-    : seleccionBD(u"frmSelectDB"_s,
-                  [this] {
-                      ++selectDatabaseShown;
-                      if (onSelectDatabase) onSelectDatabase();
-                  }),
-      altaCuenta(u"frmTipoRegistro"_s, [this] { ++firstRunShown; }) {
+InterfazGuionada::InterfazGuionada() {
     establecerInterfaz(this);
 }
 InterfazGuionada::~InterfazGuionada() {
@@ -109,6 +103,11 @@ QString InterfazGuionada::openFileName(const QString&, const QString&, const QSt
 
 void InterfazGuionada::openUrl(const QString& target) {
     openedUrls.append(target);
+}
+
+void InterfazGuionada::abrirSeleccionBaseDatos(const QString&) {
+    ++selectDatabaseShown;
+    if (onSelectDatabase) onSelectDatabase();
 }
 
 void InterfazGuionada::terminateWithoutDatabase() {

@@ -90,9 +90,6 @@ class InterfazGuionada : public InterfazUsuario {
     int passwordPrompts = 0;
     int selectDatabaseShown = 0;
     int firstRunShown = 0;
-    // The two modal screens the core opens stand in as counters.
-    Pantallas::Sustituto seleccionBD;
-    Pantallas::Sustituto altaCuenta;
     QStringList openedUrls;
 
     int msgBox(const QString& text, int style, const QString& title) override;
@@ -103,6 +100,15 @@ class InterfazGuionada : public InterfazUsuario {
                          const QString& filter) override;
     void openUrl(const QString& target) override;
     [[noreturn]] void terminateWithoutDatabase() override;
+    // The two modal screens the core asks for stand in as counters.
+    void altaCuenta() override { ++firstRunShown; }
+    // The principal account's editor is whatever the test registered.
+    void completarCuentaPrincipal() override {
+        Pantallas::abrir(QStringLiteral("frmNewCanal.Principal"));
+    }
+
+  protected:
+    void abrirSeleccionBaseDatos(const QString&) override;
 };
 
 // What terminateWithoutDatabase throws in tests instead of ending the process.
