@@ -14,6 +14,9 @@ class frmSeleccion : public QDialog {
     explicit frmSeleccion(QWidget* parent = nullptr);
 
   private:
+    void crearControles();
+    void colocar();
+    void nombrarControles();
     void msCargarListados();
     void moverContactos(QList<int> filas);
     void anadirListas(QList<int> filas);
@@ -26,4 +29,12 @@ class frmSeleccion : public QDialog {
     Listado* lstlistas;
     Listado* lstdestinos;
     QLineEdit* txtBuscar;
+    QPushButton* cmdBuscar;
+    QPushButton* Command1;
+    QPushButton* cmdTodos;
+    QPushButton* Command2;
+    QPushButton* cmdTodoslista;
+    QPushButton* cmdVaciarLista;
+    QPushButton* cmdAdd;
+    QPushButton* cmdClose;
 };
