@@ -11,8 +11,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
@@ -22,9 +22,7 @@
 using namespace Qt::StringLiterals;
 
 frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmCanales"_s);
-    setWindowTitle(u"Cuentas"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmCanales"_s, u"Cuentas"_s, u"cuentas"_s);
     ListView1 = new Listado(u"ListView1"_s,
                             {u"Cuenta"_s, u"Remitente"_s, u"Principal"_s, u"Saldo"_s, u"Usuario"_s,
                              u"Codigo de Cuenta"_s},
@@ -45,21 +43,14 @@ frmCanales::frmCanales(QWidget* parent) : QWidget(parent) {
                                  u"Registrar &NUEVA CUENTA en Plataforma de Mensajes"_s);
     cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
 
-    auto* botones = new QVBoxLayout;
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdPrede, cmdGetSaldo, cmdRecarga})
-        botones->addWidget(b);
-    botones->addStretch();
-    auto* arriba = new QHBoxLayout;
-    arriba->addWidget(ListView1, 1);
-    arriba->addLayout(botones);
+    QHBoxLayout* arriba = fila({{ListView1, 1}});
+    arriba->addLayout(
+        columna({cmdAdd, cmdEdit, cmdDelete, cmdPrede, cmdGetSaldo, cmdRecarga, nullptr}));
     // Cerrar last, in the lower right corner as on every screen, so Tab
     // meets the buttons in the order they stand.
-    auto* abajo = new QHBoxLayout;
-    abajo->addWidget(cmdRegistro, 1);
-    abajo->addWidget(cmdClose);
     auto* v = new QVBoxLayout(this);
     v->addLayout(arriba, 1);
-    v->addLayout(abajo);
+    v->addLayout(fila({{cmdRegistro, 1}, cmdClose}));
     resize(860, 380);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmCanales::cmdAdd_Click);

@@ -6,7 +6,7 @@
 #include "delivery/Intercambio.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -18,26 +18,16 @@
 using namespace Qt::StringLiterals;
 
 frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmIniCanal"_s);
-    setWindowTitle(u"Configuración"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmIniCanal"_s, u"Configuración"_s, u"cuentas"_s);
 
-    Label1 = new QLabel(
+    Label1 = control<QLabel>(
+        this, u"Label1"_s,
         u"Usted ya dispone de una cuenta en la plataforma de mensajes, inserte su nombre de "
-        u"usuario y contraseña para completar la instalación"_s,
-        this);
-    Label1->setObjectName(u"Label1"_s);
+        u"usuario y contraseña para completar la instalación"_s);
     Label1->setWordWrap(true);
-    auto campo = [this](const QString& nombre, bool clave) {
-        auto* e = new QLineEdit(this);
-        e->setObjectName(nombre);
-        e->setMaxLength(50);
-        if (clave) e->setEchoMode(QLineEdit::Password);
-        return e;
-    };
-    txtUsuario = campo(u"txtUsuario"_s, false);
-    txtClave = campo(u"txtClave"_s, true);
-    txtClave2 = campo(u"txtClave2"_s, true);
+    txtUsuario = campoTexto(this, u"txtUsuario"_s, 50);
+    txtClave = campoClave(this, u"txtClave"_s, 50);
+    txtClave2 = campoClave(this, u"txtClave2"_s, 50);
     cmdAceptar = botonConNombre(this, u"cmdAceptar"_s, u"&Aceptar"_s);
     cmdCancelar = botonConNombre(this, u"cmdCancelar"_s, u"&Cancelar"_s);
     cmdAceptar->setDefault(true);
@@ -46,14 +36,10 @@ frmIniCanal::frmIniCanal(QWidget* parent) : QDialog(parent) {
     campos->addRow(u"Usuario :"_s, txtUsuario);
     campos->addRow(u"Contraseña :"_s, txtClave);
     campos->addRow(u"Repita la Contraseña :"_s, txtClave2);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch();
-    botones->addWidget(cmdAceptar);
-    botones->addWidget(cmdCancelar);
     auto* v = new QVBoxLayout(this);
     v->addWidget(Label1);
     v->addLayout(campos);
-    v->addLayout(botones);
+    v->addLayout(fila({nullptr, cmdAceptar, cmdCancelar}));
     setMinimumWidth(460);
 
     conectarUnaVez(cmdAceptar, this, &frmIniCanal::cmdAceptar_Click);

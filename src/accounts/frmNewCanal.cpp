@@ -8,6 +8,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -26,19 +27,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QLineEdit* campo(QWidget* padre, const QString& nombre, int limite) {
-    auto* e = new QLineEdit(padre);
-    e->setObjectName(nombre);
-    e->setMaxLength(limite);
-    return e;
-}
-
-QLabel* etiqueta(QWidget* padre, const QString& texto, QWidget* para = nullptr) {
-    auto* l = new QLabel(texto, padre);
-    if (para) l->setBuddy(para);
-    return l;
-}
-
 // The characters a sender may hold at the platform.
 bool caracterRemitente(QChar c) {
     return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || (c >= u'0' && c <= u'9') ||
@@ -50,119 +38,16 @@ const QString kTituloInfo = u"Información sobre los elementos de la Cuenta"_s;
 }  // namespace
 
 frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmNewCanal"_s);
-    setWindowTitle(u"Mantenimiento de Cuenta"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmNewCanal"_s, u"Mantenimiento de Cuenta"_s, u"cuentas"_s);
 
-    txtNombre = campo(this, u"txtNombre"_s, 50);
-    txtUsuario = campo(this, u"txtUsuario"_s, 50);
-    txtClave = campo(this, u"txtClave"_s, 50);
-    txtClave->setEchoMode(QLineEdit::Password);
-    txtClave->setStyleSheet(u"lineedit-password-character: 42"_s);
-    txtRemitente = campo(this, u"txtRemitente"_s, 11);
-    txtRemitente->setToolTip(u"Lea las condiciones para Remitente personalizado"_s);
-    txtRemitente->installEventFilter(this);
-    txtMovil = new QLabel(this);
-    txtMovil->setObjectName(u"txtMovil"_s);
-    txtinicio = campo(this, u"txtinicio"_s, 50);
-    txtfinal = campo(this, u"txtfinal"_s, 50);
-    importacion = new QCheckBox(u"Incluir textos inicio/final en importación de mensajes"_s, this);
-    importacion->setObjectName(u"importacion"_s);
-
-    // Fixed values the user never reaches: only their defaults are saved.
-    txtMaxMen = campo(this, u"txtMaxMen"_s, 3);
-    txtMaxMen->setText(u"160"_s);
-    txtSMSPort = campo(this, u"txtSMSPort"_s, 5);
-    txtSMSPort->setText(u"80"_s);
-    txtSMSHost = campo(this, u"txtSMSHost"_s, 255);
-    txtSMSHost->setText(msHostPlataforma());
-    for (QWidget* oculto : {txtMaxMen, txtSMSPort, txtSMSHost}) oculto->hide();
-
-    Option1 = new QButtonGroup(this);
-    Option1->setObjectName(u"Option1"_s);
-    const QStringList opciones{u"Predeterminado Quelmo Mensajes"_s,
-                               u"Mi número de móvil registrado: "_s, u"Personalizado"_s};
-    for (int i = 0; i < opciones.size(); ++i) {
-        auto* r = new QRadioButton(opciones[i], this);
-        r->setObjectName(u"Option1_%1"_s.arg(i));
-        Option1->addButton(r, i);
-    }
-    // None is set until an account is loaded or the user chooses.
-    Option1->setExclusive(true);
-
-    L1 = new QLabel(u"Para activar su remitente envíe al 5303 el mensaje"_s, this);
-    L1->setObjectName(u"L1"_s);
-    L2 = new QLabel(this);
-    L2->setObjectName(u"L2"_s);
-    L2->setStyleSheet(u"font-weight: bold"_s);
-    L1->hide();
-    L2->hide();
-
-    auto info = [this](int i, const QString& ayuda = QString()) {
-        // Read aloud, the picture alone says nothing of what it explains.
-        static const QStringList sobre{u"Información sobre el texto inicio de mensaje"_s,
-                                       u"Información sobre el texto final de mensaje"_s, QString(),
-                                       QString(), u"Condiciones del remitente personalizado"_s};
-        auto* b = new QToolButton(this);
-        b->setObjectName(u"Image4_%1"_s.arg(i));
-        b->setAccessibleName(sobre.value(i));
-        b->setIcon(iconoQuelmo(u"info"_s));
-        b->setAutoRaise(true);
-        if (!ayuda.isEmpty()) b->setToolTip(ayuda);
-        connect(b, &QToolButton::clicked, this, [this, i] { Image4_Click(i); });
-        return b;
-    };
-
+    crearCampos();
+    crearRemitente();
     cmdAceptar = botonConNombre(this, u"cmdAceptar"_s, u"&Guardar"_s);
     CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
     XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Recargar Saldo para esta Cuenta"_s);
     // Enter in the fields has rules of its own, no default button.
     for (QPushButton* b : {cmdAceptar, CmdSalir, XPButton1}) b->setAutoDefault(false);
-
-    auto* cuenta = new QGridLayout;
-    cuenta->addWidget(etiqueta(this, u"Nombre de la Cuenta"_s, txtNombre), 0, 0);
-    cuenta->addWidget(txtNombre, 0, 1);
-    cuenta->addWidget(etiqueta(this, u"Usuario"_s, txtUsuario), 1, 0);
-    cuenta->addWidget(txtUsuario, 1, 1);
-    cuenta->addWidget(etiqueta(this, u"Contraseña"_s, txtClave), 2, 0);
-    cuenta->addWidget(txtClave, 2, 1);
-
-    auto* remitente = new QGroupBox(u"Remitente de los mensajes"_s, this);
-    auto* r = new QGridLayout(remitente);
-    r->addWidget(Option1->button(0), 0, 0, 1, 3);
-    r->addWidget(Option1->button(1), 1, 0);
-    r->addWidget(txtMovil, 1, 1, 1, 2);
-    r->addWidget(Option1->button(2), 2, 0);
-    auto* fila = new QHBoxLayout;
-    fila->addWidget(etiqueta(this, u"Remitente Personalizado"_s, txtRemitente));
-    fila->addWidget(txtRemitente);
-    fila->addWidget(info(4, u"Ver Condiciones de Remittente"_s));
-    r->addLayout(fila, 2, 1, 1, 2);
-    r->addWidget(L1, 3, 0, 1, 3);
-    r->addWidget(L2, 4, 0, 1, 3);
-    r->setColumnStretch(2, 1);
-
-    auto* textos = new QGridLayout;
-    textos->addWidget(etiqueta(this, u"Texto inicio de mensaje"_s, txtinicio), 0, 0);
-    textos->addWidget(txtinicio, 0, 1);
-    textos->addWidget(info(0), 0, 2);
-    textos->addWidget(etiqueta(this, u"Texto final de mensaje"_s, txtfinal), 1, 0);
-    textos->addWidget(txtfinal, 1, 1);
-    textos->addWidget(info(1), 1, 2);
-    textos->addWidget(importacion, 2, 0, 1, 3);
-
-    auto* botones = new QHBoxLayout;
-    botones->addWidget(XPButton1);
-    botones->addStretch();
-    botones->addWidget(cmdAceptar);
-    botones->addWidget(CmdSalir);
-
-    auto* v = new QVBoxLayout(this);
-    v->addLayout(cuenta);
-    v->addWidget(remitente);
-    v->addLayout(textos);
-    v->addLayout(botones);
-    setMinimumWidth(560);
+    colocar();
 
     connect(Option1, &QButtonGroup::idClicked, this, &frmNewCanal::Option1_Click);
     connect(txtRemitente, &QLineEdit::textChanged, this, &frmNewCanal::actualizarActivacion);
@@ -182,6 +67,94 @@ frmNewCanal::frmNewCanal(QWidget* parent) : QDialog(parent) {
                      txtinicio, findChild<QWidget*>(u"Image4_0"_s), txtfinal,
                      findChild<QWidget*>(u"Image4_1"_s), importacion, XPButton1, cmdAceptar,
                      CmdSalir});
+}
+
+void frmNewCanal::crearCampos() {
+    txtNombre = campoTexto(this, u"txtNombre"_s, 50);
+    txtUsuario = campoTexto(this, u"txtUsuario"_s, 50);
+    txtClave = campoClave(this, u"txtClave"_s, 50);
+    txtClave->setStyleSheet(u"lineedit-password-character: 42"_s);
+    txtRemitente = campoTexto(this, u"txtRemitente"_s, 11);
+    txtRemitente->setToolTip(u"Lea las condiciones para Remitente personalizado"_s);
+    txtRemitente->installEventFilter(this);
+    txtMovil = control<QLabel>(this, u"txtMovil"_s);
+    txtinicio = campoTexto(this, u"txtinicio"_s, 50);
+    txtfinal = campoTexto(this, u"txtfinal"_s, 50);
+    importacion = control<QCheckBox>(this, u"importacion"_s,
+                                     u"Incluir textos inicio/final en importación de mensajes"_s);
+
+    // Fixed values the user never reaches: only their defaults are saved.
+    txtMaxMen = campoTexto(this, u"txtMaxMen"_s, 3);
+    txtMaxMen->setText(u"160"_s);
+    txtSMSPort = campoTexto(this, u"txtSMSPort"_s, 5);
+    txtSMSPort->setText(u"80"_s);
+    txtSMSHost = campoTexto(this, u"txtSMSHost"_s, 255);
+    txtSMSHost->setText(msHostPlataforma());
+    for (QWidget* oculto : {txtMaxMen, txtSMSPort, txtSMSHost}) oculto->hide();
+}
+
+void frmNewCanal::crearRemitente() {
+    Option1 = control<QButtonGroup>(this, u"Option1"_s);
+    const QStringList opciones{u"Predeterminado Quelmo Mensajes"_s,
+                               u"Mi número de móvil registrado: "_s, u"Personalizado"_s};
+    for (int i = 0; i < opciones.size(); ++i)
+        Option1->addButton(control<QRadioButton>(this, u"Option1_%1"_s.arg(i), opciones[i]), i);
+    // None is set until an account is loaded or the user chooses.
+    Option1->setExclusive(true);
+
+    L1 = control<QLabel>(this, u"L1"_s, u"Para activar su remitente envíe al 5303 el mensaje"_s);
+    L2 = control<QLabel>(this, u"L2"_s);
+    L2->setStyleSheet(u"font-weight: bold"_s);
+    L1->hide();
+    L2->hide();
+}
+
+QToolButton* frmNewCanal::botonInfo(int i, const QString& ayuda) {
+    // Read aloud, the picture alone says nothing of what it explains.
+    static const QStringList sobre{u"Información sobre el texto inicio de mensaje"_s,
+                                   u"Información sobre el texto final de mensaje"_s, QString(),
+                                   QString(), u"Condiciones del remitente personalizado"_s};
+    auto* b = control<QToolButton>(this, u"Image4_%1"_s.arg(i));
+    b->setAccessibleName(sobre.value(i));
+    b->setIcon(iconoQuelmo(u"info"_s));
+    b->setAutoRaise(true);
+    if (!ayuda.isEmpty()) b->setToolTip(ayuda);
+    connect(b, &QToolButton::clicked, this, [this, i] { Image4_Click(i); });
+    return b;
+}
+
+void frmNewCanal::colocar() {
+    auto* cuenta = new QGridLayout;
+    filasFormulario(cuenta, {{u"Nombre de la Cuenta"_s, txtNombre},
+                             {u"Usuario"_s, txtUsuario},
+                             {u"Contraseña"_s, txtClave}});
+
+    auto* remitente = new QGroupBox(u"Remitente de los mensajes"_s, this);
+    auto* r = new QGridLayout(remitente);
+    r->addWidget(Option1->button(0), 0, 0, 1, 3);
+    r->addWidget(Option1->button(1), 1, 0);
+    r->addWidget(txtMovil, 1, 1, 1, 2);
+    r->addWidget(Option1->button(2), 2, 0);
+    r->addLayout(fila({etiqueta(this, u"Remitente Personalizado"_s, txtRemitente), txtRemitente,
+                       botonInfo(4, u"Ver Condiciones de Remittente"_s)}),
+                 2, 1, 1, 2);
+    r->addWidget(L1, 3, 0, 1, 3);
+    r->addWidget(L2, 4, 0, 1, 3);
+    r->setColumnStretch(2, 1);
+
+    auto* textos = new QGridLayout;
+    filasFormulario(textos, {{u"Texto inicio de mensaje"_s, txtinicio},
+                             {u"Texto final de mensaje"_s, txtfinal}});
+    textos->addWidget(botonInfo(0), 0, 2);
+    textos->addWidget(botonInfo(1), 1, 2);
+    textos->addWidget(importacion, 2, 0, 1, 3);
+
+    auto* v = new QVBoxLayout(this);
+    v->addLayout(cuenta);
+    v->addWidget(remitente);
+    v->addLayout(textos);
+    v->addLayout(fila({XPButton1, nullptr, cmdAceptar, CmdSalir}));
+    setMinimumWidth(560);
 }
 
 void frmNewCanal::editar(bool edicion, int16_t canal, QWidget* padre) {

@@ -56,6 +56,10 @@ class frmNewCanal : public QDialog {
     bool eventFilter(QObject* objeto, QEvent* evento) override;
 
   private:
+    void crearCampos();
+    void crearRemitente();
+    QToolButton* botonInfo(int i, const QString& ayuda = QString());
+    void colocar();
     void Option1_Click(int indice);
     void actualizarActivacion();
     void Image4_Click(int indice);

@@ -7,7 +7,7 @@
 #include "delivery/Registro.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -21,14 +21,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QLineEdit* campo(QWidget* padre, const QString& nombre, int limite, bool clave = false) {
-    auto* e = new QLineEdit(padre);
-    e->setObjectName(nombre);
-    e->setMaxLength(limite);
-    if (clave) e->setEchoMode(QLineEdit::Password);
-    return e;
-}
 
 QLabel* explicacion(QWidget* padre, const QString& texto) {
     auto* l = new QLabel(texto, padre);
@@ -48,12 +40,34 @@ class Pagina : public QWizardPage {
     std::function<bool()> validar;
     bool validatePage() override { return validar ? validar() : true; }
 };
+
+template <class P>
+P* pagina(QWizard* asistente, int id, const QString& nombre, const QString& titulo) {
+    auto* p = control<P>(asistente, nombre);
+    p->setTitle(titulo);
+    asistente->setPage(id, p);
+    return p;
+}
+
+// A page of fields: what it asks for, then each field under its caption,
+// registered under its name (a "*" makes it required).
+struct CampoPagina {
+    QString texto;
+    QLineEdit* campo;
+    QString registro;
+};
+void formulario(Pagina* p, const QString& pide, std::initializer_list<CampoPagina> campos) {
+    auto* f = new QFormLayout(p);
+    f->addRow(explicacion(p, pide));
+    for (const CampoPagina& c : campos) {
+        f->addRow(c.texto, c.campo);
+        p->registerField(c.registro, c.campo);
+    }
+}
 }  // namespace
 
 frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
-    setObjectName(u"frmRegistro"_s);
-    setWindowTitle(u"Registro de una nueva cuenta"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmRegistro"_s, u"Registro de una nueva cuenta"_s, u"cuentas"_s);
     setWizardStyle(QWizard::ClassicStyle);
     setOption(QWizard::NoBackButtonOnLastPage);
     // Going back to correct a field keeps what was typed on the later pages.
@@ -62,32 +76,33 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
     setButtonText(QWizard::NextButton, u"&Siguiente >"_s);
     setButtonText(QWizard::FinishButton, u"&Finalizar"_s);
     setButtonText(QWizard::CancelButton, u"&Cancelar"_s);
+    crearPaginaDatos();
+    crearPaginaCondiciones();
+    crearPaginaUsuario();
+    crearPaginaFin();
+    setMinimumSize(560, 400);
+}
 
-    auto* datos = new Pagina(this);
-    datos->setObjectName(u"pagDatos"_s);
-    datos->setTitle(u"Sus datos"_s);
-    txtNombre = campo(datos, u"txtNombre"_s, 100);
-    txtEmail = campo(datos, u"txtEmail"_s, 100);
-    txtMovil = campo(datos, u"txtMovil"_s, 16);
-    auto* fd = new QFormLayout(datos);
-    fd->addRow(explicacion(datos,
-                           u"Regístrese gratis en la plataforma de mensajes. Indíquenos "
-                           u"su nombre, su correo electrónico y su número de móvil."_s));
-    fd->addRow(u"Nombre y apellidos :"_s, txtNombre);
-    fd->addRow(u"Correo electrónico :"_s, txtEmail);
-    fd->addRow(u"Número de móvil :"_s, txtMovil);
-    datos->registerField(u"nombre*"_s, txtNombre);
-    datos->registerField(u"email*"_s, txtEmail);
-    datos->registerField(u"movil*"_s, txtMovil);
-    setPage(Datos, datos);
+void frmRegistro::crearPaginaDatos() {
+    auto* datos = pagina<Pagina>(this, Datos, u"pagDatos"_s, u"Sus datos"_s);
+    txtNombre = campoTexto(datos, u"txtNombre"_s, 100);
+    txtEmail = campoTexto(datos, u"txtEmail"_s, 100);
+    txtMovil = campoTexto(datos, u"txtMovil"_s, 16);
+    formulario(datos,
+               u"Regístrese gratis en la plataforma de mensajes. Indíquenos "
+               u"su nombre, su correo electrónico y su número de móvil."_s,
+               {{u"Nombre y apellidos :"_s, txtNombre, u"nombre*"_s},
+                {u"Correo electrónico :"_s, txtEmail, u"email*"_s},
+                {u"Número de móvil :"_s, txtMovil, u"movil*"_s}});
+}
 
-    auto* condiciones = new Pagina(this);
-    condiciones->setObjectName(u"pagCondiciones"_s);
-    condiciones->setTitle(u"Condiciones del servicio"_s);
+void frmRegistro::crearPaginaCondiciones() {
+    auto* condiciones =
+        pagina<Pagina>(this, Condiciones, u"pagCondiciones"_s, u"Condiciones del servicio"_s);
     cmdCondiciones =
         botonConNombre(condiciones, u"cmdCondiciones"_s, u"&Ver las condiciones del servicio"_s);
-    chkAcepto = new QCheckBox(u"He leído y acepto las condiciones del servicio"_s, condiciones);
-    chkAcepto->setObjectName(u"chkAcepto"_s);
+    chkAcepto = control<QCheckBox>(condiciones, u"chkAcepto"_s,
+                                   u"He leído y acepto las condiciones del servicio"_s);
     auto* vc = new QVBoxLayout(condiciones);
     vc->addWidget(explicacion(condiciones,
                               u"Para darse de alta debe aceptar las condiciones del servicio. "
@@ -96,42 +111,35 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
     vc->addWidget(chkAcepto);
     vc->addStretch();
     condiciones->registerField(u"acepto*"_s, chkAcepto);
-    setPage(Condiciones, condiciones);
     connect(cmdCondiciones, &QPushButton::clicked, this,
             [] { Pantallas::abrir(u"condiciones"_s); });
+}
 
-    auto* usuario = new Pagina(this);
+void frmRegistro::crearPaginaUsuario() {
+    auto* usuario = pagina<Pagina>(this, Usuario, u"pagUsuario"_s, u"Usuario y contraseña"_s);
     usuario->validar = [this] {
         if (m_registrado) return true;
         if (!m_registrando) registrarYSeguir();
         return false;
     };
-    usuario->setObjectName(u"pagUsuario"_s);
-    usuario->setTitle(u"Usuario y contraseña"_s);
-    txtUsuario = campo(usuario, u"txtUsuario"_s, 50);
-    txtClave = campo(usuario, u"txtClave"_s, 50, true);
-    txtClave2 = campo(usuario, u"txtClave2"_s, 50, true);
-    auto* fu = new QFormLayout(usuario);
-    fu->addRow(explicacion(usuario,
-                           u"Elija el nombre de usuario y la contraseña con los que "
-                           u"enviará sus mensajes."_s));
-    fu->addRow(u"Usuario :"_s, txtUsuario);
-    fu->addRow(u"Contraseña :"_s, txtClave);
-    fu->addRow(u"Repita la Contraseña :"_s, txtClave2);
-    usuario->registerField(u"usuario*"_s, txtUsuario);
-    usuario->registerField(u"clave*"_s, txtClave);
-    usuario->registerField(u"clave2*"_s, txtClave2);
+    txtUsuario = campoTexto(usuario, u"txtUsuario"_s, 50);
+    txtClave = campoClave(usuario, u"txtClave"_s, 50);
+    txtClave2 = campoClave(usuario, u"txtClave2"_s, 50);
+    formulario(usuario,
+               u"Elija el nombre de usuario y la contraseña con los que "
+               u"enviará sus mensajes."_s,
+               {{u"Usuario :"_s, txtUsuario, u"usuario*"_s},
+                {u"Contraseña :"_s, txtClave, u"clave*"_s},
+                {u"Repita la Contraseña :"_s, txtClave2, u"clave2*"_s}});
     usuario->setCommitPage(true);
     setButtonText(QWizard::CommitButton, u"&Registrarme"_s);
-    setPage(Usuario, usuario);
+}
 
-    auto* fin = new QWizardPage(this);
-    fin->setObjectName(u"pagFin"_s);
-    fin->setTitle(u"Cuenta dada de alta"_s);
+void frmRegistro::crearPaginaFin() {
+    auto* fin = pagina<QWizardPage>(this, Fin, u"pagFin"_s, u"Cuenta dada de alta"_s);
     auto* lblFin = explicacion(fin, QString());
     lblFin->setObjectName(u"lblFin"_s);
     (new QVBoxLayout(fin))->addWidget(lblFin);
-    setPage(Fin, fin);
     connect(this, &QWizard::currentIdChanged, this, [this, lblFin](int id) {
         if (id != Fin) return;
         const QString saldo = m_saldo.isEmpty()
@@ -142,7 +150,6 @@ frmRegistro::frmRegistro(QWidget* parent) : QWizard(parent) {
                         u".\n\nYa puede enviar mensajes. En Configurar > Cuentas puede "
                         u"personalizar su cuenta."_s);
     });
-    setMinimumSize(560, 400);
 }
 
 QCoro::Task<> frmRegistro::registrarYSeguir() {

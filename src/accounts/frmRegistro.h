@@ -30,6 +30,10 @@ class frmRegistro : public QWizard {
     const QString& usuarioRegistrado() const { return m_usuario; }
 
   private:
+    void crearPaginaDatos();
+    void crearPaginaCondiciones();
+    void crearPaginaUsuario();
+    void crearPaginaFin();
     // Posts the sign-up; true when the platform took it and the account
     // was added.
     QCoro::Task<bool> registrar();

@@ -5,8 +5,8 @@
 #include "base/Conversiones.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -15,9 +15,7 @@
 using namespace Qt::StringLiterals;
 
 frmSCanal::frmSCanal(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmSCanal"_s);
-    setWindowTitle(u"Seleccione una Cuenta para este envio"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmSCanal"_s, u"Seleccione una Cuenta para este envio"_s, u"cuentas"_s);
     ListView1 = new Listado(u"ListView1"_s, {u"Cuenta"_s, u"Contacto"_s}, this);
     nombreAccesible(ListView1, u"Cuentas"_s);
     ListView1->setColumnWidth(0, 200);

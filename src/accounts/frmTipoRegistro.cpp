@@ -2,7 +2,7 @@
 
 #include "base/Pantallas.h"
 #include "widgets/Boton.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -22,9 +22,7 @@ void pintar(QLabel* l, const QColor& c) {
 }  // namespace
 
 frmTipoRegistro::frmTipoRegistro(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmTipoRegistro"_s);
-    setWindowTitle(u"Quelmo Mensajes SMS"_s);
-    setWindowIcon(iconoQuelmo(u"cuentas"_s));
+    identificar(this, u"frmTipoRegistro"_s, u"Quelmo Mensajes SMS"_s, u"cuentas"_s);
 
     Label2 = new QLabel(
         u"Se ha detectado que no tiene una Cuenta configurada en Quelmo Mensajes SMS"_s, this);

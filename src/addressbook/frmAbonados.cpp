@@ -7,9 +7,9 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
@@ -23,9 +23,7 @@
 using namespace Qt::StringLiterals;
 
 frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmAbonados"_s);
-    setWindowTitle(u"Contactos"_s);
-    setWindowIcon(iconoQuelmo(u"contactos"_s));
+    identificar(this, u"frmAbonados"_s, u"Contactos"_s, u"contactos"_s);
     ListView1 =
         new Listado(u"ListView1"_s, {u"Nombre"_s, u"Número"_s, u"Comentario"_s, u"Cuenta"_s}, this);
     m_contactos = new ModeloPaginado(
@@ -45,21 +43,15 @@ frmAbonados::frmAbonados(QWidget* parent) : QWidget(parent) {
         ListView1->setColumnWidth(c, fm.horizontalAdvance(muestras[c]) + margen);
         ancho += ListView1->columnWidth(c);
     }
-    lblcont = new QLabel(this);
-    lblcont->setObjectName(u"lblcont"_s);
-    auto boton = [this](const QString& nombre, const QString& texto) {
-        return botonConNombre(this, nombre, texto);
-    };
-    cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
-    cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);
-    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
-    cmdDeletetodos = boton(u"cmdDeletetodos"_s, u"Eliminar &Todos"_s);
-    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
+    lblcont = control<QLabel>(this, u"lblcont"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"Ag&regar"_s);
+    cmdEdit = botonConNombre(this, u"cmdEdit"_s, u"&Editar"_s);
+    cmdDelete = botonConNombre(this, u"cmdDelete"_s, u"E&liminar"_s);
+    cmdDeletetodos = botonConNombre(this, u"cmdDeletetodos"_s, u"Eliminar &Todos"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
 
-    auto* botones = new QHBoxLayout;
-    botones->addWidget(lblcont, 1);
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, cmdClose})
-        botones->addWidget(b);
+    QHBoxLayout* botones =
+        fila({{lblcont, 1}, cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, cmdClose});
     auto* v = new QVBoxLayout(this);
     v->addWidget(ListView1, 1);
     v->addLayout(botones);

@@ -7,8 +7,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
@@ -18,33 +18,22 @@
 using namespace Qt::StringLiterals;
 
 frmGrupos::frmGrupos(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmGrupos"_s);
-    setWindowTitle(u"Listas Locales"_s);
-    setWindowIcon(iconoQuelmo(u"listas"_s));
+    identificar(this, u"frmGrupos"_s, u"Listas Locales"_s, u"listas"_s);
     ListView1 =
         new Listado(u"ListView1"_s, {u"Código"_s, u"Nombre de Lista"_s, u"Nº Contactos"_s}, this);
     nombreAccesible(ListView1, u"Listas Locales"_s);
     ListView1->setColumnWidth(0, 70);
     ListView1->setColumnWidth(1, 260);
-    auto boton = [this](const QString& nombre, const QString& texto) {
-        return botonConNombre(this, nombre, texto);
-    };
-    cmdAdd = boton(u"cmdAdd"_s, u"&Nueva Lista"_s);
-    cmdEdit = boton(u"cmdEdit"_s, u"&Editar Nombre"_s);
-    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
-    cmdUsuarios = boton(u"cmdUsuarios"_s, u"C&ontactos de la Lista"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Nueva Lista"_s);
+    cmdEdit = botonConNombre(this, u"cmdEdit"_s, u"&Editar Nombre"_s);
+    cmdDelete = botonConNombre(this, u"cmdDelete"_s, u"E&liminar"_s);
+    cmdUsuarios = botonConNombre(this, u"cmdUsuarios"_s, u"C&ontactos de la Lista"_s);
     cmdPublicar = botonConNombre(this, u"cmdPublicar"_s, u"Publicar Lista Web"_s,
                                  u"Publicar como Lista Web"_s);
-    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
-
-    auto* botones = new QVBoxLayout;
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdUsuarios, cmdPublicar})
-        botones->addWidget(b);
-    botones->addStretch();
-    botones->addWidget(cmdClose);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
     auto* h = new QHBoxLayout(this);
     h->addWidget(ListView1, 1);
-    h->addLayout(botones);
+    h->addLayout(columnaBotones({cmdAdd, cmdEdit, cmdDelete, cmdUsuarios, cmdPublicar}, cmdClose));
     resize(620, 380);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmGrupos::cmdAdd_Click);

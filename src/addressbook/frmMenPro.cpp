@@ -6,8 +6,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
@@ -17,24 +17,16 @@
 using namespace Qt::StringLiterals;
 
 frmMenPro::frmMenPro(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmMenPro"_s);
-    setWindowTitle(u"Mensajes Predefinidos"_s);
-    setWindowIcon(iconoQuelmo(u"predefinidos"_s));
+    identificar(this, u"frmMenPro"_s, u"Mensajes Predefinidos"_s, u"predefinidos"_s);
     ListView1 = new Listado(u"ListView1"_s, {u"Texto del Mensaje Predefinido"_s}, this);
     nombreAccesible(ListView1, u"Mensajes Predefinidos"_s);
-    auto boton = [this](const QString& nombre, const QString& texto) {
-        return botonConNombre(this, nombre, texto);
-    };
-    cmdAdd = boton(u"cmdAdd"_s, u"Ag&regar"_s);
-    cmdEdit = boton(u"cmdEdit"_s, u"&Editar"_s);
-    cmdDelete = boton(u"cmdDelete"_s, u"E&liminar"_s);
-    cmdClose = boton(u"cmdClose"_s, u"&Cerrar"_s);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch();
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdClose}) botones->addWidget(b);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"Ag&regar"_s);
+    cmdEdit = botonConNombre(this, u"cmdEdit"_s, u"&Editar"_s);
+    cmdDelete = botonConNombre(this, u"cmdDelete"_s, u"E&liminar"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
     auto* v = new QVBoxLayout(this);
     v->addWidget(ListView1, 1);
-    v->addLayout(botones);
+    v->addLayout(fila({nullptr, cmdAdd, cmdEdit, cmdDelete, cmdClose}));
     resize(600, 360);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmMenPro::cmdAdd_Click);

@@ -4,7 +4,7 @@
 #include "base/Conversiones.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -20,25 +20,15 @@
 using namespace Qt::StringLiterals;
 
 frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringListModel(this)) {
-    setObjectName(u"frmNewUser"_s);
-    setWindowTitle(u"Nuevo Contacto"_s);
-    setWindowIcon(iconoQuelmo(u"contactos"_s));
+    identificar(this, u"frmNewUser"_s, u"Nuevo Contacto"_s, u"contactos"_s);
     setModal(true);
 
-    auto campo = [this](const QString& nombre, int largo) {
-        auto* e = new QLineEdit(this);
-        e->setObjectName(nombre);
-        e->setMaxLength(largo);
-        e->installEventFilter(this);
-        return e;
-    };
-    txtAbonado = campo(u"txtAbonado"_s, 15);
-    txtAlias = campo(u"txtAlias"_s, 30);
-    txtComentario = campo(u"txtComentario"_s, 50);
-    cmbCanales = new QComboBox(this);
-    cmbCanales->setObjectName(u"cmbCanales"_s);
-    lstGrupos = new QListView(this);
-    lstGrupos->setObjectName(u"lstGrupos"_s);
+    txtAbonado = campoTexto(this, u"txtAbonado"_s, 15);
+    txtAlias = campoTexto(this, u"txtAlias"_s, 30);
+    txtComentario = campoTexto(this, u"txtComentario"_s, 50);
+    for (QLineEdit* e : {txtAbonado, txtAlias, txtComentario}) e->installEventFilter(this);
+    cmbCanales = control<QComboBox>(this, u"cmbCanales"_s);
+    lstGrupos = control<QListView>(this, u"lstGrupos"_s);
     lstGrupos->setModel(m_listas);
     lstGrupos->setUniformItemSizes(true);
     lstGrupos->setSelectionMode(QAbstractItemView::MultiSelection);
@@ -52,15 +42,10 @@ frmNewUser::frmNewUser(QWidget* parent) : QDialog(parent), m_listas(new QStringL
     form->addRow(u"Nombre de Contacto"_s, txtAlias);
     form->addRow(u"Comentario del contacto"_s, txtComentario);
     form->addRow(u"Cuenta"_s, cmbCanales);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch();
-    botones->addWidget(cmdAnadir);
-    botones->addWidget(CmdSalir);
     auto* v = new QVBoxLayout(this);
     v->addLayout(form);
-    v->addWidget(new QLabel(u"Asignación a Listas"_s, this));
-    v->addWidget(lstGrupos, 1);
-    v->addLayout(botones);
+    anadirPiezas(v, {etiqueta(this, u"Asignación a Listas"_s), {lstGrupos, 1}});
+    v->addLayout(fila({nullptr, cmdAnadir, CmdSalir}));
 
     connect(cmdAnadir, &QPushButton::clicked, this, [this] {
         if (mbGuardarContacto()) accept();

@@ -6,7 +6,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/Pantallas.h"
 #include "widgets/Boton.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -19,12 +19,10 @@ using namespace Qt::StringLiterals;
 
 frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     : QDialog(parent), m_textos(new QStringListModel(this)) {
-    setObjectName(u"frmSelecMenPro"_s);
-    setWindowTitle(u"Selección de Mensajes Predefinidos"_s);
-    setWindowIcon(iconoQuelmo(u"predefinidos"_s));
+    identificar(this, u"frmSelecMenPro"_s, u"Selección de Mensajes Predefinidos"_s,
+                u"predefinidos"_s);
     setModal(true);
-    lstMensajes = new QListView(this);
-    lstMensajes->setObjectName(u"lstMensajes"_s);
+    lstMensajes = control<QListView>(this, u"lstMensajes"_s);
     lstMensajes->setModel(m_textos);
     lstMensajes->setUniformItemSizes(true);
     lstMensajes->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -32,13 +30,9 @@ frmSelecMenPro::frmSelecMenPro(QWidget* parent)
     lstMensajes->setAccessibleName(u"Mensajes Predefinidos"_s);
     cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
     cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch();
-    botones->addWidget(cmdAdd);
-    botones->addWidget(cmdClose);
     auto* v = new QVBoxLayout(this);
     v->addWidget(lstMensajes, 1);
-    v->addLayout(botones);
+    v->addLayout(fila({nullptr, cmdAdd, cmdClose}));
     resize(520, 320);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmSelecMenPro::cmdAdd_Click);

@@ -7,6 +7,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
 #include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -24,30 +25,21 @@
 using namespace Qt::StringLiterals;
 
 frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmSubirListaWeb"_s);
-    setWindowTitle(u"Publicar Lista Web"_s);
-    setWindowIcon(iconoQuelmo(u"listas"_s));
+    identificar(this, u"frmSubirListaWeb"_s, u"Publicar Lista Web"_s, u"listas"_s);
 
-    Frame1 = new QGroupBox(u"Datos de Lista"_s, this);
-    Frame1->setObjectName(u"Frame1"_s);
-    auto campo = [this](const QString& nombre, bool soloLectura) {
-        auto* e = new QLineEdit(Frame1);
-        e->setObjectName(nombre);
-        e->setReadOnly(soloLectura);
-        return e;
-    };
-    Nombre = campo(u"Nombre"_s, true);
-    contactos = campo(u"contactos"_s, true);
-    ltag = campo(u"ltag"_s, false);
+    Frame1 = control<QGroupBox>(this, u"Frame1"_s, u"Datos de Lista"_s);
+    Nombre = control<QLineEdit>(Frame1, u"Nombre"_s);
+    contactos = control<QLineEdit>(Frame1, u"contactos"_s);
+    for (QLineEdit* e : {Nombre, contactos}) e->setReadOnly(true);
+    ltag = control<QLineEdit>(Frame1, u"ltag"_s);
     // The platform takes keywords of plain letters and digits only.
     ltag->setValidator(
         new QRegularExpressionValidator(QRegularExpression(u"[A-Za-z0-9]*"_s), ltag));
-    ImageCombo1 = new QComboBox(Frame1);
-    ImageCombo1->setObjectName(u"ImageCombo1"_s);
+    ImageCombo1 = control<QComboBox>(Frame1, u"ImageCombo1"_s);
     ImageCombo1->setPlaceholderText(u"No hay Cuentas"_s);
     ImageCombo1->setMinimumWidth(260);
-    nborrar = new QCheckBox(u"Borrar números de lista Web antes de publicar **"_s, Frame1);
-    nborrar->setObjectName(u"nborrar"_s);
+    nborrar = control<QCheckBox>(Frame1, u"nborrar"_s,
+                                 u"Borrar números de lista Web antes de publicar **"_s);
 
     auto* formulario = new QFormLayout(Frame1);
     formulario->addRow(u"Nombre de Lista Local"_s, Nombre);
@@ -56,33 +48,21 @@ frmSubirListaWeb::frmSubirListaWeb(QWidget* parent) : QDialog(parent) {
     formulario->addRow(u"Cuenta"_s, ImageCombo1);
     formulario->addRow(nborrar);
 
-    auto nota = [this](const QString& nombre, const QString& texto) {
-        auto* l = new QLabel(texto, this);
-        l->setObjectName(nombre);
-        l->setWordWrap(true);
-        return l;
-    };
-    Label2 =
-        nota(u"Label2"_s,
-             u"* Introduza un nombre para su lista Web. Si ya existe alguna lista con esta "
-             u"palabra clave en sus Listas Web esta se actualizará, sino se creará una nueva."_s);
-    Label7 = nota(u"Label7"_s,
-                  u"** Marque esta opción si desea borrar el contenido actual de la Lista Web. Si "
-                  u"esta opción está desmarcada la lista Web se actualizará."_s);
+    Label2 = control<QLabel>(
+        this, u"Label2"_s,
+        u"* Introduza un nombre para su lista Web. Si ya existe alguna lista con esta "
+        u"palabra clave en sus Listas Web esta se actualizará, sino se creará una nueva."_s);
+    Label7 = control<QLabel>(
+        this, u"Label7"_s,
+        u"** Marque esta opción si desea borrar el contenido actual de la Lista Web. Si "
+        u"esta opción está desmarcada la lista Web se actualizará."_s);
+    for (QLabel* l : {Label2, Label7}) l->setWordWrap(true);
 
     cmdPublicar = botonConNombre(this, u"cmdPublicar"_s, u"Publicar Lista Web"_s);
     XPButton1 = botonConNombre(this, u"XPButton1"_s, u"Cerrar"_s);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch(1);
-    botones->addWidget(cmdPublicar);
-    botones->addWidget(XPButton1);
-
     auto* v = new QVBoxLayout(this);
-    v->addWidget(Frame1);
-    v->addWidget(Label2);
-    v->addWidget(Label7);
-    v->addStretch(1);
-    v->addLayout(botones);
+    anadirPiezas(v, {Frame1, Label2, Label7, nullptr});
+    v->addLayout(fila({nullptr, cmdPublicar, XPButton1}));
     resize(520, 400);
 
     conectarUnaVez(cmdPublicar, this, &frmSubirListaWeb::cmdPublicar_Click);

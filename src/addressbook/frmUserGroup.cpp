@@ -3,8 +3,8 @@
 #include "addressbook/mdoAgenda.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/ReglasPantallas.h"
 
 #include <QGridLayout>
@@ -16,9 +16,7 @@
 using namespace Qt::StringLiterals;
 
 frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmUserGroup"_s);
-    setWindowTitle(u"Contactos de la Lista"_s);
-    setWindowIcon(iconoQuelmo(u"listas"_s));
+    identificar(this, u"frmUserGroup"_s, u"Contactos de la Lista"_s, u"listas"_s);
     setModal(true);
     lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
     lstLista = new Listado(u"lstLista"_s, {u"Nombre"_s, u"Número"_s}, this);
@@ -26,19 +24,17 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
         l->setSeleccionMultiple(true);
         l->setColumnWidth(0, 170);
     }
-    auto boton = [this](const QString& nombre, const QString& texto, const QString& ayuda) {
-        return botonConNombre(this, nombre, texto, ayuda);
-    };
-    Command1 = boton(u"Command1"_s, u"Añadir >"_s, u"Añadir Contacto Seleccionados a Lista"_s);
-    cmdTodos = boton(u"cmdTodos"_s, u"Todos >>>"_s, u"Añadir Contacto Seleccionados a Lista"_s);
-    cmdQuitar =
-        boton(u"cmdQuitar"_s, u"< Eliminar"_s, u"Quitar Contacto Seleccionado de la Lista"_s);
-    cmdquitarTodos =
-        boton(u"cmdquitarTodos"_s, u"<<< Todos"_s, u"Quitar Todos los Contactos de la Lista"_s);
-    cmdAdd = boton(u"cmdAdd"_s, u"&Guardar"_s, QString());
-    cmdClose = boton(u"cmdClose"_s, u"&Cancelar"_s, QString());
-    lblcont = new QLabel(this);
-    lblcont->setObjectName(u"lblcont"_s);
+    Command1 = botonConNombre(this, u"Command1"_s, u"Añadir >"_s,
+                              u"Añadir Contacto Seleccionados a Lista"_s);
+    cmdTodos = botonConNombre(this, u"cmdTodos"_s, u"Todos >>>"_s,
+                              u"Añadir Contacto Seleccionados a Lista"_s);
+    cmdQuitar = botonConNombre(this, u"cmdQuitar"_s, u"< Eliminar"_s,
+                               u"Quitar Contacto Seleccionado de la Lista"_s);
+    cmdquitarTodos = botonConNombre(this, u"cmdquitarTodos"_s, u"<<< Todos"_s,
+                                    u"Quitar Todos los Contactos de la Lista"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Guardar"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
+    lblcont = control<QLabel>(this, u"lblcont"_s);
     // The arrows of the captions say nothing read aloud.
     nombreAccesible(lstcontactos, u"Contactos disponibles"_s);
     nombreAccesible(lstLista, u"Contactos en la Lista"_s);
@@ -47,23 +43,15 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     nombreAccesible(cmdQuitar, u"Quitar los contactos elegidos de la lista"_s);
     nombreAccesible(cmdquitarTodos, u"Quitar todos los contactos de la lista"_s);
 
-    auto* mueve = new QVBoxLayout;
-    mueve->addStretch();
-    for (QPushButton* b : {Command1, cmdTodos, cmdQuitar, cmdquitarTodos}) mueve->addWidget(b);
-    mueve->addStretch();
     auto* g = new QGridLayout;
-    g->addWidget(new QLabel(u"Contactos disponibles"_s, this), 0, 0);
-    g->addWidget(new QLabel(u"Contactos en la Lista"_s, this), 0, 2);
+    g->addWidget(etiqueta(this, u"Contactos disponibles"_s), 0, 0);
+    g->addWidget(etiqueta(this, u"Contactos en la Lista"_s), 0, 2);
     g->addWidget(lstcontactos, 1, 0);
-    g->addLayout(mueve, 1, 1);
+    g->addLayout(columna({nullptr, Command1, cmdTodos, cmdQuitar, cmdquitarTodos, nullptr}), 1, 1);
     g->addWidget(lstLista, 1, 2);
-    auto* pie = new QHBoxLayout;
-    pie->addWidget(lblcont, 1);
-    pie->addWidget(cmdAdd);
-    pie->addWidget(cmdClose);
     auto* v = new QVBoxLayout(this);
     v->addLayout(g, 1);
-    v->addLayout(pie);
+    v->addLayout(fila({{lblcont, 1}, cmdAdd, cmdClose}));
     resize(720, 440);
 
     connect(Command1, &QPushButton::clicked, this, &frmUserGroup::Command1_Click);

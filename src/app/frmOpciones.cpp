@@ -5,7 +5,7 @@
 #include "db/Conexion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -37,67 +37,11 @@ QLabel* nota(const QString& texto, QWidget* parent) {
 }  // namespace
 
 frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmOpciones"_s);
-    setWindowTitle(u"Opciones y Preferencias"_s);
-    setWindowIcon(iconoQuelmo(u"opciones"_s));
+    identificar(this, u"frmOpciones"_s, u"Opciones y Preferencias"_s, u"opciones"_s);
 
-    auto* envio = new QGroupBox(u"Envío"_s, this);
-    txtmaxlote = new QLineEdit(envio);
-    txtmaxlote->setObjectName(u"txtmaxlote"_s);
-    txtmaxlote->setMaxLength(5);
-    txttimer = new QLineEdit(envio);
-    txttimer->setObjectName(u"txttimer"_s);
-    txttimer->setMaxLength(10);
-    auto* segundos = new QHBoxLayout;
-    segundos->addWidget(txttimer);
-    segundos->addWidget(new QLabel(u"segundos"_s, envio));
-    segundos->addStretch();
-    auto* lote = new QHBoxLayout;
-    lote->addWidget(txtmaxlote);
-    lote->addStretch();
-    txtmaxlote->setFixedWidth(80);
-    txttimer->setFixedWidth(80);
-    Chkcontactos = new QCheckBox(u"Enviar mensajes sólo a Mis Contactos "_s, envio);
-    Chkcontactos->setObjectName(u"Chkcontactos"_s);
-    auto* formEnvio = new QFormLayout(envio);
-    formEnvio->addRow(u"Nº máximo de mensajes enviados por Lote"_s, lote);
-    formEnvio->addRow(u"Enviar mensajes en bandeja de Salida cada"_s, segundos);
-    formEnvio->addRow(Chkcontactos);
-
-    auto* acceso = new QGroupBox(u"Contraseña de acceso"_s, this);
-    txtpwdcontactos = new QLineEdit(acceso);
-    txtpwdcontactos->setObjectName(u"txtpwdcontactos"_s);
-    txtpwdcontactos->setEchoMode(QLineEdit::Password);
-    txtpwdcontactos2 = new QLineEdit(acceso);
-    txtpwdcontactos2->setObjectName(u"txtpwdcontactos2"_s);
-    txtpwdcontactos2->setEchoMode(QLineEdit::Password);
-    auto* formAcceso = new QFormLayout(acceso);
-    // One line: a wrapped label spanning a form's row is given the height
-    // of one line and shows clipped.
-    formAcceso->addRow(new QLabel(
-        u"Contraseña de acceso a opciones  de configuración de Quelmo Mensajes"_s, acceso));
-    formAcceso->addRow(u"Contraseña"_s, txtpwdcontactos);
-    formAcceso->addRow(u"Confirmar contraseña"_s, txtpwdcontactos2);
-    formAcceso->addRow(nota(u"Dejela en blanco si no quiere contraseña"_s, acceso));
-
-    auto* aspecto = new QGroupBox(u"Imagen de Fondo de Aplicación"_s, this);
-    txtimgfondo = new QLineEdit(aspecto);
-    txtimgfondo->setObjectName(u"txtimgfondo"_s);
-    txtimgfondo->setClearButtonEnabled(true);
-    txtimgfondo->setMinimumWidth(300);
-    cmdexaminar = new QPushButton(u"Examinar"_s, aspecto);
-    cmdexaminar->setObjectName(u"cmdexaminar"_s);
-    cmdexaminar->setAutoDefault(false);
-    auto* fila = new QHBoxLayout;
-    fila->addWidget(txtimgfondo, 1);
-    fila->addWidget(cmdexaminar);
-    auto* capaAspecto = new QVBoxLayout(aspecto);
-    capaAspecto->addLayout(fila);
-    capaAspecto->addWidget(
-        nota(u"Si la deja en blanco se mostrará la imagen de presentación "
-             u"de Quelmo Mensajes SMS."_s,
-             aspecto));
-
+    QGroupBox* envio = crearEnvio();
+    QGroupBox* acceso = crearAcceso();
+    QGroupBox* aspecto = crearAspecto();
     // Their labels stand beside a row, not beside the field itself.
     nombreAccesible(txtmaxlote, u"Nº máximo de mensajes enviados por Lote"_s);
     nombreAccesible(txttimer, u"Enviar mensajes en bandeja de Salida cada, en segundos"_s);
@@ -123,6 +67,53 @@ frmOpciones::frmOpciones(QWidget* parent) : QDialog(parent) {
     todo->addWidget(botones);
 
     cargar();
+}
+
+QGroupBox* frmOpciones::crearEnvio() {
+    auto* envio = new QGroupBox(u"Envío"_s, this);
+    txtmaxlote = campoTexto(envio, u"txtmaxlote"_s, 5);
+    txttimer = campoTexto(envio, u"txttimer"_s, 10);
+    txtmaxlote->setFixedWidth(80);
+    txttimer->setFixedWidth(80);
+    Chkcontactos =
+        control<QCheckBox>(envio, u"Chkcontactos"_s, u"Enviar mensajes sólo a Mis Contactos "_s);
+    auto* formEnvio = new QFormLayout(envio);
+    formEnvio->addRow(u"Nº máximo de mensajes enviados por Lote"_s, fila({txtmaxlote, nullptr}));
+    formEnvio->addRow(u"Enviar mensajes en bandeja de Salida cada"_s,
+                      fila({txttimer, etiqueta(envio, u"segundos"_s), nullptr}));
+    formEnvio->addRow(Chkcontactos);
+    return envio;
+}
+
+QGroupBox* frmOpciones::crearAcceso() {
+    auto* acceso = new QGroupBox(u"Contraseña de acceso"_s, this);
+    txtpwdcontactos = campoClave(acceso, u"txtpwdcontactos"_s);
+    txtpwdcontactos2 = campoClave(acceso, u"txtpwdcontactos2"_s);
+    auto* formAcceso = new QFormLayout(acceso);
+    // One line: a wrapped label spanning a form's row is given the height
+    // of one line and shows clipped.
+    formAcceso->addRow(etiqueta(
+        acceso, u"Contraseña de acceso a opciones  de configuración de Quelmo Mensajes"_s));
+    formAcceso->addRow(u"Contraseña"_s, txtpwdcontactos);
+    formAcceso->addRow(u"Confirmar contraseña"_s, txtpwdcontactos2);
+    formAcceso->addRow(nota(u"Dejela en blanco si no quiere contraseña"_s, acceso));
+    return acceso;
+}
+
+QGroupBox* frmOpciones::crearAspecto() {
+    auto* aspecto = new QGroupBox(u"Imagen de Fondo de Aplicación"_s, this);
+    txtimgfondo = control<QLineEdit>(aspecto, u"txtimgfondo"_s);
+    txtimgfondo->setClearButtonEnabled(true);
+    txtimgfondo->setMinimumWidth(300);
+    cmdexaminar = control<QPushButton>(aspecto, u"cmdexaminar"_s, u"Examinar"_s);
+    cmdexaminar->setAutoDefault(false);
+    auto* capaAspecto = new QVBoxLayout(aspecto);
+    capaAspecto->addLayout(fila({{txtimgfondo, 1}, cmdexaminar}));
+    capaAspecto->addWidget(
+        nota(u"Si la deja en blanco se mostrará la imagen de presentación "
+             u"de Quelmo Mensajes SMS."_s,
+             aspecto));
+    return aspecto;
 }
 
 void frmOpciones::cargar() {

@@ -3,6 +3,7 @@
 #include <QDialog>
 
 class QCheckBox;
+class QGroupBox;
 class QLineEdit;
 class QPushButton;
 
@@ -18,6 +19,9 @@ class frmOpciones : public QDialog {
     bool msGuardarOpciones();
 
   private:
+    QGroupBox* crearEnvio();
+    QGroupBox* crearAcceso();
+    QGroupBox* crearAspecto();
     void cargar();
     void cmdexaminar_Click();
     void cmdAnadir_Click();

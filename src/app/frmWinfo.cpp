@@ -3,7 +3,7 @@
 #include "base/Despliegue.h"
 #include "base/EstadoAplicacion.h"
 #include "base/InterfazUsuario.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -17,20 +17,17 @@ frmWinfo::frmWinfo(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmWinfo"_s);
     setWindowTitle(u"Acerca de Quelmo Mensajes SMS"_s);
 
-    auto* icono = new QLabel(this);
-    icono->setPixmap(iconoQuelmo(u"aplicacion"_s).pixmap(64, 64));
-    icono->setAlignment(Qt::AlignTop);
+    QLabel* icono = imagen(this, u"aplicacion"_s, 64);
 
-    auto* titulo = new QLabel(u"Quelmo Mensajes SMS"_s, this);
-    titulo->setObjectName(u"lblTitulo"_s);
+    auto* titulo = control<QLabel>(this, u"lblTitulo"_s, u"Quelmo Mensajes SMS"_s);
     QFont f = titulo->font();
     f.setPointSizeF(f.pointSizeF() * 1.6);
     f.setBold(true);
     titulo->setFont(f);
 
-    auto* version = new QLabel(
-        u"Versión %1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision), this);
-    version->setObjectName(u"lblVersion"_s);
+    auto* version = control<QLabel>(
+        this, u"lblVersion"_s,
+        u"Versión %1.%2.%3"_s.arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
 
     auto* texto = new QLabel(
         u"Envío de mensajes SMS a sus contactos y listas a través de la plataforma web de "
@@ -39,19 +36,14 @@ frmWinfo::frmWinfo(QWidget* parent) : QDialog(parent) {
         this);
     texto->setWordWrap(true);
 
-    auto* web =
-        new QLabel(u"<a href=\"%1\">%2</a>"_s.arg(Despliegue::web(), Despliegue::web()), this);
-    web->setObjectName(u"lblWeb"_s);
+    auto* web = control<QLabel>(
+        this, u"lblWeb"_s, u"<a href=\"%1\">%2</a>"_s.arg(Despliegue::web(), Despliegue::web()));
     web->setTextInteractionFlags(Qt::TextBrowserInteraction);
     connect(web, &QLabel::linkActivated, this, [](const QString& url) { msAbrirUrl(url); });
 
-    auto* textos = new QVBoxLayout;
-    textos->addWidget(titulo);
-    textos->addWidget(version);
+    QVBoxLayout* textos = columna({titulo, version});
     textos->addSpacing(8);
-    textos->addWidget(texto);
-    textos->addWidget(web);
-    textos->addStretch();
+    anadirPiezas(textos, {texto, web, nullptr});
 
     auto* arriba = new QHBoxLayout;
     arriba->addWidget(icono);

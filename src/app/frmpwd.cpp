@@ -1,7 +1,7 @@
 #include "app/frmpwd.h"
 
 #include "base/EstadoAplicacion.h"
-#include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -16,14 +16,10 @@ frmpwd::frmpwd(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmpwd"_s);
     setWindowTitle(u"Quelmo Mensajes SMS - Acceso Restringido"_s);
 
-    auto* candado = new QLabel(this);
-    candado->setPixmap(iconoQuelmo(u"aplicacion"_s).pixmap(48, 48));
-    candado->setAlignment(Qt::AlignTop);
+    QLabel* candado = imagen(this, u"aplicacion"_s, 48);
     auto* texto = new QLabel(u"Introduzca la contraseña de acceso a Quelmo Mensajes SMS:"_s, this);
     texto->setWordWrap(true);
-    Text1 = new QLineEdit(this);
-    Text1->setObjectName(u"Text1"_s);
-    Text1->setEchoMode(QLineEdit::Password);
+    Text1 = campoClave(this, u"Text1"_s);
     texto->setBuddy(Text1);
 
     auto* botones = new QDialogButtonBox(this);

@@ -53,6 +53,49 @@ struct EntradaMenu {
     const char16_t* icono;
 };
 
+const EntradaMenu kEntradasMenu[] = {
+    {u"KUsuarios", u"&Contactos y Listas", nullptr},
+    {u"keyUsuarios", u"&Contactos", u"contactos"},
+    {u"keySUsuarios", nullptr, nullptr},
+    {u"keyGrupos", u"&Listas Locales", u"listas"},
+    {u"keyPListas", u"Listas &Web", u"web"},
+    {u"KMensajes", u"&Mensajes", nullptr},
+    {u"keyEnviar", u"&Enviar Mensajes", u"enviar"},
+    {u"keySMensajes1", nullptr, nullptr},
+    {u"keyHEnviados", u"&Mensajes Enviados", u"enviados"},
+    {u"keySMensajes2", nullptr, nullptr},
+    {u"keyPMensajes", u"Mensajes Prede&finidos", u"predefinidos"},
+    {u"keySMensajes3", nullptr, nullptr},
+    {u"keyPAuto", u"&Programar Mensajes", u"programar"},
+    {u"keySMensajes4", nullptr, nullptr},
+    {u"KImport", u"&Importar", nullptr},
+    {u"keyImportar", u"Im&portación Manual de Mensajes", u"importar"},
+    {u"keySConf4", nullptr, nullptr},
+    {u"keyImportarA", u"Importación &Automática de Mensajes", u"importar-auto"},
+    {u"keySConf41", nullptr, nullptr},
+    {u"keyImportarUser", u"Importar &Contactos", u"importar-contactos"},
+    {u"KConfig", u"Con&figurar", nullptr},
+    {u"keyCanales", u"&Cuentas", u"cuentas"},
+    {u"keySConf1", nullptr, nullptr},
+    {u"keyBD", u"&Seleccionar Base de Datos", u"basedatos"},
+    {u"keySConf2", nullptr, nullptr},
+    {u"keyTX", u"&Envío de SMS", u"transmisor"},
+    {u"keySConf3", nullptr, nullptr},
+    {u"keyopc", u"&Opciones", u"opciones"},
+    {u"KInfo", u"&Ayuda", nullptr},
+    {u"keyHelp", u"&Ayuda de Quelmo Mensajes SMS", u"ayuda"},
+    {u"keyHome01", u"&Recarga", u"recarga"},
+    {u"keyInfo3", nullptr, nullptr},
+    {u"keyHome07", u"Novedades Versión ", u"novedades"},
+    {u"keyHome02", u"", u"web"},
+    {u"keyHome03", u"&Condiciones de Uso", u"condiciones"},
+    {u"keyInfo4", nullptr, nullptr},
+    {u"keyHome06", u"Contacta", u"contacta"},
+    {u"keyHome05", u"Acerca de &Quelmo Mensajes SMS", u"info"},
+    {u"keyExit3", nullptr, nullptr},
+    {u"keyExit", u"&Salir", u"salir"},
+};
+
 // The caption of the web site's entry: its address with an access key.
 QString tituloWeb() {
     QString host = QUrl(Despliegue::web()).host();
@@ -119,52 +162,10 @@ QMdiArea* mdiMain::area() const {
 }
 
 void mdiMain::msCrearMenu() {
-    static const EntradaMenu entradas[] = {
-        {u"KUsuarios", u"&Contactos y Listas", nullptr},
-        {u"keyUsuarios", u"&Contactos", u"contactos"},
-        {u"keySUsuarios", nullptr, nullptr},
-        {u"keyGrupos", u"&Listas Locales", u"listas"},
-        {u"keyPListas", u"Listas &Web", u"web"},
-        {u"KMensajes", u"&Mensajes", nullptr},
-        {u"keyEnviar", u"&Enviar Mensajes", u"enviar"},
-        {u"keySMensajes1", nullptr, nullptr},
-        {u"keyHEnviados", u"&Mensajes Enviados", u"enviados"},
-        {u"keySMensajes2", nullptr, nullptr},
-        {u"keyPMensajes", u"Mensajes Prede&finidos", u"predefinidos"},
-        {u"keySMensajes3", nullptr, nullptr},
-        {u"keyPAuto", u"&Programar Mensajes", u"programar"},
-        {u"keySMensajes4", nullptr, nullptr},
-        {u"KImport", u"&Importar", nullptr},
-        {u"keyImportar", u"Im&portación Manual de Mensajes", u"importar"},
-        {u"keySConf4", nullptr, nullptr},
-        {u"keyImportarA", u"Importación &Automática de Mensajes", u"importar-auto"},
-        {u"keySConf41", nullptr, nullptr},
-        {u"keyImportarUser", u"Importar &Contactos", u"importar-contactos"},
-        {u"KConfig", u"Con&figurar", nullptr},
-        {u"keyCanales", u"&Cuentas", u"cuentas"},
-        {u"keySConf1", nullptr, nullptr},
-        {u"keyBD", u"&Seleccionar Base de Datos", u"basedatos"},
-        {u"keySConf2", nullptr, nullptr},
-        {u"keyTX", u"&Envío de SMS", u"transmisor"},
-        {u"keySConf3", nullptr, nullptr},
-        {u"keyopc", u"&Opciones", u"opciones"},
-        {u"KInfo", u"&Ayuda", nullptr},
-        {u"keyHelp", u"&Ayuda de Quelmo Mensajes SMS", u"ayuda"},
-        {u"keyHome01", u"&Recarga", u"recarga"},
-        {u"keyInfo3", nullptr, nullptr},
-        {u"keyHome07", u"Novedades Versión ", u"novedades"},
-        {u"keyHome02", u"", u"web"},
-        {u"keyHome03", u"&Condiciones de Uso", u"condiciones"},
-        {u"keyInfo4", nullptr, nullptr},
-        {u"keyHome06", u"Contacta", u"contacta"},
-        {u"keyHome05", u"Acerca de &Quelmo Mensajes SMS", u"info"},
-        {u"keyExit3", nullptr, nullptr},
-        {u"keyExit", u"&Salir", u"salir"},
-    };
     QMenuBar* barra = menuBar();
     barra->setObjectName(u"SmartMenuXP1"_s);
     QMenu* actual = nullptr;
-    for (const EntradaMenu& e : entradas) {
+    for (const EntradaMenu& e : kEntradasMenu) {
         const QString clave = QString::fromUtf16(e.clave);
         if (clave.startsWith(u'K')) {
             actual = barra->addMenu(QString::fromUtf16(e.titulo));
@@ -187,7 +188,11 @@ void mdiMain::msCrearMenu() {
     m_keyTX = findChild<QAction*>(u"keyTX"_s);
     m_keyTX->setCheckable(true);
     m_keyTX->setIconVisibleInMenu(false);
+    asignarAcciones();
+}
 
+// What each entry of the menu does, by its key.
+void mdiMain::asignarAcciones() {
     auto pantalla = [](const char16_t* nombre) {
         return [n = QString::fromUtf16(nombre)] { Pantallas::abrir(n); };
     };

@@ -64,6 +64,7 @@ class mdiMain : public QMainWindow {
     };
 
     void msCrearMenu();
+    void asignarAcciones();
     void crearBarra();
     void crearBandeja();
     void mostrarEstadoTransmisor(bool activo);

@@ -20,6 +20,7 @@
 #include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QAction>
@@ -45,18 +46,10 @@ namespace {
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
-QLabel* etiqueta(QWidget* padre, const QString& nombre, const QString& texto) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    return l;
-}
-
 }  // namespace
 
 frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmEnvio"_s);
-    setWindowTitle(u"Envío de Mensajes"_s);
-    setWindowIcon(iconoQuelmo(u"enviar"_s));
+    identificar(this, u"frmEnvio"_s, u"Envío de Mensajes"_s, u"enviar"_s);
     construir();
 
     // Load, in order.
@@ -77,133 +70,9 @@ frmEnvio::frmEnvio(QWidget* parent) : QWidget(parent) {
 }
 
 void frmEnvio::construir() {
-    ImageCombo1 = new QComboBox(this);
-    ImageCombo1->setObjectName(u"ImageCombo1"_s);
-    ImageCombo1->setPlaceholderText(u"No hay Cuentas"_s);
-    ImageCombo1->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    ImageCombo1->setMinimumContentsLength(40);
-    ImageCombo1->installEventFilter(this);
-
-    crtAutoComplete1 = new crtAutoComplete(this);
-    crtAutoComplete1->setObjectName(u"crtAutoComplete1"_s);
-    crtAutoComplete1->setDelimeter(u";"_s);
-    // The mirror of the box that the add routine and the picker work through.
-    txtDestinos = new QLineEdit(this);
-    txtDestinos->setObjectName(u"txtDestinos"_s);
-    txtDestinos->setFocusPolicy(Qt::NoFocus);
-    txtDestinos->hide();
-
-    txtMensaje = new QPlainTextEdit(this);
-    txtMensaje->setObjectName(u"txtMensaje"_s);
-    txtMensaje->setTabChangesFocus(true);
-    txtMensaje->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    // Five lines hold a message of several parts; the outbox below takes
-    // the rest of the height, and a low frame takes the text down to three.
-    const int linea = txtMensaje->fontMetrics().lineSpacing();
-    const int bordes =
-        2 * (txtMensaje->frameWidth() + int(txtMensaje->document()->documentMargin()));
-    txtMensaje->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    txtMensaje->setMinimumHeight(3 * linea + bordes);
-    txtMensaje->setMaximumHeight(5 * linea + bordes);
-    txtMensaje->installEventFilter(this);
-    connect(crtAutoComplete1, &crtAutoComplete::enterSinSugerencias, txtMensaje,
-            [this] { txtMensaje->setFocus(Qt::OtherFocusReason); });
-
-    lblCaracteres = etiqueta(this, u"lblCaracteres"_s, QString());
-    lblmas = etiqueta(this, u"lblmas"_s, u"Necesita más de un SMS"_s);
-    lblmas->setStyleSheet(u"color: #c00000; font-weight: bold"_s);
-    lblmas->hide();
-    lblcont = etiqueta(this, u"lblcont"_s, QString());
-
-    cmdAbonados = botonConNombre(this, u"cmdAbonados"_s, u"&Para ..."_s);
-    cmdMenPro = botonConNombre(this, u"cmdMenPro"_s, u"Mensaje Predefinido"_s,
-                               u"Añadir Mensaje Predefinido"_s);
-    cmdAnadir = botonConNombre(this, u"cmdAñadir"_s, u"&Enviar Mensaje"_s,
-                               u"Agrega el Mensaje a la Bandeja de Salida"_s);
-    cmdEnvMult = botonConNombre(this, u"cmdEnvMult"_s, u"Mensaje Programado"_s,
-                                u"Añadir Mensaje Programado para envío inmediato"_s);
-    cmdSaldo = botonConNombre(this, u"cmdSaldo"_s, u"Ver Saldo"_s, u"Consultar Saldo de Cuenta"_s);
-    cmdRecarga =
-        botonConNombre(this, u"cmdRecarga"_s, u"Recarga"_s, u"Ir a página de Recarga de Saldo"_s);
-    cmdEnviar = botonConNombre(this, u"cmdEnviar"_s, u"Enviar &Todo"_s,
-                               u"Envia de inmediato todos los Mensajes de la Bandeja de Salida"_s);
-    cmdModificar = botonConNombre(this, u"cmdModificar"_s, u"Mo&dificar  mensaje"_s);
-    cmdEliminar = botonConNombre(this, u"cmdEliminar"_s, u"Elimi&nar   mensaje"_s);
-    cmdEliminarTodos = botonConNombre(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
-    CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
-
-    ListView1 = new Listado(
-        u"ListView1"_s,
-        {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
-    m_bandeja = new ModeloPaginado(
-        definicionBandeja(),
-        {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s}, this);
-    ListView1->usarModelo(m_bandeja);
-    // The Id is what the lines are loaded in order of and what modify and
-    // delete act on; the user has no use for it, and even at the smallest
-    // width its header would show clipped.
-    ListView1->hideColumn(0);
-    ListView1->setColumnWidth(1, 110);
-    ListView1->setColumnWidth(2, 120);
-    ListView1->setColumnWidth(3, 170);
-
-    imgmt = new ImagenInterruptor(this);
-    imgmt->setObjectName(u"imgmt"_s);
-    imgmt->setToolTip(u"Doble click para activar/desactivar envío"_s);
-    connect(imgmt, &ImagenInterruptor::alternado, this, &frmEnvio::imgmt_DblClick);
-    lmt = etiqueta(this, u"lmt"_s, EstadoTransmisor::texto(true));
-
-    Timer1 = new QTimer(this);
-    Timer1->setObjectName(u"Timer1"_s);
-    Timer1->setInterval(10000);
-    connect(Timer1, &QTimer::timeout, this, &frmEnvio::Timer1_Timer);
-    Timer1->start();
-
-    // Layout.
-    auto* rejilla = new QGridLayout();
-    // A combo is read by its value: its label comes through the buddy.
-    QLabel* Label2 = etiqueta(this, u"Label2"_s, u"Cuenta"_s);
-    Label2->setBuddy(ImageCombo1);
-    rejilla->addWidget(Label2, 0, 0);
-    auto* filaCuenta = new QHBoxLayout();
-    filaCuenta->addWidget(ImageCombo1, 1);
-    filaCuenta->addWidget(cmdSaldo);
-    filaCuenta->addWidget(cmdRecarga);
-    rejilla->addLayout(filaCuenta, 0, 1);
-    rejilla->addWidget(etiqueta(this, u"Label1"_s, u"Destinatarios"_s), 1, 0);
-    auto* filaDestinos = new QHBoxLayout();
-    filaDestinos->addWidget(crtAutoComplete1, 1);
-    filaDestinos->addWidget(cmdAbonados);
-    rejilla->addLayout(filaDestinos, 1, 1);
-    rejilla->addWidget(etiqueta(this, u"Label3"_s, u"Texto del Mensaje"_s), 2, 0, Qt::AlignTop);
-    rejilla->addWidget(txtMensaje, 2, 1);
-    auto* filaContador = new QHBoxLayout();
-    filaContador->addWidget(lblCaracteres);
-    filaContador->addWidget(lblmas);
-    filaContador->addStretch(1);
-    filaContador->addWidget(cmdMenPro);
-    filaContador->addWidget(cmdEnvMult);
-    filaContador->addWidget(cmdAnadir);
-    rejilla->addLayout(filaContador, 3, 1);
-
-    auto* filaBandeja = new QHBoxLayout();
-    filaBandeja->addWidget(etiqueta(this, u"Label4"_s, u"Bandeja de Salida"_s));
-    filaBandeja->addStretch(1);
-    filaBandeja->addWidget(lblcont);
-
-    auto* filaAcciones = new QHBoxLayout();
-    filaAcciones->addWidget(imgmt);
-    filaAcciones->addWidget(lmt);
-    filaAcciones->addStretch(1);
-    for (QPushButton* b : {cmdEnviar, cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir})
-        filaAcciones->addWidget(b);
-
-    auto* capa = new QVBoxLayout(this);
-    capa->addLayout(rejilla, 0);
-    capa->addLayout(filaBandeja);
-    capa->addWidget(ListView1, 1);
-    capa->addLayout(filaAcciones);
-    resize(820, 600);
+    crearCampos();
+    crearBotones();
+    colocar();
 
     connect(cmdAbonados, &QPushButton::clicked, this, &frmEnvio::cmdAbonados_Click);
     conectarUnaVez(cmdAnadir, this, &frmEnvio::cmdAnadir_Click);
@@ -229,6 +98,109 @@ void frmEnvio::construir() {
     ordenTabulacion({ImageCombo1, cmdSaldo, cmdRecarga, crtAutoComplete1->Text1(), cmdAbonados,
                      txtMensaje, cmdMenPro, cmdEnvMult, cmdAnadir, ListView1, imgmt, cmdEnviar,
                      cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir});
+}
+
+void frmEnvio::crearCampos() {
+    ImageCombo1 = control<QComboBox>(this, u"ImageCombo1"_s);
+    ImageCombo1->setPlaceholderText(u"No hay Cuentas"_s);
+    ImageCombo1->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    ImageCombo1->setMinimumContentsLength(40);
+    ImageCombo1->installEventFilter(this);
+
+    crtAutoComplete1 = control<crtAutoComplete>(this, u"crtAutoComplete1"_s);
+    crtAutoComplete1->setDelimeter(u";"_s);
+    // The mirror of the box that the add routine and the picker work through.
+    txtDestinos = control<QLineEdit>(this, u"txtDestinos"_s);
+    txtDestinos->setFocusPolicy(Qt::NoFocus);
+    txtDestinos->hide();
+
+    txtMensaje = control<QPlainTextEdit>(this, u"txtMensaje"_s);
+    txtMensaje->setTabChangesFocus(true);
+    txtMensaje->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    // Five lines hold a message of several parts; the outbox below takes
+    // the rest of the height, and a low frame takes the text down to three.
+    const int linea = txtMensaje->fontMetrics().lineSpacing();
+    const int bordes =
+        2 * (txtMensaje->frameWidth() + int(txtMensaje->document()->documentMargin()));
+    txtMensaje->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    txtMensaje->setMinimumHeight(3 * linea + bordes);
+    txtMensaje->setMaximumHeight(5 * linea + bordes);
+    txtMensaje->installEventFilter(this);
+    connect(crtAutoComplete1, &crtAutoComplete::enterSinSugerencias, txtMensaje,
+            [this] { txtMensaje->setFocus(Qt::OtherFocusReason); });
+
+    lblCaracteres = control<QLabel>(this, u"lblCaracteres"_s, QString());
+    lblmas = control<QLabel>(this, u"lblmas"_s, u"Necesita más de un SMS"_s);
+    lblmas->setStyleSheet(u"color: #c00000; font-weight: bold"_s);
+    lblmas->hide();
+    lblcont = control<QLabel>(this, u"lblcont"_s, QString());
+}
+
+void frmEnvio::crearBotones() {
+    cmdAbonados = botonConNombre(this, u"cmdAbonados"_s, u"&Para ..."_s);
+    cmdMenPro = botonConNombre(this, u"cmdMenPro"_s, u"Mensaje Predefinido"_s,
+                               u"Añadir Mensaje Predefinido"_s);
+    cmdAnadir = botonConNombre(this, u"cmdAñadir"_s, u"&Enviar Mensaje"_s,
+                               u"Agrega el Mensaje a la Bandeja de Salida"_s);
+    cmdEnvMult = botonConNombre(this, u"cmdEnvMult"_s, u"Mensaje Programado"_s,
+                                u"Añadir Mensaje Programado para envío inmediato"_s);
+    cmdSaldo = botonConNombre(this, u"cmdSaldo"_s, u"Ver Saldo"_s, u"Consultar Saldo de Cuenta"_s);
+    cmdRecarga =
+        botonConNombre(this, u"cmdRecarga"_s, u"Recarga"_s, u"Ir a página de Recarga de Saldo"_s);
+    cmdEnviar = botonConNombre(this, u"cmdEnviar"_s, u"Enviar &Todo"_s,
+                               u"Envia de inmediato todos los Mensajes de la Bandeja de Salida"_s);
+    cmdModificar = botonConNombre(this, u"cmdModificar"_s, u"Mo&dificar  mensaje"_s);
+    cmdEliminar = botonConNombre(this, u"cmdEliminar"_s, u"Elimi&nar   mensaje"_s);
+    cmdEliminarTodos = botonConNombre(this, u"cmdEliminarTodos"_s, u"Elimina&r  Todos"_s);
+    CmdSalir = botonConNombre(this, u"CmdSalir"_s, u"&Cerrar"_s);
+
+    const QStringList cabeceras{u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s,
+                                u"Mensaje"_s};
+    ListView1 = new Listado(u"ListView1"_s, cabeceras, this);
+    m_bandeja = new ModeloPaginado(definicionBandeja(), cabeceras, this);
+    ListView1->usarModelo(m_bandeja);
+    // The Id is what the lines are loaded in order of and what modify and
+    // delete act on; the user has no use for it, and even at the smallest
+    // width its header would show clipped.
+    ListView1->hideColumn(0);
+    ListView1->setColumnWidth(1, 110);
+    ListView1->setColumnWidth(2, 120);
+    ListView1->setColumnWidth(3, 170);
+
+    imgmt = control<ImagenInterruptor>(this, u"imgmt"_s);
+    imgmt->setToolTip(u"Doble click para activar/desactivar envío"_s);
+    connect(imgmt, &ImagenInterruptor::alternado, this, &frmEnvio::imgmt_DblClick);
+    lmt = control<QLabel>(this, u"lmt"_s, EstadoTransmisor::texto(true));
+
+    Timer1 = control<QTimer>(this, u"Timer1"_s);
+    Timer1->setInterval(10000);
+    connect(Timer1, &QTimer::timeout, this, &frmEnvio::Timer1_Timer);
+    Timer1->start();
+}
+
+void frmEnvio::colocar() {
+    auto* rejilla = new QGridLayout();
+    // A combo is read by its value: its label comes through the buddy.
+    auto* Label2 = control<QLabel>(this, u"Label2"_s, u"Cuenta"_s);
+    Label2->setBuddy(ImageCombo1);
+    rejilla->addWidget(Label2, 0, 0);
+    rejilla->addLayout(fila({{ImageCombo1, 1}, cmdSaldo, cmdRecarga}), 0, 1);
+    rejilla->addWidget(control<QLabel>(this, u"Label1"_s, u"Destinatarios"_s), 1, 0);
+    rejilla->addLayout(fila({{crtAutoComplete1, 1}, cmdAbonados}), 1, 1);
+    rejilla->addWidget(control<QLabel>(this, u"Label3"_s, u"Texto del Mensaje"_s), 2, 0,
+                       Qt::AlignTop);
+    rejilla->addWidget(txtMensaje, 2, 1);
+    rejilla->addLayout(fila({lblCaracteres, lblmas, nullptr, cmdMenPro, cmdEnvMult, cmdAnadir}), 3,
+                       1);
+
+    auto* capa = new QVBoxLayout(this);
+    capa->addLayout(rejilla, 0);
+    capa->addLayout(
+        fila({control<QLabel>(this, u"Label4"_s, u"Bandeja de Salida"_s), nullptr, lblcont}));
+    capa->addWidget(ListView1, 1);
+    capa->addLayout(fila(
+        {imgmt, lmt, nullptr, cmdEnviar, cmdModificar, cmdEliminar, cmdEliminarTodos, CmdSalir}));
+    resize(820, 600);
 }
 
 // ---- accounts and counter -------------------------------------------------

@@ -39,6 +39,9 @@ class frmEnvio : public QWidget {
 
   private:
     void construir();
+    void crearCampos();
+    void crearBotones();
+    void colocar();
     void cmdAbonados_Click();
     void cmdAnadir_Click();
     void cmdEnviar_Click();

@@ -5,8 +5,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -20,71 +20,11 @@
 using namespace Qt::StringLiterals;
 
 frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmSeleccion"_s);
-    setWindowTitle(u"Selección de destinatarios"_s);
-    setWindowIcon(iconoQuelmo(u"contactos"_s));
+    identificar(this, u"frmSeleccion"_s, u"Selección de destinatarios"_s, u"contactos"_s);
     setModal(true);
 
-    lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
-    lstcontactos->setSeleccionMultiple(true);
-    lstlistas = new Listado(u"lstlistas"_s, {u"Lista"_s, u"Nombre"_s, u"Nº Contactos"_s}, this);
-    lstlistas->setSeleccionMultiple(true);
-    lstdestinos = new Listado(u"lstdestinos"_s, {u"Nombre"_s, u"Número"_s}, this);
-    txtBuscar = new QLineEdit(this);
-    txtBuscar->setObjectName(u"txtBuscar"_s);
-
-    auto* cmdBuscar = botonConNombre(this, u"cmdBuscar"_s, u"&Buscar"_s);
-    auto* Command1 = botonConNombre(this, u"Command1"_s, u"Para >"_s);
-    auto* cmdTodos = botonConNombre(this, u"cmdTodos"_s, u"Todos >>"_s);
-    auto* Command2 = botonConNombre(this, u"Command2"_s, u"Para >"_s);
-    auto* cmdTodoslista = botonConNombre(this, u"cmdTodoslista"_s, u"Todos >>"_s);
-    auto* cmdVaciarLista = botonConNombre(this, u"cmdVaciarLista"_s, u"<<<<"_s);
-    cmdVaciarLista->setToolTip(u"Vaciar Lista"_s);
-    auto* cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
-    auto* cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
-    // The search runs as the text changes, so Enter in the search field or
-    // in a list has nothing to do; were any button a dialog's default, Enter
-    // would press it, and "Aceptar" would close the picker half chosen.
-    for (QPushButton* b : findChildren<QPushButton*>()) {
-        b->setAutoDefault(false);
-        b->setDefault(false);
-    }
-
-    auto* izquierda = new QVBoxLayout();
-    izquierda->addWidget(new QLabel(u"Buscar Contactos"_s, this));
-    auto* filaBuscar = new QHBoxLayout();
-    filaBuscar->addWidget(txtBuscar, 1);
-    filaBuscar->addWidget(cmdBuscar);
-    izquierda->addLayout(filaBuscar);
-    izquierda->addWidget(new QLabel(u"Contactos"_s, this));
-    izquierda->addWidget(lstcontactos, 2);
-    izquierda->addWidget(new QLabel(u"Listas"_s, this));
-    izquierda->addWidget(lstlistas, 1);
-
-    auto* botonesContactos = new QVBoxLayout();
-    botonesContactos->addStretch(1);
-    botonesContactos->addWidget(Command1);
-    botonesContactos->addWidget(cmdTodos);
-    botonesContactos->addStretch(1);
-    botonesContactos->addWidget(Command2);
-    botonesContactos->addWidget(cmdTodoslista);
-    botonesContactos->addStretch(1);
-    botonesContactos->addWidget(cmdVaciarLista);
-
-    auto* derecha = new QVBoxLayout();
-    derecha->addWidget(new QLabel(u"Destinos Seleccionados"_s, this));
-    derecha->addWidget(lstdestinos, 1);
-    auto* filaAceptar = new QHBoxLayout();
-    filaAceptar->addStretch(1);
-    filaAceptar->addWidget(cmdAdd);
-    filaAceptar->addWidget(cmdClose);
-    derecha->addLayout(filaAceptar);
-
-    auto* capa = new QHBoxLayout(this);
-    capa->addLayout(izquierda, 3);
-    capa->addLayout(botonesContactos);
-    capa->addLayout(derecha, 3);
-    resize(760, 520);
+    crearControles();
+    colocar();
 
     connect(cmdBuscar, &QPushButton::clicked, this, &frmSeleccion::cmdBuscar_Click);
     connect(txtBuscar, &QLineEdit::textChanged, this, &frmSeleccion::cmdBuscar_Click);
@@ -112,6 +52,54 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     connect(cmdAdd, &QPushButton::clicked, this, &frmSeleccion::cmdAdd_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
 
+    nombrarControles();
+    msCargarListados();
+}
+
+void frmSeleccion::crearControles() {
+    lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
+    lstcontactos->setSeleccionMultiple(true);
+    lstlistas = new Listado(u"lstlistas"_s, {u"Lista"_s, u"Nombre"_s, u"Nº Contactos"_s}, this);
+    lstlistas->setSeleccionMultiple(true);
+    lstdestinos = new Listado(u"lstdestinos"_s, {u"Nombre"_s, u"Número"_s}, this);
+    txtBuscar = control<QLineEdit>(this, u"txtBuscar"_s);
+
+    cmdBuscar = botonConNombre(this, u"cmdBuscar"_s, u"&Buscar"_s);
+    Command1 = botonConNombre(this, u"Command1"_s, u"Para >"_s);
+    cmdTodos = botonConNombre(this, u"cmdTodos"_s, u"Todos >>"_s);
+    Command2 = botonConNombre(this, u"Command2"_s, u"Para >"_s);
+    cmdTodoslista = botonConNombre(this, u"cmdTodoslista"_s, u"Todos >>"_s);
+    cmdVaciarLista = botonConNombre(this, u"cmdVaciarLista"_s, u"<<<<"_s, u"Vaciar Lista"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
+    // The search runs as the text changes, so Enter in the search field or
+    // in a list has nothing to do; were any button a dialog's default, Enter
+    // would press it, and "Aceptar" would close the picker half chosen.
+    for (QPushButton* b : findChildren<QPushButton*>()) {
+        b->setAutoDefault(false);
+        b->setDefault(false);
+    }
+}
+
+void frmSeleccion::colocar() {
+    QVBoxLayout* izquierda = columna({etiqueta(this, u"Buscar Contactos"_s)});
+    izquierda->addLayout(fila({{txtBuscar, 1}, cmdBuscar}));
+    anadirPiezas(izquierda, {etiqueta(this, u"Contactos"_s),
+                             {lstcontactos, 2},
+                             etiqueta(this, u"Listas"_s),
+                             {lstlistas, 1}});
+    QVBoxLayout* derecha = columna({etiqueta(this, u"Destinos Seleccionados"_s), {lstdestinos, 1}});
+    derecha->addLayout(fila({nullptr, cmdAdd, cmdClose}));
+
+    auto* capa = new QHBoxLayout(this);
+    capa->addLayout(izquierda, 3);
+    capa->addLayout(columna(
+        {nullptr, Command1, cmdTodos, nullptr, Command2, cmdTodoslista, nullptr, cmdVaciarLista}));
+    capa->addLayout(derecha, 3);
+    resize(760, 520);
+}
+
+void frmSeleccion::nombrarControles() {
     // The arrows' captions say nothing read aloud, and two pairs are alike.
     nombreAccesible(txtBuscar, u"Buscar Contactos"_s);
     nombreAccesible(lstcontactos, u"Contactos"_s, u"Intro añade el contacto a los destinos"_s);
@@ -125,8 +113,6 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
     nombreAccesible(cmdVaciarLista, u"Vaciar Lista"_s);
     ordenTabulacion({txtBuscar, cmdBuscar, lstcontactos, Command1, cmdTodos, lstlistas, Command2,
                      cmdTodoslista, cmdVaciarLista, lstdestinos, cmdAdd, cmdClose});
-
-    msCargarListados();
 }
 
 void frmSeleccion::msCargarListados() {

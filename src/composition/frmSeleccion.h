@@ -17,6 +17,9 @@ class frmSeleccion : public QDialog {
     QString destinosElegidos() const;
 
   private:
+    void crearControles();
+    void colocar();
+    void nombrarControles();
     void msCargarListados();
     void moverContactos(QList<int> filas);
     void anadirListas(QList<int> filas);
@@ -29,4 +32,12 @@ class frmSeleccion : public QDialog {
     Listado* lstlistas;
     Listado* lstdestinos;
     QLineEdit* txtBuscar;
+    QPushButton* cmdBuscar;
+    QPushButton* Command1;
+    QPushButton* cmdTodos;
+    QPushButton* Command2;
+    QPushButton* cmdTodoslista;
+    QPushButton* cmdVaciarLista;
+    QPushButton* cmdAdd;
+    QPushButton* cmdClose;
 };

@@ -5,8 +5,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
@@ -15,9 +15,8 @@
 using namespace Qt::StringLiterals;
 
 frmEmergencias::frmEmergencias(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmEmergencias"_s);
-    setWindowTitle(u"Selección de Mensajes Programados para envío inmediato"_s);
-    setWindowIcon(iconoQuelmo(u"programar"_s));
+    identificar(this, u"frmEmergencias"_s,
+                u"Selección de Mensajes Programados para envío inmediato"_s, u"programar"_s);
     ListView1 = new Listado(
         u"ListView1"_s, {u"Descripción"_s, u"Nº de Mensajes"_s, u"Programado"_s, u"Ultimo envío"_s},
         this);
@@ -27,13 +26,9 @@ frmEmergencias::frmEmergencias(QWidget* parent) : QWidget(parent) {
     ListView1->setColumnWidth(2, 110);
     cmdEnviar = botonConNombre(this, u"cmdEnviar"_s, u"&Enviar"_s);
     cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
-    auto* botones = new QHBoxLayout;
-    botones->addStretch(1);
-    botones->addWidget(cmdEnviar);
-    botones->addWidget(cmdClose);
     auto* v = new QVBoxLayout(this);
     v->addWidget(ListView1, 1);
-    v->addLayout(botones);
+    v->addLayout(fila({nullptr, cmdEnviar, cmdClose}));
     resize(640, 380);
 
     conectarUnaVez(cmdEnviar, this, &frmEmergencias::cmdEnviar_Click);

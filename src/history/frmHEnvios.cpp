@@ -6,9 +6,9 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -31,12 +31,37 @@ const QStringList& cabeceras() {
 
 frmHEnvios::frmHEnvios(QWidget* parent)
     : QWidget(parent), m_modelo(new ModeloPaginado(Historico::definicion(), cabeceras(), this)) {
-    setObjectName(u"frmHEnvios"_s);
-    setWindowTitle(u"Mensajes Enviados"_s);
-    setWindowIcon(iconoQuelmo(u"enviados"_s));
+    identificar(this, u"frmHEnvios"_s, u"Mensajes Enviados"_s, u"enviados"_s);
 
-    ListView1 = new QTreeView(this);
-    ListView1->setObjectName(u"ListView1"_s);
+    crearLista();
+    crearEliminacion();
+    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Reenviar Mensaje Seleccionado"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
+    auto* v = new QVBoxLayout(this);
+    v->addWidget(ListView1, 1);
+    v->addWidget(Frame1);
+    v->addLayout(fila({XPButton2, nullptr, cmdClose}));
+    resize(900, 520);
+
+    connect(Option1_1, &QRadioButton::toggled, txtfecha, &QDateEdit::setEnabled);
+    Option1_1->setChecked(true);
+    connect(ListView1->header(), &QHeaderView::sectionClicked, this,
+            &frmHEnvios::ordenarPorColumna);
+    ordenarConTeclado(ListView1);
+    connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
+        if (i.isValid()) XPButton2_Click();
+    });
+    connect(XPButton1, &QPushButton::clicked, this, &frmHEnvios::XPButton1_Click);
+    nombreAccesible(ListView1, u"Mensajes Enviados"_s);
+    nombreAccesible(txtfecha, u"Fecha anterior a"_s);
+    conectarUnaVez(XPButton2, this, &frmHEnvios::XPButton2_Click);
+    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
+
+    msCargarHistorico();
+}
+
+void frmHEnvios::crearLista() {
+    ListView1 = control<QTreeView>(this, u"ListView1"_s);
     ListView1->setModel(m_modelo);
     ListView1->setRootIsDecorated(false);
     ListView1->setItemsExpandable(false);
@@ -57,54 +82,22 @@ frmHEnvios::frmHEnvios(QWidget* parent)
     ListView1->setColumnWidth(Historico::Resultado, 160);
     // The date's sort key is there for the sort, not to be read.
     ListView1->setColumnHidden(Historico::Id, true);
+}
 
-    Frame1 = new QGroupBox(u"Eliminación de Mensajes Enviados"_s, this);
-    Frame1->setObjectName(u"Frame1"_s);
-    Option1_0 = new QRadioButton(u"Todos"_s, Frame1);
-    Option1_0->setObjectName(u"Option1_0"_s);
-    Option1_1 = new QRadioButton(u"Fecha anterior a:"_s, Frame1);
-    Option1_1->setObjectName(u"Option1_1"_s);
-    txtfecha = new QDateEdit(Reloj::today(), Frame1);
-    txtfecha->setObjectName(u"txtfecha"_s);
+void frmHEnvios::crearEliminacion() {
+    Frame1 = control<QGroupBox>(this, u"Frame1"_s, u"Eliminación de Mensajes Enviados"_s);
+    Option1_0 = control<QRadioButton>(Frame1, u"Option1_0"_s, u"Todos"_s);
+    Option1_1 = control<QRadioButton>(Frame1, u"Option1_1"_s, u"Fecha anterior a:"_s);
+    txtfecha = control<QDateEdit>(Frame1, u"txtfecha"_s, Reloj::today());
     txtfecha->setDisplayFormat(u"dd/MM/yyyy"_s);
     txtfecha->setCalendarPopup(true);
     XPButton1 = botonConNombre(Frame1, u"XPButton1"_s, u"Eliminar mensajes segun selección"_s);
     auto* marco = new QHBoxLayout(Frame1);
     marco->addWidget(Option1_0);
     marco->addSpacing(12);
-    marco->addWidget(Option1_1);
-    marco->addWidget(txtfecha);
+    anadirPiezas(marco, {Option1_1, txtfecha});
     marco->addSpacing(12);
-    marco->addWidget(XPButton1);
-    marco->addStretch(1);
-
-    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Reenviar Mensaje Seleccionado"_s);
-    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
-    auto* botones = new QHBoxLayout;
-    botones->addWidget(XPButton2);
-    botones->addStretch(1);
-    botones->addWidget(cmdClose);
-
-    auto* v = new QVBoxLayout(this);
-    v->addWidget(ListView1, 1);
-    v->addWidget(Frame1);
-    v->addLayout(botones);
-    resize(900, 520);
-
-    connect(Option1_1, &QRadioButton::toggled, txtfecha, &QDateEdit::setEnabled);
-    Option1_1->setChecked(true);
-    connect(h, &QHeaderView::sectionClicked, this, &frmHEnvios::ordenarPorColumna);
-    ordenarConTeclado(ListView1);
-    connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
-        if (i.isValid()) XPButton2_Click();
-    });
-    connect(XPButton1, &QPushButton::clicked, this, &frmHEnvios::XPButton1_Click);
-    nombreAccesible(ListView1, u"Mensajes Enviados"_s);
-    nombreAccesible(txtfecha, u"Fecha anterior a"_s);
-    conectarUnaVez(XPButton2, this, &frmHEnvios::XPButton2_Click);
-    connect(cmdClose, &QPushButton::clicked, this, [this] { cerrarPantallaHija(this); });
-
-    msCargarHistorico();
+    anadirPiezas(marco, {XPButton1, nullptr});
 }
 
 void frmHEnvios::msCargarHistorico() {

@@ -40,6 +40,8 @@ class frmHEnvios : public QWidget {
     QPushButton* cmdClose;
 
   private:
+    void crearLista();
+    void crearEliminacion();
     void pintarCabecera();
     int filaElegida() const;
 

@@ -12,6 +12,7 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Iconos.h"
+#include "widgets/Montaje.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -32,14 +33,8 @@ namespace {
 
 constexpr int kSegundos[] = {5, 10, 20, 30, 45, 60};
 
-template <class W>
-W* nombrado(W* w, const QString& nombre) {
-    w->setObjectName(nombre);
-    return w;
-}
-
 QLabel* etiquetaRuta(QWidget* padre, const QString& nombre) {
-    auto* l = nombrado(new QLabel(padre), nombre);
+    auto* l = control<QLabel>(padre, nombre);
     l->setTextInteractionFlags(Qt::TextSelectableByMouse);
     l->setWordWrap(true);
     l->setMinimumWidth(420);
@@ -56,57 +51,7 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     setObjectName(u"frmSelectDB"_s);
     setWindowIcon(iconoQuelmo(u"basedatos"_s));
 
-    Frame2 = nombrado(new QGroupBox(u"Selección Actual"_s, this), u"Frame2"_s);
-    lblactual = etiquetaRuta(Frame2, u"lblactual"_s);
-    (new QVBoxLayout(Frame2))->addWidget(lblactual);
-    // Both show a path, often the same one: each is named by its frame.
-    nombreAccesible(lblactual, Frame2->title());
-
-    Frame1 = nombrado(new QGroupBox(u"Nueva selección"_s, this), u"Frame1"_s);
-    lblFichero = etiquetaRuta(Frame1, u"lblFichero"_s);
-    nombreAccesible(lblFichero, Frame1->title());
-    cmdexaminar = botonConNombre(Frame1, u"cmdexaminar"_s, u"Examinar"_s);
-    auto* nueva = new QHBoxLayout(Frame1);
-    nueva->addWidget(lblFichero, 1);
-    nueva->addWidget(cmdexaminar);
-
-    Chkcontactos =
-        nombrado(new QCheckBox(u"Importar Contactos de Mensajes"_s, this), u"Chkcontactos"_s);
-    lbllista = nombrado(new QLabel(u"Añadir Contactos a Lista"_s, this), u"lbllista"_s);
-    Cmblista = nombrado(new QComboBox(this), u"Cmblista"_s);
-    Label1 = nombrado(new QLabel(u"Nombre de lista"_s, this), u"Label1"_s);
-    lista = nombrado(new QLineEdit(this), u"lista"_s);
-    lblIntervalo = nombrado(new QLabel(u"Intervalo de chequeo "_s, this), u"lblIntervalo"_s);
-    cmbIntervalo = nombrado(new QComboBox(this), u"cmbIntervalo"_s);
-    lbllista->setBuddy(Cmblista);
-    Label1->setBuddy(lista);
-    lblIntervalo->setBuddy(cmbIntervalo);
-
-    m_opciones = new QFormLayout;
-    m_opciones->addRow(Chkcontactos);
-    m_opciones->addRow(lbllista, Cmblista);
-    m_opciones->addRow(Label1, lista);
-    m_opciones->addRow(lblIntervalo, cmbIntervalo);
-
-    XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Probar conexión"_s);
-    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"Anular Importación"_s);
-    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar selección"_s);
-    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
-    cmdAdd->setDefault(true);
-    auto* botones = new QHBoxLayout;
-    botones->addWidget(XPButton1);
-    botones->addWidget(XPButton2);
-    botones->addStretch(1);
-    botones->addWidget(cmdAdd);
-    botones->addWidget(cmdClose);
-
-    auto* todo = new QVBoxLayout(this);
-    todo->addWidget(Frame2);
-    todo->addWidget(Frame1);
-    todo->addLayout(m_opciones);
-    todo->addStretch(1);
-    todo->addSpacing(8);
-    todo->addLayout(botones);
+    construir();
 
     connect(Cmblista, &QComboBox::currentIndexChanged, this, [this] { Cmblista_Click(); });
     connect(cmdexaminar, &QPushButton::clicked, this, [this] { cmdexaminar_Click(); });
@@ -144,6 +89,51 @@ frmSelectDB::frmSelectDB(QWidget* parent) : QDialog(parent) {
     cmbIntervalo->setCurrentIndex(linea);
     m_lineaCargada = linea;
     if (segundos) Q_EMIT Avisos::instancia().intervaloLeido(*segundos);
+}
+
+void frmSelectDB::construir() {
+    Frame2 = control<QGroupBox>(this, u"Frame2"_s, u"Selección Actual"_s);
+    lblactual = etiquetaRuta(Frame2, u"lblactual"_s);
+    (new QVBoxLayout(Frame2))->addWidget(lblactual);
+    // Both show a path, often the same one: each is named by its frame.
+    nombreAccesible(lblactual, Frame2->title());
+
+    Frame1 = control<QGroupBox>(this, u"Frame1"_s, u"Nueva selección"_s);
+    lblFichero = etiquetaRuta(Frame1, u"lblFichero"_s);
+    nombreAccesible(lblFichero, Frame1->title());
+    cmdexaminar = botonConNombre(Frame1, u"cmdexaminar"_s, u"Examinar"_s);
+    anadirPiezas(new QHBoxLayout(Frame1), {{lblFichero, 1}, cmdexaminar});
+
+    Chkcontactos = control<QCheckBox>(this, u"Chkcontactos"_s, u"Importar Contactos de Mensajes"_s);
+    lbllista = control<QLabel>(this, u"lbllista"_s, u"Añadir Contactos a Lista"_s);
+    Cmblista = control<QComboBox>(this, u"Cmblista"_s);
+    Label1 = control<QLabel>(this, u"Label1"_s, u"Nombre de lista"_s);
+    lista = control<QLineEdit>(this, u"lista"_s);
+    lblIntervalo = control<QLabel>(this, u"lblIntervalo"_s, u"Intervalo de chequeo "_s);
+    cmbIntervalo = control<QComboBox>(this, u"cmbIntervalo"_s);
+    lbllista->setBuddy(Cmblista);
+    Label1->setBuddy(lista);
+    lblIntervalo->setBuddy(cmbIntervalo);
+
+    m_opciones = new QFormLayout;
+    m_opciones->addRow(Chkcontactos);
+    m_opciones->addRow(lbllista, Cmblista);
+    m_opciones->addRow(Label1, lista);
+    m_opciones->addRow(lblIntervalo, cmbIntervalo);
+
+    XPButton1 = botonConNombre(this, u"XPButton1"_s, u"&Probar conexión"_s);
+    XPButton2 = botonConNombre(this, u"XPButton2"_s, u"Anular Importación"_s);
+    cmdAdd = botonConNombre(this, u"cmdAdd"_s, u"&Aceptar selección"_s);
+    cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cancelar"_s);
+    cmdAdd->setDefault(true);
+
+    auto* todo = new QVBoxLayout(this);
+    todo->addWidget(Frame2);
+    todo->addWidget(Frame1);
+    todo->addLayout(m_opciones);
+    todo->addStretch(1);
+    todo->addSpacing(8);
+    todo->addLayout(fila({XPButton1, XPButton2, nullptr, cmdAdd, cmdClose}));
 }
 
 void frmSelectDB::showEvent(QShowEvent* event) {

@@ -33,6 +33,7 @@ class frmSelectDB : public QDialog {
     void reject() override;
 
   private:
+    void construir();
     void activar();
     void Cmblista_Click();
     void cmdexaminar_Click();

@@ -4,6 +4,7 @@
 #include "base/Reloj.h"
 #include "scheduling/ctrNumberPick.h"
 #include "widgets/Accesible.h"
+#include "widgets/Montaje.h"
 
 #include <QAbstractSpinBox>
 #include <QButtonGroup>
@@ -95,133 +96,25 @@ ctrScheduledTask::ctrScheduledTask(QWidget* parent) : QWidget(parent) {
 
 void ctrScheduledTask::construir() {
     const QDate hoy = Reloj::today();
-    auto etiqueta = [this](const QString& t) { return new QLabel(t, this); };
-
-    cmbTipoTask = new QComboBox(this);
-    cmbTipoTask->setObjectName(u"cmbTipoTask"_s);
+    cmbTipoTask = control<QComboBox>(this, u"cmbTipoTask"_s);
     cmbTipoTask->addItems(
         {u"Una vez"_s, u"Diariamente"_s, u"Semanalmente"_s, u"Mesualmente"_s, u"Anualmente"_s});
-    dpHora = new QTimeEdit(this);
-    dpHora->setObjectName(u"dpHora"_s);
+    dpHora = control<QTimeEdit>(this, u"dpHora"_s);
     dpHora->setDisplayFormat(u"HH:mm"_s);
     dpHora->setKeyboardTracking(false);
     dpHora->setTime(QTime((Reloj::now().time().hour() + 1) % 24, 0));
 
     const QStringList titulos{u"Tarea - Una sola vez "_s, u"Tarea - Diaria "_s,
                               u"Tarea - Semanales "_s, u"Tarea - Mensual "_s, u"Tarea - Anual"_s};
-    for (int i = 0; i < 5; ++i) {
-        auto* g = new QGroupBox(titulos[i], this);
-        g->setObjectName(u"frame1(%1)"_s.arg(i));
-        frame1.append(g);
-    }
+    for (int i = 0; i < 5; ++i)
+        frame1.append(control<QGroupBox>(this, u"frame1(%1)"_s.arg(i), titulos[i]));
+    construirDiasSemanas(hoy);
+    construirMesesAnos(hoy);
+    construirPeriodo(hoy);
 
-    // Once: the day on a calendar.
-    mvFecha = new QCalendarWidget(frame1[0]);
-    mvFecha->setObjectName(u"mvFecha"_s);
-    mvFecha->setLocale(espanol());
-    mvFecha->setFirstDayOfWeek(Qt::Monday);
-    mvFecha->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    mvFecha->setMaximumDate(fechaMaxima());
-    mvFecha->setSelectedDate(hoy);
-    auto* g0 = new QHBoxLayout(frame1[0]);
-    g0->addWidget(new QLabel(u"Fecha Tarea:"_s, frame1[0]), 0, Qt::AlignTop);
-    g0->addWidget(mvFecha, 1);
-
-    // Daily and weekly: every so many days or weeks.
-    crtNumberPick1 = numero(frame1[1], u"crtNumberPick1"_s, 1, 100);
-    auto* g1 = new QHBoxLayout(frame1[1]);
-    g1->addWidget(new QLabel(u"Cada"_s, frame1[1]));
-    g1->addWidget(crtNumberPick1);
-    g1->addWidget(new QLabel(u"dia(s)"_s, frame1[1]));
-    g1->addStretch(1);
-
-    crtNumberPick2 = numero(frame1[2], u"crtNumberPick2"_s, 1, 100);
-    auto* g2 = new QGridLayout(frame1[2]);
-    auto* fila2 = new QHBoxLayout;
-    fila2->addWidget(new QLabel(u"Cada"_s, frame1[2]));
-    fila2->addWidget(crtNumberPick2);
-    fila2->addWidget(new QLabel(u"semana(s)"_s, frame1[2]));
-    fila2->addStretch(1);
-    g2->addLayout(fila2, 0, 0, 1, 4);
-    for (int i = 0; i < 7; ++i) {
-        auto* c = new QCheckBox(nombreDia(i + 1), frame1[2]);
-        c->setObjectName(u"chkDay(%1)"_s.arg(i));
-        chkDay.append(c);
-        g2->addWidget(c, 1 + i / 4, i % 4);
-    }
-    // A new weekly schedule starts on today's weekday, so that it never
-    // stands without a day.
-    chkDay[hoy.dayOfWeek() - 1]->setChecked(true);
-
-    // Monthly: a fixed day, or the nth weekday.
-    for (const QString& t : {u"Dia"_s, u"el"_s}) {
-        auto* o = new QRadioButton(t, frame1[3]);
-        o->setObjectName(u"Option1(%1)"_s.arg(Option1.size()));
-        Option1.append(o);
-    }
-    Option1[0]->setChecked(true);
-    crtNumberPick3 = numero(frame1[3], u"crtNumberPick3"_s, 1, 31);
-    cmbMesSemana = new QComboBox(frame1[3]);
-    cmbMesSemana->setObjectName(u"cmbMesSemana"_s);
-    cmbMesSemana->addItems({u"primer"_s, u"segundo"_s, u"tercer"_s, u"cuarto"_s, u"ultimo"_s});
-    cmbMesDia = new QComboBox(frame1[3]);
-    cmbMesDia->setObjectName(u"cmbMesDia"_s);
-    for (int d = 1; d <= 7; ++d) cmbMesDia->addItem(nombreDia(d));
-    auto* g3 = new QGridLayout(frame1[3]);
-    g3->addWidget(Option1[0], 0, 0);
-    g3->addWidget(crtNumberPick3, 0, 1);
-    g3->addWidget(new QLabel(u"del mes(es)"_s, frame1[3]), 0, 2, 1, 2);
-    g3->addWidget(Option1[1], 1, 0);
-    g3->addWidget(cmbMesSemana, 1, 1);
-    g3->addWidget(cmbMesDia, 1, 2);
-    g3->addWidget(new QLabel(u"del mes(es)"_s, frame1[3]), 1, 3);
-    g3->setColumnStretch(4, 1);
-
-    // Yearly: a day and a month.
-    crtNumberPickAnualDia = numero(frame1[4], u"crtNumberPickAnualDia"_s, 1, 31);
-    cmbAnualMes = new QComboBox(frame1[4]);
-    cmbAnualMes->setObjectName(u"cmbAnualMes"_s);
-    for (int m = 1; m <= 12; ++m)
-        cmbAnualMes->addItem(capital(espanol().monthName(m, QLocale::LongFormat)));
-    cmbAnualMes->setCurrentIndex(hoy.month() - 1);
-    auto* g4 = new QHBoxLayout(frame1[4]);
-    g4->addWidget(new QLabel(u"Dia:"_s, frame1[4]));
-    g4->addWidget(crtNumberPickAnualDia);
-    g4->addSpacing(12);
-    auto* etiquetaMes = new QLabel(u"Mes:"_s, frame1[4]);
-    etiquetaMes->setBuddy(cmbAnualMes);
-    g4->addWidget(etiquetaMes);
-    g4->addWidget(cmbAnualMes);
-    g4->addStretch(1);
-
-    // The span of every kind but the first.
-    frameFechaIniFechaFin = new QWidget(this);
-    frameFechaIniFechaFin->setObjectName(u"frameFechaIniFechaFin"_s);
-    dpFechaIni = selectorFecha(frameFechaIniFechaFin, u"dpFechaIni"_s);
-    dpFechaIni->setDate(hoy);
-    chkFechaFin = new QCheckBox(u"Fecha Fin"_s, frameFechaIniFechaFin);
-    chkFechaFin->setObjectName(u"chkFechaFin"_s);
-    dpFechaFin = selectorFecha(frameFechaIniFechaFin, u"dpFechaFin"_s);
-    dpFechaFin->setDate(hoy);
-    dpFechaFin->setEnabled(false);
-    auto* gf = new QHBoxLayout(frameFechaIniFechaFin);
-    gf->setContentsMargins(0, 0, 0, 0);
-    gf->addWidget(new QLabel(u"Fecha Inicio:"_s, frameFechaIniFechaFin));
-    gf->addWidget(dpFechaIni);
-    gf->addSpacing(16);
-    gf->addWidget(chkFechaFin);
-    gf->addWidget(dpFechaFin);
-    gf->addStretch(1);
-
-    auto* cabecera = new QHBoxLayout;
-    QLabel* etiquetaTipo = etiqueta(u"Tarea Programada:"_s);
-    etiquetaTipo->setBuddy(cmbTipoTask);
-    cabecera->addWidget(etiquetaTipo);
-    cabecera->addWidget(cmbTipoTask);
+    auto* cabecera = fila({etiqueta(this, u"Tarea Programada:"_s, cmbTipoTask), cmbTipoTask});
     cabecera->addSpacing(16);
-    cabecera->addWidget(etiqueta(u"Hora comienzo:"_s));
-    cabecera->addWidget(dpHora);
-    cabecera->addStretch(1);
+    anadirPiezas(cabecera, {etiqueta(this, u"Hora comienzo:"_s), dpHora, nullptr});
     auto* v = new QVBoxLayout(this);
     v->setContentsMargins(0, 0, 0, 0);
     v->addLayout(cabecera);
@@ -229,6 +122,86 @@ void ctrScheduledTask::construir() {
     v->addWidget(frameFechaIniFechaFin);
     v->addStretch(1);
     nombrarControles();
+}
+
+void ctrScheduledTask::construirDiasSemanas(const QDate& hoy) {
+    // Once: the day on a calendar.
+    mvFecha = control<QCalendarWidget>(frame1[0], u"mvFecha"_s);
+    mvFecha->setLocale(espanol());
+    mvFecha->setFirstDayOfWeek(Qt::Monday);
+    mvFecha->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    mvFecha->setMaximumDate(fechaMaxima());
+    mvFecha->setSelectedDate(hoy);
+    auto* g0 = new QHBoxLayout(frame1[0]);
+    g0->addWidget(etiqueta(frame1[0], u"Fecha Tarea:"_s), 0, Qt::AlignTop);
+    g0->addWidget(mvFecha, 1);
+
+    // Daily and weekly: every so many days or weeks.
+    crtNumberPick1 = numero(frame1[1], u"crtNumberPick1"_s, 1, 100);
+    anadirPiezas(new QHBoxLayout(frame1[1]), {etiqueta(frame1[1], u"Cada"_s), crtNumberPick1,
+                                              etiqueta(frame1[1], u"dia(s)"_s), nullptr});
+
+    crtNumberPick2 = numero(frame1[2], u"crtNumberPick2"_s, 1, 100);
+    auto* g2 = new QGridLayout(frame1[2]);
+    g2->addLayout(fila({etiqueta(frame1[2], u"Cada"_s), crtNumberPick2,
+                        etiqueta(frame1[2], u"semana(s)"_s), nullptr}),
+                  0, 0, 1, 4);
+    for (int i = 0; i < 7; ++i) {
+        auto* c = control<QCheckBox>(frame1[2], u"chkDay(%1)"_s.arg(i), nombreDia(i + 1));
+        chkDay.append(c);
+        g2->addWidget(c, 1 + i / 4, i % 4);
+    }
+    // A new weekly schedule starts on today's weekday, so that it never
+    // stands without a day.
+    chkDay[hoy.dayOfWeek() - 1]->setChecked(true);
+}
+
+void ctrScheduledTask::construirMesesAnos(const QDate& hoy) {
+    // Monthly: a fixed day, or the nth weekday.
+    for (const QString& t : {u"Dia"_s, u"el"_s})
+        Option1.append(control<QRadioButton>(frame1[3], u"Option1(%1)"_s.arg(Option1.size()), t));
+    Option1[0]->setChecked(true);
+    crtNumberPick3 = numero(frame1[3], u"crtNumberPick3"_s, 1, 31);
+    cmbMesSemana = control<QComboBox>(frame1[3], u"cmbMesSemana"_s);
+    cmbMesSemana->addItems({u"primer"_s, u"segundo"_s, u"tercer"_s, u"cuarto"_s, u"ultimo"_s});
+    cmbMesDia = control<QComboBox>(frame1[3], u"cmbMesDia"_s);
+    for (int d = 1; d <= 7; ++d) cmbMesDia->addItem(nombreDia(d));
+    auto* g3 = new QGridLayout(frame1[3]);
+    g3->addWidget(Option1[0], 0, 0);
+    g3->addWidget(crtNumberPick3, 0, 1);
+    g3->addWidget(etiqueta(frame1[3], u"del mes(es)"_s), 0, 2, 1, 2);
+    g3->addWidget(Option1[1], 1, 0);
+    g3->addWidget(cmbMesSemana, 1, 1);
+    g3->addWidget(cmbMesDia, 1, 2);
+    g3->addWidget(etiqueta(frame1[3], u"del mes(es)"_s), 1, 3);
+    g3->setColumnStretch(4, 1);
+
+    // Yearly: a day and a month.
+    crtNumberPickAnualDia = numero(frame1[4], u"crtNumberPickAnualDia"_s, 1, 31);
+    cmbAnualMes = control<QComboBox>(frame1[4], u"cmbAnualMes"_s);
+    for (int m = 1; m <= 12; ++m)
+        cmbAnualMes->addItem(capital(espanol().monthName(m, QLocale::LongFormat)));
+    cmbAnualMes->setCurrentIndex(hoy.month() - 1);
+    auto* g4 = new QHBoxLayout(frame1[4]);
+    anadirPiezas(g4, {etiqueta(frame1[4], u"Dia:"_s), crtNumberPickAnualDia});
+    g4->addSpacing(12);
+    anadirPiezas(g4, {etiqueta(frame1[4], u"Mes:"_s, cmbAnualMes), cmbAnualMes, nullptr});
+}
+
+void ctrScheduledTask::construirPeriodo(const QDate& hoy) {
+    // The span of every kind but the first.
+    frameFechaIniFechaFin = control<QWidget>(this, u"frameFechaIniFechaFin"_s);
+    dpFechaIni = selectorFecha(frameFechaIniFechaFin, u"dpFechaIni"_s);
+    dpFechaIni->setDate(hoy);
+    chkFechaFin = control<QCheckBox>(frameFechaIniFechaFin, u"chkFechaFin"_s, u"Fecha Fin"_s);
+    dpFechaFin = selectorFecha(frameFechaIniFechaFin, u"dpFechaFin"_s);
+    dpFechaFin->setDate(hoy);
+    dpFechaFin->setEnabled(false);
+    auto* gf = new QHBoxLayout(frameFechaIniFechaFin);
+    gf->setContentsMargins(0, 0, 0, 0);
+    anadirPiezas(gf, {etiqueta(frameFechaIniFechaFin, u"Fecha Inicio:"_s), dpFechaIni});
+    gf->addSpacing(16);
+    anadirPiezas(gf, {chkFechaFin, dpFechaFin, nullptr});
 }
 
 void ctrScheduledTask::nombrarControles() {

@@ -96,6 +96,9 @@ class ctrScheduledTask : public QWidget {
 
   private:
     void construir();
+    void construirDiasSemanas(const QDate& hoy);
+    void construirMesesAnos(const QDate& hoy);
+    void construirPeriodo(const QDate& hoy);
     void nombrarControles();
     void mostrarPaneles();
     void habilitarMensual();

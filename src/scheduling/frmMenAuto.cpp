@@ -8,9 +8,9 @@
 #include "scheduling/mdoProgramacion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
+#include "widgets/Montaje.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QCoreApplication>
@@ -23,9 +23,7 @@
 using namespace Qt::StringLiterals;
 
 frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
-    setObjectName(u"frmMenAuto"_s);
-    setWindowTitle(u"Mensajes Programados"_s);
-    setWindowIcon(iconoQuelmo(u"programar"_s));
+    identificar(this, u"frmMenAuto"_s, u"Mensajes Programados"_s, u"programar"_s);
     const QStringList cabeceras{u"Nombre"_s, u"Nº Men."_s, u"Programado"_s, u"Último envío"_s};
     ListView1 = new Listado(u"ListView1"_s, cabeceras, this);
     m_modelo = new ModeloPaginado(definicionMensajesProgramados(), cabeceras, this);
@@ -41,13 +39,9 @@ frmMenAuto::frmMenAuto(QWidget* parent) : QWidget(parent) {
     cmdEdit = botonConNombre(this, u"cmdEdit"_s, u"&Editar"_s);
     cmdDelete = botonConNombre(this, u"cmdDelete"_s, u"E&liminar"_s);
     cmdClose = botonConNombre(this, u"cmdClose"_s, u"&Cerrar"_s);
-    auto* botones = new QVBoxLayout;
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete}) botones->addWidget(b);
-    botones->addStretch(1);
-    botones->addWidget(cmdClose);
     auto* h = new QHBoxLayout(this);
     h->addWidget(ListView1, 1);
-    h->addLayout(botones);
+    h->addLayout(columnaBotones({cmdAdd, cmdEdit, cmdDelete}, cmdClose));
     resize(720, 400);
 
     connect(cmdAdd, &QPushButton::clicked, this, &frmMenAuto::cmdAdd_Click);

@@ -9,8 +9,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
-#include "widgets/Iconos.h"
 #include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 #include "widgets/ReglasPantallas.h"
 
 #include <QCoreApplication>
@@ -31,85 +31,22 @@ constexpr int kColId = 2;  // the hidden column that holds id_AboAuto
 }
 
 frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmNewMenAuto2"_s);
-    setWindowTitle(u"Mantenimiento de Mensajes Programados"_s);
-    setWindowIcon(iconoQuelmo(u"programar"_s));
+    identificar(this, u"frmNewMenAuto2"_s, u"Mantenimiento de Mensajes Programados"_s,
+                u"programar"_s);
     setModal(true);
 
-    tabs = new QTabWidget(this);
-    tabs->setObjectName(u"tabs"_s);
-
-    auto* general = new QWidget(tabs);
-    txtNombre = new QLineEdit(general);
-    txtNombre->setObjectName(u"txtNombre"_s);
-    txtNombre->setMaxLength(50);
-    lblTarea = new QLabel(general);
-    lblTarea->setObjectName(u"lblTarea"_s);
-    lblTarea->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    lblTarea->setMinimumHeight(140);
-    lblTarea->setFrameShape(QFrame::StyledPanel);
-    lblTarea->setMargin(6);
-    lblProximaTarea = new QLabel(general);
-    lblProximaTarea->setObjectName(u"lblProximaTarea"_s);
-    lblContactos = new QLabel(general);
-    lblContactos->setObjectName(u"lblContactos"_s);
-    auto* g = new QGridLayout(general);
-    auto* lblNombre = new QLabel(u"Descripción : "_s, general);
-    lblNombre->setBuddy(txtNombre);
-    g->addWidget(lblNombre, 0, 0);
-    g->addWidget(txtNombre, 0, 1);
-    g->addWidget(lblTarea, 1, 0, 1, 2);
-    g->addWidget(lblProximaTarea, 2, 0, 1, 2);
-    g->addWidget(lblContactos, 3, 0, 1, 2);
-    g->setRowStretch(4, 1);
-    tabs->addTab(general, u"&General"_s);
-
-    auto* mensajes = new QWidget(tabs);
-    ListView1 =
-        new Listado(u"ListView1"_s, {u"Contacto"_s, u"Mensaje a enviar"_s, QString()}, mensajes);
-    ListView1->setColumnHidden(kColId, true);
-    ListView1->setColumnWidth(0, 160);
-    cmdAdd = botonConNombre(mensajes, u"cmdAdd"_s, u"Ag&regar Contactos"_s);
-    XPButton1 = botonConNombre(mensajes, u"XPButton1"_s, u"&Eliminar Contacto seleccionado"_s);
-    cmdDelete = botonConNombre(mensajes, u"cmdDelete"_s, u"E&liminar Todos los Contactos"_s);
-    XPButton3 = botonConNombre(mensajes, u"XPButton3"_s, u"&Modificar Mensajes"_s);
-    auto* botones = new QHBoxLayout;
-    for (QPushButton* b : {cmdAdd, XPButton1, cmdDelete, XPButton3}) botones->addWidget(b);
-    botones->addStretch(1);
-    auto* m = new QVBoxLayout(mensajes);
-    m->addWidget(ListView1, 1);
-    m->addLayout(botones);
-    tabs->addTab(mensajes, u"&Mensajes"_s);
-
-    auto* programar = new QWidget(tabs);
-    for (const QString& t : {u"No programar"_s, u"Programar tarea"_s}) {
-        auto* o = new QRadioButton(t, programar);
-        o->setObjectName(u"optTask(%1)"_s.arg(optTask.size()));
-        optTask.append(o);
-    }
-    optTask[0]->setChecked(true);
-    ctrScheduledTask1 = new ctrScheduledTask(programar);
-    ctrScheduledTask1->setObjectName(u"ctrScheduledTask1"_s);
-    ctrScheduledTask1->setEnabled(false);
-    auto* opciones = new QHBoxLayout;
-    opciones->addWidget(optTask[0]);
-    opciones->addWidget(optTask[1]);
-    opciones->addStretch(1);
-    auto* p = new QVBoxLayout(programar);
-    p->addLayout(opciones);
-    p->addWidget(ctrScheduledTask1, 1);
-    tabs->addTab(programar, u"&Programar"_s);
+    tabs = control<QTabWidget>(this, u"tabs"_s);
+    tabs->addTab(crearGeneral(), u"&General"_s);
+    tabs->addTab(crearMensajes(), u"&Mensajes"_s);
+    tabs->addTab(crearProgramar(), u"&Programar"_s);
 
     XPButton2 = botonConNombre(this, u"XPButton2"_s, u"&Cerrar"_s);
     // Enter in a field closes and saves, as Alt+C does; so does Escape.
     XPButton2->setDefault(true);
     ReglasPantallas::marcarCierre(XPButton2);
-    auto* abajo = new QHBoxLayout;
-    abajo->addStretch(1);
-    abajo->addWidget(XPButton2);
     auto* v = new QVBoxLayout(this);
     v->addWidget(tabs, 1);
-    v->addLayout(abajo);
+    v->addLayout(fila({nullptr, XPButton2}));
     resize(640, 560);
 
     // Lines show by contact name from the start, with the arrow on it.
@@ -133,6 +70,54 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     nombreAccesible(tabs->tabBar(), u"Apartados del mensaje programado"_s);
     nombreAccesible(txtNombre, u"Descripción"_s);
     nombreAccesible(ListView1, u"Contactos y mensajes"_s);
+}
+
+QWidget* frmNewMenAuto2::crearGeneral() {
+    auto* general = new QWidget(tabs);
+    txtNombre = campoTexto(general, u"txtNombre"_s, 50);
+    lblTarea = control<QLabel>(general, u"lblTarea"_s);
+    lblTarea->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    lblTarea->setMinimumHeight(140);
+    lblTarea->setFrameShape(QFrame::StyledPanel);
+    lblTarea->setMargin(6);
+    lblProximaTarea = control<QLabel>(general, u"lblProximaTarea"_s);
+    lblContactos = control<QLabel>(general, u"lblContactos"_s);
+    auto* g = new QGridLayout(general);
+    filasFormulario(g, {{u"Descripción : "_s, txtNombre}});
+    g->addWidget(lblTarea, 1, 0, 1, 2);
+    g->addWidget(lblProximaTarea, 2, 0, 1, 2);
+    g->addWidget(lblContactos, 3, 0, 1, 2);
+    g->setRowStretch(4, 1);
+    return general;
+}
+
+QWidget* frmNewMenAuto2::crearMensajes() {
+    auto* mensajes = new QWidget(tabs);
+    ListView1 =
+        new Listado(u"ListView1"_s, {u"Contacto"_s, u"Mensaje a enviar"_s, QString()}, mensajes);
+    ListView1->setColumnHidden(kColId, true);
+    ListView1->setColumnWidth(0, 160);
+    cmdAdd = botonConNombre(mensajes, u"cmdAdd"_s, u"Ag&regar Contactos"_s);
+    XPButton1 = botonConNombre(mensajes, u"XPButton1"_s, u"&Eliminar Contacto seleccionado"_s);
+    cmdDelete = botonConNombre(mensajes, u"cmdDelete"_s, u"E&liminar Todos los Contactos"_s);
+    XPButton3 = botonConNombre(mensajes, u"XPButton3"_s, u"&Modificar Mensajes"_s);
+    auto* m = new QVBoxLayout(mensajes);
+    m->addWidget(ListView1, 1);
+    m->addLayout(fila({cmdAdd, XPButton1, cmdDelete, XPButton3, nullptr}));
+    return mensajes;
+}
+
+QWidget* frmNewMenAuto2::crearProgramar() {
+    auto* programar = new QWidget(tabs);
+    for (const QString& t : {u"No programar"_s, u"Programar tarea"_s})
+        optTask.append(control<QRadioButton>(programar, u"optTask(%1)"_s.arg(optTask.size()), t));
+    optTask[0]->setChecked(true);
+    ctrScheduledTask1 = control<ctrScheduledTask>(programar, u"ctrScheduledTask1"_s);
+    ctrScheduledTask1->setEnabled(false);
+    auto* p = new QVBoxLayout(programar);
+    p->addLayout(fila({optTask[0], optTask[1], nullptr}));
+    p->addWidget(ctrScheduledTask1, 1);
+    return programar;
 }
 
 void frmNewMenAuto2::editar(int32_t codigo, QWidget* parent) {

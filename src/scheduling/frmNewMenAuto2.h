@@ -47,6 +47,9 @@ class frmNewMenAuto2 : public QDialog {
     QPushButton* XPButton2;
 
   private:
+    QWidget* crearGeneral();
+    QWidget* crearMensajes();
+    QWidget* crearProgramar();
     void cargarDestinatarios();
     void ctrScheduledTask1_Change();
     void optTask_Click(int indice);

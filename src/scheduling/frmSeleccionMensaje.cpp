@@ -3,7 +3,8 @@
 #include "base/EstadoAplicacion.h"
 #include "composition/frmSeleccion.h"
 #include "scheduling/mdoProgramacion.h"
-#include "widgets/Iconos.h"
+#include "widgets/Listado.h"
+#include "widgets/Montaje.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -15,9 +16,8 @@
 using namespace Qt::StringLiterals;
 
 frmSeleccionMensaje::frmSeleccionMensaje(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"frmSeleccionMensaje"_s);
-    setWindowTitle(u"Selección de Destinatarios y Mensaje"_s);
-    setWindowIcon(iconoQuelmo(u"contactos"_s));
+    identificar(this, u"frmSeleccionMensaje"_s, u"Selección de Destinatarios y Mensaje"_s,
+                u"contactos"_s);
     setModal(true);
 
     // The recipient picker itself, inside this screen: its lists, moves and
@@ -30,32 +30,21 @@ frmSeleccionMensaje::frmSeleccionMensaje(QWidget* parent) : QDialog(parent) {
     connect(cmdAdd, &QPushButton::clicked, this, &frmSeleccionMensaje::cmdAdd_Click);
     connect(m_selector, &QDialog::rejected, this, &QDialog::reject);
 
-    txtMensaje = new QPlainTextEdit(this);
-    txtMensaje->setObjectName(u"txtMensaje"_s);
+    txtMensaje = control<QPlainTextEdit>(this, u"txtMensaje"_s);
     txtMensaje->setTabChangesFocus(true);
     txtMensaje->setFixedHeight(70);
-    lblCaracteres = new QLabel(this);
-    lblCaracteres->setObjectName(u"lblCaracteres"_s);
-    Check1 = new QCheckBox(u"Agregar Nombre de Contacto al inicio del Mensaje"_s, this);
-    Check1->setObjectName(u"Check1"_s);
+    lblCaracteres = control<QLabel>(this, u"lblCaracteres"_s);
+    Check1 = control<QCheckBox>(this, u"Check1"_s,
+                                u"Agregar Nombre de Contacto al inicio del Mensaje"_s);
 
-    auto* filaMensaje = new QHBoxLayout;
-    filaMensaje->addWidget(new QLabel(u"Mensaje"_s, this));
-    filaMensaje->addStretch(1);
-    filaMensaje->addWidget(lblCaracteres);
     auto* v = new QVBoxLayout(this);
     v->addWidget(m_selector, 1);
-    v->addLayout(filaMensaje);
-    v->addWidget(txtMensaje);
-    v->addWidget(Check1);
+    v->addLayout(fila({etiqueta(this, u"Mensaje"_s), nullptr, lblCaracteres}));
+    anadirPiezas(v, {txtMensaje, Check1});
     resize(780, 640);
 
     txtMensaje->setAccessibleName(u"Mensaje"_s);
-    connect(txtMensaje, &QPlainTextEdit::textChanged, this, [this] {
-        const QString n = QString::number(txtMensaje->toPlainText().size());
-        lblCaracteres->setText(u"("_s + n + u")"_s);
-        lblCaracteres->setAccessibleName(n + u" caracteres"_s);
-    });
+    contarCaracteres(txtMensaje, lblCaracteres);
 }
 
 void frmSeleccionMensaje::cmdAdd_Click() {
