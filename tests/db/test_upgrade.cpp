@@ -110,6 +110,8 @@ class TestUpgrade : public Prueba {
                  1);
         QCOMPARE(db.query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 1);
         QCOMPARE(db.query(u"SELECT Alias FROM Abonados"_s).value(0, 0).toString(), u"Ana"_s);
+        // Its place in the lists' order comes with it.
+        QVERIFY(!db.query(u"SELECT ClaveNombre FROM Abonados"_s).value(0, 0).isNull());
 
         // The old row keeps its values and gains an identity; the same contact
         // can now stand twice in one multi-send.
