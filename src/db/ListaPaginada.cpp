@@ -38,12 +38,14 @@ void ListaPaginada::vaciarPaginas() {
 
 void ListaPaginada::limpiar() {
     vaciarPaginas();
+    m_cola.clear();
     m_filas = 0;
     m_tope = 0;
 }
 
 int ListaPaginada::contar() const {
-    const QString sql = m_def.cuenta.isEmpty() ? u"SELECT count(*) "_s + m_def.desde : m_def.cuenta;
+    const QString sql =
+        m_def.cuenta.isEmpty() ? u"SELECT count(*) "_s + desdeDonde() : m_def.cuenta;
     return int(Conexion().query(sql).value(0, 0).toLongLong());
 }
 
@@ -53,13 +55,26 @@ void ListaPaginada::cargar(int filas) {
     // table's own key: neither walks the rows.
     m_filas = filas >= 0 ? filas : contar();
     const QString mayor = m_def.mayor.isEmpty()
-                              ? u"SELECT max("_s + m_def.clave + u") "_s + m_def.desde
+                              ? u"SELECT max("_s + m_def.clave + u") "_s + desdeDonde()
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
+    if (m_def.cola.isEmpty()) return;
+    const QVector<QString> celdas = Conexion().queryTexts(m_def.cola);
+    const qsizetype porFila = columnas() + 1;
+    m_cola.resize(size_t(celdas.size() / porFila));
+    for (size_t i = 0; i < m_cola.size(); ++i) {
+        m_cola[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
+        m_cola[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
+    }
 }
 
 void ListaPaginada::ordenar(int columna, bool descendente) {
     vaciarPaginas();
+    if (!m_cola.empty()) {
+        if (m_def.asentarCola) m_def.asentarCola();
+        m_filas += int(m_cola.size());
+        m_cola.clear();
+    }
     columna = columna >= 0 && columna < columnas() ? columna : -1;
     if (columna != m_columna) {
         m_anterior = m_columna;
@@ -125,7 +140,14 @@ QString ListaPaginada::seleccion() const {
     const QVector<Termino> t = terminos();
     for (qsizetype i = 0; i + 1 < t.size(); ++i) s += u", "_s + t.at(i).sql;
     for (const Columna& c : m_def.columnas) s += u", "_s + sinNulo(c.texto);
-    return s + u' ' + m_def.desde;
+    return s + u' ';
+}
+
+QString ListaPaginada::desdeDonde(const QString& condicion) const {
+    if (m_def.filtro.isEmpty())
+        return condicion.isEmpty() ? m_def.desde : m_def.desde + u" WHERE "_s + condicion;
+    return m_def.desde + u" WHERE ("_s + m_def.filtro + u')' +
+           (condicion.isEmpty() ? QString() : u" AND "_s + condicion);
 }
 
 std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
@@ -134,7 +156,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
     const int ancho = columnas();
     const qsizetype terminosFila = terminos().size() - 1;
     const QVector<QString> celdas =
-        Conexion().queryTexts(seleccion() + u" WHERE "_s + donde + resto, params);
+        Conexion().queryTexts(seleccion() + desdeDonde(donde) + resto, params);
     const qsizetype porFila = ancho + 1 + terminosFila;
     std::vector<Fila> filas(size_t(celdas.size() / porFila));
     for (size_t i = 0; i < filas.size(); ++i) {
@@ -149,9 +171,9 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
 
 void ListaPaginada::leerOrdenCompleto() const {
     sqlite3* h = Conexion().handle();
-    const QByteArray sql = (u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s +
-                            m_def.clave + u" <= ?"_s + ordenSql())
-                               .toUtf8();
+    const QByteArray sql =
+        (u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql())
+            .toUtf8();
     sqlite3_stmt* s = nullptr;
     if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
@@ -198,7 +220,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPorClave(const int64_t* clav
 std::vector<int64_t> ListaPaginada::leerClaves(const QString& donde, const QString& resto,
                                                const QVariantList& params) const {
     const QVector<QString> t = Conexion().queryTexts(
-        u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s + donde + resto, params);
+        u"SELECT "_s + m_def.clave + u' ' + desdeDonde(donde) + resto, params);
     std::vector<int64_t> claves(size_t(t.size()));
     for (qsizetype i = 0; i < t.size(); ++i) claves[size_t(i)] = t.at(i).toLongLong();
     return claves;
@@ -239,6 +261,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
 }
 
 const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
+    if (n >= m_filas && n < filas()) return &m_cola[size_t(n - m_filas)];
     if (n < 0 || n >= m_filas) return nullptr;
     const int numero = n / kFilasPagina;
     auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
@@ -276,7 +299,15 @@ int64_t ListaPaginada::clave(int n) const {
     return f ? f->clave : 0;
 }
 
+QString ListaPaginada::ordenInverso() const {
+    QStringList orden;
+    for (const Termino& t : terminos()) orden.append(t.sql + (t.descendente ? u""_s : u" DESC"_s));
+    return orden.join(u", "_s);
+}
+
 int ListaPaginada::filaDe(int64_t clave, int cerca) const {
+    for (size_t k = 0; k < m_cola.size(); ++k)
+        if (m_cola[k].clave == clave) return m_filas + int(k);
     if (clave <= 0 || clave > m_tope) return -1;
     // The page where it stood, and the one before (rows that went before
     // it move it up), are read anyway to paint it.
@@ -304,14 +335,14 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     QString valores = u"SELECT "_s + m_def.clave;
     for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
     const QVector<QString> orden = Conexion().queryTexts(
-        valores + u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s, {qlonglong(clave)});
+        valores + u' ' + desdeDonde(m_def.clave + u" = ?"_s), {qlonglong(clave)});
     if (orden.isEmpty()) return -1;
     // The rows before it are those neither it nor after it.
     QVariantList params{qlonglong(m_tope), qlonglong(clave)};
     const QString despues = despuesDe(params, orden.mid(1), clave);
-    const ResultadoConsulta r =
-        Conexion().query(u"SELECT count(*) "_s + m_def.desde + u" WHERE "_s + m_def.clave +
-                             u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues,
-                         params);
+    const ResultadoConsulta r = Conexion().query(
+        u"SELECT count(*) "_s +
+            desdeDonde(m_def.clave + u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues),
+        params);
     return int(r.value(0, 0).toLongLong());
 }
