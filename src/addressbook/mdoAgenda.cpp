@@ -477,20 +477,18 @@ const QString kLista = u"temp.MiembrosLista"_s;
 const QString kMovidos = u"temp.MiembrosMovidos"_s;
 const QString kGrupo = u"(SELECT Grupo FROM temp.MiembrosLista)"_s;
 
-QString esContacto(const QString& codigo) {
-    return u"EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = "_s + codigo + u')';
-}
-
-// The list's members that no move touched, each once.
+// The list's members that are contacts no move touched, each once.
 QString miembrosQuietos() {
     return u"(SELECT count(*) FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = "_s +
-           kGrupo + u") g WHERE "_s + esContacto(u"g.Abonado"_s) +
-           u" AND NOT EXISTS (SELECT 1 FROM "_s + kMovidos + u" m WHERE m.Codigo = g.Abonado))"_s;
+           kGrupo +
+           u") g WHERE EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado AND NOT "
+           u"EXISTS (SELECT 1 FROM "_s +
+           kMovidos + u" m WHERE m.Fila = a.rowid)))"_s;
 }
 
 QString movidos(const QString& condicion) {
-    return u"(SELECT count(*) FROM "_s + kMovidos + u" m WHERE "_s + condicion + u" AND "_s +
-           esContacto(u"m.Codigo"_s) + u')';
+    return u"(SELECT count(*) FROM "_s + kMovidos + u" m WHERE "_s + condicion +
+           u" AND EXISTS (SELECT 1 FROM Abonados a WHERE a.rowid = m.Fila))"_s;
 }
 
 // The contact of the row was in the list before any move.
@@ -510,13 +508,13 @@ void msPrepararMiembrosLista(int16_t grupo) {
     Esquema::completarClavesNombre(bd());
     bd().exec(u"CREATE TABLE "_s + kLista + u" (Grupo INTEGER)"_s);
     bd().exec(u"CREATE TABLE "_s + kMovidos +
-              u" (Codigo TEXT PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
+              u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
     bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo) VALUES (?)"_s, {grupo});
 }
 
 ListaPaginada::Definicion definicionMiembros(bool dentro) {
     ListaPaginada::Definicion d;
-    d.desde = u"FROM Abonados LEFT JOIN "_s + kMovidos + u" m ON m.Codigo = Abonados.Codigo"_s;
+    d.desde = u"FROM Abonados LEFT JOIN "_s + kMovidos + u" m ON m.Fila = Abonados.rowid"_s;
     // On this side now, and not among the lines just moved here, which
     // come after the others until a sort.
     d.filtro = u"coalesce(m.Dentro, "_s + esMiembro() + u") = "_s + lado(dentro) +
@@ -529,7 +527,7 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
     d.estable = false;
     d.cola =
         u"SELECT Abonados.rowid, coalesce(upper(Abonados.Alias), ''), Abonados.Codigo FROM "_s +
-        kMovidos + u" m INNER JOIN Abonados ON Abonados.Codigo = m.Codigo WHERE m.Dentro = "_s +
+        kMovidos + u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila WHERE m.Dentro = "_s +
         lado(dentro) + u" AND m.Paso IS NOT NULL ORDER BY m.Paso"_s;
     d.asentarCola = [dentro] {
         try {
@@ -556,10 +554,10 @@ namespace {
 // and its place among them) as moved to one side, after every earlier move.
 void registrarMovidos(bool haciaDentro, const QString& codigos, const QVariantList& params) {
     bd().exec(u"INSERT INTO "_s + kMovidos +
-                  u" (Codigo, Dentro, Paso) SELECT c.Codigo, ?, c.n + (SELECT coalesce(max(Paso), "
+                  u" (Fila, Dentro, Paso) SELECT c.Fila, ?, c.n + (SELECT coalesce(max(Paso), "
                   u"0) FROM "_s +
                   kMovidos + u") FROM ("_s + codigos +
-                  u") c WHERE true ON CONFLICT (Codigo) DO UPDATE SET Dentro = excluded.Dentro, "
+                  u") c WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
                   u"Paso = excluded.Paso"_s,
               QVariantList{haciaDentro ? 1 : 0} + params);
 }
@@ -573,22 +571,23 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
         lista += QString::number(claves[k]);
     }
     lista += u']';
-    registrarMovidos(haciaDentro,
-                     u"SELECT a.Codigo, j.key + 1 AS n FROM json_each(?) j INNER JOIN Abonados a "
-                     u"ON a.rowid = j.value"_s,
-                     {lista});
+    registrarMovidos(
+        haciaDentro,
+        u"SELECT a.rowid AS Fila, j.key + 1 AS n FROM json_each(?) j INNER JOIN Abonados a "
+        u"ON a.rowid = j.value"_s,
+        {lista});
 }
 
 void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
     const ListaPaginada::Definicion origen = definicionMiembros(!haciaDentro);
     // From the last line up: the lines just moved there, then the others.
-    registrarMovidos(haciaDentro,
-                     u"SELECT Abonados.Codigo, row_number() OVER (ORDER BY m.Paso IS NULL, m.Paso "
-                     u"DESC, "_s +
-                         ordenInverso + u") AS n "_s + origen.desde +
-                         u" WHERE coalesce(m.Dentro, "_s + esMiembro() + u") = "_s +
-                         lado(!haciaDentro),
-                     {});
+    registrarMovidos(
+        haciaDentro,
+        u"SELECT Abonados.rowid AS Fila, row_number() OVER (ORDER BY m.Paso IS NULL, m.Paso "
+        u"DESC, "_s +
+            ordenInverso + u") AS n "_s + origen.desde + u" WHERE coalesce(m.Dentro, "_s +
+            esMiembro() + u") = "_s + lado(!haciaDentro),
+        {});
 }
 
 bool msGuardarMiembrosLista(int16_t grupo) {
@@ -597,13 +596,14 @@ bool msGuardarMiembrosLista(int16_t grupo) {
         bd().savepoint(sp);
         // Only what moved is written; memberships of numbers that are no
         // contact go, as the list showed them not.
-        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND (Abonado IN (SELECT Codigo FROM "_s +
-                      kMovidos +
-                      u" WHERE Dentro = 0) OR Abonado NOT IN (SELECT Codigo FROM Abonados))"_s,
+        const QString movidos = u"FROM "_s + kMovidos +
+                                u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
+        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND (Abonado IN (SELECT a.Codigo "_s +
+                      movidos + u"0) OR Abonado NOT IN (SELECT Codigo FROM Abonados))"_s,
                   {grupo});
-        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, ? FROM "_s + kMovidos +
-                      u" WHERE Dentro = 1 AND Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE "
-                      u"Grupo = ?) ORDER BY Paso"_s,
+        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
+                      u"1 AND a.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = ?) "
+                      u"ORDER BY m.Paso"_s,
                   {grupo, grupo});
         bd().release(sp);
     } catch (const ErrorBD&) {

@@ -38,7 +38,8 @@ void ListaPaginada::vaciarPaginas() {
 
 void ListaPaginada::limpiar() {
     vaciarPaginas();
-    m_cola.clear();
+    m_cola = {};
+    m_filasCola = 0;
     m_filas = 0;
     m_tope = 0;
 }
@@ -58,22 +59,42 @@ void ListaPaginada::cargar(int filas) {
                               ? u"SELECT max("_s + m_def.clave + u") "_s + desdeDonde()
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
-    if (m_def.cola.isEmpty()) return;
-    const QVector<QString> celdas = Conexion().queryTexts(m_def.cola);
-    const qsizetype porFila = columnas() + 1;
-    m_cola.resize(size_t(celdas.size() / porFila));
-    for (size_t i = 0; i < m_cola.size(); ++i) {
-        m_cola[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
-        m_cola[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
+    if (!m_def.cola.isEmpty())
+        m_filasCola = int(Conexion()
+                              .query(u"SELECT count(*) FROM ("_s + m_def.cola + u')')
+                              .value(0, 0)
+                              .toLongLong());
+}
+
+const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
+    const int numero = k / kFilasPagina;
+    if (m_cola.numero != numero) {
+        m_cola = {numero, {}};
+        try {
+            const QVector<QString> celdas =
+                Conexion().queryTexts(m_def.cola + u" LIMIT ? OFFSET ?"_s,
+                                      {kFilasPagina, qlonglong(numero) * kFilasPagina});
+            const qsizetype porFila = columnas() + 1;
+            m_cola.filas.resize(size_t(celdas.size() / porFila));
+            for (size_t i = 0; i < m_cola.filas.size(); ++i) {
+                m_cola.filas[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
+                m_cola.filas[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
+            }
+        } catch (const ErrorBD&) {
+            // Shown empty, like a page of the order that can't be read.
+        }
     }
+    const size_t i = size_t(k - numero * kFilasPagina);
+    return i < m_cola.filas.size() ? &m_cola.filas[i] : nullptr;
 }
 
 void ListaPaginada::ordenar(int columna, bool descendente) {
     vaciarPaginas();
-    if (!m_cola.empty()) {
+    if (m_filasCola > 0) {
         if (m_def.asentarCola) m_def.asentarCola();
-        m_filas += int(m_cola.size());
-        m_cola.clear();
+        m_filas += m_filasCola;
+        m_filasCola = 0;
+        m_cola = {};
     }
     columna = columna >= 0 && columna < columnas() ? columna : -1;
     if (columna != m_columna) {
@@ -261,7 +282,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
 }
 
 const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
-    if (n >= m_filas && n < filas()) return &m_cola[size_t(n - m_filas)];
+    if (n >= m_filas && n < filas()) return filaCola(n - m_filas);
     if (n < 0 || n >= m_filas) return nullptr;
     const int numero = n / kFilasPagina;
     auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
@@ -306,8 +327,8 @@ QString ListaPaginada::ordenInverso() const {
 }
 
 int ListaPaginada::filaDe(int64_t clave, int cerca) const {
-    for (size_t k = 0; k < m_cola.size(); ++k)
-        if (m_cola[k].clave == clave) return m_filas + int(k);
+    for (size_t k = 0; k < m_cola.filas.size(); ++k)
+        if (m_cola.filas[k].clave == clave) return m_filas + m_cola.numero * kFilasPagina + int(k);
     if (clave <= 0 || clave > m_tope) return -1;
     // The page where it stood, and the one before (rows that went before
     // it move it up), are read anyway to paint it.

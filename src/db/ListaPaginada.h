@@ -53,7 +53,7 @@ class ListaPaginada {
         bool estable = true;
         // Rows shown after the ordered ones until the next sort takes them
         // in (lines just moved here from another list): a statement that
-        // gives each row's number and its cells, read whole at `cargar`,
+        // gives each row's number and its cells, read a page at a time,
         // and what the sort runs first so that the filter then holds them.
         QString cola;
         std::function<void()> asentarCola;
@@ -71,7 +71,7 @@ class ListaPaginada {
     int contar() const;
     void limpiar();
 
-    int filas() const { return m_filas + int(m_cola.size()); }
+    int filas() const { return m_filas + m_filasCola; }
     // Those of them in the order chosen, before the rows of `cola`.
     int filasOrdenadas() const { return m_filas; }
     int columnas() const { return int(m_def.columnas.size()); }
@@ -119,6 +119,7 @@ class ListaPaginada {
     };
 
     const Fila* fila(int n) const;
+    const Fila* filaCola(int k) const;
     std::vector<Fila> leerPagina(int numero) const;
     std::vector<Fila> leerFilas(const QString& donde, const QString& resto,
                                 const QVariantList& params) const;
@@ -151,5 +152,7 @@ class ListaPaginada {
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;
-    std::vector<Fila> m_cola;
+    // The page of `cola` read last, and how many rows it has.
+    mutable Pagina m_cola;
+    int m_filasCola = 0;
 };
