@@ -202,7 +202,7 @@ ListaPaginada::Definicion definicionContactos() {
     d.desde = kContactosVisibles;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
-    d.columnas = {{u"Abonados.Alias"_s, {}},
+    d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s},
                   {u"Abonados.Codigo"_s, {}},
                   {u"Abonados.Comentario"_s, {}},
                   {u"Canales.Nombre"_s, {}}};

@@ -209,6 +209,9 @@ void prepararClavesNombre(BaseDatos& db) {
     // A trigger naming a column the table lacks would fail every insert.
     db.query(u"SELECT ClaveNombre FROM main.Abonados LIMIT 0"_s);
     db.execScript(kDisparadoresPropios);
+    // Contacts another client wrote since are put in order at once.
+    if (!db.query(u"SELECT 1 FROM main.Abonados WHERE ClaveNombre IS NULL LIMIT 1"_s).isEmpty())
+        completarClavesNombre(db);
 }
 void completarClavesNombre(BaseDatos& db) {
     db.exec(u"UPDATE Abonados SET ClaveNombre = clave_nombre(Alias) WHERE ClaveNombre IS NULL"_s);

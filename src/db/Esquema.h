@@ -12,8 +12,9 @@ void crearActual(BaseDatos& db);
 void crearBase(BaseDatos& db);
 // The trigger that empties a contact's name key when its name changes.
 void crearDisparadorNombre(BaseDatos& db);
-// Makes this connection work out the name key of each contact it writes;
-// throws ErrorBD when the file has no such column.
+// Makes this connection work out the name key of each contact it writes,
+// and fills the keys left empty; throws ErrorBD when the file has no such
+// column.
 void prepararClavesNombre(BaseDatos& db);
 // Works out the name keys left empty (rows written by another client).
 // Throws ErrorBD.
