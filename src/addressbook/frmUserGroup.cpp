@@ -5,6 +5,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
 #include "widgets/Montaje.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/ReglasPantallas.h"
 
 #include <QGridLayout>
@@ -20,6 +21,12 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     setModal(true);
     lstcontactos = new Listado(u"lstcontactos"_s, {u"Nombre"_s, u"Número"_s}, this);
     lstLista = new Listado(u"lstLista"_s, {u"Nombre"_s, u"Número"_s}, this);
+    m_fuera = new ModeloPaginado(definicionMiembros(false), {u"Nombre"_s, u"Número"_s}, this);
+    m_dentro = new ModeloPaginado(definicionMiembros(true), {u"Nombre"_s, u"Número"_s}, this);
+    m_fuera->ordenar(0, false);
+    m_dentro->ordenar(0, false);
+    lstcontactos->usarModelo(m_fuera);
+    lstLista->usarModelo(m_dentro);
     for (Listado* l : {lstcontactos, lstLista}) {
         l->setSeleccionMultiple(true);
         l->setColumnWidth(0, 170);
@@ -62,67 +69,89 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
     connect(cmdClose, &QPushButton::clicked, this, &frmUserGroup::cmdClose_Click);
     ReglasPantallas::marcarCierre(cmdClose);
     connect(lstcontactos, &Listado::dobleClicFila, this, [this](int fila) {
-        if (!lstcontactos->modelo()->texto(fila, 0).isEmpty())
-            mover(lstcontactos, lstLista, {fila});
+        if (!m_fuera->texto(fila, 0).isEmpty()) mover(true, {fila});
     });
     connect(lstLista, &Listado::dobleClicFila, this, [this](int fila) {
-        if (!lstLista->modelo()->texto(fila, 0).isEmpty()) mover(lstLista, lstcontactos, {fila});
+        if (!m_dentro->texto(fila, 0).isEmpty()) mover(false, {fila});
     });
 }
 
 void frmUserGroup::msCargarUsuariosParaGrupo() {
     setWindowTitle(u"Contactos de la Lista: "_s + sNombreGrupo.toUpper());
-    QVector<QString> miembros;
-    QVector<QString> resto;
+    // Both sides are counted at once: the members are walked once.
+    std::pair<int, int> filas{0, 0};
     try {
-        miembros = leerMiembrosLista(nCodGrupo);
-        resto = leerNoMiembrosLista(nCodGrupo);
+        msPrepararMiembrosLista(nCodGrupo);
+        filas = contarMiembrosLista();
     } catch (const ErrorBD&) {
         // Lists that can't be read show empty, like the other address book lists.
+        msSoltarMiembrosLista();
     }
-    lblcont->setText(QString::number(miembros.size() / 2) + u" Contactos en la lista"_s);
-    lstLista->modelo()->asignar(std::move(miembros));
-    lstcontactos->modelo()->asignar(std::move(resto));
+    m_dentro->cargar(filas.first);
+    m_fuera->cargar(filas.second);
+    lblcont->setText(QString::number(m_dentro->rowCount()) + u" Contactos en la lista"_s);
 }
 
-void frmUserGroup::mover(Listado* origen, Listado* destino, const QList<int>& filas) {
-    ModeloListado* o = origen->modelo();
-    QList<QStringList> llevadas;
-    llevadas.reserve(filas.size());
-    for (auto it = filas.crbegin(); it != filas.crend(); ++it) llevadas.append(o->fila(*it));
-    destino->modelo()->anadirFilas(llevadas);
-    o->quitarFilas(filas);
+void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
+    const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    std::vector<int64_t> claves;
+    claves.reserve(size_t(filas.size()));
+    int ordenadas = 0;
+    // From the last line up, as they go to the end of the other side.
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it) {
+        if (const int64_t c = origen->clave(*it); c > 0) {
+            claves.push_back(c);
+            ordenadas += *it < origen->filasOrdenadas() ? 1 : 0;
+        }
+    }
+    moverClaves(haciaDentro, claves, ordenadas);
 }
 
-namespace {
-QList<int> todas(const Listado* l) {
-    QList<int> filas;
-    for (int f = 0; f < l->modelo()->rowCount(); ++f) filas.append(f);
-    return filas;
+void frmUserGroup::moverTodos(bool haciaDentro) {
+    const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    const int ordenadas = origen->filasOrdenadas();
+    try {
+        msMoverTodosLosMiembros(haciaDentro, origen->ordenInverso());
+    } catch (const ErrorBD&) {
+        return;
+    }
+    moverClaves(haciaDentro, {}, ordenadas);
 }
-}  // namespace
+
+void frmUserGroup::moverClaves(bool haciaDentro, const std::vector<int64_t>& claves,
+                               int ordenadas) {
+    try {
+        msMoverMiembros(haciaDentro, claves);
+    } catch (const ErrorBD&) {
+        // The moves are as they were: the lists show them.
+        ordenadas = 0;
+    }
+    // The lines that left the origin's order are all that changed in the
+    // counts: neither side is counted again.
+    ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    ModeloPaginado* destino = haciaDentro ? m_dentro : m_fuera;
+    origen->cargar(origen->filasOrdenadas() - ordenadas);
+    destino->cargar(destino->filasOrdenadas());
+}
 
 void frmUserGroup::Command1_Click() {
-    mover(lstcontactos, lstLista, lstcontactos->filasSeleccionadas());
+    mover(true, lstcontactos->filasSeleccionadas());
 }
 
 void frmUserGroup::cmdTodos_Click() {
-    mover(lstcontactos, lstLista, todas(lstcontactos));
+    moverTodos(true);
 }
 
 void frmUserGroup::cmdQuitar_Click() {
-    mover(lstLista, lstcontactos, lstLista->filasSeleccionadas());
+    mover(false, lstLista->filasSeleccionadas());
 }
 
 void frmUserGroup::cmdquitarTodos_Click() {
-    mover(lstLista, lstcontactos, todas(lstLista));
+    moverTodos(false);
 }
 
 void frmUserGroup::cmdAdd_Click() {
-    QStringList numeros;
-    for (int f = 0; f < lstLista->modelo()->rowCount(); ++f)
-        numeros.append(lstLista->modelo()->texto(f, 1));
-    msGuardarMiembrosLista(nCodGrupo, numeros);
+    msGuardarMiembrosLista(nCodGrupo);
     sNombreGrupo.clear();
     nCodGrupo = -1;
     accept();
@@ -132,4 +161,10 @@ void frmUserGroup::cmdClose_Click() {
     sNombreGrupo.clear();
     nCodGrupo = -1;
     reject();
+}
+
+void frmUserGroup::done(int resultado) {
+    // However the screen closes, the moves go with it.
+    msSoltarMiembrosLista();
+    QDialog::done(resultado);
 }

@@ -2,13 +2,16 @@
 
 #include <QDialog>
 #include <cstdint>
+#include <vector>
 
 class Listado;
+class ModeloPaginado;
 class QLabel;
 class QPushButton;
 
 // The members of one list: contacts outside it on the left, inside on the
-// right. Moves stay on screen until cmdAdd stores them all at once.
+// right. Moves are kept apart until cmdAdd stores them all at once;
+// closing drops them. Both lists read a page at a time.
 class frmUserGroup : public QDialog {
     Q_OBJECT
   public:
@@ -23,6 +26,7 @@ class frmUserGroup : public QDialog {
     void cmdquitarTodos_Click();
     void cmdAdd_Click();
     void cmdClose_Click();
+    void done(int resultado) override;
 
     QString sNombreGrupo;
     int16_t nCodGrupo = -1;
@@ -38,6 +42,12 @@ class frmUserGroup : public QDialog {
     QLabel* lblcont;
 
   private:
-    // Moves lines from `origen` to the end of `destino`, from the last up.
-    static void mover(Listado* origen, Listado* destino, const QList<int>& filas);
+    // Moves lines of one side to the end of the other, from the last up.
+    void mover(bool haciaDentro, const QList<int>& filas);
+    void moverTodos(bool haciaDentro);
+    // `ordenadas`: how many of them stood in the origin's order.
+    void moverClaves(bool haciaDentro, const std::vector<int64_t>& claves, int ordenadas);
+
+    ModeloPaginado* m_dentro;
+    ModeloPaginado* m_fuera;
 };

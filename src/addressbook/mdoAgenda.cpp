@@ -5,6 +5,7 @@
 #include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
+#include "db/Esquema.h"
 
 #include <sqlite3.h>
 
@@ -182,7 +183,7 @@ ListaPaginada::Definicion definicionContactos() {
     d.desde = kContactosVisibles;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
-    d.columnas = {{u"Abonados.Alias"_s, {}},
+    d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s},
                   {u"Abonados.Codigo"_s, {}},
                   {u"Abonados.Comentario"_s, {}},
                   {u"Canales.Nombre"_s, {}}};
@@ -429,36 +430,156 @@ bool msBorrarLista(int16_t grupo) {
     return true;
 }
 
-QVector<QString> leerMiembrosLista(int16_t grupo) {
-    return bd().queryTexts(
-        u"select upper(abonados.alias), abonados.codigo from abonados inner join abogrup on "
-        u"abonados.codigo = abogrup.abonado where abogrup.grupo = ? order by abonados.alias "
-        u"COLLATE REGLA_LISTAS"_s,
-        {grupo});
+namespace {
+// The list edited, and each contact moved: on which side it is now and,
+// until a sort of that side takes it in, its place among the lines moved.
+const QString kLista = u"temp.MiembrosLista"_s;
+const QString kMovidos = u"temp.MiembrosMovidos"_s;
+const QString kGrupo = u"(SELECT Grupo FROM temp.MiembrosLista)"_s;
+
+// The list's members that are contacts no move touched, each once.
+QString miembrosQuietos() {
+    return u"(SELECT count(*) FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = "_s +
+           kGrupo +
+           u") g WHERE EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado AND NOT "
+           u"EXISTS (SELECT 1 FROM "_s +
+           kMovidos + u" m WHERE m.Fila = a.rowid)))"_s;
 }
 
-QVector<QString> leerNoMiembrosLista(int16_t grupo) {
-    return bd().queryTexts(
-        u"SELECT upper(abonados.alias), abonados.Codigo From abonados WHERE abonados.codigo not "
-        u"in (select abogrup.abonado from abogrup where abogrup.grupo = ?) ORDER BY "
-        u"abonados.Alias COLLATE REGLA_LISTAS"_s,
-        {grupo});
+QString movidos(const QString& condicion) {
+    return u"(SELECT count(*) FROM "_s + kMovidos + u" m WHERE "_s + condicion +
+           u" AND EXISTS (SELECT 1 FROM Abonados a WHERE a.rowid = m.Fila))"_s;
 }
 
-bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros) {
+// The contact of the row was in the list before any move.
+QString esMiembro() {
+    return u"EXISTS (SELECT 1 FROM AboGrup g WHERE g.Grupo = "_s + kGrupo +
+           u" AND g.Abonado = Abonados.Codigo)"_s;
+}
+
+QString lado(bool dentro) {
+    return dentro ? u"1"_s : u"0"_s;
+}
+}  // namespace
+
+void msPrepararMiembrosLista(int16_t grupo) {
+    msSoltarMiembrosLista();
+    // Names written by another program since are put in order first.
+    Esquema::completarClavesNombre(bd());
+    bd().exec(u"CREATE TABLE "_s + kLista + u" (Grupo INTEGER)"_s);
+    bd().exec(u"CREATE TABLE "_s + kMovidos +
+              u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
+    bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo) VALUES (?)"_s, {grupo});
+}
+
+ListaPaginada::Definicion definicionMiembros(bool dentro) {
+    ListaPaginada::Definicion d;
+    d.desde = u"FROM Abonados LEFT JOIN "_s + kMovidos + u" m ON m.Fila = Abonados.rowid"_s;
+    // On this side now, and not among the lines just moved here, which
+    // come after the others until a sort.
+    d.filtro = u"coalesce(m.Dentro, "_s + esMiembro() + u") = "_s + lado(dentro) +
+               u" AND m.Paso IS NULL"_s;
+    d.clave = u"Abonados.rowid"_s;
+    d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
+    d.columnas = {{u"upper(Abonados.Alias)"_s, u"Abonados.ClaveNombre"_s},
+                  {u"Abonados.Codigo"_s, {}}};
+    // Names alike go by their rows both ways, so the index serves both.
+    d.estable = false;
+    d.cola =
+        u"SELECT Abonados.rowid, coalesce(upper(Abonados.Alias), ''), Abonados.Codigo FROM "_s +
+        kMovidos + u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila WHERE m.Dentro = "_s +
+        lado(dentro) + u" AND m.Paso IS NOT NULL ORDER BY m.Paso"_s;
+    d.asentarCola = [dentro] {
+        try {
+            bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = NULL WHERE Dentro = "_s +
+                      lado(dentro));
+        } catch (const ErrorBD& e) {
+            msLog(u"No se pudo ordenar la Lista: "_s + e.description());
+        }
+    };
+    return d;
+}
+
+std::pair<int, int> contarMiembrosLista() {
+    const ResultadoConsulta r =
+        bd().query(u"SELECT q + "_s + movidos(u"m.Dentro = 1 AND m.Paso IS NULL"_s) +
+                   u", (SELECT count(*) FROM Abonados) - q - "_s + movidos(u"1"_s) + u" + "_s +
+                   movidos(u"m.Dentro = 0 AND m.Paso IS NULL"_s) + u" FROM (SELECT "_s +
+                   miembrosQuietos() + u" AS q)"_s);
+    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
+}
+
+namespace {
+// Records the contacts of `codigos` (a statement giving each one's number
+// and its place among them) as moved to one side, after every earlier move.
+void registrarMovidos(bool haciaDentro, const QString& codigos, const QVariantList& params) {
+    bd().exec(u"INSERT INTO "_s + kMovidos +
+                  u" (Fila, Dentro, Paso) SELECT c.Fila, ?, c.n + (SELECT coalesce(max(Paso), "
+                  u"0) FROM "_s +
+                  kMovidos + u") FROM ("_s + codigos +
+                  u") c WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
+                  u"Paso = excluded.Paso"_s,
+              QVariantList{haciaDentro ? 1 : 0} + params);
+}
+}  // namespace
+
+void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
+    if (claves.empty()) return;
+    QString lista = u"["_s;
+    for (size_t k = 0; k < claves.size(); ++k) {
+        if (k) lista += u',';
+        lista += QString::number(claves[k]);
+    }
+    lista += u']';
+    registrarMovidos(
+        haciaDentro,
+        u"SELECT a.rowid AS Fila, j.key + 1 AS n FROM json_each(?) j INNER JOIN Abonados a "
+        u"ON a.rowid = j.value"_s,
+        {lista});
+}
+
+void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
+    const ListaPaginada::Definicion origen = definicionMiembros(!haciaDentro);
+    // From the last line up: the lines just moved there, then the others.
+    registrarMovidos(
+        haciaDentro,
+        u"SELECT Abonados.rowid AS Fila, row_number() OVER (ORDER BY m.Paso IS NULL, m.Paso "
+        u"DESC, "_s +
+            ordenInverso + u") AS n "_s + origen.desde + u" WHERE coalesce(m.Dentro, "_s +
+            esMiembro() + u") = "_s + lado(!haciaDentro),
+        {});
+}
+
+bool msGuardarMiembrosLista(int16_t grupo) {
     const QString sp = u"miembros"_s;
     try {
         bd().savepoint(sp);
-        bd().exec(u"delete from abogrup where grupo = ?"_s, {grupo});
-        for (const QString& numero : numeros)
-            bd().exec(u"insert into abogrup (abonado,grupo) values (?,?)"_s,
-                      {numero.trimmed(), grupo});
+        // Only what moved is written; memberships of numbers that are no
+        // contact go, as the list showed them not.
+        const QString movidos = u"FROM "_s + kMovidos +
+                                u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
+        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND (Abonado IN (SELECT a.Codigo "_s +
+                      movidos + u"0) OR Abonado NOT IN (SELECT Codigo FROM Abonados))"_s,
+                  {grupo});
+        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
+                      u"1 AND a.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = ?) "
+                      u"ORDER BY m.Paso"_s,
+                  {grupo, grupo});
         bd().release(sp);
     } catch (const ErrorBD&) {
         deshacer(sp);
         return false;
     }
+    msSoltarMiembrosLista();
     return true;
+}
+
+void msSoltarMiembrosLista() {
+    try {
+        for (const QString& t : {kLista, kMovidos}) bd().exec(u"DROP TABLE IF EXISTS "_s + t);
+    } catch (const ErrorBD& e) {
+        msLog(u"No se pudieron soltar los cambios de la Lista: "_s + e.description());
+    }
 }
 
 // ---- Predefined texts ------------------------------------------------------

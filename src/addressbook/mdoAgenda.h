@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
 // The address book's logic: contacts, lists and predefined texts. The
 // screens of this folder read their fields, and the user's answers to their
@@ -115,12 +117,33 @@ long long miembrosDeLista(int16_t grupo);
 // Deletes the list with its memberships (the contacts stay); false when a
 // statement failed, which the user isn't told.
 bool msBorrarLista(int16_t grupo);
-// Members of a list, and the contacts outside it, by name: upper-case
-// alias and number, cell after cell. Throw ErrorBD.
-QVector<QString> leerMiembrosLista(int16_t grupo);
-QVector<QString> leerNoMiembrosLista(int16_t grupo);
-// Replaces all memberships of the list by `numeros`, in one transaction.
-bool msGuardarMiembrosLista(int16_t grupo, const QStringList& numeros);
+// The members screen keeps the user's moves of one list in temporary
+// tables of the one connection, not in the list: each side reads the
+// contacts with the moves applied, a page at a time in the order of the
+// names' index, so opening costs the lines in view and a move the lines
+// moved. Lines moved show after the others, in the order they came, until
+// a sort of their side.
+//
+// Starts the moves of `grupo` afresh. Throws ErrorBD.
+void msPrepararMiembrosLista(int16_t grupo);
+// One side as its list shows it: upper-case name and number.
+ListaPaginada::Definicion definicionMiembros(bool dentro);
+// How many lines each side has before its lines just moved: inside,
+// outside. Throws ErrorBD.
+std::pair<int, int> contarMiembrosLista();
+// Moves the contacts whose rows are `claves` to the end of the other side,
+// in the order given. Throws ErrorBD.
+void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);
+// Moves a whole side to the end of the other, from its last line up: its
+// lines just moved there, then the others in `ordenInverso` (the side's
+// order turned round, ListaPaginada::ordenInverso). Throws ErrorBD.
+void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso);
+// Writes the moves into the list's memberships in one transaction (the
+// memberships of numbers that are no contact go too), then drops them.
+// False when nothing was stored.
+bool msGuardarMiembrosLista(int16_t grupo);
+// Drops the moves; nothing is stored.
+void msSoltarMiembrosLista();
 
 // ---- Predefined texts ------------------------------------------------------
 

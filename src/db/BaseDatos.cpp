@@ -4,6 +4,7 @@
 #include "base/ReglaListas.h"
 #include "base/ReglaNombres.h"
 #include "base/Reloj.h"
+#include "db/Esquema.h"
 #include "db/mdoDB.h"
 
 #include <sqlite3.h>
@@ -46,6 +47,23 @@ void funcionCaso(sqlite3_context* ctx, int, sqlite3_value** argv) {
     const QString texto = QString::fromUtf8(t, sqlite3_value_bytes(argv[0]));
     const QByteArray u = (Mayusculas ? texto.toUpper() : texto.toLower()).toUtf8();
     sqlite3_result_text(ctx, u.constData(), int(u.size()), SQLITE_TRANSIENT);
+}
+
+// The name's place in the lists' order as a text that sorts by plain
+// comparison, so that a column of it can be indexed by any client (and read
+// back and compared as text): each unit of the rule's key as four hex
+// digits. A missing name sorts first.
+void funcionClaveNombre(sqlite3_context* ctx, int, sqlite3_value** argv) {
+    const auto* t = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const QString clave =
+        ReglaListas::clave(QString::fromUtf8(t, t ? sqlite3_value_bytes(argv[0]) : 0));
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    QByteArray b(clave.size() * 4, Qt::Uninitialized);
+    for (qsizetype i = 0; i < clave.size(); ++i) {
+        const char16_t u = clave.at(i).unicode();
+        for (int k = 0; k < 4; ++k) b[4 * i + k] = kHex[(u >> (12 - 4 * k)) & 0xf];
+    }
+    sqlite3_result_text(ctx, b.constData(), int(b.size()), SQLITE_TRANSIENT);
 }
 
 const QString kTextoPerdida =
@@ -210,6 +228,8 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
                             funcionCaso<true>, nullptr, nullptr);
     sqlite3_create_function(m_db, "lower", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                             funcionCaso<false>, nullptr, nullptr);
+    sqlite3_create_function(m_db, "clave_nombre", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                            funcionClaveNombre, nullptr, nullptr);
     try {
         // A file that is not a database opens lazily; reading the schema tells.
         query(u"SELECT count(*) FROM sqlite_master"_s);
@@ -219,6 +239,11 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         recordarArchivos();
         // A file of an earlier release still names our collations.
         msQuitarIntercalaciones(*this);
+        try {
+            Esquema::prepararClavesNombre(*this);
+        } catch (const ErrorBD&) {
+            // A file without contacts yet, or of an earlier release.
+        }
     } catch (const ErrorBD& e) {
         if (error) *error = e.description();
         m_motivo = path + u": "_s + (e.causa().isEmpty() ? e.description() : e.causa());

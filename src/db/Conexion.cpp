@@ -85,6 +85,7 @@ bool msValidarBD(const QString& path) {
         privada.query(u"SELECT * FROM Automaticos WHERE tareaProgramada=true"_s);
         privada.query(u"SELECT ProximaTarea, RevisarTarea FROM Automaticos LIMIT 0"_s);
         privada.query(u"SELECT crem FROM HEnvios"_s);
+        privada.query(u"SELECT ClaveNombre FROM Abonados LIMIT 0"_s);
     } catch (const ErrorBD&) {
         return false;
     }

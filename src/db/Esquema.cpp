@@ -37,7 +37,9 @@ CREATE INDEX envios_Canal ON envios (Canal);
 // Names compare without case in the program's queries (db/Nombres), never
 // by a collation of the schema, so that any SQLite client can read and
 // write the file; the index on the alias is under the engine's own NOCASE,
-// which every client keeps in the same order.
+// which every client keeps in the same order. The lists' order of a name
+// is a stored key (ClaveNombre) that only the program can work out: a
+// rename by any client empties it, and the program fills what is empty.
 const auto kActual =
     uR"SQL(
 CREATE TABLE Canales (
@@ -61,9 +63,12 @@ CREATE TABLE Abonados (
     Codigo TEXT(50) NOT NULL PRIMARY KEY,
     Alias TEXT(100),
     Comentario TEXT(100),
-    Canal INTEGER
+    Canal INTEGER,
+    ClaveNombre TEXT
 );
 CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
+CREATE INDEX Abonados_ClaveNombre ON Abonados (ClaveNombre);
+CREATE INDEX AboGrup_GrupoAbonado ON AboGrup (Grupo, Abonado);
 CREATE TABLE HEnvios (
     Abonado TEXT(50),
     Registro DATETIME,
@@ -108,6 +113,30 @@ CREATE TABLE AboAuto (
     Mensaje TEXT
 );
 CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
+)SQL"_s;
+
+const auto kDisparadorNombre =
+    uR"SQL(
+CREATE TRIGGER IF NOT EXISTS Abonados_NombreCambiado AFTER UPDATE OF Alias ON Abonados
+BEGIN
+    UPDATE Abonados SET ClaveNombre = NULL WHERE rowid = new.rowid;
+END;
+)SQL"_s;
+
+// On the program's own connection the key is worked out as a row is
+// written, so that a list by name never waits for a bulk of them.
+const auto kDisparadoresPropios =
+    uR"SQL(
+CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreNueva AFTER INSERT ON main.Abonados
+WHEN new.ClaveNombre IS NULL
+BEGIN
+    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
+END;
+CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreVaciada AFTER UPDATE OF ClaveNombre ON main.Abonados
+WHEN new.ClaveNombre IS NULL
+BEGIN
+    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
+END;
 )SQL"_s;
 
 // An older release: no sender or texts per account, no options, no
@@ -155,6 +184,7 @@ void crear(BaseDatos& db, const QString& propio) {
     try {
         db.execScript(kComun);
         db.execScript(propio);
+        if (propio == kActual) db.execScript(kDisparadorNombre);
         db.commit();
     } catch (...) {
         db.rollback();
@@ -167,9 +197,24 @@ void crear(BaseDatos& db, const QString& propio) {
 namespace Esquema {
 void crearActual(BaseDatos& db) {
     crear(db, kActual);
+    prepararClavesNombre(db);
 }
 void crearBase(BaseDatos& db) {
     crear(db, kBase);
+}
+void crearDisparadorNombre(BaseDatos& db) {
+    db.execScript(kDisparadorNombre);
+}
+void prepararClavesNombre(BaseDatos& db) {
+    // A trigger naming a column the table lacks would fail every insert.
+    db.query(u"SELECT ClaveNombre FROM main.Abonados LIMIT 0"_s);
+    db.execScript(kDisparadoresPropios);
+    // Contacts another client wrote since are put in order at once.
+    if (!db.query(u"SELECT 1 FROM main.Abonados WHERE ClaveNombre IS NULL LIMIT 1"_s).isEmpty())
+        completarClavesNombre(db);
+}
+void completarClavesNombre(BaseDatos& db) {
+    db.exec(u"UPDATE Abonados SET ClaveNombre = clave_nombre(Alias) WHERE ClaveNombre IS NULL"_s);
 }
 QStringList indicesActuales() {
     QStringList r;

@@ -10,6 +10,15 @@ class BaseDatos;
 namespace Esquema {
 void crearActual(BaseDatos& db);
 void crearBase(BaseDatos& db);
+// The trigger that empties a contact's name key when its name changes.
+void crearDisparadorNombre(BaseDatos& db);
+// Makes this connection work out the name key of each contact it writes,
+// and fills the keys left empty; throws ErrorBD when the file has no such
+// column.
+void prepararClavesNombre(BaseDatos& db);
+// Works out the name keys left empty (rows written by another client).
+// Throws ErrorBD.
+void completarClavesNombre(BaseDatos& db);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
 }  // namespace Esquema

@@ -38,12 +38,15 @@ void ListaPaginada::vaciarPaginas() {
 
 void ListaPaginada::limpiar() {
     vaciarPaginas();
+    m_cola = {};
+    m_filasCola = 0;
     m_filas = 0;
     m_tope = 0;
 }
 
 int ListaPaginada::contar() const {
-    const QString sql = m_def.cuenta.isEmpty() ? u"SELECT count(*) "_s + m_def.desde : m_def.cuenta;
+    const QString sql =
+        m_def.cuenta.isEmpty() ? u"SELECT count(*) "_s + desdeDonde() : m_def.cuenta;
     return int(Conexion().query(sql).value(0, 0).toLongLong());
 }
 
@@ -53,13 +56,46 @@ void ListaPaginada::cargar(int filas) {
     // table's own key: neither walks the rows.
     m_filas = filas >= 0 ? filas : contar();
     const QString mayor = m_def.mayor.isEmpty()
-                              ? u"SELECT max("_s + m_def.clave + u") "_s + m_def.desde
+                              ? u"SELECT max("_s + m_def.clave + u") "_s + desdeDonde()
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
+    if (!m_def.cola.isEmpty())
+        m_filasCola = int(Conexion()
+                              .query(u"SELECT count(*) FROM ("_s + m_def.cola + u')')
+                              .value(0, 0)
+                              .toLongLong());
+}
+
+const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
+    const int numero = k / kFilasPagina;
+    if (m_cola.numero != numero) {
+        m_cola = {numero, {}};
+        try {
+            const QVector<QString> celdas =
+                Conexion().queryTexts(m_def.cola + u" LIMIT ? OFFSET ?"_s,
+                                      {kFilasPagina, qlonglong(numero) * kFilasPagina});
+            const qsizetype porFila = columnas() + 1;
+            m_cola.filas.resize(size_t(celdas.size() / porFila));
+            for (size_t i = 0; i < m_cola.filas.size(); ++i) {
+                m_cola.filas[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
+                m_cola.filas[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
+            }
+        } catch (const ErrorBD&) {
+            // Shown empty, like a page of the order that can't be read.
+        }
+    }
+    const size_t i = size_t(k - numero * kFilasPagina);
+    return i < m_cola.filas.size() ? &m_cola.filas[i] : nullptr;
 }
 
 void ListaPaginada::ordenar(int columna, bool descendente) {
     vaciarPaginas();
+    if (m_filasCola > 0) {
+        if (m_def.asentarCola) m_def.asentarCola();
+        m_filas += m_filasCola;
+        m_filasCola = 0;
+        m_cola = {};
+    }
     columna = columna >= 0 && columna < columnas() ? columna : -1;
     if (columna != m_columna) {
         m_anterior = m_columna;
@@ -125,7 +161,14 @@ QString ListaPaginada::seleccion() const {
     const QVector<Termino> t = terminos();
     for (qsizetype i = 0; i + 1 < t.size(); ++i) s += u", "_s + t.at(i).sql;
     for (const Columna& c : m_def.columnas) s += u", "_s + sinNulo(c.texto);
-    return s + u' ' + m_def.desde;
+    return s + u' ';
+}
+
+QString ListaPaginada::desdeDonde(const QString& condicion) const {
+    if (m_def.filtro.isEmpty())
+        return condicion.isEmpty() ? m_def.desde : m_def.desde + u" WHERE "_s + condicion;
+    return m_def.desde + u" WHERE ("_s + m_def.filtro + u')' +
+           (condicion.isEmpty() ? QString() : u" AND "_s + condicion);
 }
 
 std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
@@ -134,7 +177,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
     const int ancho = columnas();
     const qsizetype terminosFila = terminos().size() - 1;
     const QVector<QString> celdas =
-        Conexion().queryTexts(seleccion() + u" WHERE "_s + donde + resto, params);
+        Conexion().queryTexts(seleccion() + desdeDonde(donde) + resto, params);
     const qsizetype porFila = ancho + 1 + terminosFila;
     std::vector<Fila> filas(size_t(celdas.size() / porFila));
     for (size_t i = 0; i < filas.size(); ++i) {
@@ -149,9 +192,9 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
 
 void ListaPaginada::leerOrdenCompleto() const {
     sqlite3* h = Conexion().handle();
-    const QByteArray sql = (u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s +
-                            m_def.clave + u" <= ?"_s + ordenSql())
-                               .toUtf8();
+    const QByteArray sql =
+        (u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql())
+            .toUtf8();
     sqlite3_stmt* s = nullptr;
     if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
         sqlite3_finalize(s);
@@ -198,7 +241,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPorClave(const int64_t* clav
 std::vector<int64_t> ListaPaginada::leerClaves(const QString& donde, const QString& resto,
                                                const QVariantList& params) const {
     const QVector<QString> t = Conexion().queryTexts(
-        u"SELECT "_s + m_def.clave + u' ' + m_def.desde + u" WHERE "_s + donde + resto, params);
+        u"SELECT "_s + m_def.clave + u' ' + desdeDonde(donde) + resto, params);
     std::vector<int64_t> claves(size_t(t.size()));
     for (qsizetype i = 0; i < t.size(); ++i) claves[size_t(i)] = t.at(i).toLongLong();
     return claves;
@@ -239,6 +282,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
 }
 
 const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
+    if (n >= m_filas && n < filas()) return filaCola(n - m_filas);
     if (n < 0 || n >= m_filas) return nullptr;
     const int numero = n / kFilasPagina;
     auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
@@ -276,7 +320,15 @@ int64_t ListaPaginada::clave(int n) const {
     return f ? f->clave : 0;
 }
 
+QString ListaPaginada::ordenInverso() const {
+    QStringList orden;
+    for (const Termino& t : terminos()) orden.append(t.sql + (t.descendente ? u""_s : u" DESC"_s));
+    return orden.join(u", "_s);
+}
+
 int ListaPaginada::filaDe(int64_t clave, int cerca) const {
+    for (size_t k = 0; k < m_cola.filas.size(); ++k)
+        if (m_cola.filas[k].clave == clave) return m_filas + m_cola.numero * kFilasPagina + int(k);
     if (clave <= 0 || clave > m_tope) return -1;
     // The page where it stood, and the one before (rows that went before
     // it move it up), are read anyway to paint it.
@@ -304,14 +356,14 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     QString valores = u"SELECT "_s + m_def.clave;
     for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
     const QVector<QString> orden = Conexion().queryTexts(
-        valores + u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s, {qlonglong(clave)});
+        valores + u' ' + desdeDonde(m_def.clave + u" = ?"_s), {qlonglong(clave)});
     if (orden.isEmpty()) return -1;
     // The rows before it are those neither it nor after it.
     QVariantList params{qlonglong(m_tope), qlonglong(clave)};
     const QString despues = despuesDe(params, orden.mid(1), clave);
-    const ResultadoConsulta r =
-        Conexion().query(u"SELECT count(*) "_s + m_def.desde + u" WHERE "_s + m_def.clave +
-                             u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues,
-                         params);
+    const ResultadoConsulta r = Conexion().query(
+        u"SELECT count(*) "_s +
+            desdeDonde(m_def.clave + u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues),
+        params);
     return int(r.value(0, 0).toLongLong());
 }

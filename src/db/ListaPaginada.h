@@ -30,6 +30,10 @@ class ListaPaginada {
     struct Definicion {
         // "FROM ..." with its joins, no WHERE and no ORDER BY.
         QString desde;
+        // A condition the rows shown meet, ANDed to every statement; empty:
+        // all rows of `desde`. It binds nothing: what it depends on it
+        // reads from the database (a temporary table of the connection).
+        QString filtro;
         // The row's number (a rowid), unique and growing with each insert.
         QString clave;
         // Statements that count the rows and give the highest number more
@@ -47,6 +51,12 @@ class ListaPaginada {
         // direction, as a sorted report list keeps them; otherwise they
         // go by `desempate` and their number in the same direction.
         bool estable = true;
+        // Rows shown after the ordered ones until the next sort takes them
+        // in (lines just moved here from another list): a statement that
+        // gives each row's number and its cells, read a page at a time,
+        // and what the sort runs first so that the filter then holds them.
+        QString cola;
+        std::function<void()> asentarCola;
         // Turns a cell read into what the list shows (a date into the
         // list's form), when SQL can't.
         std::function<QString(int columna, const QString& celda)> mostrar;
@@ -61,7 +71,9 @@ class ListaPaginada {
     int contar() const;
     void limpiar();
 
-    int filas() const { return m_filas; }
+    int filas() const { return m_filas + m_filasCola; }
+    // Those of them in the order chosen, before the rows of `cola`.
+    int filasOrdenadas() const { return m_filas; }
     int columnas() const { return int(m_def.columnas.size()); }
     // The text of a cell as the list shows it; empty when the row can't be
     // read.
@@ -73,6 +85,10 @@ class ListaPaginada {
     // where it stood, is looked at first: rows that came or went move a
     // line by a few places at most.
     int filaDe(int64_t clave, int cerca = -1) const;
+
+    // The order of the rows (before `cola`) turned round, as the terms of
+    // an ORDER BY over `desde`.
+    QString ordenInverso() const;
 
     // Orders by a column (-1: by the rows' numbers, the order they were
     // written in).
@@ -103,6 +119,7 @@ class ListaPaginada {
     };
 
     const Fila* fila(int n) const;
+    const Fila* filaCola(int k) const;
     std::vector<Fila> leerPagina(int numero) const;
     std::vector<Fila> leerFilas(const QString& donde, const QString& resto,
                                 const QVariantList& params) const;
@@ -111,6 +128,8 @@ class ListaPaginada {
                                     const QVariantList& params) const;
     void leerOrdenCompleto() const;
     QString seleccion() const;
+    // `desde` with the filter and `condicion` (either may be empty).
+    QString desdeDonde(const QString& condicion = QString()) const;
     QString valorDe(int columna) const;
     // The order, its row number last.
     QVector<Termino> terminos() const;
@@ -133,4 +152,7 @@ class ListaPaginada {
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;
+    // The page of `cola` read last, and how many rows it has.
+    mutable Pagina m_cola;
+    int m_filasCola = 0;
 };

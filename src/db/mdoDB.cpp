@@ -258,6 +258,15 @@ void msActualizarBD(const QString& path) {
     // Alias and Comentario grow to 100 characters: the engine does not
     // limit text lengths, so there is nothing to alter.
 
+    // The lists by name read contacts in the order of a stored key.
+    msAddColumn(c, u"Abonados"_s, u"ClaveNombre"_s, u"Text"_s, QString());
+    try {
+        Esquema::crearDisparadorNombre(c);
+        Esquema::completarClavesNombre(c);
+    } catch (const ErrorBD&) {
+        // Passed over like every step; the lists fill the keys they read.
+    }
+
     // The look-ups by alias and by date want the indexes a new file has.
     for (QString indice : Esquema::indicesActuales())
         ejecutar(c, indice.replace(u"CREATE INDEX "_s, u"CREATE INDEX IF NOT EXISTS "_s));

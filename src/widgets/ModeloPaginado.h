@@ -31,6 +31,10 @@ class ModeloPaginado : public ModeloListado {
     void ordenar(int columna, bool descendente);
     // The number of the row on line `fila`.
     int64_t clave(int fila) const { return m_lista.clave(fila); }
+    // The lines in the order chosen, before those just moved here.
+    int filasOrdenadas() const { return m_lista.filasOrdenadas(); }
+    // The order of the lines before those just moved here, turned round.
+    QString ordenInverso() const { return m_lista.ordenInverso(); }
 
   private:
     // Runs `cambio` and moves the selected lines after their rows.

@@ -8,6 +8,7 @@
 #include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
 
+#include <sqlite3.h>
 #include <QLabel>
 #include <QPushButton>
 
@@ -285,6 +286,29 @@ class TestListas : public QObject {
         QTEST(guardados, "guardados");
         QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 7"_s),
                  QStringList{u"0034600000003"_s});
+        // The moves went with the screen.
+        QCOMPARE(columna(u"select name from temp.sqlite_master where type = 'table'"_s),
+                 QStringList{});
+    }
+
+    // Another program, which can't work out the names' order, writes and
+    // renames contacts; the screen still shows them in the lists' order
+    // (accents and case don't count, "ñ" after "n").
+    void namesWrittenElsewhereKeepTheListsOrder() {
+        sqlite3* otro = nullptr;
+        QCOMPARE(sqlite3_open((world.root() + u"/listas.db"_s).toUtf8().constData(), &otro),
+                 SQLITE_OK);
+        const char* sql =
+            "INSERT INTO Abonados (Codigo, Alias, Canal) VALUES ('1', 'Óscar', 0), ('2', 'ñu', 0), "
+            "('3', 'Nz', 0), ('4', 'zeta', 0), ('5', 'oa', 0); "
+            "UPDATE Abonados SET Alias = 'Álvaro' WHERE Codigo = '4';";
+        QCOMPARE(sqlite3_exec(otro, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(otro);
+        frmUserGroup m;
+        m.nCodGrupo = 3;
+        m.msCargarUsuariosParaGrupo();
+        QCOMPARE(textosDe(m.lstcontactos, 0),
+                 (QStringList{u"ÁLVARO"_s, u"NZ"_s, u"ÑU"_s, u"OA"_s, u"ÓSCAR"_s}));
     }
 
     void publicationGoesToItsScreen() {

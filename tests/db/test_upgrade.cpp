@@ -95,6 +95,8 @@ class TestUpgrade : public Prueba {
                        u"envios), (SELECT Alias FROM Abonados), (SELECT TareaProgramada IS NULL "
                        u"FROM Automaticos)"_s),
                  QStringList{u"1|1|1|Ana|1"_s});
+        // Its place in the lists' order comes with it.
+        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL FROM Abonados"_s), QStringList{u"1"_s});
 
         // The old row keeps its values and gains an identity; the same contact
         // can now stand twice in one multi-send.
