@@ -4,8 +4,8 @@
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
 #include "widgets/Listado.h"
-#include "widgets/Montaje.h"
 #include "widgets/ModeloPaginado.h"
+#include "widgets/Montaje.h"
 #include "widgets/ReglasPantallas.h"
 
 #include <QGridLayout>
