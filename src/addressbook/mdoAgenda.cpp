@@ -476,9 +476,10 @@ QString lado(bool dentro) {
 
 // The row is among the lines of the last "all moved" not yet sorted in.
 QString enMasa() {
-    return u"CASE WHEN m.Fila IS NULL THEN coalesce((SELECT Masa FROM temp.MiembrosLista) = 2 "
-           u"OR (SELECT Masa FROM temp.MiembrosLista) = "_s +
-           esMiembro() + u", 0) ELSE m.Paso IS 0 END"_s;
+    // The list is looked up only when the mark depends on it.
+    return u"CASE WHEN m.Fila IS NOT NULL THEN m.Paso IS 0 ELSE CASE (SELECT Masa FROM "
+           u"temp.MiembrosLista) WHEN 2 THEN 1 WHEN 1 THEN "_s +
+           esMiembro() + u" WHEN 0 THEN NOT "_s + esMiembro() + u" ELSE 0 END END"_s;
 }
 
 // The lines of the last "all moved", in the order they came.
