@@ -450,20 +450,6 @@ const QString kCeldas =
     u"SELECT Abonados.rowid AS Fila, coalesce(upper(Abonados.Alias), '') AS Nombre, "
     u"Abonados.Codigo AS Codigo "_s;
 
-// The list's members that are contacts no move touched, each once.
-QString miembrosQuietos() {
-    return u"(SELECT count(*) FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = "_s +
-           kGrupo +
-           u") g WHERE EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado AND NOT "
-           u"EXISTS (SELECT 1 FROM "_s +
-           kMovidos + u" m WHERE m.Fila = a.rowid)))"_s;
-}
-
-QString movidos(const QString& condicion) {
-    return u"(SELECT count(*) FROM "_s + kMovidos + u" m WHERE "_s + condicion +
-           u" AND EXISTS (SELECT 1 FROM Abonados a WHERE a.rowid = m.Fila))"_s;
-}
-
 // The contact of the row was in the list before any move.
 QString esMiembro() {
     return u"EXISTS (SELECT 1 FROM AboGrup g WHERE g.Grupo = "_s + kGrupo +
@@ -490,7 +476,7 @@ void definirMasa(const QString& orden) {
 }
 }  // namespace
 
-void msPrepararMiembrosLista(int16_t grupo) {
+std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
     msSoltarMiembrosLista();
     // Names written by another program since are put in order first.
     Esquema::completarClavesNombre(bd());
@@ -500,6 +486,14 @@ void msPrepararMiembrosLista(int16_t grupo) {
               u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
     bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
     definirMasa({});
+    // Both sides in one walk of the members: those that are contacts,
+    // each once (a membership of a number that is no contact shows nowhere).
+    const ResultadoConsulta r = bd().query(
+        u"SELECT q, (SELECT count(*) FROM Abonados) - q FROM (SELECT count(*) AS q FROM (SELECT "
+        u"DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g WHERE EXISTS (SELECT 1 FROM Abonados "
+        u"a WHERE a.Codigo = g.Abonado))"_s,
+        {grupo});
+    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
 }
 
 ListaPaginada::Definicion definicionMiembros(bool dentro) {
@@ -534,15 +528,6 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
         }
     };
     return d;
-}
-
-std::pair<int, int> contarMiembrosLista() {
-    const ResultadoConsulta r =
-        bd().query(u"SELECT q + "_s + movidos(u"m.Dentro = 1 AND m.Paso IS NULL"_s) +
-                   u", (SELECT count(*) FROM Abonados) - q - "_s + movidos(u"1"_s) + u" + "_s +
-                   movidos(u"m.Dentro = 0 AND m.Paso IS NULL"_s) + u" FROM (SELECT "_s +
-                   miembrosQuietos() + u" AS q)"_s);
-    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
 }
 
 namespace {

@@ -124,13 +124,11 @@ bool msBorrarLista(int16_t grupo);
 // moved, and moving a whole side writes no line. Lines moved show after
 // the others, in the order they came, until a sort of their side.
 //
-// Starts the moves of `grupo` afresh. Throws ErrorBD.
-void msPrepararMiembrosLista(int16_t grupo);
+// Starts the moves of `grupo` afresh and counts its sides: inside,
+// outside. Throws ErrorBD.
+std::pair<int, int> msPrepararMiembrosLista(int16_t grupo);
 // One side as its list shows it: upper-case name and number.
 ListaPaginada::Definicion definicionMiembros(bool dentro);
-// How many lines each side has before its lines just moved: inside,
-// outside. Throws ErrorBD.
-std::pair<int, int> contarMiembrosLista();
 // Moves the contacts whose rows are `claves` to the end of the other side,
 // in the order given. Throws ErrorBD.
 void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);
