@@ -244,6 +244,10 @@ class TestListas : public QObject {
             << QStringList{u"-ANA"_s, u"+ANA,CARLOS"_s} << true
             << QStringList{u"BERTA"_s, u"ANA"_s, u"CARLOS"_s} << QStringList{u"DORA"_s}
             << QStringList{u"1"_s, u"2"_s, u"3"_s};
+        QTest::newRow("all in, sorted, one out")
+            << QStringList{u"++"_s, u"^"_s, u"-CARLOS"_s} << true
+            << QStringList{u"DORA"_s, u"BERTA"_s, u"ANA"_s} << QStringList{u"CARLOS"_s}
+            << QStringList{u"1"_s, u"2"_s, u"4"_s};
         QTest::newRow("all out") << QStringList{u"--"_s} << true << QStringList{}
                                  << QStringList{u"CARLOS"_s, u"DORA"_s, u"BERTA"_s, u"ANA"_s}
                                  << QStringList{};
