@@ -236,6 +236,9 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         // A committed row survives a crash or a power cut.
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
+        // Lists read pages of large tables over and over: kept here, they
+        // are not read from the file again while nobody else writes.
+        exec(u"PRAGMA cache_size=-65536"_s);
         recordarArchivos();
         // A file of an earlier release still names our collations.
         msQuitarIntercalaciones(*this);
