@@ -128,9 +128,8 @@ namespace {
 QString crear(const QString& path, void (*esquema)(BaseDatos&)) {
     QFile::remove(path);
     BaseDatos db;
-    QString error;
-    if (!db.create(path, &error))
-        qFatal("no se pudo crear %s: %s", qPrintable(path), qPrintable(error));
+    if (const Hecho creada = db.create(path); !creada)
+        qFatal("no se pudo crear %s", qPrintable(creada.motivo()));
     esquema(db);
     return path;
 }
