@@ -481,18 +481,20 @@ std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
     // Names written by another program since are put in order first.
     Esquema::completarClavesNombre(bd());
     bd().exec(u"CREATE TABLE "_s + kLista +
-              u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER)"_s);
+              u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos INTEGER)"_s);
     bd().exec(u"CREATE TABLE "_s + kMovidos +
               u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
     bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
     definirMasa({});
     // Both sides in one walk of the members: those that are contacts,
-    // each once (a membership of a number that is no contact shows nowhere).
+    // each once (a membership of a number that is no contact shows nowhere,
+    // and "Guardar" looks for such memberships only when there were any).
     const ResultadoConsulta r = bd().query(
-        u"SELECT q, (SELECT count(*) FROM Abonados) - q FROM (SELECT count(*) AS q FROM (SELECT "
-        u"DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g WHERE EXISTS (SELECT 1 FROM Abonados "
-        u"a WHERE a.Codigo = g.Abonado))"_s,
+        u"SELECT q, (SELECT count(*) FROM Abonados) - q, n - q FROM (SELECT count(*) AS n, "
+        u"coalesce(sum(EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado)), 0) AS q "
+        u"FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g)"_s,
         {grupo});
+    bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {r.value(0, 2)});
     return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
 }
 
@@ -610,13 +612,20 @@ bool msGuardarMiembrosLista(int16_t grupo) {
     const QString sp = u"miembros"_s;
     try {
         bd().savepoint(sp);
+        const ResultadoConsulta lista = bd().query(u"SELECT Todos, Ajenos FROM "_s + kLista);
+        const QVariant todos = lista.value(0, 0);
         // Only what moved is written; memberships of numbers that are no
         // contact go, as the list showed them not.
         const QString movidos = u"FROM "_s + kMovidos +
                                 u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
-        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND (Abonado IN (SELECT a.Codigo "_s +
-                      movidos + u"0) OR Abonado NOT IN (SELECT Codigo FROM Abonados))"_s,
+        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN (SELECT a.Codigo "_s +
+                      movidos + u"0)"_s,
                   {grupo});
+        if (numeroDe(lista.value(0, 1)) > 0)
+            bd().exec(
+                u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado NOT IN (SELECT Codigo "
+                u"FROM Abonados)"_s,
+                {grupo});
         bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
                       u"1 AND a.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = ?) "
                       u"ORDER BY m.Paso"_s,
@@ -624,13 +633,16 @@ bool msGuardarMiembrosLista(int16_t grupo) {
         // The contacts not moved since the last "all moved" are on its side.
         const QString quietos =
             u"SELECT a.Codigo FROM Abonados a WHERE NOT EXISTS (SELECT 1 FROM "_s + kMovidos +
-            u" m WHERE m.Fila = a.rowid) AND "_s + kTodos;
-        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN ("_s + quietos + u" = 0)"_s,
-                  {grupo});
-        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT q.Codigo, ? FROM ("_s + quietos +
-                      u" = 1) q WHERE q.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = "
-                      u"?)"_s,
-                  {grupo, grupo});
+            u" m WHERE m.Fila = a.rowid)"_s;
+        if (!todos.isNull() && numeroDe(todos) == 0)
+            bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN ("_s + quietos + u")"_s,
+                      {grupo});
+        if (!todos.isNull() && numeroDe(todos) == 1)
+            bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT q.Codigo, ? FROM ("_s +
+                          quietos +
+                          u") q WHERE q.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = "
+                          u"?)"_s,
+                      {grupo, grupo});
         bd().release(sp);
     } catch (const ErrorBD&) {
         deshacer(sp);
