@@ -22,14 +22,10 @@ class TestCuentas : public Prueba {
     std::unique_ptr<SimuladorPrueba> sim;
 
   private Q_SLOTS:
-    void initTestCase() {
-        sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador);
-        QVERIFY(sim->listo());
-    }
+    void initTestCase() { sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador); }
     void cleanupTestCase() { sim.reset(); }
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/cuentas.db"_s));
+        world.baseNueva(u"cuentas.db"_s);
         plataforma(*sim, true);
         ui.emplace();
     }

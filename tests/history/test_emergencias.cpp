@@ -48,8 +48,7 @@ class TestEmergencias : public Prueba {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/emergencias.db"_s));
+        world.baseNueva(u"emergencias.db"_s);
         registrarPantallasHistorico();
         ui.emplace();
     }
@@ -82,9 +81,7 @@ class TestEmergencias : public Prueba {
 
     void nothingToShowClosesTheScreen() {
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
-        QCOMPARE(ui->boxes.size(), 1);
-        QCOMPARE(ui->boxes.at(0).text, u"No existen Mensajes Programados"_s);
-        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
+        QCOMPARE(prueba::cajas(*ui), QStringList{u"16 No existen Mensajes Programados"_s});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!PantallasHijas::isLoaded<frmEmergencias>());
     }
@@ -176,10 +173,8 @@ class TestEmergencias : public Prueba {
             QTest::mouseRelease(pantalla.cmdEnviar, Qt::LeftButton);
         } else {
             QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
-            if (gesto == u"dos"_s) {
-                QTest::qWait(QApplication::doubleClickInterval() + 100);
-                QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
-            }
+            QTest::qWait(QApplication::doubleClickInterval() + 100);
+            QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
         }
         QCOMPARE(pantalla.cursor().shape(), Qt::ArrowCursor);
         QFETCH(int, envios);
@@ -217,10 +212,9 @@ class TestEmergencias : public Prueba {
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(ui->boxes.size(), 1);
-        QCOMPARE(ui->boxes.at(0).text,
-                 u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s);
-        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
+        QCOMPARE(
+            prueba::cajas(*ui),
+            QStringList{u"16 ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s});
         QCOMPARE(bd().query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 0);
     }
 };
