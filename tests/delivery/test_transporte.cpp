@@ -146,6 +146,7 @@ class TestTransporte : public Prueba {
     using Prueba::Prueba;
 
   private:
+    InterfazGuionada ui;  // every question takes its default answer
     QTemporaryDir tls;
     std::unique_ptr<SimuladorPrueba> sim;
 
@@ -336,7 +337,6 @@ class TestTransporte : public Prueba {
     // A name that does not resolve is the network's business: the old
     // advice stands, and the line after it names the host.
     void nameNotResolved() {
-        InterfazGuionada ui;
         anadirCuenta(u"http://plataforma.invalid"_s);
         QCOMPARE(enviarYConsultar(), u"fallido"_s);
         QCOMPARE(msLotesSinEntregar(), 1);
@@ -383,7 +383,6 @@ class TestTransporte : public Prueba {
         QFETCH(QString, autoridades);
         QFETCH(QString, esquema);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         int puerto = 0;
         const auto tunel = tunelTls(certificado, puerto);
         QVERIFY(tunel);
@@ -413,7 +412,6 @@ class TestTransporte : public Prueba {
     void passwordNeverInClear() {
         QFETCH(QString, donde);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         Escucha escucha;
         const QString oyente = u"http://127.0.0.1:%1"_s.arg(escucha.puerto());
         if (donde == u"ajuste"_s) Ajustes::saveSetting(u"Despliegue"_s, u"Proxy"_s, oyente);
@@ -467,7 +465,6 @@ class TestTransporte : public Prueba {
         QFETCH(QString, como);
         QFETCH(bool, cerrado);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         int puertoProxy = 0;
         std::unique_ptr<Programa> proxy;
         if (cerrado) {

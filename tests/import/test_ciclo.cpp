@@ -17,10 +17,11 @@ class TestCiclo : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
+    InterfazGuionada ui;  // every question takes its default answer
+
   private Q_SLOTS:
     void loDejadoSaleEnElMismoCiclo() {
         world.reset();
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(),
                             u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"
                             u"movil=0034600123456\n"_s);
@@ -69,7 +70,6 @@ class TestCiclo : public Prueba {
         QFETCH(QString, linea);
         QFETCH(QStringList, enviados);
         world.reset();
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(), u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"_s);
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/ciclo.db"_s));
         prueba::cuentaPrincipal(sim.host(), u"demo"_s, {{u"Remitente"_s, u""_s}});

@@ -151,13 +151,14 @@ class TestHostil : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
+    InterfazGuionada ui;  // every question takes its default answer
+
   private Q_SLOTS:
     void init() { baseConCuentas(world); }
 
     // Files of 1,000 lines; every other one holds bytes that are not UTF-8,
     // and some end in the middle of a character.
     void lineasDeFichero() {
-        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla);
         const QString ruta = world.root() + u"/hostil.txt"_s;
         QVariant ultimoId;
@@ -190,7 +191,6 @@ class TestHostil : public Prueba {
     // The fields straight to the line routine: line breaks, NULs and
     // semicolons a file could not carry into one field.
     void camposDeUnaLinea() {
-        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla + 1);
         QVariant ultimoId;
         const auto campo = [&azar] {
