@@ -121,13 +121,6 @@ class TestCuentas : public Prueba {
         QCOMPARE(avisos.count(), borrada ? 1 : 0);
     }
 
-    void makePrincipal() {
-        cuenta(1, u"Uno"_s, 1);
-        cuenta(2, u"L'Hospitalet"_s);
-        msHacerPrincipal(2);
-        QCOMPARE(principales(), QList<int>{2});
-    }
-
     // The balance from the list: stored by the exchange, or told in a box.
     void balanceOutcomes_data() {
         QTest::addColumn<QString>("clave");

@@ -382,9 +382,6 @@ class TestPantallasCuentas : public Prueba {
     // A fresh installation: the notice, a registered user, and a compose
     // screen whose account sends.
     void freshStartToASend() {
-        // What the frame's first activation does with no account.
-        QCoro::waitFor(msPrimeraVez());
-        QCOMPARE(ui->firstRunShown, 1);
         QStringList vistas;
         alAbrirModal([&vistas](QDialog* aviso) {
             vistas << aviso->objectName();
