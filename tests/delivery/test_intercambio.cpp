@@ -14,9 +14,7 @@
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
-using prueba::columna;
-using prueba::cuantos;
-using prueba::pendiente;
+using namespace prueba;
 
 class TestIntercambio : public Prueba {
     Q_OBJECT
