@@ -17,12 +17,9 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
-using prueba::en;
-using prueba::programa;
+using namespace prueba;
 
 namespace {
-
-using prueba::bd;
 
 void nombre(int codigo, const QString& n) {
     bd().exec(u"UPDATE Automaticos SET Nombre = ? WHERE Codigo = ?"_s, {n, codigo});
@@ -71,7 +68,7 @@ class TestEmergencias : public Prueba {
         frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
         QCOMPARE(pantalla->windowTitle(),
                  u"Selección de Mensajes Programados para envío inmediato"_s);
-        QCOMPARE(prueba::filasDe(pantalla->ListView1),
+        QCOMPARE(filasDe(pantalla->ListView1),
                  (QStringList{u"Diario sin enviar|0|15/03/2006|nunca"_s,
                               u"Diario|0|15/03/2006|14/03/2006"_s,
                               u"Una vez, pasado|0|Finalizado|"_s, u"Sin programar|2|no|"_s}));
@@ -81,7 +78,7 @@ class TestEmergencias : public Prueba {
 
     void nothingToShowClosesTheScreen() {
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
-        QCOMPARE(prueba::cajas(*ui), QStringList{u"16 No existen Mensajes Programados"_s});
+        QCOMPARE(cajas(*ui), QStringList{u"16 No existen Mensajes Programados"_s});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!PantallasHijas::isLoaded<frmEmergencias>());
     }
@@ -116,7 +113,7 @@ class TestEmergencias : public Prueba {
             destinatario(7, d.section(u'|', 0, 0), d.section(u'|', 1));
         for (const QString& c : contactos)
             contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
-        const QStringList programaAntes = prueba::filas(u"SELECT * FROM Automaticos"_s);
+        const QStringList programaAntes = filas(u"SELECT * FROM Automaticos"_s);
         int envioAbierto = 0, bandejaAlAbrir = -1;
         QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
         Pantallas::registrar(u"frmEnvio"_s, [&] {
@@ -128,10 +125,9 @@ class TestEmergencias : public Prueba {
         QCOMPARE(envioAbierto, 0);
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(
-            prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
-            bandeja);
-        QCOMPARE(prueba::filas(u"SELECT DISTINCT Registro FROM envios"_s),
+        QCOMPARE(filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
+                 bandeja);
+        QCOMPARE(filas(u"SELECT DISTINCT Registro FROM envios"_s),
                  QStringList{u"2006-03-15 10:00:30"_s});
         QVERIFY(ui->boxes.isEmpty());
         // The rows are in, and told, before the compose screen comes up on them.
@@ -139,7 +135,7 @@ class TestEmergencias : public Prueba {
         QCOMPARE(bandejaAlAbrir, 1);
         QCOMPARE(redibujo.count(), 1);
         // The schedule and the list stay as they were.
-        QCOMPARE(prueba::filas(u"SELECT * FROM Automaticos"_s), programaAntes);
+        QCOMPARE(filas(u"SELECT * FROM Automaticos"_s), programaAntes);
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 3), u"nunca"_s);
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
@@ -178,7 +174,7 @@ class TestEmergencias : public Prueba {
         }
         QCOMPARE(pantalla.cursor().shape(), Qt::ArrowCursor);
         QFETCH(int, envios);
-        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
 
@@ -199,7 +195,7 @@ class TestEmergencias : public Prueba {
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(1);
         pantalla.cmdEnviar->click();
-        QCOMPARE(prueba::filas(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
+        QCOMPARE(filas(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
         Q_EMIT pantalla.ListView1->dobleClicFila(1);
         QCOMPARE(abierto, QVariant(3));
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 0), u"Renombrado"_s);
@@ -213,7 +209,7 @@ class TestEmergencias : public Prueba {
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
         QCOMPARE(
-            prueba::cajas(*ui),
+            cajas(*ui),
             QStringList{u"16 ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s});
         QCOMPARE(bd().query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 0);
     }
