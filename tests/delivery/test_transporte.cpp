@@ -24,9 +24,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
-using prueba::cuantos;
-using prueba::enRegistro;
-using prueba::registro;
+using namespace prueba;
 
 namespace {
 
