@@ -323,6 +323,10 @@ QString caja(int estilo, const QString& texto) {
     return QString::number(estilo) + u' ' + texto;
 }
 
+const QString kCajaBaseNoValida =
+    u"16 La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de Datos "
+    u"correcta de Quelmo Mensajes"_s;
+
 QStringList cajas(const InterfazGuionada& ui) {
     QStringList t;
     for (const ShownBox& b : ui.boxes) t << caja(b.style, b.text);
