@@ -145,8 +145,9 @@ END;
 // right in its own transaction. The key is declared INT, not INTEGER, so
 // that it is no rowid: an account code that is no number is kept as it
 // stands, where a rowid key would refuse the writer's row.
-// No statement of the triggers can meet a conflict: a writer's own OR
-// clause (OR REPLACE, OR ROLLBACK) would take the place of theirs. A row
+// A writer's own OR clause (OR REPLACE, OR ROLLBACK) takes the place of a
+// trigger statement's, but not of an upsert's DO UPDATE, so the count goes
+// up by one statement that no writer can turn into a failure. A row
 // that a writer's OR REPLACE replaces goes without a delete trigger unless
 // that writer turned recursive triggers on: the one write the count misses.
 const auto kCuentaBandeja =
@@ -157,9 +158,8 @@ CREATE TABLE IF NOT EXISTS EnviosPorCanal (
 );
 CREATE TRIGGER IF NOT EXISTS envios_Alta AFTER INSERT ON envios WHEN new.Canal IS NOT NULL
 BEGIN
-    INSERT INTO EnviosPorCanal (Canal, Filas) SELECT new.Canal, 0
-        WHERE NOT EXISTS (SELECT 1 FROM EnviosPorCanal WHERE Canal = new.Canal);
-    UPDATE EnviosPorCanal SET Filas = Filas + 1 WHERE Canal = new.Canal;
+    INSERT INTO EnviosPorCanal (Canal, Filas) VALUES (new.Canal, 1)
+        ON CONFLICT (Canal) DO UPDATE SET Filas = Filas + 1;
 END;
 CREATE TRIGGER IF NOT EXISTS envios_Baja AFTER DELETE ON envios WHEN old.Canal IS NOT NULL
 BEGIN
@@ -169,10 +169,8 @@ CREATE TRIGGER IF NOT EXISTS envios_CambioCanal AFTER UPDATE OF Canal ON envios
 WHEN old.Canal IS NOT new.Canal
 BEGIN
     UPDATE EnviosPorCanal SET Filas = Filas - 1 WHERE Canal = old.Canal;
-    INSERT INTO EnviosPorCanal (Canal, Filas) SELECT new.Canal, 0
-        WHERE new.Canal IS NOT NULL
-        AND NOT EXISTS (SELECT 1 FROM EnviosPorCanal WHERE Canal = new.Canal);
-    UPDATE EnviosPorCanal SET Filas = Filas + 1 WHERE Canal = new.Canal;
+    INSERT INTO EnviosPorCanal (Canal, Filas) SELECT new.Canal, 1 WHERE new.Canal IS NOT NULL
+        ON CONFLICT (Canal) DO UPDATE SET Filas = Filas + 1;
 END;
 )SQL"_s;
 
