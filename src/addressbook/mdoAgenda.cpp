@@ -183,9 +183,13 @@ ListaPaginada::Definicion definicionContactos() {
     d.desde = kContactosVisibles;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
+    // The contacts of an account that exists, on the index of the account.
+    d.cuenta = u"SELECT count(*) FROM Abonados WHERE Canal IN (SELECT Canal FROM Canales)"_s;
+    // Numbers are digits and signs, which NOCASE puts in the lists' order;
+    // comments keep their key beside them (see Esquema).
     d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s},
-                  {u"Abonados.Codigo"_s, {}},
-                  {u"Abonados.Comentario"_s, {}},
+                  {u"Abonados.Codigo"_s, u"Abonados.Codigo COLLATE NOCASE"_s},
+                  {u"Abonados.Comentario"_s, u"Abonados.ClaveComentario"_s},
                   {u"Canales.Nombre"_s, {}}};
     // Names that sort alike keep the order of the names when another
     // column is sorted.

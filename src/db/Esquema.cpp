@@ -64,7 +64,8 @@ CREATE TABLE Abonados (
     Alias TEXT(100),
     Comentario TEXT(100),
     Canal INTEGER,
-    ClaveNombre TEXT
+    ClaveNombre TEXT,
+    ClaveComentario TEXT
 );
 CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
 CREATE INDEX Abonados_ClaveNombre ON Abonados (ClaveNombre);
@@ -103,7 +104,9 @@ CREATE TABLE Automaticos (
     AnualMes INTEGER,
     UltimaTarea DATETIME,
     ProximaTarea DATETIME,
-    RevisarTarea DATETIME
+    RevisarTarea DATETIME,
+    ClaveNombre TEXT,
+    Destinatarios INTEGER DEFAULT 0
 );
 CREATE INDEX Automaticos_RevisarTarea ON Automaticos (RevisarTarea);
 CREATE TABLE AboAuto (
@@ -115,29 +118,111 @@ CREATE TABLE AboAuto (
 CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
 )SQL"_s;
 
-const auto kDisparadorNombre =
+// A column's place in the lists' order, kept beside it as the rule's key
+// (clave_nombre) in a column any client can index: a change of the column
+// by any client empties the key (a trigger of the file), and the
+// program's own connection works it out on every write.
+struct ClaveGuardada {
+    QString tabla;
+    QString clave;
+    QString origen;
+    QString disparador;
+};
+const ClaveGuardada kClaves[] = {
+    {u"Abonados"_s, u"ClaveNombre"_s, u"Alias"_s, u"Abonados_NombreCambiado"_s},
+    {u"Abonados"_s, u"ClaveComentario"_s, u"Comentario"_s, u"Abonados_ComentarioCambiado"_s},
+    {u"Automaticos"_s, u"ClaveNombre"_s, u"Nombre"_s, u"Automaticos_NombreCambiado"_s},
+};
+
+QString disparadorVaciar(const ClaveGuardada& k) {
+    return u"CREATE TRIGGER IF NOT EXISTS "_s + k.disparador + u" AFTER UPDATE OF "_s + k.origen +
+           u" ON "_s + k.tabla + u" BEGIN UPDATE "_s + k.tabla + u" SET "_s + k.clave +
+           u" = NULL WHERE rowid = new.rowid; END;"_s;
+}
+
+// On the program's own connection the key is worked out as a row is
+// written, so that a sorted list never waits for a bulk of them.
+QString disparadoresPropios(const ClaveGuardada& k) {
+    const QString rellenar = u" WHEN new."_s + k.clave + u" IS NULL BEGIN UPDATE "_s + k.tabla +
+                             u" SET "_s + k.clave + u" = clave_nombre(new."_s + k.origen +
+                             u") WHERE rowid = new.rowid; END;"_s;
+    const QString nombre = u"CREATE TEMP TRIGGER IF NOT EXISTS "_s + k.tabla + k.clave;
+    return nombre + u"Nueva AFTER INSERT ON main."_s + k.tabla + rellenar + nombre +
+           u"Vaciada AFTER UPDATE OF "_s + k.clave + u" ON main."_s + k.tabla + rellenar;
+}
+
+// Each multi-send keeps how many recipients it has, so that the list sorts
+// by it on an index; every client's writes keep it, as the triggers are
+// the file's. A row that comes (or changes its code) counts those it finds.
+const auto kDisparadoresDestinatarios =
     uR"SQL(
-CREATE TRIGGER IF NOT EXISTS Abonados_NombreCambiado AFTER UPDATE OF Alias ON Abonados
+CREATE TRIGGER IF NOT EXISTS AboAuto_Alta AFTER INSERT ON AboAuto
 BEGIN
-    UPDATE Abonados SET ClaveNombre = NULL WHERE rowid = new.rowid;
+    UPDATE Automaticos SET Destinatarios = Destinatarios + 1 WHERE Codigo = new.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS AboAuto_Baja AFTER DELETE ON AboAuto
+BEGIN
+    UPDATE Automaticos SET Destinatarios = Destinatarios - 1 WHERE Codigo = old.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS AboAuto_Cambio AFTER UPDATE OF Automatico ON AboAuto
+BEGIN
+    UPDATE Automaticos SET Destinatarios = Destinatarios - 1 WHERE Codigo = old.Automatico;
+    UPDATE Automaticos SET Destinatarios = Destinatarios + 1 WHERE Codigo = new.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS Automaticos_Alta AFTER INSERT ON Automaticos
+BEGIN
+    UPDATE Automaticos SET Destinatarios =
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo)
+    WHERE Codigo = new.Codigo AND Destinatarios IS NOT
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo);
+END;
+CREATE TRIGGER IF NOT EXISTS Automaticos_CodigoCambiado AFTER UPDATE OF Codigo ON Automaticos
+BEGIN
+    UPDATE Automaticos SET Destinatarios =
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo)
+    WHERE Codigo = new.Codigo;
 END;
 )SQL"_s;
 
-// On the program's own connection the key is worked out as a row is
-// written, so that a list by name never waits for a bulk of them.
-const auto kDisparadoresPropios =
-    uR"SQL(
-CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreNueva AFTER INSERT ON main.Abonados
-WHEN new.ClaveNombre IS NULL
-BEGIN
-    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
-END;
-CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreVaciada AFTER UPDATE OF ClaveNombre ON main.Abonados
-WHEN new.ClaveNombre IS NULL
-BEGIN
-    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
-END;
-)SQL"_s;
+// A stored date in the stored form, shown day first as the scheduler
+// writes it: a time of day alone on the zero date, no time at midnight.
+QString diaPrimero(const QString& x) {
+    const QString hora = u"substr("_s + x + u", 12)"_s;
+    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
+           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
+           u", 6, 2) || '/' || "
+           u"substr("_s +
+           x + u", 1, 4) || CASE WHEN "_s + hora +
+           u" = '00:00:00' THEN '' "
+           u"ELSE ' ' || "_s +
+           hora + u" END END"_s;
+}
+
+QString enFormaGuardada(const QString& x) {
+    // Never null, so that NOT of it is false for a null column.
+    return u"coalesce("_s + x +
+           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
+           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
+}
+
+// The lists sort these on an index. A text the engine compares as the
+// lists' rule does needs no key of ours: digits and signs alone, and the
+// few words, sort alike in both (the last run's NOCASE holds a form that
+// is no date as written, ASCII letters without case). A count is a
+// number, and sorts as one.
+QStringList indicesDeListas() {
+    return {
+        u"CREATE INDEX Abonados_Canal ON Abonados (Canal)"_s,
+        u"CREATE INDEX Abonados_Codigo ON Abonados (Codigo COLLATE NOCASE)"_s,
+        u"CREATE INDEX Abonados_ClaveComentario ON Abonados (ClaveComentario, ClaveNombre)"_s,
+        u"CREATE INDEX Automaticos_ClaveNombre ON Automaticos (ClaveNombre)"_s,
+        u"CREATE INDEX Automaticos_Destinatarios ON Automaticos (Destinatarios)"_s,
+        u"CREATE INDEX Automaticos_Programado ON Automaticos ("_s + Esquema::textoProximaTarea() +
+            u')',
+        u"CREATE INDEX Automaticos_UltimoEnvio ON Automaticos ("_s + Esquema::ordenUltimaTarea() +
+            u')',
+    };
+}
 
 // An older release: no sender or texts per account, no options, no
 // schedule, one row per contact and multi-send, narrower aliases.
@@ -184,7 +269,10 @@ void crear(BaseDatos& db, const QString& propio) {
     try {
         db.execScript(kComun);
         db.execScript(propio);
-        if (propio == kActual) db.execScript(kDisparadorNombre);
+        if (propio == kActual) {
+            for (const QString& indice : indicesDeListas()) db.exec(indice);
+            Esquema::crearDisparadoresListas(db);
+        }
         db.commit();
     } catch (...) {
         db.rollback();
@@ -202,24 +290,61 @@ void crearActual(BaseDatos& db) {
 void crearBase(BaseDatos& db) {
     crear(db, kBase);
 }
-void crearDisparadorNombre(BaseDatos& db) {
-    db.execScript(kDisparadorNombre);
+void crearDisparadoresListas(BaseDatos& db) {
+    for (const ClaveGuardada& k : kClaves) db.execScript(disparadorVaciar(k));
+    db.execScript(kDisparadoresDestinatarios);
 }
 void prepararClavesNombre(BaseDatos& db) {
-    // A trigger naming a column the table lacks would fail every insert.
-    db.query(u"SELECT ClaveNombre FROM main.Abonados LIMIT 0"_s);
-    db.execScript(kDisparadoresPropios);
-    // Contacts another client wrote since are put in order at once.
-    if (!db.query(u"SELECT 1 FROM main.Abonados WHERE ClaveNombre IS NULL LIMIT 1"_s).isEmpty())
-        completarClavesNombre(db);
+    // Each key on its own: a file without one column still gets the rest.
+    bool alguna = false;
+    for (const ClaveGuardada& k : kClaves) {
+        try {
+            // A trigger naming a column the table lacks would fail every insert.
+            db.query(u"SELECT "_s + k.clave + u" FROM main."_s + k.tabla + u" LIMIT 0"_s);
+        } catch (const ErrorBD&) {
+            continue;
+        }
+        alguna = true;
+        db.execScript(disparadoresPropios(k));
+        // Rows another client wrote since are put in order at once.
+        if (!db.query(u"SELECT 1 FROM main."_s + k.tabla + u" WHERE "_s + k.clave +
+                      u" IS NULL LIMIT 1"_s)
+                 .isEmpty())
+            db.exec(u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s +
+                    k.origen + u") WHERE "_s + k.clave + u" IS NULL"_s);
+    }
+    if (!alguna) throw ErrorBD(u"Sin claves de orden"_s);
 }
 void completarClavesNombre(BaseDatos& db) {
-    db.exec(u"UPDATE Abonados SET ClaveNombre = clave_nombre(Alias) WHERE ClaveNombre IS NULL"_s);
+    for (const ClaveGuardada& k : kClaves)
+        db.exec(u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s + k.origen +
+                u") WHERE "_s + k.clave + u" IS NULL"_s);
 }
 QStringList indicesActuales() {
     QStringList r;
     for (const QString& sentencia : QString(kComun + kActual).split(u';'))
         if (sentencia.trimmed().startsWith(u"CREATE INDEX"_s)) r.append(sentencia.trimmed());
-    return r;
+    return r + indicesDeListas();
+}
+QString textoProximaTarea() {
+    const QString activa = u"coalesce(TareaProgramada=true, 0)"_s;
+    return u"CASE WHEN NOT "_s + activa + u" THEN 'no' WHEN "_s +
+           enFormaGuardada(u"ProximaTarea"_s) + u" THEN "_s + diaPrimero(u"ProximaTarea"_s) +
+           u" WHEN ProximaTarea IS NULL THEN 'Finalizado' ELSE '' END"_s;
+}
+QString textoUltimaTarea() {
+    const QString conFecha =
+        u"coalesce(TareaProgramada=true, 0) AND "_s + enFormaGuardada(u"ProximaTarea"_s);
+    return u"CASE WHEN NOT ("_s + conFecha +
+           u") THEN '' WHEN coalesce(UltimaTarea, '') = '' THEN 'nunca' WHEN "_s +
+           enFormaGuardada(u"UltimaTarea"_s) +
+           u" THEN CASE WHEN UltimaTarea > '1900-01-01 00:00:00' THEN "_s +
+           diaPrimero(u"UltimaTarea"_s) + u" ELSE 'nunca' END ELSE char(31) || UltimaTarea END"_s;
+}
+QString ordenUltimaTarea() {
+    return u"("_s + textoUltimaTarea() + u") COLLATE NOCASE"_s;
+}
+QString ordenDestinatarios() {
+    return u"Automaticos.Destinatarios"_s;
 }
 }  // namespace Esquema

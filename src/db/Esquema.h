@@ -10,15 +10,23 @@ class BaseDatos;
 namespace Esquema {
 void crearActual(BaseDatos& db);
 void crearBase(BaseDatos& db);
-// The trigger that empties a contact's name key when its name changes.
-void crearDisparadorNombre(BaseDatos& db);
-// Makes this connection work out the name key of each contact it writes,
-// and fills the keys left empty; throws ErrorBD when the file has no such
-// column.
+// The file's triggers that keep the lists' stored keys and counts: a key
+// emptied when its column changes, a multi-send's count of recipients.
+void crearDisparadoresListas(BaseDatos& db);
+// Makes this connection work out the keys of each row it writes, and
+// fills the keys left empty; throws ErrorBD when the file has none of
+// those columns.
 void prepararClavesNombre(BaseDatos& db);
-// Works out the name keys left empty (rows written by another client).
-// Throws ErrorBD.
+// Works out the keys left empty (rows written by another client). Throws
+// ErrorBD.
 void completarClavesNombre(BaseDatos& db);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
+// What the list of multi-sends shows of a row's next and last run, as SQL
+// over Automaticos, and the orders an index of the file gives those
+// columns and the count of recipients.
+QString textoProximaTarea();
+QString textoUltimaTarea();
+QString ordenUltimaTarea();
+QString ordenDestinatarios();
 }  // namespace Esquema
