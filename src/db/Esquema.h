@@ -23,10 +23,9 @@ void completarClavesNombre(BaseDatos& db);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
 // What the list of multi-sends shows of a row's next and last run, as SQL
-// over Automaticos, and the orders an index of the file gives those
-// columns and the count of recipients.
+// over Automaticos (the next run's order is an index's), and the count of
+// recipients kept for the list's order.
 QString textoProximaTarea();
 QString textoUltimaTarea();
-QString ordenUltimaTarea();
 QString ordenDestinatarios();
 }  // namespace Esquema

@@ -250,6 +250,26 @@ class TestContactos : public QObject {
         QCOMPARE(pantalla.lblcont->text(), u"1 Contactos"_s);
     }
 
+    // The count the list shows is that of the contacts of an account that
+    // exists, whatever another client left in a contact's account.
+    void countIsThatOfTheContactsShown_data() {
+        QTest::addColumn<QString>("canal");
+        for (const char* c : {"0", "1", "4", "NULL", "-3", "2", "3", "9", "'x'", "1.5"})
+            QTest::newRow(c) << QString::fromLatin1(c);
+    }
+    void countIsThatOfTheContactsShown() {
+        QFETCH(QString, canal);
+        cuenta(4, u"Cuarta"_s);
+        contacto(u"0034600000001"_s, u"Ana"_s, 1);
+        bd().exec(u"INSERT INTO Abonados (Codigo, Alias, Canal) VALUES ('0034600000002', 'B', "_s +
+                  canal + u')');
+        const long long mostrados =
+            cuantos(u"SELECT count(*) FROM Abonados JOIN Canales USING (Canal)"_s);
+        QCOMPARE(ListaPaginada(definicionContactos()).contar(), int(mostrados));
+        bd().exec(u"DELETE FROM Canales"_s);
+        QCOMPARE(ListaPaginada(definicionContactos()).contar(), 0);
+    }
+
     void addWithoutAccountsShowsTheMessage() {
         bd().exec(u"DELETE FROM Canales"_s);
         InterfazGuionada ui;
