@@ -2,6 +2,7 @@
 
 #include "db/BaseDatos.h"
 
+#include <QMap>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -142,15 +143,34 @@ QString disparadorVaciar(const ClaveGuardada& k) {
            u" = NULL WHERE rowid = new.rowid; END;"_s;
 }
 
-// On the program's own connection the key is worked out as a row is
-// written, so that a sorted list never waits for a bulk of them.
-QString disparadoresPropios(const ClaveGuardada& k) {
-    const QString rellenar = u" WHEN new."_s + k.clave + u" IS NULL BEGIN UPDATE "_s + k.tabla +
-                             u" SET "_s + k.clave + u" = clave_nombre(new."_s + k.origen +
-                             u") WHERE rowid = new.rowid; END;"_s;
-    const QString nombre = u"CREATE TEMP TRIGGER IF NOT EXISTS "_s + k.tabla + k.clave;
-    return nombre + u"Nueva AFTER INSERT ON main."_s + k.tabla + rellenar + nombre +
-           u"Vaciada AFTER UPDATE OF "_s + k.clave + u" ON main."_s + k.tabla + rellenar;
+// On the program's own connection the keys are worked out as a row is
+// written, so that a sorted list never waits for a bulk of them: one
+// trigger a key for a change, one a table for an insert (a row written
+// once however many keys it has). Only the keys whose columns the file
+// has: a trigger naming a column the table lacks would fail every write.
+QString disparadoresPropios(const QList<const ClaveGuardada*>& claves) {
+    const QString tabla = claves.first()->tabla;
+    QString script, vacia, calculo;
+    for (const ClaveGuardada* k : claves) {
+        script += u"CREATE TEMP TRIGGER IF NOT EXISTS "_s + tabla + k->clave +
+                  u"Vaciada AFTER UPDATE OF "_s + k->clave + u" ON main."_s + tabla +
+                  u" WHEN new."_s + k->clave + u" IS NULL BEGIN UPDATE "_s + tabla + u" SET "_s +
+                  k->clave + u" = clave_nombre(new."_s + k->origen +
+                  u") WHERE rowid = new.rowid; END;"_s;
+        vacia += (vacia.isEmpty() ? u""_s : u" OR "_s) + u"new."_s + k->clave + u" IS NULL"_s;
+        calculo += (calculo.isEmpty() ? u""_s : u", "_s) + k->clave + u" = coalesce(new."_s +
+                   k->clave + u", clave_nombre(new."_s + k->origen + u"))"_s;
+    }
+    // Dropped first: the one made before an upgrade added a key lacks it.
+    return script + u"DROP TRIGGER IF EXISTS temp."_s + tabla + u"ClavesNuevas; CREATE TEMP "_s +
+           u"TRIGGER "_s + tabla + u"ClavesNuevas AFTER INSERT ON main."_s + tabla + u" WHEN "_s +
+           vacia + u" BEGIN UPDATE "_s + tabla + u" SET "_s + calculo +
+           u" WHERE rowid = new.rowid; END;"_s;
+}
+
+QString rellenarVacias(const ClaveGuardada& k) {
+    return u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s + k.origen +
+           u") WHERE "_s + k.clave + u" IS NULL"_s;
 }
 
 // Each multi-send keeps how many recipients it has, so that the list sorts
@@ -308,29 +328,26 @@ void crearDisparadoresListas(BaseDatos& db) {
 }
 void prepararClavesNombre(BaseDatos& db) {
     // Each key on its own: a file without one column still gets the rest.
-    bool alguna = false;
+    QMap<QString, QList<const ClaveGuardada*>> porTabla;
     for (const ClaveGuardada& k : kClaves) {
         try {
-            // A trigger naming a column the table lacks would fail every insert.
             db.query(u"SELECT "_s + k.clave + u" FROM main."_s + k.tabla + u" LIMIT 0"_s);
         } catch (const ErrorBD&) {
             continue;
         }
-        alguna = true;
-        db.execScript(disparadoresPropios(k));
+        porTabla[k.tabla].append(&k);
         // Rows another client wrote since are put in order at once.
         if (!db.query(u"SELECT 1 FROM main."_s + k.tabla + u" WHERE "_s + k.clave +
                       u" IS NULL LIMIT 1"_s)
                  .isEmpty())
-            db.exec(u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s +
-                    k.origen + u") WHERE "_s + k.clave + u" IS NULL"_s);
+            db.exec(rellenarVacias(k));
     }
-    if (!alguna) throw ErrorBD(u"Sin claves de orden"_s);
+    if (porTabla.isEmpty()) throw ErrorBD(u"Sin claves de orden"_s);
+    for (const QList<const ClaveGuardada*>& claves : std::as_const(porTabla))
+        db.execScript(disparadoresPropios(claves));
 }
 void completarClavesNombre(BaseDatos& db) {
-    for (const ClaveGuardada& k : kClaves)
-        db.exec(u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s + k.origen +
-                u") WHERE "_s + k.clave + u" IS NULL"_s);
+    for (const ClaveGuardada& k : kClaves) db.exec(rellenarVacias(k));
 }
 QStringList indicesActuales() {
     QStringList r;
