@@ -76,7 +76,12 @@ int main(int argc, char** argv) {
         "bench_addressbook: contacts at a tenth, once and ten times 50,000, half of them "
         "in one list\n");
 
-    for (int contactos : {5000, 50000, 500000}) {
+    // Sizes may be given on the command line to look at one of them.
+    QList<int> tamanos;
+    for (const QString& a : QCoreApplication::arguments().mid(1))
+        if (a.toInt() > 0) tamanos.append(a.toInt());
+    if (tamanos.isEmpty()) tamanos = {5000, 50000, 500000};
+    for (int contactos : tamanos) {
         llenar(contactos);
         const QString n = QLocale(QLocale::English).toString(contactos);
         const QString mitad = QLocale(QLocale::English).toString(contactos / 2);

@@ -45,6 +45,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// The bench can't go on without its file: it stops with the reason.
+void abrir(BaseDatos& db, const QString& ruta) {
+    if (const Hecho h = db.open(ruta); !h) qFatal("%s", qPrintable(h.motivo()));
+}
+
 // The other process of the lock mode: holds the write lock for `ms`.
 int sostenerBloqueo(const QString& ruta, int ms) {
     BaseDatos db;
@@ -127,7 +132,7 @@ int main(int argc, char** argv) {
     const QString base = TestDb::createCurrent(world.root() + u"/kill.db"_s);
     {
         BaseDatos db;
-        db.open(base);
+        abrir(db, base);
         db.exec(u"update opciones set maxlote=? where id=1"_s, {par.lote});
         db.exec(
             u"INSERT INTO Canales (Canal,Nombre,Host,usuario,clave,Saldo,Principal,Remitente,"
@@ -145,7 +150,7 @@ int main(int argc, char** argv) {
     if (ventana) TestDb::openShared(base);
     BaseDatos propia;
     const auto llenar = [&] {
-        if (!ventana) propia.open(base);
+        if (!ventana) abrir(propia, base);
         if (ventana && Conexion().perdida()) return;
         BaseDatos& db = ventana ? Conexion() : propia;
         db.begin();
@@ -178,7 +183,7 @@ int main(int argc, char** argv) {
     };
     const auto pendientes = [&] {
         BaseDatos db;
-        db.open(base);
+        abrir(db, base);
         return db.query(u"select count(*) from envios"_s).value(0, 0).toInt();
     };
     const QString salida = world.root() + u"/salida.log"_s;
@@ -339,7 +344,7 @@ int main(int argc, char** argv) {
     int dosVeces = 0;
     for (int n : std::as_const(entregas)) dosVeces += n - 1;
     BaseDatos db;
-    db.open(base);
+    abrir(db, base);
     const QVector<QString> historial = db.queryTexts(u"select Mensaje from HEnvios"_s);
     const QSet<QString> enHistorial(historial.begin(), historial.end());
     const int quedan = db.query(u"select count(*) from envios"_s).value(0, 0).toInt();

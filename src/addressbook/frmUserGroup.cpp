@@ -81,8 +81,7 @@ void frmUserGroup::msCargarUsuariosParaGrupo() {
     // Both sides are counted at once: the members are walked once.
     std::pair<int, int> filas{0, 0};
     try {
-        msPrepararMiembrosLista(nCodGrupo);
-        filas = contarMiembrosLista();
+        filas = msPrepararMiembrosLista(nCodGrupo);
     } catch (const ErrorBD&) {
         // Lists that can't be read show empty, like the other address book lists.
         msSoltarMiembrosLista();
@@ -104,34 +103,43 @@ void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
             ordenadas += *it < origen->filasOrdenadas() ? 1 : 0;
         }
     }
-    moverClaves(haciaDentro, claves, ordenadas);
-}
-
-void frmUserGroup::moverTodos(bool haciaDentro) {
-    const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
-    const int ordenadas = origen->filasOrdenadas();
-    try {
-        msMoverTodosLosMiembros(haciaDentro, origen->ordenInverso());
-    } catch (const ErrorBD&) {
-        return;
-    }
-    moverClaves(haciaDentro, {}, ordenadas);
-}
-
-void frmUserGroup::moverClaves(bool haciaDentro, const std::vector<int64_t>& claves,
-                               int ordenadas) {
+    if (claves.empty()) return;
+    bool movidas = true;
     try {
         msMoverMiembros(haciaDentro, claves);
     } catch (const ErrorBD&) {
         // The moves are as they were: the lists show them.
-        ordenadas = 0;
+        movidas = false;
     }
-    // The lines that left the origin's order are all that changed in the
-    // counts: neither side is counted again.
+    recargar(haciaDentro, movidas, ordenadas, int(claves.size()) - ordenadas);
+}
+
+void frmUserGroup::moverTodos(bool haciaDentro) {
+    const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    bool movidas = true;
+    try {
+        msMoverTodosLosMiembros(haciaDentro, origen->ordenInverso());
+    } catch (const ErrorBD&) {
+        movidas = false;
+    }
+    recargar(haciaDentro, movidas, origen->filasOrdenadas(), origen->filasCola());
+}
+
+void frmUserGroup::recargar(bool haciaDentro, bool movidas, int ordenadas, int deCola) {
     ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
     ModeloPaginado* destino = haciaDentro ? m_dentro : m_fuera;
-    origen->cargar(origen->filasOrdenadas() - ordenadas);
-    destino->cargar(destino->filasOrdenadas());
+    if (!movidas) {
+        // The lines just moved are counted again, as the table holds them.
+        origen->cargar(origen->filasOrdenadas());
+        destino->cargar(destino->filasOrdenadas());
+        return;
+    }
+    // The lines moved left the origin's order or its tail and joined the
+    // end of the destination: neither side is counted again.
+    const int origenCola = origen->filasCola() - deCola;
+    const int destinoCola = destino->filasCola() + ordenadas + deCola;
+    origen->cargar(origen->filasOrdenadas() - ordenadas, origenCola);
+    destino->cargar(destino->filasOrdenadas(), destinoCola);
 }
 
 void frmUserGroup::Command1_Click() {

@@ -45,8 +45,9 @@ class frmUserGroup : public QDialog {
     // Moves lines of one side to the end of the other, from the last up.
     void mover(bool haciaDentro, const QList<int>& filas);
     void moverTodos(bool haciaDentro);
-    // `ordenadas`: how many of them stood in the origin's order.
-    void moverClaves(bool haciaDentro, const std::vector<int64_t>& claves, int ordenadas);
+    // Reads both sides after a move of `ordenadas` lines of the origin's
+    // order and `deCola` of the lines just moved there.
+    void recargar(bool haciaDentro, bool movidas, int ordenadas, int deCola);
 
     ModeloPaginado* m_dentro;
     ModeloPaginado* m_fuera;

@@ -446,24 +446,23 @@ bool msBorrarLista(int16_t grupo) {
 
 namespace {
 // The list edited, and each contact moved: on which side it is now and,
-// until a sort of that side takes it in, its place among the lines moved.
+// until a sort of that side takes it in, its place among the lines moved
+// (0: among the lines of the last "all moved", in their own order).
+// "All moved" writes no line: the list records the side every contact
+// not moved since is on (Todos), which of them came with it and still
+// follow the others (Masa: 2 all of them, 0 or 1 those that were out of
+// or in the list), and the last place of the lines moved before it
+// (Hasta), which show ahead of them.
 const QString kLista = u"temp.MiembrosLista"_s;
 const QString kMovidos = u"temp.MiembrosMovidos"_s;
+const QString kMasa = u"temp.MiembrosMasa"_s;
 const QString kGrupo = u"(SELECT Grupo FROM temp.MiembrosLista)"_s;
-
-// The list's members that are contacts no move touched, each once.
-QString miembrosQuietos() {
-    return u"(SELECT count(*) FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = "_s +
-           kGrupo +
-           u") g WHERE EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado AND NOT "
-           u"EXISTS (SELECT 1 FROM "_s +
-           kMovidos + u" m WHERE m.Fila = a.rowid)))"_s;
-}
-
-QString movidos(const QString& condicion) {
-    return u"(SELECT count(*) FROM "_s + kMovidos + u" m WHERE "_s + condicion +
-           u" AND EXISTS (SELECT 1 FROM Abonados a WHERE a.rowid = m.Fila))"_s;
-}
+const QString kTodos = u"(SELECT Todos FROM temp.MiembrosLista)"_s;
+const QString kDesde =
+    u"FROM Abonados LEFT JOIN temp.MiembrosMovidos m ON m.Fila = Abonados.rowid"_s;
+const QString kCeldas =
+    u"SELECT Abonados.rowid AS Fila, coalesce(upper(Abonados.Alias), '') AS Nombre, "
+    u"Abonados.Codigo AS Codigo "_s;
 
 // The contact of the row was in the list before any move.
 QString esMiembro() {
@@ -474,39 +473,72 @@ QString esMiembro() {
 QString lado(bool dentro) {
     return dentro ? u"1"_s : u"0"_s;
 }
+
+// The row is among the lines of the last "all moved" not yet sorted in.
+QString enMasa() {
+    // The list is looked up only when the mark depends on it.
+    return u"CASE WHEN m.Fila IS NOT NULL THEN m.Paso IS 0 ELSE CASE (SELECT Masa FROM "
+           u"temp.MiembrosLista) WHEN 2 THEN 1 WHEN 1 THEN "_s +
+           esMiembro() + u" WHEN 0 THEN NOT "_s + esMiembro() + u" ELSE 0 END END"_s;
+}
+
+// The lines of the last "all moved", in the order they came.
+void definirMasa(const QString& orden) {
+    bd().exec(u"DROP VIEW IF EXISTS "_s + kMasa);
+    bd().exec(u"CREATE VIEW "_s + kMasa + u" AS "_s + kCeldas + kDesde + u" WHERE "_s +
+              (orden.isEmpty() ? u"0"_s : enMasa() + u" ORDER BY "_s + orden));
+}
 }  // namespace
 
-void msPrepararMiembrosLista(int16_t grupo) {
+std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
     msSoltarMiembrosLista();
     // Names written by another program since are put in order first.
     Esquema::completarClavesNombre(bd());
-    bd().exec(u"CREATE TABLE "_s + kLista + u" (Grupo INTEGER)"_s);
+    bd().exec(u"CREATE TABLE "_s + kLista +
+              u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos INTEGER)"_s);
     bd().exec(u"CREATE TABLE "_s + kMovidos +
               u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
-    bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo) VALUES (?)"_s, {grupo});
+    bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
+    definirMasa({});
+    // Both sides in one walk of the members: those that are contacts,
+    // each once (a membership of a number that is no contact shows nowhere,
+    // and "Guardar" looks for such memberships only when there were any).
+    const ResultadoConsulta r = bd().query(
+        u"SELECT q, (SELECT count(*) FROM Abonados) - q, n - q FROM (SELECT count(*) AS n, "
+        u"coalesce(sum(EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado)), 0) AS q "
+        u"FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g)"_s,
+        {grupo});
+    bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {r.value(0, 2)});
+    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
 }
 
 ListaPaginada::Definicion definicionMiembros(bool dentro) {
     ListaPaginada::Definicion d;
-    d.desde = u"FROM Abonados LEFT JOIN "_s + kMovidos + u" m ON m.Fila = Abonados.rowid"_s;
+    d.desde = kDesde;
     // On this side now, and not among the lines just moved here, which
     // come after the others until a sort.
-    d.filtro = u"coalesce(m.Dentro, "_s + esMiembro() + u") = "_s + lado(dentro) +
-               u" AND m.Paso IS NULL"_s;
+    d.filtro = u"coalesce(m.Dentro, "_s + kTodos + u", "_s + esMiembro() + u") = "_s +
+               lado(dentro) + u" AND m.Paso IS NULL AND NOT ("_s + enMasa() + u")"_s;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
     d.columnas = {{u"upper(Abonados.Alias)"_s, u"Abonados.ClaveNombre"_s},
                   {u"Abonados.Codigo"_s, {}}};
     // Names alike go by their rows both ways, so the index serves both.
     d.estable = false;
-    d.cola =
-        u"SELECT Abonados.rowid, coalesce(upper(Abonados.Alias), ''), Abonados.Codigo FROM "_s +
-        kMovidos + u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila WHERE m.Dentro = "_s +
-        lado(dentro) + u" AND m.Paso IS NOT NULL ORDER BY m.Paso"_s;
+    // Lines moved one by one before the last "all moved", its lines, then
+    // those moved after it.
+    const QString uno = u"SELECT * FROM ("_s + kCeldas + u"FROM "_s + kMovidos +
+                        u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila WHERE m.Dentro = "_s +
+                        lado(dentro) + u" AND m.Paso > 0 AND m.Paso "_s;
+    const QString hasta = u"(SELECT Hasta FROM temp.MiembrosLista)"_s;
+    d.cola = uno + u"<= "_s + hasta + u" ORDER BY m.Paso) UNION ALL SELECT * FROM "_s + kMasa +
+             u" WHERE "_s + kTodos + u" = "_s + lado(dentro) + u" UNION ALL "_s + uno + u"> "_s +
+             hasta + u" ORDER BY m.Paso)"_s;
     d.asentarCola = [dentro] {
         try {
             bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = NULL WHERE Dentro = "_s +
                       lado(dentro));
+            bd().exec(u"UPDATE "_s + kLista + u" SET Masa = NULL WHERE Todos = "_s + lado(dentro));
         } catch (const ErrorBD& e) {
             msLog(u"No se pudo ordenar la Lista: "_s + e.description());
         }
@@ -514,22 +546,15 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
     return d;
 }
 
-std::pair<int, int> contarMiembrosLista() {
-    const ResultadoConsulta r =
-        bd().query(u"SELECT q + "_s + movidos(u"m.Dentro = 1 AND m.Paso IS NULL"_s) +
-                   u", (SELECT count(*) FROM Abonados) - q - "_s + movidos(u"1"_s) + u" + "_s +
-                   movidos(u"m.Dentro = 0 AND m.Paso IS NULL"_s) + u" FROM (SELECT "_s +
-                   miembrosQuietos() + u" AS q)"_s);
-    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
-}
-
 namespace {
 // Records the contacts of `codigos` (a statement giving each one's number
-// and its place among them) as moved to one side, after every earlier move.
+// and its place among them) as moved to one side, after every earlier move
+// and after the lines of the last "all moved", even once a sort took the
+// earlier ones in.
 void registrarMovidos(bool haciaDentro, const QString& codigos, const QVariantList& params) {
     bd().exec(u"INSERT INTO "_s + kMovidos +
-                  u" (Fila, Dentro, Paso) SELECT c.Fila, ?, c.n + (SELECT coalesce(max(Paso), "
-                  u"0) FROM "_s +
+                  u" (Fila, Dentro, Paso) SELECT c.Fila, ?, c.n + (SELECT max(coalesce(max(Paso), "
+                  u"0), (SELECT Hasta FROM temp.MiembrosLista)) FROM "_s +
                   kMovidos + u") FROM ("_s + codigos +
                   u") c WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
                   u"Paso = excluded.Paso"_s,
@@ -553,32 +578,85 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
 }
 
 void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
-    const ListaPaginada::Definicion origen = definicionMiembros(!haciaDentro);
-    // From the last line up: the lines just moved there, then the others.
-    registrarMovidos(
-        haciaDentro,
-        u"SELECT Abonados.rowid AS Fila, row_number() OVER (ORDER BY m.Paso IS NULL, m.Paso "
-        u"DESC, "_s +
-            ordenInverso + u") AS n "_s + origen.desde + u" WHERE coalesce(m.Dentro, "_s +
-            esMiembro() + u") = "_s + lado(!haciaDentro),
-        {});
+    const QString sp = u"todos"_s;
+    const QString hacia = lado(haciaDentro);
+    const QString desde = lado(!haciaDentro);
+    bd().savepoint(sp);
+    try {
+        const ResultadoConsulta estado = bd().query(u"SELECT Todos, Masa FROM "_s + kLista);
+        const QVariant todos = estado.value(0, 0);
+        if (!estado.value(0, 1).isNull()) {
+            // The lines of an earlier "all moved" still follow the others:
+            // they are written one by one, in their place, first.
+            bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = Paso + (SELECT count(*) FROM "_s +
+                      kMasa + u") WHERE Paso > (SELECT Hasta FROM "_s + kLista + u")"_s);
+            bd().exec(
+                u"INSERT INTO "_s + kMovidos +
+                    u" (Fila, Dentro, Paso) SELECT v.Fila, ?, (SELECT Hasta FROM "_s + kLista +
+                    u") + row_number() OVER () FROM (SELECT * FROM "_s + kMasa +
+                    u") v WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
+                    u"Paso = excluded.Paso"_s,
+                {todos});
+            bd().exec(u"UPDATE "_s + kLista + u" SET Masa = NULL"_s);
+        }
+        // The lines just moved to the side that goes, from the last up,
+        // show ahead of the rest of it.
+        registrarMovidos(haciaDentro,
+                         u"SELECT Fila, row_number() OVER (ORDER BY Paso DESC) AS n FROM "_s +
+                             kMovidos + u" WHERE Dentro = "_s + desde + u" AND Paso > 0"_s,
+                         {});
+        // The side's other lines moved once come with those never moved.
+        bd().exec(u"UPDATE "_s + kMovidos + u" SET Dentro = "_s + hacia +
+                  u", Paso = 0 WHERE Dentro = "_s + desde);
+        const QString masa = todos.isNull()                           ? desde
+                             : todos.toInt() == (haciaDentro ? 1 : 0) ? QString()
+                                                                      : u"2"_s;
+        bd().exec(u"UPDATE "_s + kLista + u" SET Todos = "_s + hacia + u", Masa = "_s +
+                  (masa.isEmpty() ? u"NULL"_s : masa) +
+                  u", Hasta = (SELECT coalesce(max(Paso), 0) FROM "_s + kMovidos + u")"_s);
+        definirMasa(ordenInverso);
+        bd().release(sp);
+    } catch (const ErrorBD&) {
+        deshacer(sp);
+        throw;
+    }
 }
 
 bool msGuardarMiembrosLista(int16_t grupo) {
     const QString sp = u"miembros"_s;
     try {
         bd().savepoint(sp);
+        const ResultadoConsulta lista = bd().query(u"SELECT Todos, Ajenos FROM "_s + kLista);
+        const QVariant todos = lista.value(0, 0);
         // Only what moved is written; memberships of numbers that are no
         // contact go, as the list showed them not.
         const QString movidos = u"FROM "_s + kMovidos +
                                 u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
-        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND (Abonado IN (SELECT a.Codigo "_s +
-                      movidos + u"0) OR Abonado NOT IN (SELECT Codigo FROM Abonados))"_s,
+        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN (SELECT a.Codigo "_s +
+                      movidos + u"0)"_s,
                   {grupo});
+        if (numeroDe(lista.value(0, 1)) > 0)
+            bd().exec(
+                u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado NOT IN (SELECT Codigo "
+                u"FROM Abonados)"_s,
+                {grupo});
         bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
                       u"1 AND a.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = ?) "
                       u"ORDER BY m.Paso"_s,
                   {grupo, grupo});
+        // The contacts not moved since the last "all moved" are on its side.
+        const QString quietos =
+            u"SELECT a.Codigo FROM Abonados a WHERE NOT EXISTS (SELECT 1 FROM "_s + kMovidos +
+            u" m WHERE m.Fila = a.rowid)"_s;
+        if (!todos.isNull() && numeroDe(todos) == 0)
+            bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN ("_s + quietos + u")"_s,
+                      {grupo});
+        if (!todos.isNull() && numeroDe(todos) == 1)
+            bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT q.Codigo, ? FROM ("_s +
+                          quietos +
+                          u") q WHERE q.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = "
+                          u"?)"_s,
+                      {grupo, grupo});
         bd().release(sp);
     } catch (const ErrorBD&) {
         deshacer(sp);
@@ -590,6 +668,7 @@ bool msGuardarMiembrosLista(int16_t grupo) {
 
 void msSoltarMiembrosLista() {
     try {
+        bd().exec(u"DROP VIEW IF EXISTS "_s + kMasa);
         for (const QString& t : {kLista, kMovidos}) bd().exec(u"DROP TABLE IF EXISTS "_s + t);
     } catch (const ErrorBD& e) {
         msLog(u"No se pudieron soltar los cambios de la Lista: "_s + e.description());

@@ -120,17 +120,15 @@ bool msBorrarLista(int16_t grupo);
 // The members screen keeps the user's moves of one list in temporary
 // tables of the one connection, not in the list: each side reads the
 // contacts with the moves applied, a page at a time in the order of the
-// names' index, so opening costs the lines in view and a move the lines
-// moved. Lines moved show after the others, in the order they came, until
-// a sort of their side.
+// names' index, so opening costs the lines in view, a move the lines
+// moved, and moving a whole side writes no line. Lines moved show after
+// the others, in the order they came, until a sort of their side.
 //
-// Starts the moves of `grupo` afresh. Throws ErrorBD.
-void msPrepararMiembrosLista(int16_t grupo);
+// Starts the moves of `grupo` afresh and counts its sides: inside,
+// outside. Throws ErrorBD.
+std::pair<int, int> msPrepararMiembrosLista(int16_t grupo);
 // One side as its list shows it: upper-case name and number.
 ListaPaginada::Definicion definicionMiembros(bool dentro);
-// How many lines each side has before its lines just moved: inside,
-// outside. Throws ErrorBD.
-std::pair<int, int> contarMiembrosLista();
 // Moves the contacts whose rows are `claves` to the end of the other side,
 // in the order given. Throws ErrorBD.
 void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);

@@ -8,6 +8,7 @@
 #include "base/Reloj.h"
 #include "db/Bandeja.h"
 #include "db/Conexion.h"
+#include "db/Esquema.h"
 #include "db/Nombres.h"
 
 #include <QHash>
@@ -143,16 +144,18 @@ ListaPaginada::Definicion definicionBandeja() {
     ListaPaginada::Definicion d;
     d.desde = u"FROM envios INNER JOIN canales ON envios.canal = canales.canal"_s;
     d.clave = u"envios.Id"_s;
-    // The account's index counts faster than the join walks.
-    d.cuenta = u"SELECT count(*) FROM envios WHERE canal IN (SELECT canal FROM canales)"_s;
+    // The file keeps the count per account; a file that could not take that
+    // table yet counts on the account's index.
+    d.cuenta = Conexion().hasTable(u"EnviosPorCanal"_s)
+                   ? u"SELECT coalesce(sum(Filas), 0) FROM EnviosPorCanal "
+                     u"WHERE Canal IN (SELECT canal FROM canales)"_s
+                   : u"SELECT count(*) FROM envios WHERE canal IN (SELECT canal FROM canales)"_s;
     d.mayor = u"SELECT max(Id) FROM envios"_s;
-    // Every column sorts by the text it shows, the date too.
+    // Every column sorts by the text it shows, the date too (on its index).
+    const QString fecha = Esquema::fechaBandeja(u"envios"_s);
     d.columnas = {
         {u"CAST(envios.Id AS TEXT)"_s, {}},
-        {u"CASE WHEN length(envios.registro) = 19 THEN substr(envios.registro, 9, 2) || '/' || "
-         u"substr(envios.registro, 6, 2) || ' ' || substr(envios.registro, 12, 8) "
-         u"ELSE envios.registro END"_s,
-         {}},
+        {fecha, fecha},
         {u"envios.abonado"_s, {}},
         {u"trim(coalesce(canales.Nombre, '')) || CASE WHEN trim(coalesce(canales.Remitente, "
          u"'')) <> '' THEN ' (' || trim(canales.Remitente) || ')' ELSE '' END"_s,

@@ -174,20 +174,19 @@ QString motivoAjena(const QString& path) {
 
 }  // namespace
 
-bool BaseDatos::open(const QString& path, QString* error) {
+Hecho BaseDatos::open(const QString& path) {
     const QString rechazo =
         QFileInfo(path).isFile() ? motivoAjena(path) : u"No existe el fichero: "_s + path;
     if (!rechazo.isEmpty()) {
         close();
         m_busy = false;
         m_motivo = rechazo;
-        if (error) *error = rechazo;
-        return false;
+        return Hecho::no(rechazo);
     }
-    return openWith(path, SQLITE_OPEN_READWRITE, error);
+    return openWith(path, SQLITE_OPEN_READWRITE);
 }
 
-bool BaseDatos::create(const QString& path, QString* error) {
+Hecho BaseDatos::create(const QString& path) {
     // The file holds the platforms' passwords: readable by its owner only,
     // from its first byte on. The engine gives its journal files the same
     // permissions.
@@ -196,21 +195,20 @@ bool BaseDatos::create(const QString& path, QString* error) {
         if (nuevo.open(QIODevice::WriteOnly))
             nuevo.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     }
-    return openWith(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, error);
+    return openWith(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
 }
 
-bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
+Hecho BaseDatos::openWith(const QString& path, int flags) {
     close();
     m_busy = false;
     sqlite3* db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr);
     if (rc != SQLITE_OK) {
         const QString msg = QString::fromUtf8(db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
-        if (error) *error = msg;
         const QString causa = causaDe(rc, msg, db ? sqlite3_system_errno(db) : 0);
         m_motivo = path + u": "_s + (causa.isEmpty() ? msg : causa);
         sqlite3_close(db);
-        return false;
+        return Hecho::no(m_motivo);
     }
     m_motivo.clear();
     m_db = db;
@@ -236,6 +234,9 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
         // A committed row survives a crash or a power cut.
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
+        // Lists read pages of large tables over and over: kept here, they
+        // are not read from the file again while nobody else writes.
+        exec(u"PRAGMA cache_size=-65536"_s);
         recordarArchivos();
         // A file of an earlier release still names our collations.
         msQuitarIntercalaciones(*this);
@@ -245,14 +246,13 @@ bool BaseDatos::openWith(const QString& path, int flags, QString* error) {
             // A file without contacts yet, or of an earlier release.
         }
     } catch (const ErrorBD& e) {
-        if (error) *error = e.description();
         m_motivo = path + u": "_s + (e.causa().isEmpty() ? e.description() : e.causa());
         const int codigo = sqlite3_errcode(m_db) & 0xff;
         m_busy = codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
         close();
-        return false;
+        return Hecho::no(m_motivo);
     }
-    return true;
+    return {};
 }
 
 void BaseDatos::establecerEspera(int ms) {

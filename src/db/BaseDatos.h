@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Error.h"
+#include "base/Hecho.h"
 
 #include <QHash>
 #include <QString>
@@ -65,17 +66,17 @@ class BaseDatos {
     BaseDatos(const BaseDatos&) = delete;
     BaseDatos& operator=(const BaseDatos&) = delete;
 
-    // Opens an existing database file (never creates one). False when the
-    // file is missing or is not a database; `error` then says why.
-    bool open(const QString& path, QString* error = nullptr);
+    // Opens an existing database file (never creates one). Refused when
+    // the file is missing or is not a database of ours, with the reason.
+    Hecho open(const QString& path);
     // Creates a new, empty database file (for the build and for tests).
-    bool create(const QString& path, QString* error = nullptr);
+    Hecho create(const QString& path);
     void close();
     // The last open failed because another connection (another process)
     // held the file locked past the wait: the file is busy, not broken.
     bool openWasBusy() const { return m_busy; }
-    // Why the last open failed, in one Spanish line that names the file;
-    // empty after an open that succeeded.
+    // Why the last open failed (the reason it gave), kept for the screen
+    // that asks for another file later; empty after an open that succeeded.
     const QString& motivoFallo() const { return m_motivo; }
     bool isOpen() const { return m_db != nullptr; }
     // How long a statement waits for a lock another connection holds
@@ -132,7 +133,7 @@ class BaseDatos {
     bool esArchivoPropio(const QString& ruta) const;
 
   private:
-    bool openWith(const QString& path, int flags, QString* error);
+    Hecho openWith(const QString& path, int flags);
     sqlite3_stmt* prepare(const QString& sql);
     void bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
     [[noreturn]] void fail(const QString& sql);

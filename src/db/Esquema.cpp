@@ -256,6 +256,50 @@ QStringList indicesDeListas() {
     return r;
 }
 
+// The outbox keeps its own row count per account, so that the compose
+// screen's list counts a million rows without walking them. Plain SQL only:
+// every client that writes the file (the sqlite3 shell, a script) keeps it
+// right in its own transaction. The key is declared INT, not INTEGER, so
+// that it is no rowid: an account code that is no number is kept as it
+// stands, where a rowid key would refuse the writer's row.
+// A writer's own OR clause (OR REPLACE, OR ROLLBACK) takes the place of a
+// trigger statement's, but not of an upsert's DO UPDATE, so the count goes
+// up by one statement that no writer can turn into a failure. A row
+// that a writer's OR REPLACE replaces goes without a delete trigger unless
+// that writer turned recursive triggers on: the one write the count misses.
+const auto kCuentaBandeja =
+    uR"SQL(
+CREATE TABLE IF NOT EXISTS EnviosPorCanal (
+    Canal INT NOT NULL PRIMARY KEY,
+    Filas INTEGER NOT NULL
+);
+CREATE TRIGGER IF NOT EXISTS envios_Alta AFTER INSERT ON envios WHEN new.Canal IS NOT NULL
+BEGIN
+    INSERT INTO EnviosPorCanal (Canal, Filas) VALUES (new.Canal, 1)
+        ON CONFLICT (Canal) DO UPDATE SET Filas = Filas + 1;
+END;
+CREATE TRIGGER IF NOT EXISTS envios_Baja AFTER DELETE ON envios WHEN old.Canal IS NOT NULL
+BEGIN
+    UPDATE EnviosPorCanal SET Filas = Filas - 1 WHERE Canal = old.Canal;
+END;
+CREATE TRIGGER IF NOT EXISTS envios_CambioCanal AFTER UPDATE OF Canal ON envios
+WHEN old.Canal IS NOT new.Canal
+BEGIN
+    UPDATE EnviosPorCanal SET Filas = Filas - 1 WHERE Canal = old.Canal;
+    INSERT INTO EnviosPorCanal (Canal, Filas) SELECT new.Canal, 1 WHERE new.Canal IS NOT NULL
+        ON CONFLICT (Canal) DO UPDATE SET Filas = Filas + 1;
+END;
+)SQL"_s;
+
+// The outbox list's date as it shows it ("dd/MM HH:mm:ss" from the stored
+// "yyyy-MM-dd HH:mm:ss"), indexed so that a click on its header reads one
+// page. Those characters sort alike by the lists' rule and by plain
+// comparison, so the engine's own order serves.
+const auto kFechaBandeja =
+    uR"SQL(coalesce(CASE WHEN length(Registro) = 19
+    THEN substr(Registro, 9, 2) || '/' || substr(Registro, 6, 2) || ' ' || substr(Registro, 12, 8)
+    ELSE Registro END, ''))SQL"_s;
+
 // An older release: no sender or texts per account, no options, no
 // schedule, one row per contact and multi-send, narrower aliases.
 const auto kBase =
@@ -304,6 +348,7 @@ void crear(BaseDatos& db, const QString& propio) {
         if (propio == kActual) {
             for (const QString& indice : indicesDeListas()) db.exec(indice);
             Esquema::crearDisparadoresListas(db);
+            Esquema::crearCuentaBandeja(db);
         }
         db.commit();
     } catch (...) {
@@ -325,6 +370,22 @@ void crearBase(BaseDatos& db) {
 void crearDisparadoresListas(BaseDatos& db) {
     for (const ClaveGuardada& k : kClaves) db.execScript(disparadorVaciar(k));
     db.execScript(kDisparadoresDestinatarios);
+}
+bool crearCuentaBandeja(BaseDatos& db) {
+    const bool nueva = !db.hasTable(u"EnviosPorCanal"_s);
+    db.execScript(kCuentaBandeja);
+    // Rows written before the triggers are counted once, in the same
+    // transaction, so that no write falls between the count and them.
+    if (nueva)
+        db.exec(
+            u"INSERT INTO EnviosPorCanal (Canal, Filas) SELECT Canal, count(*) FROM envios "
+            u"WHERE Canal IS NOT NULL GROUP BY Canal"_s);
+    db.exec(u"CREATE INDEX IF NOT EXISTS envios_Fecha ON envios ("_s + kFechaBandeja + u')');
+    return nueva;
+}
+QString fechaBandeja(const QString& tabla) {
+    QString sql = kFechaBandeja;
+    return sql.replace(u"Registro"_s, tabla + u".Registro"_s);
 }
 void prepararClavesNombre(BaseDatos& db) {
     // Each key on its own: a file without one column still gets the rest.

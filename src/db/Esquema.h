@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringList>
 
 class BaseDatos;
@@ -20,6 +21,15 @@ void prepararClavesNombre(BaseDatos& db);
 // Works out the keys left empty (rows written by another client). Throws
 // ErrorBD.
 void completarClavesNombre(BaseDatos& db);
+// The outbox's kept count per account (table EnviosPorCanal and the
+// triggers on envios that keep it) and the index of the outbox list's date;
+// whatever of them is missing. Counts the rows there are when it creates
+// the table; run it inside a transaction. True when it created the table.
+// Throws ErrorBD.
+bool crearCuentaBandeja(BaseDatos& db);
+// The outbox list's date as shown, as SQL over `tabla`'s Registro: the
+// expression of its index.
+QString fechaBandeja(const QString& tabla);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
 // What the list of multi-sends shows of a row's next and last run, as SQL

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Rows read at once, and pages kept for scrolling back and forth.
-constexpr int kFilasPagina = 1000;
+constexpr int kFilasPagina = 250;
 constexpr size_t kPaginasGuardadas = 4;
 // A page a few pages past the last one read is reached by skipping rows
 // of one bounded sort; farther, the whole order is read once.
@@ -50,7 +50,7 @@ int ListaPaginada::contar() const {
     return int(Conexion().query(sql).value(0, 0).toLongLong());
 }
 
-void ListaPaginada::cargar(int filas) {
+void ListaPaginada::cargar(int filas, int filasCola) {
     limpiar();
     // The count from the smallest index, the highest number from the
     // table's own key: neither walks the rows.
@@ -60,10 +60,12 @@ void ListaPaginada::cargar(int filas) {
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
     if (!m_def.cola.isEmpty())
-        m_filasCola = int(Conexion()
-                              .query(u"SELECT count(*) FROM ("_s + m_def.cola + u')')
-                              .value(0, 0)
-                              .toLongLong());
+        m_filasCola = filasCola >= 0
+                          ? filasCola
+                          : int(Conexion()
+                                    .query(u"SELECT count(*) FROM ("_s + m_def.cola + u')')
+                                    .value(0, 0)
+                                    .toLongLong());
 }
 
 const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {

@@ -64,9 +64,9 @@ class ListaPaginada {
 
     explicit ListaPaginada(Definicion definicion);
 
-    // Counts the rows (unless `filas`, just counted, is given) and starts
-    // over in the order chosen; throws ErrorBD.
-    void cargar(int filas = -1);
+    // Counts the rows (unless `filas`, and `filasCola` of `cola`, are
+    // known) and starts over in the order chosen; throws ErrorBD.
+    void cargar(int filas = -1, int filasCola = -1);
     // The rows there are now, without reading them; throws ErrorBD.
     int contar() const;
     void limpiar();

@@ -202,6 +202,18 @@ CREATE INDEX IF NOT EXISTS AboAuto_Automatico ON AboAuto (Automatico);
     }
 }
 
+int msCrearCuentaBandeja(BaseDatos& con) {
+    try {
+        if (!con.hasTable(u"envios"_s)) return -1;
+        Transaccion t(con);
+        const bool creada = Esquema::crearCuentaBandeja(con);
+        t.commit();
+        return creada ? 0 : -1;
+    } catch (const ErrorBD&) {
+        return -1;
+    }
+}
+
 void msActualizarBD(const QString& path) {
     // The upgrade's own connection; the shared one stays open on the
     // same file. If it does not open, nothing is upgraded.
@@ -280,6 +292,8 @@ void msActualizarBD(const QString& path) {
         // Passed over like every step; the program fills the keys it meets
         // empty when it opens the file.
     }
+
+    msCrearCuentaBandeja(c);
 
     // The look-ups by alias and by date want the indexes a new file has.
     for (QString indice : Esquema::indicesActuales())

@@ -28,3 +28,8 @@ int msQuitarIntercalaciones(BaseDatos& con);
 // The engine can't drop a primary key or add an identity column in place, so
 // AboAuto gains `id_AboAuto` by a rebuild that keeps every row.
 int msRebuildAboAuto(BaseDatos& con);
+// The outbox's kept count per account, its triggers and the list's date
+// index, in one transaction: the count of the rows already there and the
+// triggers that keep it from then on go in together. -1 when the file had
+// them or could not take them.
+int msCrearCuentaBandeja(BaseDatos& con);

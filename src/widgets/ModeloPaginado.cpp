@@ -49,10 +49,10 @@ void ModeloPaginado::recolocar(F cambio) {
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
-void ModeloPaginado::cargar(int filas) {
-    recolocar([this, filas] {
+void ModeloPaginado::cargar(int filas, int filasCola) {
+    recolocar([this, filas, filasCola] {
         try {
-            m_lista.cargar(filas);
+            m_lista.cargar(filas, filasCola);
         } catch (const ErrorBD&) {
             m_lista.limpiar();
         }

@@ -22,9 +22,10 @@ class ModeloPaginado : public ModeloListado {
     QString texto(int fila, int columna) const override;
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
-    // Reads the rows anew in the order chosen (`filas`: their count, when
-    // just counted); an unreadable table shows empty. Throws nothing.
-    void cargar(int filas = -1);
+    // Reads the rows anew in the order chosen (`filas` and `filasCola`:
+    // the counts of the ordered lines and of those just moved here, when
+    // known); an unreadable table shows empty. Throws nothing.
+    void cargar(int filas = -1, int filasCola = -1);
     // How many rows there are now, without reading them; throws ErrorBD.
     int contar() const { return m_lista.contar(); }
     // Orders by a column without a header click (-1: by the rows' numbers).
@@ -33,6 +34,7 @@ class ModeloPaginado : public ModeloListado {
     int64_t clave(int fila) const { return m_lista.clave(fila); }
     // The lines in the order chosen, before those just moved here.
     int filasOrdenadas() const { return m_lista.filasOrdenadas(); }
+    int filasCola() const { return rowCount() - filasOrdenadas(); }
     // The order of the lines before those just moved here, turned round.
     QString ordenInverso() const { return m_lista.ordenInverso(); }
 

@@ -22,14 +22,10 @@ class TestCuentas : public Prueba {
     std::unique_ptr<SimuladorPrueba> sim;
 
   private Q_SLOTS:
-    void initTestCase() {
-        sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador);
-        QVERIFY(sim->listo());
-    }
+    void initTestCase() { sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador); }
     void cleanupTestCase() { sim.reset(); }
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/cuentas.db"_s));
+        world.baseNueva(u"cuentas.db"_s);
         plataforma(*sim, true);
         ui.emplace();
     }
@@ -123,13 +119,6 @@ class TestCuentas : public Prueba {
         QFETCH(bool, borrada);
         QCOMPARE(fila(2) == u"-"_s, borrada);
         QCOMPARE(avisos.count(), borrada ? 1 : 0);
-    }
-
-    void makePrincipal() {
-        cuenta(1, u"Uno"_s, 1);
-        cuenta(2, u"L'Hospitalet"_s);
-        msHacerPrincipal(2);
-        QCOMPARE(principales(), QList<int>{2});
     }
 
     // The balance from the list: stored by the exchange, or told in a box.

@@ -48,6 +48,23 @@ void altaDemo(QWidget* ini) {
     hijo<QPushButton>(ini, u"cmdAceptar"_s)->click();
 }
 
+// "Mi cuenta" (user demo, password `clave`, the platform's sender) typed
+// into the editor that the list's add button opens; the editor's name and
+// title.
+QString anadirDesdeLaLista(frmCanales& f, const QString& clave) {
+    QString editor;
+    alAbrirModal([&](QDialog* d) {
+        editor = d->objectName() + u' ' + d->windowTitle();
+        escribir(d, u"txtNombre"_s, u"Mi cuenta"_s);
+        escribir(d, u"txtUsuario"_s, u"demo"_s);
+        escribir(d, u"txtClave"_s, clave);
+        hijo<QRadioButton>(d, u"Option1_0"_s)->click();
+        hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
+    });
+    f.cmdAdd->click();
+    return editor;
+}
+
 void elegir(Listado* l, const QString& nombre) {
     const int f = int(textosDe(l, 0).indexOf(nombre));
     QVERIFY2(f >= 0, qPrintable(nombre));
@@ -82,14 +99,10 @@ class TestPantallasCuentas : public Prueba {
     }
 
   private Q_SLOTS:
-    void initTestCase() {
-        sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador);
-        QVERIFY(sim->listo());
-    }
+    void initTestCase() { sim = std::make_unique<SimuladorPrueba>(world.root(), kSimulador); }
     void cleanupTestCase() { sim.reset(); }
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/pantallas.db"_s));
+        world.baseNueva(u"pantallas.db"_s);
         plataforma(*sim, true);
         registrarPantallasCuentas();
         abiertas.clear();
@@ -124,9 +137,7 @@ class TestPantallasCuentas : public Prueba {
         Conexion().execScript(u"DROP TABLE Canales; CREATE TABLE Canales (Canal INTEGER);"_s);
         frmCanales f;
         QCOMPARE(f.ListView1->modelo()->rowCount(), 0);
-        QCOMPARE(cajas(*ui), QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor "
-                                         u"favor seleccione la Base de Datos correcta de Quelmo "
-                                         u"Mensajes"_s});
+        QCOMPARE(cajas(*ui), QStringList{prueba::kCajaBaseNoValida});
         QCOMPARE(ui->selectDatabaseShown, 1);
     }
 
@@ -176,14 +187,7 @@ class TestPantallasCuentas : public Prueba {
         QFETCH(int, respuesta);
         ui->answers = {respuesta};
         frmCanales f;
-        alAbrirModal([&clave](QDialog* d) {
-            escribir(d, u"txtNombre"_s, u"Mi cuenta"_s);
-            escribir(d, u"txtUsuario"_s, u"demo"_s);
-            escribir(d, u"txtClave"_s, clave);
-            hijo<QRadioButton>(d, u"Option1_0"_s)->click();
-            hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
-        });
-        f.cmdAdd->click();
+        anadirDesdeLaLista(f, clave);
         QTEST(cajasSinLibreria(*ui).join(u" / "_s), "caja");
         QTEST(fila(0) == u"-"_s ? fila(0) : fila(0).section(u'|', 4, 4), "saldo");
     }
@@ -199,8 +203,7 @@ class TestPantallasCuentas : public Prueba {
         });
         Pantallas::abrir(u"frmIniCanal"_s);
         QCOMPARE(cajas(*ui),
-                 (QStringList{u"16 La Base de Datos Seleccionada no es válida\nPor favor "
-                              u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s,
+                 (QStringList{prueba::kCajaBaseNoValida,
                               u"16 No pudo completarse con éxito la configuración, verifique "
                               u"los datos"_s}));
         QCOMPARE(ui->selectDatabaseShown, 1);
@@ -211,16 +214,7 @@ class TestPantallasCuentas : public Prueba {
     void addFirstAccountFromTheList() {
         frmEnvio envio;
         frmCanales f;
-        alAbrirModal([](QDialog* d) {
-            QCOMPARE(d->objectName(), u"frmNewCanal"_s);
-            QCOMPARE(d->windowTitle(), u"Mantenimiento de Cuenta"_s);
-            escribir(d, u"txtNombre"_s, u"Mi cuenta"_s);
-            escribir(d, u"txtUsuario"_s, u"demo"_s);
-            escribir(d, u"txtClave"_s, u"demo"_s);
-            hijo<QRadioButton>(d, u"Option1_0"_s)->click();
-            hijo<QPushButton>(d, u"cmdAceptar"_s)->click();
-        });
-        f.cmdAdd->click();
+        QCOMPARE(anadirDesdeLaLista(f, u"demo"_s), u"frmNewCanal Mantenimiento de Cuenta"_s);
         QCOMPARE(filasDe(f.ListView1), QStringList{u"Mi cuenta||Sí|100|demo|0"_s});
         QCOMPARE(fila(0),
                  u"Mi cuenta|%1|demo|demo|100|1||0|0034600123456|160"_s.arg(msHostPlataforma()));
@@ -388,9 +382,6 @@ class TestPantallasCuentas : public Prueba {
     // A fresh installation: the notice, a registered user, and a compose
     // screen whose account sends.
     void freshStartToASend() {
-        // What the frame's first activation does with no account.
-        QCoro::waitFor(msPrimeraVez());
-        QCOMPARE(ui->firstRunShown, 1);
         QStringList vistas;
         alAbrirModal([&vistas](QDialog* aviso) {
             vistas << aviso->objectName();
@@ -526,46 +517,39 @@ class TestPantallasCuentas : public Prueba {
     // Pictures of every account screen, for a look by eye: only when
     // QUELMO_CAPTURAS names a folder (run under a real display server).
     void capturas() {
-        const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS");
-        if (dir.isEmpty()) QSKIP("QUELMO_CAPTURAS not set");
+        if (qEnvironmentVariableIsEmpty("QUELMO_CAPTURAS")) QSKIP("QUELMO_CAPTURAS not set");
         tresCuentas();
-        auto guardar = [&dir](QWidget* w, const QString& nombre) {
-            w->show();
-            QVERIFY(QTest::qWaitForWindowExposed(w));
-            QTest::qWait(200);
-            QVERIFY(w->grab().save(dir + u'/' + nombre + u".png"_s));
-        };
         frmCanales lista;
         elegir(lista.ListView1, u"Beta"_s);
-        guardar(&lista, u"frmCanales"_s);
+        prueba::captura(&lista, u"frmCanales"_s);
         frmNewCanal editor;
         editor.cargar(msLeerCuenta(5));
         editor.Option1->button(2)->click();
         editor.txtRemitente->setText(u"MiTienda"_s);
-        guardar(&editor, u"frmNewCanal"_s);
+        prueba::captura(&editor, u"frmNewCanal"_s);
         frmTipoRegistro aviso;
-        guardar(&aviso, u"frmTipoRegistro"_s);
+        prueba::captura(&aviso, u"frmTipoRegistro"_s);
         aviso.cmdUR->click();
         frmSCanal picker;
-        guardar(&picker, u"frmSCanal"_s);
+        prueba::captura(&picker, u"frmSCanal"_s);
         frmRegistro asistente;
         asistente.txtNombre->setText(u"Ana Pérez"_s);
         asistente.txtEmail->setText(u"ana@correo.test"_s);
         asistente.txtMovil->setText(u"612345678"_s);
-        guardar(&asistente, u"frmRegistro-datos"_s);
+        prueba::captura(&asistente, u"frmRegistro-datos"_s);
         asistente.next();
         asistente.chkAcepto->setChecked(true);
-        guardar(&asistente, u"frmRegistro-condiciones"_s);
+        prueba::captura(&asistente, u"frmRegistro-condiciones"_s);
         asistente.next();
         asistente.txtUsuario->setText(u"ana_captura"_s);
         asistente.txtClave->setText(u"secreta"_s);
         asistente.txtClave2->setText(u"secreta"_s);
-        guardar(&asistente, u"frmRegistro-usuario"_s);
+        prueba::captura(&asistente, u"frmRegistro-usuario"_s);
         asistente.button(QWizard::CommitButton)->click();
         QTRY_COMPARE(asistente.currentId(), int(frmRegistro::Fin));
-        guardar(&asistente, u"frmRegistro-fin"_s);
-        alAbrirModal([&guardar](QDialog* d) {
-            guardar(d, u"frmIniCanal"_s);
+        prueba::captura(&asistente, u"frmRegistro-fin"_s);
+        alAbrirModal([](QDialog* d) {
+            prueba::captura(d, u"frmIniCanal"_s);
             d->reject();
         });
         Pantallas::abrir(u"frmIniCanal"_s);

@@ -55,36 +55,30 @@ F real(const char* nombre) {
 
 }  // namespace
 
-// Every way a library opens a file by its name goes through one of these.
+// Every way a library opens a file by its name goes through one of these;
+// each notes the call and reads the mode that may follow the flags.
+#define QUELMO_ANOTAR(ruta, flags)                                           \
+    va_list a;                                                               \
+    va_start(a, flags);                                                      \
+    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0)); \
+    va_end(a)
 extern "C" int open(const char* ruta, int flags, ...) {
-    va_list a;
-    va_start(a, flags);
-    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
-    va_end(a);
+    QUELMO_ANOTAR(ruta, flags);
     static const auto f = real<int (*)(const char*, int, ...)>("open");
     return f(ruta, flags, modo);
 }
 extern "C" int open64(const char* ruta, int flags, ...) {
-    va_list a;
-    va_start(a, flags);
-    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
-    va_end(a);
+    QUELMO_ANOTAR(ruta, flags);
     static const auto f = real<int (*)(const char*, int, ...)>("open64");
     return f(ruta, flags, modo);
 }
 extern "C" int openat(int dir, const char* ruta, int flags, ...) {
-    va_list a;
-    va_start(a, flags);
-    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
-    va_end(a);
+    QUELMO_ANOTAR(ruta, flags);
     static const auto f = real<int (*)(int, const char*, int, ...)>("openat");
     return f(dir, ruta, flags, modo);
 }
 extern "C" int openat64(int dir, const char* ruta, int flags, ...) {
-    va_list a;
-    va_start(a, flags);
-    const mode_t modo = anotar(ruta, flags, a, __builtin_return_address(0));
-    va_end(a);
+    QUELMO_ANOTAR(ruta, flags);
     static const auto f = real<int (*)(int, const char*, int, ...)>("openat64");
     return f(dir, ruta, flags, modo);
 }

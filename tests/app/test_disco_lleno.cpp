@@ -62,7 +62,6 @@ class TestDiscoLleno : public Prueba {
         QDir(world.dataHome()).removeRecursively();
         QDir().mkpath(world.appDir());
         SimuladorPrueba sim(world.root(), u"[cuenta1]\nusuario=demo\nclave=demo\n"_s);
-        QVERIFY(sim.listo());
         prepararBase(sim);
         // The file to import lies outside the full disk, as a user's would.
         QTemporaryDir fuera;
@@ -97,7 +96,6 @@ class TestDiscoLleno : public Prueba {
         SimuladorPrueba sim(world.root(),
                             u"[plataforma]\nretraso_ms=1500\n[cuenta1]\n"
                             u"usuario=demo\nclave=demo\nsaldo=100\n"_s);
-        QVERIFY(sim.listo());
         prepararBase(sim);
         const QString lleno = world.root() + u"/lleno"_s;
         QFile::remove(lleno);

@@ -28,7 +28,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <QToolBar>
@@ -488,31 +487,18 @@ class TestGuiMain : public Prueba {
         prueba::hijo<QPlainTextEdit>(envio, u"txtMensaje"_s)
             ->setPlainText(u"Hola, ¿nos vemos el lunes?"_s);
         envio->txtMensaje_cambiar();
-        // With QUELMO_CAPTURA_PANTALLA (a suffix, "1024x600"), the whole
-        // display as a user sees it: where the window manager put the
-        // window, and whether it fits.
-        const QString pantallaEntera = qEnvironmentVariable("QUELMO_CAPTURA_PANTALLA");
-        auto guardar = [&](QWidget* v, const QString& nombre) {
-            v->show();
-            QVERIFY(QTest::qWaitForWindowExposed(v));
-            QTest::qWait(300);
-            QVERIFY(v->grab().save(dir + u'/' + nombre + u".png"_s));
-            if (!pantallaEntera.isEmpty())
-                QVERIFY(v->screen()->grabWindow(0).save(dir + u'/' + nombre + u'-' +
-                                                        pantallaEntera + u".png"_s));
-        };
-        guardar(w.get(), u"principal"_s);
+        prueba::captura(w.get(), u"principal"_s);
         {
             Conexion().exec(
                 u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (1,'Recordatorio semanal')"_s);
             frmNewMenAuto2 editor(w.get());
             editor.setCodigo(1);
-            guardar(&editor, u"programado"_s);
+            prueba::captura(&editor, u"programado"_s);
         }
         PantallasHijas::show(PantallasHijas::instance<frmAbonados>());
-        guardar(w.get(), u"contactos"_s);
+        prueba::captura(w.get(), u"contactos"_s);
         frmOpciones opciones(w.get());
-        guardar(&opciones, u"opciones"_s);
+        prueba::captura(&opciones, u"opciones"_s);
         // The picture dialog, as the desktop's dialog with Qt's own texts.
         InterfazGrafica gui;
         establecerInterfaz(&gui);

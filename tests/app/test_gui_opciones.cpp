@@ -37,10 +37,7 @@ class TestGuiOpciones : public Prueba {
     }
 
   private Q_SLOTS:
-    void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/opc.db"_s));
-    }
+    void init() { world.baseNueva(u"opc.db"_s); }
 
     void checksAndWhatIsStored_data() {
         QTest::addColumn<QString>("lote");
@@ -101,13 +98,11 @@ class TestGuiOpciones : public Prueba {
         QTest::mouseClick(hijo<QPushButton>(&pantalla, u"cmdAñadir"_s), Qt::LeftButton);
 
         const bool guardado = aviso.isEmpty();
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(QString::number(ui.boxes[0].style) + u' ' + ui.boxes[0].text,
-                 guardado
-                     ? u"64 Datos de Opciones  guardados correctamente.\n\nTiempo de "
-                       u"envío de mensajes en bandeja de Salida establecido en %1 Seg.\n\n"_s.arg(
-                           intervalo)
-                     : QString(u"48 "_s + aviso));
+        QCOMPARE(prueba::cajas(ui),
+                 QStringList{guardado ? u"64 Datos de Opciones  guardados correctamente.\n\nTiempo "
+                                        u"de envío de mensajes en bandeja de Salida establecido "
+                                        u"en %1 Seg.\n\n"_s.arg(intervalo)
+                                      : QString(u"48 "_s + aviso)});
         // Refused: the screen stays and nothing changes.
         QCOMPARE(pantalla.isVisible(), !guardado);
         QCOMPARE(opcion(u"maxlote || '/' || solocontactos"_s).toString(),
@@ -143,7 +138,6 @@ class TestGuiOpciones : public Prueba {
     void loadShowsWhatIsStored() {
         QFETCH(QString, clave);
         QFETCH(QString, intervalo);
-        QFETCH(QString, enCajas);
         QFETCH(QString, intervaloVisto);
         InterfazGuionada ui;
         if (!clave.isNull()) Ajustes::saveSetting(u"Tr"_s, u"pwc"_s, msCifrarClave(clave, true));
@@ -151,7 +145,7 @@ class TestGuiOpciones : public Prueba {
         Conexion().exec(u"update opciones set maxlote=120, solocontactos=1, imgfondo='/x/y.jpg'"_s);
         frmOpciones pantalla;
         for (const QString& caja : {u"txtpwdcontactos"_s, u"txtpwdcontactos2"_s}) {
-            QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->text(), enCajas);
+            QTEST(hijo<QLineEdit>(&pantalla, caja)->text(), "enCajas");
             QCOMPARE(hijo<QLineEdit>(&pantalla, caja)->echoMode(), QLineEdit::Password);
         }
         QCOMPARE(hijo<QLineEdit>(&pantalla, u"txttimer"_s)->text(), intervaloVisto);
@@ -166,11 +160,7 @@ class TestGuiOpciones : public Prueba {
         InterfazGuionada ui;
         Conexion().close();
         frmOpciones pantalla;
-        QCOMPARE(ui.boxes.size(), 1);
-        QCOMPARE(ui.boxes[0].style, 16);
-        QCOMPARE(ui.boxes[0].text,
-                 u"La Base de Datos Seleccionada no es válida\nPor favor "
-                 u"seleccione la Base de Datos correcta de Quelmo Mensajes"_s);
+        QCOMPARE(prueba::cajas(ui), QStringList{prueba::kCajaBaseNoValida});
         QCOMPARE(ui.selectDatabaseShown, 1);
     }
 
@@ -239,7 +229,6 @@ class TestGuiOpciones : public Prueba {
     void promptTakesWhatWasTyped() {
         QFETCH(QString, tecleado);
         QFETCH(bool, enter);
-        QFETCH(QString, introducida);
         estadoAplicacion().gsClaveIntroducida = u"antes"_s;
         frmpwd prompt;
         prompt.show();
@@ -253,7 +242,7 @@ class TestGuiOpciones : public Prueba {
         else
             QTest::mouseClick(hijo<QPushButton>(&prompt, u"CmdSalir"_s), Qt::LeftButton);
         QVERIFY(!prompt.isVisible());
-        QCOMPARE(estadoAplicacion().gsClaveIntroducida, introducida);
+        QTEST(estadoAplicacion().gsClaveIntroducida, "introducida");
         // The key is taken by the prompt, not typed into the box.
         QCOMPARE(text1->text(), tecleado);
     }

@@ -156,12 +156,9 @@ class TestTransmitter : public Prueba {
         QFETCH(QString, continuo);
         QFETCH(bool, porOrden);
         QFETCH(QString, destino);
-        QFETCH(int, ejecuciones);
-        QFETCH(int, quedan);
         SimuladorPrueba sim(world.root(),
                             u"[plataforma]\nrechazados=0034600000666\n[cuenta1]\nusuario=demo\n"
                             u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
-        QVERIFY(sim.listo());
         Conexion().exec(u"update opciones set maxlote=2 where id=1"_s);
         prueba::cuentaPrincipal(sim.host());
         for (int i = 0; i < 5; ++i) prueba::pendiente(destino, u"x"_s);
@@ -177,8 +174,8 @@ class TestTransmitter : public Prueba {
         // Timer1 is armed again only when no run follows at once; with its
         // minute no tick of it comes before this.
         QTRY_VERIFY_WITH_TIMEOUT(t.Timer1().isActive(), 30000);
-        QCOMPARE(ticks.count(), ejecuciones);
-        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), quedan);
+        QTEST(int(ticks.count()), "ejecuciones");
+        QTEST(int(prueba::cuantos(u"SELECT count(*) FROM envios"_s)), "quedan");
         QCOMPARE(t.Timer1().interval(), 60000);
         t.detener();
     }

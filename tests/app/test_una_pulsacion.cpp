@@ -1,12 +1,12 @@
 // One press, one action, on every button that writes messages or asks the
 // platform: the double click a window system delivers (press, release,
 // press, double click, release) is one click, so nothing is queued, sent or
-// asked twice. Two presses apart stay two (the emergency send's test).
+// asked twice. The emergency send's test counts what its button queues, for
+// a double click and for two presses apart.
 #include "TestSupportGui.h"
 #include "accounts/frmCanales.h"
 #include "addressbook/frmSubirListaWeb.h"
 #include "composition/frmEnvio.h"
-#include "history/frmEmergencias.h"
 #include "history/frmHEnvios.h"
 #include "import/frmSelectDB.h"
 #include "scheduling/frmNewMenAuto2.h"
@@ -30,7 +30,6 @@ const QList<Boton>& botones() {
         {"frmEnvio", u"cmdAñadir"_s, [] { return new frmEnvio(); }},
         {"frmEnvio", u"cmdEnviar"_s, [] { return new frmEnvio(); }},
         {"frmEnvio", u"cmdSaldo"_s, [] { return new frmEnvio(); }},
-        {"frmEmergencias", u"cmdEnviar"_s, [] { return new frmEmergencias(); }},
         {"frmHEnvios", u"XPButton2"_s, [] { return new frmHEnvios(); }},
         {"frmSelectDB", u"cmdAdd"_s, [] { return new frmSelectDB(); }},
         {"frmSubirListaWeb", u"cmdPublicar"_s, [] { return new frmSubirListaWeb(); }},

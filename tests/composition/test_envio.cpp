@@ -59,9 +59,11 @@ class TestEnvio : public Prueba {
         return m->texto(fila, col);
     }
 
+    QString m_ruta;
+
   private Q_SLOTS:
     void init() {
-        world.baseNueva(u"envio.db"_s);
+        m_ruta = world.baseNueva(u"envio.db"_s);
         sql(u"INSERT INTO Canales (Canal,Nombre,Saldo,Principal,Remitente,tini,tfin) VALUES "
             u"(1,'Cuenta_1',12,1,'Juan ',NULL,NULL),(2,'Otra',3,0,'',NULL,NULL)"_s);
         sql(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1),"
@@ -511,6 +513,49 @@ class TestEnvio : public Prueba {
                  u"%1 mensajes listos para enviar"_s.arg(quedan));
         QCOMPARE(l->filaActual(), linea);
         if (linea >= 0) QCOMPARE(l->modelo()->texto(linea, 0), id);
+    }
+    // The count the list shows is kept by the file itself: whatever another
+    // SQLite client writes, in whatever account (one that no longer exists,
+    // none, a code that is no number), it equals a walk of the outbox.
+    void keptCountFollowsEveryWriter_data() {
+        QTest::addColumn<QString>("guion");
+        QTest::newRow("inserts") << u"INSERT INTO envios (Canal,Abonado) VALUES (1,'a'),(2,'b'),"
+                                    u"(9,'c'),(NULL,'d'),('x','e'),('2','f');"_s;
+        QTest::newRow("deletes") << u"DELETE FROM envios WHERE Id IN (1,3); DELETE FROM envios "
+                                    u"WHERE Canal IS NULL;"_s;
+        QTest::newRow("moves between accounts")
+            << u"UPDATE envios SET Canal=2 WHERE Id=1; UPDATE envios SET Canal=NULL WHERE Id=2; "
+               u"UPDATE envios SET Canal=1 WHERE Canal IS NULL; UPDATE envios SET Canal=9 "
+               u"WHERE Id=4; UPDATE envios SET Mensaje='otro';"_s;
+        QTest::newRow("the writer's conflict clauses")
+            << u"INSERT OR IGNORE INTO envios (Id,Canal) VALUES (1,2); INSERT OR REPLACE INTO "
+               u"envios (Canal) VALUES (1); INSERT OR ROLLBACK INTO envios (Canal) VALUES (2); "
+               u"INSERT INTO envios (Id,Canal) VALUES (2,1) ON CONFLICT(Id) DO UPDATE SET "
+               u"Canal=excluded.Canal; UPDATE OR FAIL envios SET Canal=2 WHERE Id=1;"_s;
+        QTest::newRow("rolled back")
+            << u"BEGIN; INSERT INTO envios (Canal) VALUES (1); DELETE FROM envios WHERE Id=1; "
+               u"ROLLBACK;"_s;
+        QTest::newRow("everything") << u"DELETE FROM envios;"_s;
+    }
+    void keptCountFollowsEveryWriter() {
+        QFETCH(QString, guion);
+        sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
+            u"('2026-03-04 05:06:07',1,'0034600000001','m',2),"
+            u"('2026-03-04 05:06:07',2,'0034600000002','m',2),"
+            u"('2026-03-04 05:06:07',9,'0034600000003','m',2),"
+            u"('2026-03-04 05:06:07',NULL,'0034600000004','m',2)"_s);
+        prueba::shell(m_ruta, guion);
+        const QString porCuenta =
+            u"SELECT Canal, Filas FROM EnviosPorCanal WHERE Filas <> 0 ORDER BY Canal"_s;
+        QCOMPARE(prueba::filas(porCuenta),
+                 prueba::filas(u"SELECT Canal, count(*) FROM envios WHERE Canal IS NOT NULL "
+                               u"GROUP BY Canal ORDER BY Canal"_s));
+        const long long n = prueba::cuantos(
+            u"SELECT count(*) FROM envios INNER JOIN canales ON envios.canal = canales.canal"_s);
+        frmEnvio f;
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(),
+                 n ? u"%1 mensajes listos para enviar"_s.arg(n) : QString());
+        QCOMPARE(hijo<Listado>(f, u"ListView1"_s)->modelo()->rowCount(), int(n));
     }
 };
 

@@ -95,12 +95,16 @@ class TestUpgrade : public Prueba {
                        u"envios), (SELECT Alias FROM Abonados), (SELECT TareaProgramada IS NULL "
                        u"FROM Automaticos)"_s),
                  QStringList{u"1|1|1|Ana|1"_s});
-        // Its place in the lists' order comes with it.
+        // Its place in the lists' order comes with it, and the outbox's count
+        // is kept from then on.
         QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, ClaveComentario IS NOT NULL FROM "
                        u"Abonados"_s),
                  QStringList{u"1|1"_s});
         QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, Destinatarios FROM Automaticos"_s),
                  QStringList{u"1|1"_s});
+        prueba::bd().exec(u"INSERT INTO envios (Canal) VALUES (1), (2)"_s);
+        QCOMPARE(filas(u"SELECT Canal, Filas FROM EnviosPorCanal"_s),
+                 (QStringList{u"1|2"_s, u"2|1"_s}));
 
         // The old row keeps its values and gains an identity; the same contact
         // can now stand twice in one multi-send.

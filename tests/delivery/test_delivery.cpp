@@ -17,10 +17,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
-using prueba::cuantos;
-using prueba::enRegistro;
-using prueba::pendiente;
-using prueba::registro;
+using namespace prueba;
 
 namespace {
 
@@ -44,9 +41,7 @@ class TestDelivery : public Prueba {
     std::unique_ptr<RelojFijo> reloj;
 
     std::unique_ptr<SimuladorPrueba> simulador(const QString& ini = configuracion()) {
-        auto s = std::make_unique<SimuladorPrueba>(world.root(), ini);
-        if (!s->listo()) qFatal("the platform simulator did not start");
-        return s;
+        return std::make_unique<SimuladorPrueba>(world.root(), ini);
     }
     // The simulator with the principal account of anadirCuenta on it.
     std::unique_ptr<SimuladorPrueba> plataforma(const QString& ini = configuracion()) {
@@ -56,14 +51,14 @@ class TestDelivery : public Prueba {
     }
     void anadirCuenta(const QString& host, const QString& clave = u"demo"_s, int remopc = 0,
                       const QString& tini = {}, const QString& tfin = {}, int imptextos = 0) {
-        prueba::cuentaPrincipal(host, clave,
-                                {{u"Saldo"_s, 7},
-                                 {u"Remitente"_s, u"Tienda"_s},
-                                 {u"remopc"_s, remopc},
-                                 {u"tini"_s, tini},
-                                 {u"tfin"_s, tfin},
-                                 {u"imptextos"_s, imptextos},
-                                 {u"movil"_s, u""_s}});
+        cuentaPrincipal(host, clave,
+                        {{u"Saldo"_s, 7},
+                         {u"Remitente"_s, u"Tienda"_s},
+                         {u"remopc"_s, remopc},
+                         {u"tini"_s, tini},
+                         {u"tfin"_s, tfin},
+                         {u"imptextos"_s, imptextos},
+                         {u"movil"_s, u""_s}});
     }
 
   private Q_SLOTS:
@@ -132,12 +127,12 @@ class TestDelivery : public Prueba {
         QVERIFY2(enRegistro(linea), qPrintable(registro()));
         QCOMPARE(cuantos(u"select count(*) from HEnvios"_s), historial);
         // A refusal stamps the attempt; anything else leaves the row alone.
-        QCOMPARE(prueba::filas(u"select intento, Registro from envios"_s),
+        QCOMPARE(filas(u"select intento, Registro from envios"_s),
                  intento == 0 ? QStringList()
                               : QStringList{u"%1|"_s.arg(intento) +
                                             (intento == 1 ? aTextoBD(kAhora) : kAntes)});
         if (historial > 0)
-            QCOMPARE(prueba::filas(u"select Canal, crem, Registro from HEnvios"_s).value(0),
+            QCOMPARE(filas(u"select Canal, crem, Registro from HEnvios"_s).value(0),
                      u"1|Principal (Tienda)|"_s + aTextoBD(kAhora));
         // Only an account the platform holds inactive is told with a box.
         QCOMPARE(ui->boxes.size(), cuentaSim == u"activa=false"_s ? 1 : 0);
@@ -326,7 +321,7 @@ class TestDelivery : public Prueba {
         anadirCuenta(sim->host(), u"demo"_s, remopc);
         pendiente(u"629000000"_s, u"hola"_s);
         QCoro::waitFor(msEnviarLote(1, false));
-        QCOMPARE(prueba::filas(u"select Saldo, Remitente, movil from Canales"_s),
+        QCOMPARE(filas(u"select Saldo, Remitente, movil from Canales"_s),
                  QStringList{u"99|"_s + remitente + u"|0034600123456"_s});
         QCOMPARE(estadoAplicacion().gsSaldoCuenta, u"99"_s);
         QCOMPARE(estadoAplicacion().gsVersionPlataforma, u"330"_s);
@@ -530,7 +525,7 @@ class TestDelivery : public Prueba {
     // batch keeps its items' results, a query returns nothing.
     void balanceThatIsNoNumber() {
         auto sim = plataforma(configuracion(u"fallo=saldo_texto"_s));
-        QCOMPARE(prueba::saldo(QCoro::waitFor(SendAutCuenta(1))), u"error"_s);
+        QCOMPARE(saldo(QCoro::waitFor(SendAutCuenta(1))), u"error"_s);
         QVERIFY2(enRegistro(u"Error en SendAutCuenta: Saldo no válido en la respuesta de la "
                             "plataforma: 'abc'"_s),
                  qPrintable(registro()));
@@ -587,8 +582,7 @@ class TestDelivery : public Prueba {
         auto sim = simulador(configuracion(u"version="_s + version));
         if (!conectar) sim->detener();
         QString host = sim->host();
-        QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, clave, host))),
-                 resultado);
+        QCOMPARE(saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, clave, host))), resultado);
         QVERIFY2(enRegistro(u" - "_s + linea), qPrintable(estadoAplicacion().log.last()));
         // A failure ends with the line that names it, which the boxes repeat.
         if (resultado == u"fallido"_s) {
@@ -624,7 +618,7 @@ class TestDelivery : public Prueba {
     void emptyHostTakesThePlatformsAddress() {
         auto sim = simulador();
         Ajustes::saveSetting(u"Despliegue"_s, u"Plataforma"_s, sim->host() + u'/');
-        QCOMPARE(prueba::saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString()))),
+        QCOMPARE(saldo(QCoro::waitFor(msConsultarSaldo(u"demo"_s, u"demo"_s, QString()))),
                  u"100"_s);
     }
 
@@ -646,8 +640,8 @@ class TestDelivery : public Prueba {
         QFETCH(bool, guardado);
         auto sim = simulador(configuracion({}, u"saldo="_s + saldoSim));
         anadirCuenta(sim->host(), clave);
-        QTEST(prueba::saldo(QCoro::waitFor(SendAutCuenta(int16_t(canal)))), "resultado");
-        QCOMPARE(prueba::filas(u"select Saldo, Remitente, movil from Canales"_s),
+        QTEST(saldo(QCoro::waitFor(SendAutCuenta(int16_t(canal)))), "resultado");
+        QCOMPARE(filas(u"select Saldo, Remitente, movil from Canales"_s),
                  QStringList{guardado ? saldoSim + u"|Tienda |0034600123456"_s : u"7|Tienda|"_s});
         // The user name is the password in some rows: the log shows it masked.
         QCOMPARE(enRegistro(u"Conectando con Usuario: '"_s), canal == 1);

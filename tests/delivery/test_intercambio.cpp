@@ -14,13 +14,13 @@
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
-using prueba::columna;
-using prueba::cuantos;
-using prueba::pendiente;
+using namespace prueba;
 
 class TestIntercambio : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
+
+    InterfazGuionada ui;  // every question takes its default answer
 
   private Q_SLOTS:
     void init() {
@@ -32,7 +32,6 @@ class TestIntercambio : public Prueba {
     // adds another, and a script writes through its own connection: what
     // the platform took goes to the history, the new rows wait.
     void theOutboxStaysOpenDuringTheExchange() {
-        InterfazGuionada ui;
         auto sim = plataformaLenta(world, 1500);
         pendiente(u"600000001"_s);
         pendiente(u"600000002"_s);
@@ -63,7 +62,6 @@ class TestIntercambio : public Prueba {
     // given up at once, its rows wait, and the next run's resend under the
     // same references reaches nobody twice.
     void aStopGivesTheExchangeUp() {
-        InterfazGuionada ui;
         auto sim = plataformaLenta(world, 2500);
         pendiente(u"600000001"_s);
         pendiente(u"600000002"_s);
@@ -96,7 +94,6 @@ class TestIntercambio : public Prueba {
     }
     void anotherDatabaseOpenedDuringTheRun() {
         QFETCH(bool, enLaRespuesta);
-        InterfazGuionada ui;
         auto sim = plataformaLenta(world, 1500);
         pendiente(u"600000001"_s);
         const QString primera = Conexion().path();

@@ -72,9 +72,6 @@ class TestLote : public Prueba {
             << QString(161, u'a') << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 17};
         QTest::newRow("300 in two")
             << QString(300, u'a') << QStringList{u"7"_s, u"X2X7"_s} << QList<int>{156, 156};
-        QTest::newRow("301 in three")
-            << QString(301, u'a') << QStringList{u"7"_s, u"X2X7"_s, u"X3X7"_s}
-            << QList<int>{156, 156, 7};
         QTest::newRow("160 emoji are 160 characters")
             << emoji.repeated(160) << QStringList{u"7"_s} << QList<int>{160};
         QTest::newRow("emoji across the cut")
@@ -168,16 +165,11 @@ class TestLote : public Prueba {
                  QStringList{guardado.isEmpty() ? u"7|Tienda "_s : guardado + u"|Otro "_s});
     }
 
-    void senderStoredBack_data() {
-        QTest::addColumn<QVariant>("remopc");
-        QTest::addColumn<QString>("guardado");
-        QTest::newRow("own text") << QVariant(0) << u"Tienda "_s;
-        QTest::newRow("mobile, last nine digits") << QVariant(1) << u"600123456 "_s;
-        QTest::newRow("null is own text") << QVariant() << u"Tienda "_s;
-    }
-    void senderStoredBack() {
-        QFETCH(QVariant, remopc);
-        QTEST(Lote::remitenteAGuardar(remopc, u"Tienda"_s, u"0034600123456"_s), "guardado");
+    // A null choice is the account's own text (the numbers: the delivery
+    // test's accountIsRenewedAfterAnExchange).
+    void nullSenderChoiceIsTheOwnText() {
+        QCOMPARE(Lote::remitenteAGuardar(QVariant(), u"Tienda"_s, u"0034600123456"_s),
+                 u"Tienda "_s);
     }
 
     // A wall clock that jumps while the pacing waits must neither freeze it

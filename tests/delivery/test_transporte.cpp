@@ -24,9 +24,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
-using prueba::cuantos;
-using prueba::enRegistro;
-using prueba::registro;
+using namespace prueba;
 
 namespace {
 
@@ -146,12 +144,15 @@ class TestTransporte : public Prueba {
     using Prueba::Prueba;
 
   private:
+    InterfazGuionada ui;  // every question takes its default answer
     QTemporaryDir tls;
     std::unique_ptr<SimuladorPrueba> sim;
 
     QString ruta(const QString& nombre) const { return tls.path() + u'/' + nombre; }
 
-    bool openssl(const QStringList& args) {
+    // openssl with the words of `orden` (split at blanks) and `mas`.
+    bool openssl(const QString& orden, const QStringList& mas = {}) {
+        const QStringList args = orden.split(u' ') + mas;
         QProcess p;
         p.setWorkingDirectory(tls.path());
         p.setProcessChannelMode(QProcess::MergedChannels);
@@ -163,12 +164,12 @@ class TestTransporte : public Prueba {
         return true;
     }
     bool autoridad(const QString& nombre) {
-        return openssl({u"req"_s, u"-x509"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
-                        u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-keyout"_s,
-                        nombre + u".key"_s, u"-out"_s, nombre + u".pem"_s, u"-days"_s, u"2"_s,
-                        u"-subj"_s, u"/CN=Autoridad "_s + nombre, u"-addext"_s,
-                        u"basicConstraints=critical,CA:TRUE"_s, u"-addext"_s,
-                        u"keyUsage=critical,keyCertSign,cRLSign"_s});
+        return openssl(
+            u"req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes "
+            u"-keyout %1.key -out %1.pem -days 2 -addext "
+            u"basicConstraints=critical,CA:TRUE -addext "
+            u"keyUsage=critical,keyCertSign,cRLSign"_s.arg(nombre),
+            {u"-subj"_s, u"/CN=Autoridad "_s + nombre});
     }
     // A server certificate for `nombres` (subjectAltName), signed by `ca`.
     bool hoja(const QString& nombre, const QString& ca, const QString& nombres) {
@@ -176,14 +177,12 @@ class TestTransporte : public Prueba {
                          (u"subjectAltName="_s + nombres +
                           u"\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n"_s)
                              .toUtf8());
-        return openssl({u"req"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
-                        u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-keyout"_s,
-                        nombre + u".key"_s, u"-out"_s, nombre + u".csr"_s, u"-subj"_s,
-                        u"/CN="_s + nombre}) &&
-               openssl({u"x509"_s, u"-req"_s, u"-in"_s, nombre + u".csr"_s, u"-CA"_s,
-                        ca + u".pem"_s, u"-CAkey"_s, ca + u".key"_s, u"-CAcreateserial"_s,
-                        u"-out"_s, nombre + u".pem"_s, u"-days"_s, u"2"_s, u"-extfile"_s,
-                        nombre + u".ext"_s});
+        return openssl(
+                   u"req -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -keyout "
+                   u"%1.key -out %1.csr -subj /CN=%1"_s.arg(nombre)) &&
+               openssl(
+                   u"x509 -req -in %1.csr -CA %2.pem -CAkey %2.key -CAcreateserial -out "
+                   u"%1.pem -days 2 -extfile %1.ext"_s.arg(nombre, ca));
     }
 
     // `nombre` started on its configuration `conf` (a file named last on
@@ -272,7 +271,6 @@ class TestTransporte : public Prueba {
             world.root(),
             u"[plataforma]\nversion=\n[cuenta1]\nusuario=demo\nclave=%1\nsaldo=100\n"_s.arg(
                 kClave));
-        QVERIFY(sim->listo());
     }
     void cleanup() {
         sim.reset();
@@ -337,7 +335,6 @@ class TestTransporte : public Prueba {
     // A name that does not resolve is the network's business: the old
     // advice stands, and the line after it names the host.
     void nameNotResolved() {
-        InterfazGuionada ui;
         anadirCuenta(u"http://plataforma.invalid"_s);
         QCOMPARE(enviarYConsultar(), u"fallido"_s);
         QCOMPARE(msLotesSinEntregar(), 1);
@@ -384,7 +381,6 @@ class TestTransporte : public Prueba {
         QFETCH(QString, autoridades);
         QFETCH(QString, esquema);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         int puerto = 0;
         const auto tunel = tunelTls(certificado, puerto);
         QVERIFY(tunel);
@@ -414,7 +410,6 @@ class TestTransporte : public Prueba {
     void passwordNeverInClear() {
         QFETCH(QString, donde);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         Escucha escucha;
         const QString oyente = u"http://127.0.0.1:%1"_s.arg(escucha.puerto());
         if (donde == u"ajuste"_s) Ajustes::saveSetting(u"Despliegue"_s, u"Proxy"_s, oyente);
@@ -468,7 +463,6 @@ class TestTransporte : public Prueba {
         QFETCH(QString, como);
         QFETCH(bool, cerrado);
         QFETCH(QString, linea);
-        InterfazGuionada ui;
         int puertoProxy = 0;
         std::unique_ptr<Programa> proxy;
         if (cerrado) {

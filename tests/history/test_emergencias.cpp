@@ -17,12 +17,9 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
-using prueba::en;
-using prueba::programa;
+using namespace prueba;
 
 namespace {
-
-using prueba::bd;
 
 void nombre(int codigo, const QString& n) {
     bd().exec(u"UPDATE Automaticos SET Nombre = ? WHERE Codigo = ?"_s, {n, codigo});
@@ -48,8 +45,7 @@ class TestEmergencias : public Prueba {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/emergencias.db"_s));
+        world.baseNueva(u"emergencias.db"_s);
         registrarPantallasHistorico();
         ui.emplace();
     }
@@ -72,7 +68,7 @@ class TestEmergencias : public Prueba {
         frmEmergencias* pantalla = PantallasHijas::instance<frmEmergencias>();
         QCOMPARE(pantalla->windowTitle(),
                  u"Selección de Mensajes Programados para envío inmediato"_s);
-        QCOMPARE(prueba::filasDe(pantalla->ListView1),
+        QCOMPARE(filasDe(pantalla->ListView1),
                  (QStringList{u"Diario sin enviar|0|15/03/2006|nunca"_s,
                               u"Diario|0|15/03/2006|14/03/2006"_s,
                               u"Una vez, pasado|0|Finalizado|"_s, u"Sin programar|2|no|"_s}));
@@ -82,9 +78,7 @@ class TestEmergencias : public Prueba {
 
     void nothingToShowClosesTheScreen() {
         QVERIFY(Pantallas::abrir(u"frmEmergencias"_s));
-        QCOMPARE(ui->boxes.size(), 1);
-        QCOMPARE(ui->boxes.at(0).text, u"No existen Mensajes Programados"_s);
-        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
+        QCOMPARE(cajas(*ui), QStringList{u"16 No existen Mensajes Programados"_s});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!PantallasHijas::isLoaded<frmEmergencias>());
     }
@@ -119,7 +113,7 @@ class TestEmergencias : public Prueba {
             destinatario(7, d.section(u'|', 0, 0), d.section(u'|', 1));
         for (const QString& c : contactos)
             contacto(c.section(u'|', 0, 0), c.section(u'|', 1).toInt());
-        const QStringList programaAntes = prueba::filas(u"SELECT * FROM Automaticos"_s);
+        const QStringList programaAntes = filas(u"SELECT * FROM Automaticos"_s);
         int envioAbierto = 0, bandejaAlAbrir = -1;
         QSignalSpy redibujo(&Avisos::instancia(), &Avisos::bandejaCambiada);
         Pantallas::registrar(u"frmEnvio"_s, [&] {
@@ -131,10 +125,9 @@ class TestEmergencias : public Prueba {
         QCOMPARE(envioAbierto, 0);
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(
-            prueba::filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
-            bandeja);
-        QCOMPARE(prueba::filas(u"SELECT DISTINCT Registro FROM envios"_s),
+        QCOMPARE(filas(u"SELECT Abonado, Mensaje, intento, Canal FROM envios ORDER BY Id"_s),
+                 bandeja);
+        QCOMPARE(filas(u"SELECT DISTINCT Registro FROM envios"_s),
                  QStringList{u"2006-03-15 10:00:30"_s});
         QVERIFY(ui->boxes.isEmpty());
         // The rows are in, and told, before the compose screen comes up on them.
@@ -142,7 +135,7 @@ class TestEmergencias : public Prueba {
         QCOMPARE(bandejaAlAbrir, 1);
         QCOMPARE(redibujo.count(), 1);
         // The schedule and the list stay as they were.
-        QCOMPARE(prueba::filas(u"SELECT * FROM Automaticos"_s), programaAntes);
+        QCOMPARE(filas(u"SELECT * FROM Automaticos"_s), programaAntes);
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 3), u"nunca"_s);
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
@@ -176,14 +169,12 @@ class TestEmergencias : public Prueba {
             QTest::mouseRelease(pantalla.cmdEnviar, Qt::LeftButton);
         } else {
             QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
-            if (gesto == u"dos"_s) {
-                QTest::qWait(QApplication::doubleClickInterval() + 100);
-                QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
-            }
+            QTest::qWait(QApplication::doubleClickInterval() + 100);
+            QTest::mouseClick(pantalla.cmdEnviar, Qt::LeftButton);
         }
         QCOMPARE(pantalla.cursor().shape(), Qt::ArrowCursor);
         QFETCH(int, envios);
-        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM envios"_s), 2LL * envios);
         Pantallas::registrar(u"frmEnvio"_s, {});
     }
 
@@ -204,7 +195,7 @@ class TestEmergencias : public Prueba {
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(1);
         pantalla.cmdEnviar->click();
-        QCOMPARE(prueba::filas(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
+        QCOMPARE(filas(u"SELECT Mensaje FROM envios"_s), QStringList{u"del tres"_s});
         Q_EMIT pantalla.ListView1->dobleClicFila(1);
         QCOMPARE(abierto, QVariant(3));
         QCOMPARE(pantalla.ListView1->modelo()->texto(0, 0), u"Renombrado"_s);
@@ -217,10 +208,9 @@ class TestEmergencias : public Prueba {
         frmEmergencias pantalla;
         pantalla.ListView1->seleccionarFila(0);
         pantalla.cmdEnviar->click();
-        QCOMPARE(ui->boxes.size(), 1);
-        QCOMPARE(ui->boxes.at(0).text,
-                 u"ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s);
-        QCOMPARE(ui->boxes.at(0).style, Msg::Critical);
+        QCOMPARE(
+            cajas(*ui),
+            QStringList{u"16 ATENCIÓN, no existen Mensajes asignados a este mensaje programado"_s});
         QCOMPARE(bd().query(u"SELECT count(*) FROM envios"_s).value(0, 0).toInt(), 0);
     }
 };

@@ -22,18 +22,11 @@ using prueba::escribir;
 using prueba::filas;
 using prueba::leer;
 
-inline void cuenta(int canal, bool principal) {
-    bd().exec(
-        u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
-        u"Principal) VALUES (?,?,160,1,'127.0.0.1','u','c',0,?)"_s,
-        {canal, QString(u"Cuenta "_s + QString::number(canal)), principal ? 1 : 0});
-}
-
-// A fresh database as the shared connection, with accounts 5 and 7.
+// A fresh database as the shared connection, with accounts 5 (principal) and 7.
 inline QString baseConCuentas(TestWorld& world) {
     const QString ruta = world.baseNueva(u"import.db"_s);
-    cuenta(5, true);
-    cuenta(7, false);
+    prueba::cuenta(5, u"Cuenta 5"_s, {{u"Principal"_s, 1}});
+    prueba::cuenta(7, u"Cuenta 7"_s);
     return ruta;
 }
 

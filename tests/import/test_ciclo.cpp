@@ -17,14 +17,14 @@ class TestCiclo : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
+    InterfazGuionada ui;  // every question takes its default answer
+
   private Q_SLOTS:
     void loDejadoSaleEnElMismoCiclo() {
         world.reset();
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(),
                             u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"
                             u"movil=0034600123456\n"_s);
-        QVERIFY(sim.listo());
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/ciclo.db"_s));
         prueba::cuentaPrincipal(sim.host(), u"demo"_s, {{u"Remitente"_s, u""_s}});
         const QString vigilado = world.root() + u"/pedidos.txt"_s;
@@ -70,9 +70,7 @@ class TestCiclo : public Prueba {
         QFETCH(QString, linea);
         QFETCH(QStringList, enviados);
         world.reset();
-        InterfazGuionada ui;
         SimuladorPrueba sim(world.root(), u"[cuenta1]\nusuario=demo\nclave=demo\nsaldo=1000\n"_s);
-        QVERIFY(sim.listo());
         TestDb::openShared(TestDb::createCurrent(world.root() + u"/ciclo.db"_s));
         prueba::cuentaPrincipal(sim.host(), u"demo"_s, {{u"Remitente"_s, u""_s}});
         // What another program queued before the file came.

@@ -142,7 +142,6 @@ class TestDriver : public Prueba {
     void listaDeLaImportacionManual() {
         QFETCH(QString, guardada);
         QFETCH(QString, add);
-        QFETCH(int, miembros);
         const QString f = world.root() + u"/manual.txt"_s;
         escribir(f, "7;600123456;Hola\n");
         Ajustes::saveSetting(u"Import"_s, u"Path"_s, f);
@@ -150,7 +149,7 @@ class TestDriver : public Prueba {
         Ajustes::saveSetting(u"Import"_s, u"AddContactos"_s, add);
         QVERIFY(msImportarManual());
         QTEST(filas(u"SELECT Grupo,Nombre FROM Grupos"_s), "grupos");
-        QCOMPARE(cuantos(u"SELECT count(*) FROM AboGrup"_s), miembros);
+        QTEST(int(cuantos(u"SELECT count(*) FROM AboGrup"_s)), "miembros");
     }
 
     void contadoresSinTope() {

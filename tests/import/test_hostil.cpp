@@ -27,42 +27,14 @@ int veces() {
 
 // What has broken parsers, statements and decoders before.
 const QList<QByteArray>& piezas() {
-    static const QList<QByteArray> p = {"'",
-                                        "\"",
-                                        "--",
-                                        "; DROP TABLE envios; --",
-                                        ";;;;;;;;",
-                                        "\\",
-                                        QByteArray(1, '\0'),
-                                        QByteArray(3, '\0'),
-                                        "&amp;",
-                                        "&#0;",
-                                        "&lt;b&gt;",
-                                        "<![CDATA[",
-                                        "]]>",
-                                        "%s%n",
-                                        "?",
-                                        "?1",
-                                        "99999999999999999999999999",
-                                        "1e308",
-                                        "-1e308",
-                                        "nan",
-                                        "inf",
-                                        "0x1F",
-                                        "-0",
-                                        "5.0",
-                                        "256",
-                                        "-1",
-                                        "\r",
-                                        "\t",
-                                        " ",
-                                        "\xc2\xa0",
-                                        "\xe2\x80\xa8",
-                                        "\xf0\x9f\x98\x80",
-                                        "ñ",
-                                        "€",
-                                        "((((((((((",
-                                        "<a><a><a><a>"};
+    // clang-format off
+    static const QList<QByteArray> p = {
+        "'", "\"", "--", "; DROP TABLE envios; --", ";;;;;;;;", "\\", QByteArray(1, '\0'),
+        QByteArray(3, '\0'), "&amp;", "&#0;", "&lt;b&gt;", "<![CDATA[", "]]>", "%s%n", "?", "?1",
+        "99999999999999999999999999", "1e308", "-1e308", "nan", "inf", "0x1F", "-0", "5.0", "256",
+        "-1", "\r", "\t", " ", "\xc2\xa0", "\xe2\x80\xa8", "\xf0\x9f\x98\x80", "ñ", "€",
+        "((((((((((", "<a><a><a><a>"};
+    // clang-format on
     return p;
 }
 // Bytes that are not UTF-8: a file that holds one is read as Windows-1252.
@@ -179,13 +151,14 @@ class TestHostil : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
+    InterfazGuionada ui;  // every question takes its default answer
+
   private Q_SLOTS:
     void init() { baseConCuentas(world); }
 
     // Files of 1,000 lines; every other one holds bytes that are not UTF-8,
     // and some end in the middle of a character.
     void lineasDeFichero() {
-        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla);
         const QString ruta = world.root() + u"/hostil.txt"_s;
         QVariant ultimoId;
@@ -218,7 +191,6 @@ class TestHostil : public Prueba {
     // The fields straight to the line routine: line breaks, NULs and
     // semicolons a file could not carry into one field.
     void camposDeUnaLinea() {
-        InterfazGuionada ui;
         QRandomGenerator azar(kSemilla + 1);
         QVariant ultimoId;
         const auto campo = [&azar] {

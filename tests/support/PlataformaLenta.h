@@ -15,7 +15,6 @@ inline std::unique_ptr<SimuladorPrueba> plataformaLenta(const TestWorld& world, 
         world.root(), QStringLiteral("[plataforma]\nretraso_ms=%1\n[cuenta1]\nusuario=demo\n"
                                      "clave=demo\nsaldo=100\nmovil=0034600123456\n")
                           .arg(retrasoMs));
-    if (!s->listo()) qFatal("the platform simulator did not start");
     prueba::cuentaPrincipal(s->host(), QStringLiteral("demo"), {{QStringLiteral("Saldo"), saldo}});
     return s;
 }

@@ -13,7 +13,8 @@
 class SimuladorPrueba {
   public:
     // `dir` holds the configuration and the record; `ini` is the
-    // configuration's text without the record line.
+    // configuration's text without the record line. A simulator that does
+    // not start ends the run: no test can go on without its platform.
     SimuladorPrueba(const QString& dir, const QString& ini)
         : m_registro(dir + QStringLiteral("/registro.jsonl")) {
         const QString conf = dir + QStringLiteral("/sim.ini");
@@ -35,6 +36,7 @@ class SimuladorPrueba {
         const auto m = QRegularExpression(QStringLiteral(R"(127\.0\.0\.1:(\d+)/)"))
                            .match(QString::fromUtf8(salida));
         if (m.hasMatch()) m_puerto = m.captured(1).toInt();
+        if (m_puerto <= 0) qFatal("the platform simulator did not start");
     }
     ~SimuladorPrueba() { detener(); }
 

@@ -128,9 +128,8 @@ namespace {
 QString crear(const QString& path, void (*esquema)(BaseDatos&)) {
     QFile::remove(path);
     BaseDatos db;
-    QString error;
-    if (!db.create(path, &error))
-        qFatal("no se pudo crear %s: %s", qPrintable(path), qPrintable(error));
+    if (const Hecho creada = db.create(path); !creada)
+        qFatal("no se pudo crear %s", qPrintable(creada.motivo()));
     esquema(db);
     return path;
 }
@@ -323,6 +322,10 @@ QString shell(const QString& ruta, const QString& sql) {
 QString caja(int estilo, const QString& texto) {
     return QString::number(estilo) + u' ' + texto;
 }
+
+const QString kCajaBaseNoValida =
+    u"16 La Base de Datos Seleccionada no es válida\nPor favor seleccione la Base de Datos "
+    u"correcta de Quelmo Mensajes"_s;
 
 QStringList cajas(const InterfazGuionada& ui) {
     QStringList t;

@@ -221,6 +221,8 @@ QString shell(const QString& ruta, const QString& sql);
 // Message boxes as "style text", so one comparison checks both.
 QString caja(int estilo, const QString& texto);
 QStringList cajas(const InterfazGuionada& ui);
+// The box of a routine that found the open file is no database of ours.
+extern const QString kCajaBaseNoValida;
 
 // A balance query's outcome in one word, or its credits when known.
 QString saldo(const Saldo& s);

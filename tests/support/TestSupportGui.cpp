@@ -4,6 +4,7 @@
 #include "widgets/Listado.h"
 #include "widgets/ModeloListado.h"
 
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTimer>
 
@@ -28,6 +29,17 @@ void alAbrirModal(std::function<void(QDialog*)> accion, int intentos) {
         }
         if (intentos > 0) alAbrirModal(accion, intentos - 1);
     });
+}
+
+void captura(QWidget* w, const QString& nombre) {
+    const QString dir = qEnvironmentVariable("QUELMO_CAPTURAS") + u'/';
+    const QString pantalla = qEnvironmentVariable("QUELMO_CAPTURA_PANTALLA");
+    w->show();
+    QVERIFY(QTest::qWaitForWindowExposed(w));
+    QTest::qWait(300);
+    QVERIFY(w->grab().save(dir + nombre + u".png"));
+    if (!pantalla.isEmpty())
+        QVERIFY(w->screen()->grabWindow(0).save(dir + nombre + u'-' + pantalla + u".png"));
 }
 
 QStringList textosDe(const ModeloListado* m, int col) {

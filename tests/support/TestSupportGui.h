@@ -61,6 +61,13 @@ std::unique_ptr<mdiMain> ventanaPrincipal(
 // close it.
 void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 200);
 
+// For a look by eye: `w` shown, then its picture saved as `nombre`.png in
+// the folder QUELMO_CAPTURAS names (tests that take pictures skip without
+// it) and, with QUELMO_CAPTURA_PANTALLA (a suffix, "1024x600"), the whole
+// display as a user sees it: where the window manager put the window, and
+// whether it fits.
+void captura(QWidget* w, const QString& nombre);
+
 // One column of a list, in the order shown.
 QStringList textosDe(const ModeloListado* m, int col);
 QStringList textosDe(const Listado* l, int col);

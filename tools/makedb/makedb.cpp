@@ -19,9 +19,8 @@ int main(int argc, char** argv) {
     QFile::remove(ruta + QStringLiteral("-wal"));
     QFile::remove(ruta + QStringLiteral("-shm"));
     BaseDatos db;
-    QString error;
-    if (!db.create(ruta, &error)) {
-        std::fprintf(stderr, "%s\n", qPrintable(error));
+    if (const Hecho creada = db.create(ruta); !creada) {
+        std::fprintf(stderr, "%s\n", qPrintable(creada.motivo()));
         return 1;
     }
     try {
