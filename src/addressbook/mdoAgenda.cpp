@@ -183,9 +183,23 @@ ListaPaginada::Definicion definicionContactos() {
     d.desde = kContactosVisibles;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
+    // The contacts of an account that exists: every contact, counted on
+    // the table's pages alone, less those of no account and those between
+    // two accounts, which the index of the account finds without walking
+    // the others (there are none, mostly).
+    d.cuenta =
+        u"SELECT CASE WHEN EXISTS (SELECT 1 FROM Canales) THEN (SELECT count(*) FROM Abonados) "
+        u"- (SELECT count(*) FROM Abonados WHERE Canal IS NULL) "
+        u"- (SELECT count(*) FROM Abonados WHERE Canal < (SELECT min(Canal) FROM Canales)) "
+        u"- (SELECT count(*) FROM Abonados WHERE Canal > (SELECT max(Canal) FROM Canales)) "
+        u"- (SELECT coalesce(sum((SELECT count(*) FROM Abonados WHERE Canal > c.Canal AND "
+        u"Canal < (SELECT min(d.Canal) FROM Canales d WHERE d.Canal > c.Canal))), 0) "
+        u"FROM Canales c) ELSE 0 END"_s;
+    // Numbers are digits and signs, which NOCASE puts in the lists' order;
+    // comments keep their key beside them (see Esquema).
     d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s},
-                  {u"Abonados.Codigo"_s, {}},
-                  {u"Abonados.Comentario"_s, {}},
+                  {u"Abonados.Codigo"_s, u"Abonados.Codigo COLLATE NOCASE"_s},
+                  {u"Abonados.Comentario"_s, u"Abonados.ClaveComentario"_s},
                   {u"Canales.Nombre"_s, {}}};
     // Names that sort alike keep the order of the names when another
     // column is sorted.

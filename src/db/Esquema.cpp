@@ -2,6 +2,9 @@
 
 #include "db/BaseDatos.h"
 
+#include <QMap>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -64,7 +67,8 @@ CREATE TABLE Abonados (
     Alias TEXT(100),
     Comentario TEXT(100),
     Canal INTEGER,
-    ClaveNombre TEXT
+    ClaveNombre TEXT,
+    ClaveComentario TEXT
 );
 CREATE INDEX Abonados_Alias ON Abonados (Alias COLLATE NOCASE);
 CREATE INDEX Abonados_ClaveNombre ON Abonados (ClaveNombre);
@@ -103,7 +107,9 @@ CREATE TABLE Automaticos (
     AnualMes INTEGER,
     UltimaTarea DATETIME,
     ProximaTarea DATETIME,
-    RevisarTarea DATETIME
+    RevisarTarea DATETIME,
+    ClaveNombre TEXT,
+    Destinatarios INTEGER DEFAULT 0
 );
 CREATE INDEX Automaticos_RevisarTarea ON Automaticos (RevisarTarea);
 CREATE TABLE AboAuto (
@@ -115,29 +121,140 @@ CREATE TABLE AboAuto (
 CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
 )SQL"_s;
 
-const auto kDisparadorNombre =
+// A column's place in the lists' order, kept beside it as the rule's key
+// (clave_nombre) in a column any client can index: a change of the column
+// by any client empties the key (a trigger of the file), and the
+// program's own connection works it out on every write.
+struct ClaveGuardada {
+    QString tabla;
+    QString clave;
+    QString origen;
+    QString disparador;
+};
+const ClaveGuardada kClaves[] = {
+    {u"Abonados"_s, u"ClaveNombre"_s, u"Alias"_s, u"Abonados_NombreCambiado"_s},
+    {u"Abonados"_s, u"ClaveComentario"_s, u"Comentario"_s, u"Abonados_ComentarioCambiado"_s},
+    {u"Automaticos"_s, u"ClaveNombre"_s, u"Nombre"_s, u"Automaticos_NombreCambiado"_s},
+};
+
+QString disparadorVaciar(const ClaveGuardada& k) {
+    return u"CREATE TRIGGER IF NOT EXISTS "_s + k.disparador + u" AFTER UPDATE OF "_s + k.origen +
+           u" ON "_s + k.tabla + u" BEGIN UPDATE "_s + k.tabla + u" SET "_s + k.clave +
+           u" = NULL WHERE rowid = new.rowid; END;"_s;
+}
+
+// On the program's own connection the keys are worked out as a row is
+// written, so that a sorted list never waits for a bulk of them: one
+// trigger a key for a change, one a table for an insert (a row written
+// once however many keys it has). Only the keys whose columns the file
+// has: a trigger naming a column the table lacks would fail every write.
+QString disparadoresPropios(const QList<const ClaveGuardada*>& claves) {
+    const QString tabla = claves.first()->tabla;
+    QString script, vacia, calculo;
+    for (const ClaveGuardada* k : claves) {
+        script += u"CREATE TEMP TRIGGER IF NOT EXISTS "_s + tabla + k->clave +
+                  u"Vaciada AFTER UPDATE OF "_s + k->clave + u" ON main."_s + tabla +
+                  u" WHEN new."_s + k->clave + u" IS NULL BEGIN UPDATE "_s + tabla + u" SET "_s +
+                  k->clave + u" = clave_nombre(new."_s + k->origen +
+                  u") WHERE rowid = new.rowid; END;"_s;
+        vacia += (vacia.isEmpty() ? u""_s : u" OR "_s) + u"new."_s + k->clave + u" IS NULL"_s;
+        calculo += (calculo.isEmpty() ? u""_s : u", "_s) + k->clave + u" = coalesce(new."_s +
+                   k->clave + u", clave_nombre(new."_s + k->origen + u"))"_s;
+    }
+    // Dropped first: the one made before an upgrade added a key lacks it.
+    return script + u"DROP TRIGGER IF EXISTS temp."_s + tabla + u"ClavesNuevas; CREATE TEMP "_s +
+           u"TRIGGER "_s + tabla + u"ClavesNuevas AFTER INSERT ON main."_s + tabla + u" WHEN "_s +
+           vacia + u" BEGIN UPDATE "_s + tabla + u" SET "_s + calculo +
+           u" WHERE rowid = new.rowid; END;"_s;
+}
+
+QString rellenarVacias(const ClaveGuardada& k) {
+    return u"UPDATE "_s + k.tabla + u" SET "_s + k.clave + u" = clave_nombre("_s + k.origen +
+           u") WHERE "_s + k.clave + u" IS NULL"_s;
+}
+
+// Each multi-send keeps how many recipients it has, so that the list sorts
+// by it on an index; every client's writes keep it, as the triggers are
+// the file's. A row that comes (or changes its code) counts those it finds.
+const auto kDisparadoresDestinatarios =
     uR"SQL(
-CREATE TRIGGER IF NOT EXISTS Abonados_NombreCambiado AFTER UPDATE OF Alias ON Abonados
+CREATE TRIGGER IF NOT EXISTS AboAuto_Alta AFTER INSERT ON AboAuto
 BEGIN
-    UPDATE Abonados SET ClaveNombre = NULL WHERE rowid = new.rowid;
+    UPDATE Automaticos SET Destinatarios = Destinatarios + 1 WHERE Codigo = new.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS AboAuto_Baja AFTER DELETE ON AboAuto
+BEGIN
+    UPDATE Automaticos SET Destinatarios = Destinatarios - 1 WHERE Codigo = old.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS AboAuto_Cambio AFTER UPDATE OF Automatico ON AboAuto
+BEGIN
+    UPDATE Automaticos SET Destinatarios = Destinatarios - 1 WHERE Codigo = old.Automatico;
+    UPDATE Automaticos SET Destinatarios = Destinatarios + 1 WHERE Codigo = new.Automatico;
+END;
+CREATE TRIGGER IF NOT EXISTS Automaticos_Alta AFTER INSERT ON Automaticos
+BEGIN
+    UPDATE Automaticos SET Destinatarios =
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo)
+    WHERE Codigo = new.Codigo AND Destinatarios IS NOT
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo);
+END;
+CREATE TRIGGER IF NOT EXISTS Automaticos_CodigoCambiado AFTER UPDATE OF Codigo ON Automaticos
+BEGIN
+    UPDATE Automaticos SET Destinatarios =
+        (SELECT count(Automatico) FROM AboAuto WHERE Automatico = new.Codigo)
+    WHERE Codigo = new.Codigo;
 END;
 )SQL"_s;
 
-// On the program's own connection the key is worked out as a row is
-// written, so that a list by name never waits for a bulk of them.
-const auto kDisparadoresPropios =
-    uR"SQL(
-CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreNueva AFTER INSERT ON main.Abonados
-WHEN new.ClaveNombre IS NULL
-BEGIN
-    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
-END;
-CREATE TEMP TRIGGER IF NOT EXISTS ClaveNombreVaciada AFTER UPDATE OF ClaveNombre ON main.Abonados
-WHEN new.ClaveNombre IS NULL
-BEGIN
-    UPDATE Abonados SET ClaveNombre = clave_nombre(new.Alias) WHERE rowid = new.rowid;
-END;
-)SQL"_s;
+// A stored date in the stored form, shown day first as the scheduler
+// writes it: a time of day alone on the zero date, no time at midnight.
+QString diaPrimero(const QString& x) {
+    const QString hora = u"substr("_s + x + u", 12)"_s;
+    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
+           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
+           u", 6, 2) || '/' || "
+           u"substr("_s +
+           x + u", 1, 4) || CASE WHEN "_s + hora +
+           u" = '00:00:00' THEN '' "
+           u"ELSE ' ' || "_s +
+           hora + u" END END"_s;
+}
+
+QString enFormaGuardada(const QString& x) {
+    // Never null, so that NOT of it is false for a null column.
+    return u"coalesce("_s + x +
+           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
+           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
+}
+
+// The lists sort these on an index. A text the engine compares as the
+// lists' rule does needs no key of ours: digits and signs alone, and the
+// few words, sort alike in both. A count is a number, and sorts as one.
+//
+// Lines equal in the column clicked keep the order of the sort before,
+// and a click turns the direction round: a list opened by name or by
+// code gets its first click descending, and a click after one on the name
+// ascending, the names descending. An index in those orders gives the
+// page without sorting the equal lines, which may be all of them (every
+// multi-send with three recipients). The re-work of the next runs writes
+// every row: each index of them costs it a second at 100,000 rows and
+// a longer checkpoint now and then, so the next run has one index and
+// the last run none (it sorts its text once per click, as before).
+QStringList indicesDeListas() {
+    QStringList r{
+        u"CREATE INDEX Abonados_Canal ON Abonados (Canal)"_s,
+        u"CREATE INDEX Abonados_Codigo ON Abonados (Codigo COLLATE NOCASE)"_s,
+        u"CREATE INDEX Abonados_ClaveComentario ON Abonados (ClaveComentario DESC, "
+        u"ClaveNombre)"_s,
+        u"CREATE INDEX Automaticos_ClaveNombre ON Automaticos (ClaveNombre)"_s,
+    };
+    r << u"CREATE INDEX Automaticos_Destinatarios ON Automaticos (Destinatarios DESC)"_s
+      << u"CREATE INDEX Automaticos_DestinatariosNombre ON Automaticos (Destinatarios, "
+         u"ClaveNombre DESC)"_s
+      << u"CREATE INDEX Automaticos_Programado ON Automaticos ("_s + Esquema::textoProximaTarea() +
+             u" DESC)"_s;
+    return r;
+}
 
 // The outbox keeps its own row count per account, so that the compose
 // screen's list counts a million rows without walking them. Plain SQL only:
@@ -229,7 +346,8 @@ void crear(BaseDatos& db, const QString& propio) {
         db.execScript(kComun);
         db.execScript(propio);
         if (propio == kActual) {
-            db.execScript(kDisparadorNombre);
+            for (const QString& indice : indicesDeListas()) db.exec(indice);
+            Esquema::crearDisparadoresListas(db);
             Esquema::crearCuentaBandeja(db);
         }
         db.commit();
@@ -249,8 +367,9 @@ void crearActual(BaseDatos& db) {
 void crearBase(BaseDatos& db) {
     crear(db, kBase);
 }
-void crearDisparadorNombre(BaseDatos& db) {
-    db.execScript(kDisparadorNombre);
+void crearDisparadoresListas(BaseDatos& db) {
+    for (const ClaveGuardada& k : kClaves) db.execScript(disparadorVaciar(k));
+    db.execScript(kDisparadoresDestinatarios);
 }
 bool crearCuentaBandeja(BaseDatos& db) {
     const bool nueva = !db.hasTable(u"EnviosPorCanal"_s);
@@ -269,20 +388,50 @@ QString fechaBandeja(const QString& tabla) {
     return sql.replace(u"Registro"_s, tabla + u".Registro"_s);
 }
 void prepararClavesNombre(BaseDatos& db) {
-    // A trigger naming a column the table lacks would fail every insert.
-    db.query(u"SELECT ClaveNombre FROM main.Abonados LIMIT 0"_s);
-    db.execScript(kDisparadoresPropios);
-    // Contacts another client wrote since are put in order at once.
-    if (!db.query(u"SELECT 1 FROM main.Abonados WHERE ClaveNombre IS NULL LIMIT 1"_s).isEmpty())
-        completarClavesNombre(db);
+    // Each key on its own: a file without one column still gets the rest.
+    QMap<QString, QList<const ClaveGuardada*>> porTabla;
+    for (const ClaveGuardada& k : kClaves) {
+        try {
+            db.query(u"SELECT "_s + k.clave + u" FROM main."_s + k.tabla + u" LIMIT 0"_s);
+        } catch (const ErrorBD&) {
+            continue;
+        }
+        porTabla[k.tabla].append(&k);
+        // Rows another client wrote since are put in order at once.
+        if (!db.query(u"SELECT 1 FROM main."_s + k.tabla + u" WHERE "_s + k.clave +
+                      u" IS NULL LIMIT 1"_s)
+                 .isEmpty())
+            db.exec(rellenarVacias(k));
+    }
+    if (porTabla.isEmpty()) throw ErrorBD(u"Sin claves de orden"_s);
+    for (const QList<const ClaveGuardada*>& claves : std::as_const(porTabla))
+        db.execScript(disparadoresPropios(claves));
 }
 void completarClavesNombre(BaseDatos& db) {
-    db.exec(u"UPDATE Abonados SET ClaveNombre = clave_nombre(Alias) WHERE ClaveNombre IS NULL"_s);
+    for (const ClaveGuardada& k : kClaves) db.exec(rellenarVacias(k));
 }
 QStringList indicesActuales() {
     QStringList r;
     for (const QString& sentencia : QString(kComun + kActual).split(u';'))
         if (sentencia.trimmed().startsWith(u"CREATE INDEX"_s)) r.append(sentencia.trimmed());
-    return r;
+    return r + indicesDeListas();
+}
+QString textoProximaTarea() {
+    const QString activa = u"coalesce(TareaProgramada=true, 0)"_s;
+    return u"CASE WHEN NOT "_s + activa + u" THEN 'no' WHEN "_s +
+           enFormaGuardada(u"ProximaTarea"_s) + u" THEN "_s + diaPrimero(u"ProximaTarea"_s) +
+           u" WHEN ProximaTarea IS NULL THEN 'Finalizado' ELSE '' END"_s;
+}
+QString textoUltimaTarea() {
+    const QString conFecha =
+        u"coalesce(TareaProgramada=true, 0) AND "_s + enFormaGuardada(u"ProximaTarea"_s);
+    return u"CASE WHEN NOT ("_s + conFecha +
+           u") THEN '' WHEN coalesce(UltimaTarea, '') = '' THEN 'nunca' WHEN "_s +
+           enFormaGuardada(u"UltimaTarea"_s) +
+           u" THEN CASE WHEN UltimaTarea > '1900-01-01 00:00:00' THEN "_s +
+           diaPrimero(u"UltimaTarea"_s) + u" ELSE 'nunca' END ELSE char(31) || UltimaTarea END"_s;
+}
+QString ordenDestinatarios() {
+    return u"Automaticos.Destinatarios"_s;
 }
 }  // namespace Esquema

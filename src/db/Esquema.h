@@ -11,14 +11,15 @@ class BaseDatos;
 namespace Esquema {
 void crearActual(BaseDatos& db);
 void crearBase(BaseDatos& db);
-// The trigger that empties a contact's name key when its name changes.
-void crearDisparadorNombre(BaseDatos& db);
-// Makes this connection work out the name key of each contact it writes,
-// and fills the keys left empty; throws ErrorBD when the file has no such
-// column.
+// The file's triggers that keep the lists' stored keys and counts: a key
+// emptied when its column changes, a multi-send's count of recipients.
+void crearDisparadoresListas(BaseDatos& db);
+// Makes this connection work out the keys of each row it writes, and
+// fills the keys left empty; throws ErrorBD when the file has none of
+// those columns.
 void prepararClavesNombre(BaseDatos& db);
-// Works out the name keys left empty (rows written by another client).
-// Throws ErrorBD.
+// Works out the keys left empty (rows written by another client). Throws
+// ErrorBD.
 void completarClavesNombre(BaseDatos& db);
 // The outbox's kept count per account (table EnviosPorCanal and the
 // triggers on envios that keep it) and the index of the outbox list's date;
@@ -31,4 +32,10 @@ bool crearCuentaBandeja(BaseDatos& db);
 QString fechaBandeja(const QString& tabla);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
+// What the list of multi-sends shows of a row's next and last run, as SQL
+// over Automaticos (the next run's order is an index's), and the count of
+// recipients kept for the list's order.
+QString textoProximaTarea();
+QString textoUltimaTarea();
+QString ordenDestinatarios();
 }  // namespace Esquema

@@ -255,8 +255,14 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
         // The index gives the order; skipping rows on it is cheap. The
         // unary plus keeps the engine from walking the table by its key
         // instead.
-        return leerFilas(u"+"_s + hastaTope, ordenSql() + u" LIMIT ? OFFSET ?"_s,
-                         {qlonglong(m_tope), kFilasPagina, qlonglong(numero) * kFilasPagina});
+        const QVariantList params{qlonglong(m_tope), kFilasPagina,
+                                  qlonglong(numero) * kFilasPagina};
+        const QString resto = ordenSql() + u" LIMIT ? OFFSET ?"_s;
+        if (terminos().size() <= 2) return leerFilas(u"+"_s + hastaTope, resto, params);
+        // Rows equal on the index are sorted by the other terms, a block
+        // of them at a time: that sort carries their numbers alone.
+        const std::vector<int64_t> claves = leerClaves(u"+"_s + hastaTope, resto, params);
+        return leerPorClave(claves.data(), claves.size());
     }
     // A text order walks the whole table and keeps the numbers of one
     // page; the rows themselves are read after, by number.

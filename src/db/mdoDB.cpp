@@ -1,6 +1,7 @@
 #include "db/mdoDB.h"
 
 #include "db/BaseDatos.h"
+#include "db/Conexion.h"
 #include "db/Esquema.h"
 #include "db/Transaccion.h"
 
@@ -272,11 +273,24 @@ void msActualizarBD(const QString& path) {
 
     // The lists by name read contacts in the order of a stored key.
     msAddColumn(c, u"Abonados"_s, u"ClaveNombre"_s, u"Text"_s, QString());
+    // The lists of contacts and multi-sends sort every column on an index:
+    // stored keys of texts and each multi-send's count of recipients.
+    msAddColumn(c, u"Abonados"_s, u"ClaveComentario"_s, u"Text"_s, QString());
+    msAddColumn(c, u"Automaticos"_s, u"ClaveNombre"_s, u"Text"_s, QString());
+    const bool sinCuenta =
+        msAddColumn(c, u"Automaticos"_s, u"Destinatarios"_s, u"Integer"_s, u"0"_s) == 0;
     try {
-        Esquema::crearDisparadorNombre(c);
+        Transaccion t(c);
+        Esquema::crearDisparadoresListas(c);
+        if (sinCuenta)
+            c.exec(
+                u"UPDATE Automaticos SET Destinatarios = (SELECT count(Automatico) FROM "
+                u"AboAuto WHERE Automatico = Automaticos.Codigo)"_s);
         Esquema::completarClavesNombre(c);
+        t.commit();
     } catch (const ErrorBD&) {
-        // Passed over like every step; the lists fill the keys they read.
+        // Passed over like every step; the program fills the keys it meets
+        // empty when it opens the file.
     }
 
     msCrearCuentaBandeja(c);
@@ -284,4 +298,14 @@ void msActualizarBD(const QString& path) {
     // The look-ups by alias and by date want the indexes a new file has.
     for (QString indice : Esquema::indicesActuales())
         ejecutar(c, indice.replace(u"CREATE INDEX "_s, u"CREATE INDEX IF NOT EXISTS "_s));
+
+    // The program's own connection, opened before the new columns came,
+    // works their keys out from now on.
+    if (Conexion().isOpen() && Conexion().path() == path) {
+        try {
+            Esquema::prepararClavesNombre(Conexion());
+        } catch (const ErrorBD&) {
+            // It fills them at its next open.
+        }
+    }
 }

@@ -5,6 +5,7 @@
 #include "base/ReglaNombres.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/Esquema.h"
 #include "db/Nombres.h"
 #include "db/Transaccion.h"
 #include "scheduling/ProximasTareas.h"
@@ -254,28 +255,6 @@ QString textoUltima(const QString& columna) {
     return enviada ? clsNextTarea::textoFecha(ultima) : u"nunca"_s;
 }
 
-// A stored date in the stored form, shown day first as
-// clsNextTarea::textoFecha writes it: a time of day alone on the zero
-// date, no time at midnight. In SQL, so that the engine sorts what shows.
-QString diaPrimero(const QString& x) {
-    const QString hora = u"substr("_s + x + u", 12)"_s;
-    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
-           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
-           u", 6, 2) || '/' || "
-           u"substr("_s +
-           x + u", 1, 4) || CASE WHEN "_s + hora +
-           u" = '00:00:00' THEN '' "
-           u"ELSE ' ' || "_s +
-           hora + u" END END"_s;
-}
-
-QString enFormaGuardada(const QString& x) {
-    // Never null, so that NOT of it is false for a null column.
-    return u"coalesce("_s + x +
-           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
-           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
-}
-
 // A last run in another form than the stored one goes to the list marked
 // with this, to be read there.
 constexpr char16_t kOtraForma = u'\x1f';
@@ -283,32 +262,21 @@ constexpr char16_t kOtraForma = u'\x1f';
 }  // namespace
 
 ListaPaginada::Definicion definicionMensajesProgramados() {
-    const QString activa = u"coalesce(TareaProgramada=true, 0)"_s;
-    const QString conFecha = activa + u" AND "_s + enFormaGuardada(u"ProximaTarea"_s);
-    // A stored next run as it stands (see ProximasTareas): the list reads
-    // it and works nothing out. A failed calculation is stored empty.
-    const QString programado = u"CASE WHEN NOT "_s + activa + u" THEN 'no' WHEN "_s +
-                               enFormaGuardada(u"ProximaTarea"_s) + u" THEN "_s +
-                               diaPrimero(u"ProximaTarea"_s) +
-                               u" WHEN ProximaTarea IS NULL THEN 'Finalizado' ELSE '' END"_s;
-    const QString ultima = u"CASE WHEN NOT ("_s + conFecha +
-                           u") THEN '' WHEN coalesce(UltimaTarea, '') = '' THEN 'nunca' WHEN "_s +
-                           enFormaGuardada(u"UltimaTarea"_s) +
-                           u" THEN CASE WHEN UltimaTarea > '1900-01-01 00:00:00' "
-                           u"THEN "_s +
-                           diaPrimero(u"UltimaTarea"_s) +
-                           u" ELSE 'nunca' END ELSE char(31) || UltimaTarea END"_s;
+    // The next and last runs as they stand (see ProximasTareas): the list
+    // reads them and works nothing out. A failed calculation is stored
+    // empty. The name, the count and the next run sort on indexes of the
+    // file (see Esquema); the last run sorts its text.
     ListaPaginada::Definicion d;
     d.desde = u"FROM Automaticos"_s;
     d.clave = u"Automaticos.Codigo"_s;
     d.cuenta = u"SELECT count(*) FROM Automaticos"_s;
     d.mayor = u"SELECT max(Codigo) FROM Automaticos"_s;
-    d.columnas = {{u"Automaticos.Nombre"_s, {}},
+    d.columnas = {{u"Automaticos.Nombre"_s, u"Automaticos.ClaveNombre"_s},
                   {u"(SELECT count(automatico) FROM AboAuto WHERE AboAuto.automatico = "
                    u"Automaticos.Codigo)"_s,
-                   {}},
-                  {programado, {}},
-                  {ultima, {}}};
+                   Esquema::ordenDestinatarios()},
+                  {Esquema::textoProximaTarea(), Esquema::textoProximaTarea()},
+                  {Esquema::textoUltimaTarea(), {}}};
     d.mostrar = [](int columna, const QString& celda) {
         if (columna == 3 && celda.startsWith(kOtraForma)) return textoUltima(celda.mid(1));
         return celda;

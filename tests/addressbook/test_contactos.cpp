@@ -250,6 +250,26 @@ class TestContactos : public QObject {
         QCOMPARE(pantalla.lblcont->text(), u"1 Contactos"_s);
     }
 
+    // The count the list shows is that of the contacts of an account that
+    // exists, whatever another client left in a contact's account.
+    void countIsThatOfTheContactsShown_data() {
+        QTest::addColumn<QString>("canal");
+        for (const char* c : {"0", "1", "4", "NULL", "-3", "2", "3", "9", "'x'", "1.5"})
+            QTest::newRow(c) << QString::fromLatin1(c);
+    }
+    void countIsThatOfTheContactsShown() {
+        QFETCH(QString, canal);
+        cuenta(4, u"Cuarta"_s);
+        contacto(u"0034600000001"_s, u"Ana"_s, 1);
+        bd().exec(u"INSERT INTO Abonados (Codigo, Alias, Canal) VALUES ('0034600000002', 'B', "_s +
+                  canal + u')');
+        const long long mostrados =
+            cuantos(u"SELECT count(*) FROM Abonados JOIN Canales USING (Canal)"_s);
+        QCOMPARE(ListaPaginada(definicionContactos()).contar(), int(mostrados));
+        bd().exec(u"DELETE FROM Canales"_s);
+        QCOMPARE(ListaPaginada(definicionContactos()).contar(), 0);
+    }
+
     void addWithoutAccountsShowsTheMessage() {
         bd().exec(u"DELETE FROM Canales"_s);
         InterfazGuionada ui;
@@ -337,23 +357,44 @@ class TestContactos : public QObject {
     // Each sequence of header clicks orders the lines as the list kept in
     // memory did: by the shown text under the lists' rule, equal texts in
     // the order they stood in.
+    // Contacts written and changed by another SQLite client sort alike.
     void sortsAsTheListInMemory_data() {
         QTest::addColumn<QList<int>>("clics");
-        QTest::newRow("Nombre") << QList<int>{0};
-        QTest::newRow("Número") << QList<int>{1};
-        QTest::newRow("Comentario, then Cuenta") << QList<int>{2, 3};
-        QTest::newRow("Cuenta, then Nombre twice") << QList<int>{3, 0, 0};
-        QTest::newRow("Nombre, then Comentario") << QList<int>{0, 2};
+        QTest::addColumn<bool>("fuera");
+        QTest::newRow("Nombre") << QList<int>{0} << false;
+        QTest::newRow("Número") << QList<int>{1} << false;
+        QTest::newRow("Comentario, then Cuenta") << QList<int>{2, 3} << false;
+        QTest::newRow("Cuenta, then Nombre twice") << QList<int>{3, 0, 0} << false;
+        QTest::newRow("Nombre, then Comentario") << QList<int>{0, 2} << false;
+        QTest::newRow("elsewhere: Comentario, then Número") << QList<int>{2, 1} << true;
+        QTest::newRow("elsewhere: Nombre, then Comentario") << QList<int>{0, 2} << true;
     }
     void sortsAsTheListInMemory() {
         QFETCH(QList<int>, clics);
+        QFETCH(bool, fuera);
         const QStringList nombres{u"beatriz"_s, u"Álvaro"_s, u"Nuria"_s, u"Ñoño"_s,
                                   u"Oscar"_s,   u"andrés"_s, u"Émile"_s, u"zoe"_s};
         const QStringList comentarios{u"b"_s, QString(), u"B"_s,    u"a"_s,
                                       u"á"_s, u"b"_s,    QString(), u"c"_s};
-        for (int i = 0; i < nombres.size(); ++i)
-            contacto(u"00346000000%1"_s.arg(9 - i, 2, 10, QChar(u'0')), nombres[i], i % 2,
-                     comentarios[i]);
+        QString otro;
+        for (int i = 0; i < nombres.size(); ++i) {
+            const QString numero = u"00346000000%1"_s.arg(9 - i, 2, 10, QChar(u'0'));
+            if (!fuera)
+                contacto(numero, nombres[i], i % 2, comentarios[i]);
+            else
+                otro +=
+                    u"INSERT INTO Abonados (Codigo, Alias, Comentario, Canal) VALUES "
+                    u"('%1', '%2', 'x', %3); UPDATE Abonados SET Comentario = %4 WHERE "
+                    u"Codigo = '%1';"_s.arg(numero, nombres[i])
+                        .arg(i % 2)
+                        .arg(comentarios[i].isNull() ? u"NULL"_s
+                                                     : u"'"_s + comentarios[i] + u"'"_s);
+        }
+        if (fuera) {
+            const QString ruta = bd().path();
+            shell(ruta, otro);
+            TestDb::openShared(ruta);
+        }
         InterfazGuionada ui;
         frmAbonados pantalla;
         Listado* l = pantalla.ListView1;

@@ -97,7 +97,11 @@ class TestUpgrade : public Prueba {
                  QStringList{u"1|1|1|Ana|1"_s});
         // Its place in the lists' order comes with it, and the outbox's count
         // is kept from then on.
-        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL FROM Abonados"_s), QStringList{u"1"_s});
+        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, ClaveComentario IS NOT NULL FROM "
+                       u"Abonados"_s),
+                 QStringList{u"1|1"_s});
+        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, Destinatarios FROM Automaticos"_s),
+                 QStringList{u"1|1"_s});
         prueba::bd().exec(u"INSERT INTO envios (Canal) VALUES (1), (2)"_s);
         QCOMPARE(filas(u"SELECT Canal, Filas FROM EnviosPorCanal"_s),
                  (QStringList{u"1|2"_s, u"2|1"_s}));
@@ -109,6 +113,8 @@ class TestUpgrade : public Prueba {
         prueba::bd().exec(
             u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) VALUES (3,'0034629000000','otra')"_s);
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM AboAuto WHERE Automatico=3"_s), 2);
+        // The count kept for the list follows the file's own triggers.
+        QCOMPARE(prueba::cuantos(u"SELECT Destinatarios FROM Automaticos"_s), 2);
     }
 
     void secondRunChangesNothing_data() {

@@ -253,7 +253,8 @@ class TestProximasTareas : public Prueba {
         const QString ruta = world.appDir() + u"/anterior.db"_s;
         TestDb::openShared(TestDb::createCurrent(ruta));
         bd().execScript(
-            u"DROP INDEX Automaticos_RevisarTarea; ALTER TABLE Automaticos DROP COLUMN "
+            u"DROP INDEX Automaticos_RevisarTarea; DROP INDEX Automaticos_Programado; "
+            u"ALTER TABLE Automaticos DROP COLUMN "
             u"ProximaTarea; ALTER TABLE Automaticos DROP COLUMN RevisarTarea;"_s);
         programa(1, u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s);
         programa(2, u"Periodicidad=1 FechaFin=2006-03-10"_s);
@@ -264,9 +265,9 @@ class TestProximasTareas : public Prueba {
         msActualizarBD(ruta);
         QVERIFY(msValidarBD(ruta));
         TestDb::openShared(ruta);
-        QCOMPARE(
-            prueba::columna(u"SELECT name FROM sqlite_master WHERE name LIKE 'Automaticos_%'"_s),
-            QStringList{u"Automaticos_RevisarTarea"_s});
+        QCOMPARE(prueba::columna(u"SELECT name FROM sqlite_master WHERE type = 'index' AND "
+                                 u"tbl_name = 'Automaticos' AND sql LIKE '%Tarea%' ORDER BY 1"_s),
+                 (QStringList{u"Automaticos_Programado"_s, u"Automaticos_RevisarTarea"_s}));
         RelojFijo reloj(en(u"15/03/2006 10:00:20"_s));
         QCOMPARE(clsTareasPendientes().ReLoad(), 1);
         QCOMPARE(prueba::filas(u"SELECT ProximaTarea, UltimaTarea FROM Automaticos"_s),

@@ -5,6 +5,7 @@
 #include "scheduling/clsTareasPendientes.h"
 #include "scheduling/frmMenAuto.h"
 #include "scheduling/frmNewMenAuto2.h"
+#include "scheduling/mdoProgramacion.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -194,6 +195,65 @@ class TestFrmMenAuto : public Prueba {
         });
         p.cmdEdit->click();
         QCOMPARE(u"N"_s + QString::number(4 - editado), nombre);
+    }
+
+    // Multi-sends and recipients written, renamed and moved by another
+    // SQLite client: each sequence of clicks orders the lines on the
+    // file's indexes as the lists' rule orders the texts shown, equal
+    // texts in the order they stood in, and each count kept is the count.
+    void sortsOnTheIndexesAsTheRule_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::newRow("Nombre") << QList<int>{0};
+        QTest::newRow("Nombre, then Nº Men.") << QList<int>{0, 1};
+        QTest::newRow("Nº Men., then Programado") << QList<int>{1, 2};
+        QTest::newRow("Programado, then Último envío") << QList<int>{2, 3};
+        QTest::newRow("Último envío, then Nombre twice") << QList<int>{3, 0, 0};
+    }
+    void sortsOnTheIndexesAsTheRule() {
+        QFETCH(QList<int>, clics);
+        const QString ruta = bd().path();
+        shell(ruta,
+              u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 48) "
+              u"INSERT INTO Automaticos (Codigo, Nombre, TareaProgramada, ProximaTarea, "
+              u"UltimaTarea) SELECT i, CASE i % 8 WHEN 0 THEN 'Álvaro' WHEN 1 THEN 'beatriz' "
+              u"WHEN 2 THEN 'Ñu' WHEN 3 THEN 'nz' WHEN 4 THEN NULL WHEN 5 THEN 'ALVARO' "
+              u"WHEN 6 THEN 'óscar' ELSE 'Oscar' END, CASE i % 5 WHEN 0 THEN 0 WHEN 1 THEN "
+              u"NULL ELSE 1 END, CASE i % 7 WHEN 0 THEN NULL WHEN 1 THEN '' WHEN 2 THEN "
+              u"'2006-03-1' || (i % 10) || ' 11:00:00' WHEN 3 THEN '2007-01-0' || (i % 9 + 1) || "
+              u"' 00:00:00' WHEN 4 THEN '1899-12-30 0' || (i % 10) || ':30:00' WHEN 5 THEN "
+              u"'mañana' ELSE '2006-02-2' || (i % 10) || ' 09:15:00' END, CASE i % 6 WHEN 0 "
+              u"THEN NULL WHEN 1 THEN '' WHEN 2 THEN '2006-03-0' || (i % 9 + 1) || ' 10:00:00' "
+              u"WHEN 3 THEN '1899-12-30 00:00:00' WHEN 4 THEN substr('AyerayesAYES', i % 3 "
+              u"* 4 + 1, 4) ELSE '15/03/2006 10:00' END FROM n; "
+              u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 12) "
+              u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) SELECT Codigo, '1', 'm' "
+              u"FROM Automaticos, n WHERE i <= Codigo * 7 % 13; "
+              u"UPDATE Automaticos SET Nombre = 'Émile' WHERE Codigo % 9 = 0; "
+              u"DELETE FROM AboAuto WHERE id_AboAuto % 5 = 0; "
+              u"UPDATE AboAuto SET Automatico = Automatico + 1 WHERE id_AboAuto % 7 = 0; "
+              u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (49, 'nz');"_s);
+        // Our connection opens the file again, as the program would.
+        TestDb::openShared(ruta);
+        QCOMPARE(cuantos(u"SELECT count(*) FROM Automaticos WHERE Destinatarios IS NOT "
+                         u"(SELECT count(*) FROM AboAuto WHERE Automatico = Codigo)"_s),
+                 0);
+        ListaPaginada indices(definicionMensajesProgramados());
+        ListaPaginada::Definicion sinIndices = definicionMensajesProgramados();
+        for (ListaPaginada::Columna& c : sinIndices.columnas) c.orden.clear();
+        ListaPaginada regla(sinIndices);
+        indices.cargar();
+        regla.cargar();
+        QCOMPARE(indices.filas(), 49);
+        bool descendente = false;
+        for (const int c : clics) {
+            descendente = !descendente;
+            indices.ordenar(c, descendente);
+            regla.ordenar(c, descendente);
+            for (int f = 0; f < regla.filas(); ++f)
+                QVERIFY2(indices.clave(f) == regla.clave(f),
+                         qPrintable(u"line %1: %2 | %3"_s.arg(f).arg(indices.texto(f, c),
+                                                                     regla.texto(f, c))));
+        }
     }
 
     void anEmptyTableLeavesEditAndDeleteIdle() {
