@@ -156,7 +156,7 @@ ListaPaginada::Definicion definicionBandeja() {
     d.columnas = {
         {u"CAST(envios.Id AS TEXT)"_s, {}},
         {fecha, fecha},
-        {u"envios.abonado"_s, {}},
+        {u"envios.abonado"_s, Esquema::destinoBandeja(u"envios"_s)},
         {u"trim(coalesce(canales.Nombre, '')) || CASE WHEN trim(coalesce(canales.Remitente, "
          u"'')) <> '' THEN ' (' || trim(canales.Remitente) || ')' ELSE '' END"_s,
          {}},

@@ -381,7 +381,18 @@ bool crearCuentaBandeja(BaseDatos& db) {
             u"INSERT INTO EnviosPorCanal (Canal, Filas) SELECT Canal, count(*) FROM envios "
             u"WHERE Canal IS NOT NULL GROUP BY Canal"_s);
     db.exec(u"CREATE INDEX IF NOT EXISTS envios_Fecha ON envios ("_s + kFechaBandeja + u')');
+    // A first click on Destinatario sorts descending, equal numbers in the
+    // order they came: the index's own order.
+    db.exec(u"CREATE INDEX IF NOT EXISTS envios_Abonado ON envios ("_s + destinoBandeja({}) +
+            u" DESC)"_s);
     return nueva;
+}
+QString destinoBandeja(const QString& tabla) {
+    // Numbers are digits and signs, which sort alike by the lists' rule and
+    // by the engine's NOCASE; a number with letters another client wrote
+    // sorts by NOCASE.
+    return u"coalesce("_s + (tabla.isEmpty() ? QString() : tabla + u'.') +
+           u"Abonado, '') COLLATE NOCASE"_s;
 }
 QString fechaBandeja(const QString& tabla) {
     QString sql = kFechaBandeja;

@@ -22,11 +22,14 @@ void prepararClavesNombre(BaseDatos& db);
 // ErrorBD.
 void completarClavesNombre(BaseDatos& db);
 // The outbox's kept count per account (table EnviosPorCanal and the
-// triggers on envios that keep it) and the index of the outbox list's date;
-// whatever of them is missing. Counts the rows there are when it creates
+// triggers on envios that keep it) and the indexes of the outbox list's
+// date and destination; whatever of them is missing. Counts the rows there are when it creates
 // the table; run it inside a transaction. True when it created the table.
 // Throws ErrorBD.
 bool crearCuentaBandeja(BaseDatos& db);
+// The outbox list's destination as its index orders it, as SQL over
+// `tabla`'s Abonado (none: unqualified).
+QString destinoBandeja(const QString& tabla);
 // The outbox list's date as shown, as SQL over `tabla`'s Registro: the
 // expression of its index.
 QString fechaBandeja(const QString& tabla);
