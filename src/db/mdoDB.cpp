@@ -11,12 +11,12 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-int ejecutar(BaseDatos& con, const QString& sql) {
+bool ejecutar(BaseDatos& con, const QString& sql) {
     try {
         con.exec(sql);
-        return 0;
+        return true;
     } catch (const ErrorBD&) {
-        return -1;
+        return false;
     }
 }
 
@@ -101,7 +101,7 @@ void reconstruir(BaseDatos& con, const QString& tabla) {
 
 }  // namespace
 
-int msQuitarIntercalaciones(BaseDatos& con) {
+bool msQuitarIntercalaciones(BaseDatos& con) {
     QStringList tablas;
     QVector<QStringList> otros;  // type, name, sql of an index, trigger or view
     try {
@@ -119,14 +119,14 @@ int msQuitarIntercalaciones(BaseDatos& con) {
                               r.value(i, 3).toString()});
         }
     } catch (const ErrorBD&) {
-        return -1;
+        return false;
     }
     if ((tablas.isEmpty() && otros.isEmpty()) || sqlite3_db_readonly(con.handle(), "main") == 1)
-        return -1;
+        return false;
     // Another process that holds the file makes this wait for a later open.
     const int espera = con.espera();
     con.establecerEspera(0);
-    int resultado = -1;
+    bool resultado = false;
     try {
         Transaccion t(con);
         for (const QString& tabla : std::as_const(tablas)) reconstruir(con, tabla);
@@ -139,7 +139,7 @@ int msQuitarIntercalaciones(BaseDatos& con) {
             con.exec(cambiarIntercalaciones(o.at(3), tipo == u"INDEX"_s ? kPorIndice : QString()));
         }
         t.commit();
-        resultado = 0;
+        resultado = true;
     } catch (const ErrorBD&) {
         // Left as it was; the program registers the old collations too.
     }
@@ -147,34 +147,35 @@ int msQuitarIntercalaciones(BaseDatos& con) {
     return resultado;
 }
 
-int msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
-                const QString& def) {
+bool msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
+                 const QString& def) {
     // An empty default makes a column without a default.
     QString sql = u"ALTER TABLE "_s + table + u" ADD COLUMN " + column + u' ' + type;
     if (!def.isEmpty()) sql += u" DEFAULT "_s + def;
     return ejecutar(con, sql);
 }
 
-int msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn) {
+bool msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn) {
     return ejecutar(con, u"CREATE TABLE "_s + table + u" (" + firstColumn + u')');
 }
 
-int msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column) {
+bool msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column) {
     // A key that is already there makes the step fail harmlessly.
     try {
         const ResultadoConsulta r =
             con.query(u"SELECT pk FROM pragma_table_info(?) WHERE name=?"_s, {table, column});
-        if (r.isEmpty() || r.value(0, 0).toInt() != 0) return -1;
+        if (r.isEmpty() || r.value(0, 0).toInt() != 0) return false;
     } catch (const ErrorBD&) {
-        return -1;
+        return false;
     }
     return ejecutar(con, u"CREATE UNIQUE INDEX primaryKey_"_s + table + u" ON " + table + u" (" +
                              column + u')');
 }
 
-int msRebuildAboAuto(BaseDatos& con) {
+bool msRebuildAboAuto(BaseDatos& con) {
     try {
-        if (!con.hasTable(u"AboAuto"_s) || con.hasColumn(u"AboAuto"_s, u"id_AboAuto"_s)) return -1;
+        if (!con.hasTable(u"AboAuto"_s) || con.hasColumn(u"AboAuto"_s, u"id_AboAuto"_s))
+            return false;
         con.begin();
         try {
             con.execScript(
@@ -194,25 +195,36 @@ CREATE INDEX IF NOT EXISTS AboAuto_Automatico ON AboAuto (Automatico);
             con.commit();
         } catch (const ErrorBD&) {
             con.rollback();
-            return -1;
+            return false;
         }
-        return 0;
+        return true;
     } catch (const ErrorBD&) {
-        return -1;
+        return false;
     }
 }
 
-int msCrearCuentaBandeja(BaseDatos& con) {
+bool msCrearCuentaBandeja(BaseDatos& con) {
     try {
-        if (!con.hasTable(u"envios"_s)) return -1;
+        if (!con.hasTable(u"envios"_s)) return false;
         Transaccion t(con);
         const bool creada = Esquema::crearCuentaBandeja(con);
         t.commit();
-        return creada ? 0 : -1;
+        return creada;
     } catch (const ErrorBD&) {
-        return -1;
+        return false;
     }
 }
+
+namespace {
+struct ColumnaNueva {
+    QString nombre, tipo, defecto;
+};
+void anadirColumnas(BaseDatos& c, const QString& tabla,
+                    std::initializer_list<ColumnaNueva> columnas) {
+    for (const ColumnaNueva& col : columnas)
+        msAddColumn(c, tabla, col.nombre, col.tipo, col.defecto);
+}
+}  // namespace
 
 void msActualizarBD(const QString& path) {
     // The upgrade's own connection; the shared one stays open on the
@@ -221,44 +233,48 @@ void msActualizarBD(const QString& path) {
     if (!ConexionUpgrade.open(path)) return;
     BaseDatos& c = ConexionUpgrade;
 
-    // Every step on its own; a failure is passed over.
-    msAddColumn(c, u"Canales"_s, u"Remitente"_s, u"Text(16)"_s, QString());
-    msAddColumn(c, u"Canales"_s, u"remopc"_s, u"byte"_s, u"0"_s);
-    msAddColumn(c, u"Canales"_s, u"tini"_s, u"Text(50)"_s, QString());
-    msAddColumn(c, u"Canales"_s, u"tfin"_s, u"Text(50)"_s, QString());
-    msAddColumn(c, u"Canales"_s, u"imptextos"_s, u"byte"_s, u"0"_s);
-    msAddColumn(c, u"Canales"_s, u"movil"_s, u"Text(16)"_s, QString());
+    // Every step on its own; one whose result is already there changes
+    // nothing and is passed over.
+    anadirColumnas(c, u"Canales"_s,
+                   {{u"Remitente"_s, u"Text(16)"_s, {}},
+                    {u"remopc"_s, u"byte"_s, u"0"_s},
+                    {u"tini"_s, u"Text(50)"_s, {}},
+                    {u"tfin"_s, u"Text(50)"_s, {}},
+                    {u"imptextos"_s, u"byte"_s, u"0"_s},
+                    {u"movil"_s, u"Text(16)"_s, {}}});
 
     // A table needs a column to exist; its key column comes with it.
     msCreateTable(c, u"opciones"_s, u"id INTEGER NOT NULL PRIMARY KEY DEFAULT 1"_s);
-    msAddColumn(c, u"opciones"_s, u"id"_s, u"long"_s, u"1"_s);
-    msAddColumn(c, u"opciones"_s, u"maxlote"_s, u"integer"_s, u"50"_s);
-    msAddColumn(c, u"opciones"_s, u"solocontactos"_s, u"byte"_s, u"0"_s);
-    msAddColumn(c, u"opciones"_s, u"imgfondo"_s, u"text(255)"_s, QString());
+    anadirColumnas(c, u"opciones"_s,
+                   {{u"id"_s, u"long"_s, u"1"_s},
+                    {u"maxlote"_s, u"integer"_s, u"50"_s},
+                    {u"solocontactos"_s, u"byte"_s, u"0"_s},
+                    {u"imgfondo"_s, u"text(255)"_s, {}}});
     msCreatePrimaryKey(c, u"opciones"_s, u"id"_s);
 
     // The key keeps this at one row on a second run.
     ejecutar(c, u"INSERT INTO opciones (id,maxlote,solocontactos,imgfondo) VALUES(1,50,0,'')"_s);
 
-    msAddColumn(c, u"Automaticos"_s, u"TareaProgramada"_s, u"bit"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"Hora"_s, u"DateTime"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"Periodicidad"_s, u"smallint"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"FechaIni"_s, u"DateTime"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"FechaFin"_s, u"DateTime"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"Cada"_s, u"smallint"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"DiasSemana"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"MensualEsDia"_s, u"bit"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"MensualDiaMes"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"MensualNumSemana"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"MensualDiaSemana"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"AnualDia"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"AnualMes"_s, u"Byte"_s, QString());
-    msAddColumn(c, u"Automaticos"_s, u"UltimaTarea"_s, u"DateTime"_s, QString());
     // The next run the list shows and the instant the tick looks at a row
     // again are worked out by the scheduler; until it has, every row is
     // one to look at.
-    msAddColumn(c, u"Automaticos"_s, u"ProximaTarea"_s, u"DateTime"_s, QString());
-    if (msAddColumn(c, u"Automaticos"_s, u"RevisarTarea"_s, u"DateTime"_s, QString()) == 0)
+    anadirColumnas(c, u"Automaticos"_s,
+                   {{u"TareaProgramada"_s, u"bit"_s, {}},
+                    {u"Hora"_s, u"DateTime"_s, {}},
+                    {u"Periodicidad"_s, u"smallint"_s, {}},
+                    {u"FechaIni"_s, u"DateTime"_s, {}},
+                    {u"FechaFin"_s, u"DateTime"_s, {}},
+                    {u"Cada"_s, u"smallint"_s, {}},
+                    {u"DiasSemana"_s, u"Byte"_s, {}},
+                    {u"MensualEsDia"_s, u"bit"_s, {}},
+                    {u"MensualDiaMes"_s, u"Byte"_s, {}},
+                    {u"MensualNumSemana"_s, u"Byte"_s, {}},
+                    {u"MensualDiaSemana"_s, u"Byte"_s, {}},
+                    {u"AnualDia"_s, u"Byte"_s, {}},
+                    {u"AnualMes"_s, u"Byte"_s, {}},
+                    {u"UltimaTarea"_s, u"DateTime"_s, {}},
+                    {u"ProximaTarea"_s, u"DateTime"_s, {}}});
+    if (msAddColumn(c, u"Automaticos"_s, u"RevisarTarea"_s, u"DateTime"_s, QString()))
         ejecutar(c, u"UPDATE Automaticos SET RevisarTarea = '0001-01-01 00:00:00'"_s);
 
     // Drop the old key, add the identity, make it the key: one rebuild.
@@ -271,14 +287,13 @@ void msActualizarBD(const QString& path) {
     // Alias and Comentario grow to 100 characters: the engine does not
     // limit text lengths, so there is nothing to alter.
 
-    // The lists by name read contacts in the order of a stored key.
-    msAddColumn(c, u"Abonados"_s, u"ClaveNombre"_s, u"Text"_s, QString());
     // The lists of contacts and multi-sends sort every column on an index:
     // stored keys of texts and each multi-send's count of recipients.
-    msAddColumn(c, u"Abonados"_s, u"ClaveComentario"_s, u"Text"_s, QString());
+    anadirColumnas(c, u"Abonados"_s,
+                   {{u"ClaveNombre"_s, u"Text"_s, {}}, {u"ClaveComentario"_s, u"Text"_s, {}}});
     msAddColumn(c, u"Automaticos"_s, u"ClaveNombre"_s, u"Text"_s, QString());
     const bool sinCuenta =
-        msAddColumn(c, u"Automaticos"_s, u"Destinatarios"_s, u"Integer"_s, u"0"_s) == 0;
+        msAddColumn(c, u"Automaticos"_s, u"Destinatarios"_s, u"Integer"_s, u"0"_s);
     try {
         Transaccion t(c);
         Esquema::crearDisparadoresListas(c);

@@ -12,24 +12,25 @@ class BaseDatos;
 void msActualizarBD(const QString& path);
 
 // The statement routines: each runs one statement on the upgrade's own
-// connection, ignores its failure and returns -1 if it failed, 0 if not.
-int msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
-                const QString& def);
-int msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn);
-int msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column);
+// connection and tells whether it changed the file; a step whose result is
+// already there (or that can't run) changes nothing and fails no one.
+bool msAddColumn(BaseDatos& con, const QString& table, const QString& column, const QString& type,
+                 const QString& def);
+bool msCreateTable(BaseDatos& con, const QString& table, const QString& firstColumn);
+bool msCreatePrimaryKey(BaseDatos& con, const QString& table, const QString& column);
 // A file of an earlier release names collations that only this program
 // registers (SINCASO), and another SQLite client can't then write a name or
 // even compare one. Its tables are rebuilt without them and their indexes
 // take the engine's NOCASE, all in one transaction; a file that is busy or
-// read-only stays as it is until a later open. -1 when nothing changed.
+// read-only stays as it is until a later open. False when nothing changed.
 // Runs at every open: such a file passes msValidarBD and never reaches the
 // upgrade.
-int msQuitarIntercalaciones(BaseDatos& con);
+bool msQuitarIntercalaciones(BaseDatos& con);
 // The engine can't drop a primary key or add an identity column in place, so
 // AboAuto gains `id_AboAuto` by a rebuild that keeps every row.
-int msRebuildAboAuto(BaseDatos& con);
+bool msRebuildAboAuto(BaseDatos& con);
 // The outbox's kept count per account, its triggers and the list's date
 // index, in one transaction: the count of the rows already there and the
-// triggers that keep it from then on go in together. -1 when the file had
-// them or could not take them.
-int msCrearCuentaBandeja(BaseDatos& con);
+// triggers that keep it from then on go in together. False when the file
+// had them or could not take them.
+bool msCrearCuentaBandeja(BaseDatos& con);
