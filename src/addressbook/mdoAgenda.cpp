@@ -221,19 +221,23 @@ namespace {
 
 constexpr int kContactosPorBloque = 5000;
 
-// Runs `sentencias` in one transaction; how many contacts went (`borrados`
-// when given, else the changes of the last statement). When the block
+// Runs `sentencias` in one transaction; how many contacts went is what
+// statement `cuenta` changed (the last one when not given). When the block
 // fails it is undone and its contacts (`codigos` of the block) go one by
 // one, each failure reported on its own, as they would without blocks.
 ContactosBorrados borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
-                               const std::function<QStringList()>& codigos, int borrados = -1) {
+                               const std::function<QStringList()>& codigos, int cuenta = -1) {
     const QString sp = u"bloquecontactos"_s;
+    if (cuenta < 0) cuenta = int(sentencias.size()) - 1;
     try {
         bd().savepoint(sp);
-        int n = 0;
-        for (const auto& [sql, params] : sentencias) n = bd().exec(sql, params);
+        int borrados = 0;
+        for (int i = 0; i < sentencias.size(); ++i) {
+            const int n = bd().exec(sentencias[i].first, sentencias[i].second);
+            if (i == cuenta) borrados = n;
+        }
         bd().release(sp);
-        return {borrados >= 0 ? borrados : n, {}};
+        return {borrados, {}};
     } catch (const ErrorBD&) {
         deshacer(sp);
     }
@@ -278,10 +282,6 @@ QList<std::pair<QString, QVariantList>> borrarDonde(const QString& donde,
             {u"DELETE FROM Abonados WHERE "_s + donde, params}};
 }
 
-long long contar(const QString& sql) {
-    return numeroDe(bd().query(sql).value(0, 0));
-}
-
 // The numbers of the contacts chosen by `donde`.
 std::function<QStringList()> codigosDonde(const QString& donde, const QVariantList& params) {
     return [donde, params] {
@@ -310,44 +310,45 @@ void msBorrarContactosPorBloques(const QStringList& codigos,
 }
 
 namespace {
-// The contact shown of the row's number, found on the table's key.
-QString contactoVisible(const QString& tabla) {
-    return u"(SELECT 1 FROM Abonados a WHERE a.Codigo = "_s + tabla +
-           u".Abonado AND a.Canal IN (SELECT Canal FROM Canales))"_s;
+// The rows of `tabla` (`columnas` of it, as t) whose number is no contact
+// shown: no contact at all, or one set aside in temp.quedanAbonados. Each
+// row looks its number up in the number's index alone.
+QString sinContactoVisible(const QString& tabla, const QString& columnas) {
+    return u"SELECT "_s + columnas + u" FROM "_s + tabla +
+           u" t LEFT JOIN Abonados a ON a.Codigo = t.Abonado WHERE a.Codigo IS NULL OR "
+           u"a.Codigo IN (SELECT Codigo FROM temp.quedanAbonados)"_s;
 }
 }  // namespace
 
 void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alTerminar) {
-    const QString visibles =
-        u"(SELECT Codigo FROM Abonados WHERE Canal IN (SELECT Canal FROM Canales))"_s;
-    int borrados = 0;
-    try {
-        borrados =
-            int(contar(u"SELECT count(*) FROM Abonados WHERE Canal IN (SELECT Canal FROM "
-                       u"Canales)"_s));
-    } catch (const ErrorBD& e) {
-        if (alTerminar) alTerminar({0, {Hecho::no(e.description(), Msg::OkOnly)}});
-        return;
-    }
+    // The accounts that contacts name, hopping through the account index
+    // from one value to the next rather than reading every contact.
+    const QString cuentasNombradas =
+        u"WITH RECURSIVE c(v) AS (SELECT min(Canal) FROM Abonados UNION ALL SELECT (SELECT "
+        u"min(Canal) FROM Abonados WHERE Canal > v) FROM c WHERE v IS NOT NULL) SELECT v FROM c "
+        u"WHERE v NOT IN (SELECT Canal FROM Canales)"_s;
     // What stays (contacts of a missing account, memberships and
     // multi-send rows of numbers that are no contact shown) is set aside,
     // the three tables are emptied and it comes back, under its own row
     // numbers: emptied without a condition, a table's pages are dropped
     // whole, where deleting row by row rewrites every page of its indexes.
+    // The contacts set aside go first, so that emptying the table counts
+    // the contacts shown.
     const QList<std::pair<QString, QVariantList>> sentencias{
         {u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, Comentario, "
-         u"Canal FROM Abonados WHERE Canal IS NULL OR Canal NOT IN (SELECT Canal FROM Canales)"_s,
+         u"Canal FROM Abonados WHERE Canal IS NULL OR Canal IN ("_s +
+             cuentasNombradas + u')',
          {}},
-        {u"CREATE TEMP TABLE quedanAboGrup AS SELECT rowid AS r, Abonado, Grupo FROM AboGrup "
-         u"WHERE NOT EXISTS "_s +
-             contactoVisible(u"AboGrup"_s),
+        {u"CREATE TEMP TABLE quedanAboGrup AS "_s +
+             sinContactoVisible(u"AboGrup"_s, u"t.rowid AS r, t.Abonado, t.Grupo"_s),
          {}},
-        {u"CREATE TEMP TABLE quedanAboAuto AS SELECT id_AboAuto, Automatico, Abonado, Mensaje "
-         u"FROM AboAuto WHERE NOT EXISTS "_s +
-             contactoVisible(u"AboAuto"_s),
+        {u"CREATE TEMP TABLE quedanAboAuto AS "_s +
+             sinContactoVisible(u"AboAuto"_s,
+                                u"t.id_AboAuto, t.Automatico, t.Abonado, t.Mensaje"_s),
          {}},
         {u"DELETE FROM AboGrup"_s, {}},
         {u"DELETE FROM AboAuto"_s, {}},
+        {u"DELETE FROM Abonados WHERE rowid IN (SELECT r FROM temp.quedanAbonados)"_s, {}},
         {u"DELETE FROM Abonados"_s, {}},
         {u"INSERT INTO Abonados (rowid, Codigo, Alias, Comentario, Canal) SELECT r, Codigo, "
          u"Alias, Comentario, Canal FROM temp.quedanAbonados"_s,
@@ -361,9 +362,11 @@ void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alT
         {u"DROP TABLE temp.quedanAbonados"_s, {}},
         {u"DROP TABLE temp.quedanAboGrup"_s, {}},
         {u"DROP TABLE temp.quedanAboAuto"_s, {}}};
+    constexpr int vaciado = 6;
     porBloques(
-        [sentencias, visibles, borrados](bool&) {
-            return borrarBloque(sentencias, codigosDonde(u"Codigo IN "_s + visibles, {}), borrados);
+        [sentencias](bool&) {
+            return borrarBloque(
+                sentencias, codigosDonde(u"Canal IN (SELECT Canal FROM Canales)"_s, {}), vaciado);
         },
         {}, std::move(alTerminar));
 }

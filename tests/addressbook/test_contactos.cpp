@@ -444,7 +444,14 @@ class TestContactos : public QObject {
             miembro(u"0034699999999"_s, 0);
             bd().exec(u"INSERT INTO AboAuto (Abonado,Automatico) VALUES ('0034699999999',1)"_s);
         }
-        if (oculto) contacto(u"0034611111111"_s, u"Sin cuenta"_s, 7);
+        if (oculto) {
+            // One of an account that no longer exists, one of none; their
+            // memberships and multi-send rows stay with them.
+            contacto(u"0034611111111"_s, u"Sin cuenta"_s, 7);
+            bd().exec(u"INSERT INTO Abonados (Codigo,Alias) VALUES ('0034611111112','Nula')"_s);
+            miembro(u"0034611111111"_s, 0);
+            bd().exec(u"INSERT INTO AboAuto (Abonado,Automatico) VALUES ('0034611111112',1)"_s);
+        }
         if (bloqueado)
             bd().exec(
                 u"CREATE TRIGGER no_borrar BEFORE DELETE ON Abonados WHEN old.Codigo = "
@@ -463,13 +470,21 @@ class TestContactos : public QObject {
         QCOMPARE(ui.boxes.size(), bloqueado ? 3 : 2);
         if (bloqueado) QVERIFY(ui.boxes.at(1).text.contains(u"bloqueado"_s));
         QStringList siguen;
-        if (oculto) siguen << u"0034611111111"_s;
         if (bloqueado) siguen << u"0034600000002"_s;
+        if (oculto) siguen << u"0034611111111"_s << u"0034611111112"_s;
         QCOMPARE(columna(u"select Codigo from Abonados order by Codigo"_s), siguen);
-        const QStringList ajena = ajenas ? QStringList{u"0034699999999"_s} : QStringList();
-        QCOMPARE(columna(u"select Abonado from AboGrup order by Abonado"_s),
-                 bloqueado ? QStringList{u"0034600000002"_s} + ajena : ajena);
-        QCOMPARE(columna(u"select Abonado from AboAuto"_s), ajena);
+        QStringList grupos = bloqueado ? QStringList{u"0034600000002"_s} : QStringList();
+        QStringList multi;
+        if (oculto) {
+            grupos << u"0034611111111"_s;
+            multi << u"0034611111112"_s;
+        }
+        if (ajenas) {
+            grupos << u"0034699999999"_s;
+            multi << u"0034699999999"_s;
+        }
+        QCOMPARE(columna(u"select Abonado from AboGrup order by Abonado"_s), grupos);
+        QCOMPARE(columna(u"select Abonado from AboAuto order by Abonado"_s), multi);
         QVERIFY(avisos.size() >= 1);
         QCOMPARE(pantalla.lblcont->text(), u"%1 Contactos"_s.arg(quedan));
         QCOMPARE(pantalla.cmdDeletetodos->isEnabled(), true);
