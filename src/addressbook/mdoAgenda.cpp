@@ -508,8 +508,8 @@ std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
     // and "Guardar" looks for such memberships only when there were any).
     const ResultadoConsulta r = bd().query(
         u"SELECT q, (SELECT count(*) FROM Abonados) - q, n - q FROM (SELECT count(*) AS n, "
-        u"coalesce(sum(EXISTS (SELECT 1 FROM Abonados a WHERE a.Codigo = g.Abonado)), 0) AS q "
-        u"FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g)"_s,
+        u"count(a.Codigo) AS q FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g "
+        u"LEFT JOIN Abonados a ON a.Codigo = g.Abonado)"_s,
         {grupo});
     bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {r.value(0, 2)});
     return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
