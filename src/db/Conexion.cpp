@@ -87,7 +87,7 @@ bool msValidarBD(const QString& path) {
         privada.query(u"SELECT crem FROM HEnvios"_s);
         privada.query(u"SELECT ClaveNombre FROM Abonados LIMIT 0"_s);
         privada.query(u"SELECT ClaveComentario FROM Abonados LIMIT 0"_s);
-        privada.query(u"SELECT ClaveNombre, Destinatarios FROM Automaticos LIMIT 0"_s);
+        privada.query(u"SELECT ClaveNombre, Destinatarios, ClaveUltima FROM Automaticos LIMIT 0"_s);
         privada.query(u"SELECT Filas FROM EnviosPorCanal LIMIT 0"_s);
     } catch (const ErrorBD&) {
         return false;

@@ -109,7 +109,8 @@ CREATE TABLE Automaticos (
     ProximaTarea DATETIME,
     RevisarTarea DATETIME,
     ClaveNombre TEXT,
-    Destinatarios INTEGER DEFAULT 0
+    Destinatarios INTEGER DEFAULT 0,
+    ClaveUltima TEXT
 );
 CREATE INDEX Automaticos_RevisarTarea ON Automaticos (RevisarTarea);
 CREATE TABLE AboAuto (
@@ -121,25 +122,65 @@ CREATE TABLE AboAuto (
 CREATE INDEX AboAuto_Automatico ON AboAuto (Automatico);
 )SQL"_s;
 
+// A stored date in the stored form, shown day first as the scheduler
+// writes it: a time of day alone on the zero date, no time at midnight.
+QString diaPrimero(const QString& x) {
+    const QString hora = u"substr("_s + x + u", 12)"_s;
+    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
+           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
+           u", 6, 2) || '/' || "
+           u"substr("_s +
+           x + u", 1, 4) || CASE WHEN "_s + hora +
+           u" = '00:00:00' THEN '' "
+           u"ELSE ' ' || "_s +
+           hora + u" END END"_s;
+}
+
+QString enFormaGuardada(const QString& x) {
+    // Never null, so that NOT of it is false for a null column.
+    return u"coalesce("_s + x +
+           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
+           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
+}
+
 // A column's place in the lists' order, kept beside it as the rule's key
 // (clave_nombre) in a column any client can index: a change of the column
 // by any client empties the key (a trigger of the file), and the
-// program's own connection works it out on every write.
+// program's own connection works it out on every write. `origen` is SQL
+// over the row (unqualified), `columnas` what it reads, and `cambio`, when
+// given, the test on old and new that tells a change of what it shows, so
+// that a write that changes nothing shown leaves the key and its indexes
+// alone.
 struct ClaveGuardada {
     QString tabla;
     QString clave;
     QString origen;
     QString disparador;
+    QString columnas = origen;
+    QString cambio = {};
 };
+// The last run shows differently only when it, the switch, or whether the
+// next run is a date change: the re-work of the next runs, which writes
+// every row, leaves it alone.
+QString cambioUltimaTarea() {
+    return u"old.TareaProgramada IS NOT new.TareaProgramada OR old.UltimaTarea IS NOT "
+           u"new.UltimaTarea OR "_s +
+           enFormaGuardada(u"old.ProximaTarea"_s) + u" <> "_s +
+           enFormaGuardada(u"new.ProximaTarea"_s);
+}
 const ClaveGuardada kClaves[] = {
     {u"Abonados"_s, u"ClaveNombre"_s, u"Alias"_s, u"Abonados_NombreCambiado"_s},
     {u"Abonados"_s, u"ClaveComentario"_s, u"Comentario"_s, u"Abonados_ComentarioCambiado"_s},
     {u"Automaticos"_s, u"ClaveNombre"_s, u"Nombre"_s, u"Automaticos_NombreCambiado"_s},
+    {u"Automaticos"_s, u"ClaveUltima"_s, Esquema::textoUltimaTarea(),
+     u"Automaticos_UltimaCambiada"_s, u"TareaProgramada, ProximaTarea, UltimaTarea"_s,
+     cambioUltimaTarea()},
 };
 
 QString disparadorVaciar(const ClaveGuardada& k) {
-    return u"CREATE TRIGGER IF NOT EXISTS "_s + k.disparador + u" AFTER UPDATE OF "_s + k.origen +
-           u" ON "_s + k.tabla + u" BEGIN UPDATE "_s + k.tabla + u" SET "_s + k.clave +
+    return u"CREATE TRIGGER IF NOT EXISTS "_s + k.disparador + u" AFTER UPDATE OF "_s + k.columnas +
+           u" ON "_s + k.tabla + (k.cambio.isEmpty() ? QString() : u" WHEN "_s + k.cambio) +
+           u" BEGIN UPDATE "_s + k.tabla + u" SET "_s + k.clave +
            u" = NULL WHERE rowid = new.rowid; END;"_s;
 }
 
@@ -148,6 +189,7 @@ QString disparadorVaciar(const ClaveGuardada& k) {
 // trigger a key for a change, one a table for an insert (a row written
 // once however many keys it has). Only the keys whose columns the file
 // has: a trigger naming a column the table lacks would fail every write.
+// The row's columns, unqualified in the UPDATE, are its new values.
 QString disparadoresPropios(const QList<const ClaveGuardada*>& claves) {
     const QString tabla = claves.first()->tabla;
     QString script, vacia, calculo;
@@ -155,11 +197,11 @@ QString disparadoresPropios(const QList<const ClaveGuardada*>& claves) {
         script += u"CREATE TEMP TRIGGER IF NOT EXISTS "_s + tabla + k->clave +
                   u"Vaciada AFTER UPDATE OF "_s + k->clave + u" ON main."_s + tabla +
                   u" WHEN new."_s + k->clave + u" IS NULL BEGIN UPDATE "_s + tabla + u" SET "_s +
-                  k->clave + u" = clave_nombre(new."_s + k->origen +
+                  k->clave + u" = clave_nombre("_s + k->origen +
                   u") WHERE rowid = new.rowid; END;"_s;
         vacia += (vacia.isEmpty() ? u""_s : u" OR "_s) + u"new."_s + k->clave + u" IS NULL"_s;
-        calculo += (calculo.isEmpty() ? u""_s : u", "_s) + k->clave + u" = coalesce(new."_s +
-                   k->clave + u", clave_nombre(new."_s + k->origen + u"))"_s;
+        calculo += (calculo.isEmpty() ? u""_s : u", "_s) + k->clave + u" = coalesce("_s + k->clave +
+                   u", clave_nombre("_s + k->origen + u"))"_s;
     }
     // Dropped first: the one made before an upgrade added a key lacks it.
     return script + u"DROP TRIGGER IF EXISTS temp."_s + tabla + u"ClavesNuevas; CREATE TEMP "_s +
@@ -206,27 +248,6 @@ BEGIN
 END;
 )SQL"_s;
 
-// A stored date in the stored form, shown day first as the scheduler
-// writes it: a time of day alone on the zero date, no time at midnight.
-QString diaPrimero(const QString& x) {
-    const QString hora = u"substr("_s + x + u", 12)"_s;
-    return u"CASE WHEN substr("_s + x + u", 1, 10) = '1899-12-30' THEN "_s + hora +
-           u" ELSE substr("_s + x + u", 9, 2) || '/' || substr("_s + x +
-           u", 6, 2) || '/' || "
-           u"substr("_s +
-           x + u", 1, 4) || CASE WHEN "_s + hora +
-           u" = '00:00:00' THEN '' "
-           u"ELSE ' ' || "_s +
-           hora + u" END END"_s;
-}
-
-QString enFormaGuardada(const QString& x) {
-    // Never null, so that NOT of it is false for a null column.
-    return u"coalesce("_s + x +
-           u" GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9] "
-           u"[0-9][0-9]:[0-9][0-9]:[0-9][0-9]', 0)"_s;
-}
-
 // The lists sort these on an index. A text the engine compares as the
 // lists' rule does needs no key of ours: digits and signs alone, and the
 // few words, sort alike in both. A count is a number, and sorts as one.
@@ -238,8 +259,8 @@ QString enFormaGuardada(const QString& x) {
 // page without sorting the equal lines, which may be all of them (every
 // multi-send with three recipients). The re-work of the next runs writes
 // every row: each index of them costs it a second at 100,000 rows and
-// a longer checkpoint now and then, so the next run has one index and
-// the last run none (it sorts its text once per click, as before).
+// a longer checkpoint now and then, so the next run has one index. The
+// last run's are on its stored key, which that re-work leaves alone.
 QStringList indicesDeListas() {
     QStringList r{
         u"CREATE INDEX Abonados_Canal ON Abonados (Canal)"_s,
@@ -252,7 +273,10 @@ QStringList indicesDeListas() {
       << u"CREATE INDEX Automaticos_DestinatariosNombre ON Automaticos (Destinatarios, "
          u"ClaveNombre DESC)"_s
       << u"CREATE INDEX Automaticos_Programado ON Automaticos ("_s + Esquema::textoProximaTarea() +
-             u" DESC)"_s;
+             u" DESC)"_s
+      << u"CREATE INDEX Automaticos_ClaveUltima ON Automaticos (ClaveUltima DESC)"_s
+      << u"CREATE INDEX Automaticos_ClaveUltimaNombre ON Automaticos (ClaveUltima, "
+         u"ClaveNombre DESC)"_s;
     return r;
 }
 
@@ -444,5 +468,8 @@ QString textoUltimaTarea() {
 }
 QString ordenDestinatarios() {
     return u"Automaticos.Destinatarios"_s;
+}
+QString ordenUltimaTarea() {
+    return u"Automaticos.ClaveUltima"_s;
 }
 }  // namespace Esquema

@@ -36,9 +36,10 @@ QString fechaBandeja(const QString& tabla);
 // The "CREATE INDEX" statements of a new file, which the upgrade adds.
 QStringList indicesActuales();
 // What the list of multi-sends shows of a row's next and last run, as SQL
-// over Automaticos (the next run's order is an index's), and the count of
-// recipients kept for the list's order.
+// over Automaticos (the next run's order is an index's), the last run's
+// stored key and the count of recipients kept for the list's order.
 QString textoProximaTarea();
 QString textoUltimaTarea();
+QString ordenUltimaTarea();
 QString ordenDestinatarios();
 }  // namespace Esquema

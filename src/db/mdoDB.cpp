@@ -291,7 +291,8 @@ void msActualizarBD(const QString& path) {
     // stored keys of texts and each multi-send's count of recipients.
     anadirColumnas(c, u"Abonados"_s,
                    {{u"ClaveNombre"_s, u"Text"_s, {}}, {u"ClaveComentario"_s, u"Text"_s, {}}});
-    msAddColumn(c, u"Automaticos"_s, u"ClaveNombre"_s, u"Text"_s, QString());
+    anadirColumnas(c, u"Automaticos"_s,
+                   {{u"ClaveNombre"_s, u"Text"_s, {}}, {u"ClaveUltima"_s, u"Text"_s, {}}});
     const bool sinCuenta =
         msAddColumn(c, u"Automaticos"_s, u"Destinatarios"_s, u"Integer"_s, u"0"_s);
     try {

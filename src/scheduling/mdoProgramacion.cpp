@@ -264,8 +264,7 @@ constexpr char16_t kOtraForma = u'\x1f';
 ListaPaginada::Definicion definicionMensajesProgramados() {
     // The next and last runs as they stand (see ProximasTareas): the list
     // reads them and works nothing out. A failed calculation is stored
-    // empty. The name, the count and the next run sort on indexes of the
-    // file (see Esquema); the last run sorts its text.
+    // empty. Every column sorts on an index of the file (see Esquema).
     ListaPaginada::Definicion d;
     d.desde = u"FROM Automaticos"_s;
     d.clave = u"Automaticos.Codigo"_s;
@@ -276,7 +275,7 @@ ListaPaginada::Definicion definicionMensajesProgramados() {
                    u"Automaticos.Codigo)"_s,
                    Esquema::ordenDestinatarios()},
                   {Esquema::textoProximaTarea(), Esquema::textoProximaTarea()},
-                  {Esquema::textoUltimaTarea(), {}}};
+                  {Esquema::textoUltimaTarea(), Esquema::ordenUltimaTarea()}};
     d.mostrar = [](int columna, const QString& celda) {
         if (columna == 3 && celda.startsWith(kOtraForma)) return textoUltima(celda.mid(1));
         return celda;

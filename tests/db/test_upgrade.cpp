@@ -100,8 +100,9 @@ class TestUpgrade : public Prueba {
         QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, ClaveComentario IS NOT NULL FROM "
                        u"Abonados"_s),
                  QStringList{u"1|1"_s});
-        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, Destinatarios FROM Automaticos"_s),
-                 QStringList{u"1|1"_s});
+        QCOMPARE(filas(u"SELECT ClaveNombre IS NOT NULL, Destinatarios, ClaveUltima IS NOT NULL "
+                       u"FROM Automaticos"_s),
+                 QStringList{u"1|1|1"_s});
         prueba::bd().exec(u"INSERT INTO envios (Canal) VALUES (1), (2)"_s);
         QCOMPARE(filas(u"SELECT Canal, Filas FROM EnviosPorCanal"_s),
                  (QStringList{u"1|2"_s, u"2|1"_s}));

@@ -254,6 +254,8 @@ class TestProximasTareas : public Prueba {
         TestDb::openShared(TestDb::createCurrent(ruta));
         bd().execScript(
             u"DROP INDEX Automaticos_RevisarTarea; DROP INDEX Automaticos_Programado; "
+            u"DROP TRIGGER Automaticos_UltimaCambiada; DROP TRIGGER "
+            u"temp.AutomaticosClaveUltimaVaciada; DROP TRIGGER temp.AutomaticosClavesNuevas; "
             u"ALTER TABLE Automaticos DROP COLUMN "
             u"ProximaTarea; ALTER TABLE Automaticos DROP COLUMN RevisarTarea;"_s);
         programa(1, u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s);

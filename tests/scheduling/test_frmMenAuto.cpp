@@ -232,8 +232,15 @@ class TestFrmMenAuto : public Prueba {
               u"DELETE FROM AboAuto WHERE id_AboAuto % 5 = 0; "
               u"UPDATE AboAuto SET Automatico = Automatico + 1 WHERE id_AboAuto % 7 = 0; "
               u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (49, 'nz');"_s);
-        // Our connection opens the file again, as the program would.
+        // Our connection opens the file again, as the program would, and
+        // runs change what the last run shows, or only the next run's date.
         TestDb::openShared(ruta);
+        bd().execScript(
+            u"UPDATE Automaticos SET ProximaTarea = NULL WHERE Codigo % 4 = 0; "
+            u"UPDATE Automaticos SET ProximaTarea = '2006-05-0' || (Codigo % 9 + 1) || "
+            u"' 10:00:00' WHERE Codigo % 4 = 1; UPDATE Automaticos SET TareaProgramada = NOT "
+            u"coalesce(TareaProgramada, 0) WHERE Codigo % 3 = 0; UPDATE Automaticos SET "
+            u"UltimaTarea = '2006-03-2' || (Codigo % 10) || ' 10:00:00' WHERE Codigo % 11 = 0;"_s);
         QCOMPARE(cuantos(u"SELECT count(*) FROM Automaticos WHERE Destinatarios IS NOT "
                          u"(SELECT count(*) FROM AboAuto WHERE Automatico = Codigo)"_s),
                  0);
