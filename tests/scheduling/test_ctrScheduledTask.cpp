@@ -235,11 +235,7 @@ class TestCtrScheduledTask : public Prueba {
 
     void panelsByKind_data() {
         QTest::addColumn<int>("tipo");
-        QTest::newRow("Una vez") << 0;
-        QTest::newRow("Diariamente") << 1;
-        QTest::newRow("Semanalmente") << 2;
-        QTest::newRow("Mesualmente") << 3;
-        QTest::newRow("Anualmente") << 4;
+        for (int tipo = 0; tipo < 5; ++tipo) QTest::addRow("%d", tipo) << tipo;
     }
     void panelsByKind() {
         QFETCH(int, tipo);
