@@ -28,17 +28,12 @@ class TestEspera : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
-  private:
-    std::unique_ptr<SimuladorPrueba> simulador(int retrasoMs) {
-        return plataformaLenta(world, retrasoMs, 5);
-    }
-
   private Q_SLOTS:
     void init() { world.baseNueva(u"espera.db"_s); }
 
     void theWindowTurnsWhileThePlatformThinks() {
         InterfazGuionada ui;
-        auto sim = simulador(1500);
+        auto sim = plataformaLenta(world, 1500, 5);
         int vueltas = 0;
         QTimer sonda;
         sonda.setInterval(20);
@@ -52,7 +47,7 @@ class TestEspera : public Prueba {
 
     void closingTheScreenDropsTheLateAnswer() {
         InterfazGuionada ui;
-        auto sim = simulador(5000);
+        auto sim = plataformaLenta(world, 5000, 5);
         QMdiArea area;
         area.resize(1000, 700);
         area.show();
@@ -85,12 +80,8 @@ class TestEspera : public Prueba {
         QFETCH(int, ventana);
         constexpr int kRetraso = 1500;
         InterfazGuionada ui;
-        auto sim = simulador(kRetraso);
-        for (int i = 0; i < 3; ++i)
-            prueba::bd().exec(
-                u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
-                u"VALUES ('2026-01-01 10:00:00',1,'0034600000001',?,2)"_s,
-                {u"m%1"_s.arg(i)});
+        auto sim = plataformaLenta(world, kRetraso, 5);
+        for (int i = 0; i < 3; ++i) prueba::pendiente(u"0034600000001"_s, u"m%1"_s.arg(i));
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Transmisor t;
         t.armarTemporizador();

@@ -5,10 +5,8 @@
 #include "TestSupportGui.h"
 #include "app/Transmisor.h"
 #include "base/Ajustes.h"
-#include "base/Cifrado.h"
 #include "base/EstadoAplicacion.h"
 #include "composition/frmEnvio.h"
-#include "db/Conexion.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -32,14 +30,8 @@ class TestExtremo : public Prueba {
             world.root(),
             u"[plataforma]\nversion=325\n[cuenta1]\nusuario=demo\nclave=demo\n"
             u"saldo=100\nmovil=0034600123456\n"_s);
-        prueba::cuenta(1, u"Cuenta_1"_s,
-                       {{u"Host"_s, sim->host()},
-                        {u"usuario"_s, u"demo"_s},
-                        {u"clave"_s, msCifrarClave(clave, true)},
-                        {u"Principal"_s, 1},
-                        {u"Remitente"_s, u""_s},
-                        {u"remopc"_s, 0},
-                        {u"imptextos"_s, 0}});
+        prueba::cuentaPrincipal(sim->host(), clave,
+                                {{u"Remitente"_s, u""_s}, {u"remopc"_s, 0}, {u"imptextos"_s, 0}});
         return sim->listo();
     }
     static QString cuenta(frmEnvio& f) {
@@ -55,16 +47,16 @@ class TestExtremo : public Prueba {
         QTest::addColumn<QString>("caja");
         QTest::addColumn<QString>("combo");
         QTest::newRow("balance renewed")
-            << u"demo"_s << false << QString() << u"Cuenta_1   (100 Créditos)"_s;
+            << u"demo"_s << false << QString() << u"Principal   (100 Créditos)"_s;
         QTest::newRow("refused") << u"otra"_s << false
                                  << u"Autentificación Denegada, Revise Usuario y Contraseña y "
                                     u"que su Cuenta esté ACTIVA."_s
-                                 << u"Cuenta_1   (0 Créditos)"_s;
+                                 << u"Principal   (0 Créditos)"_s;
         QTest::newRow("no connection") << u"demo"_s << true
                                        << u"Error de conexión. Imposible conectar con Quelmo "
                                           u"Mensajes, revise su conexión a Internet.\nNo se "
                                           u"pudo conectar con la plataforma: "_s
-                                       << u"Cuenta_1   (0 Créditos)"_s;
+                                       << u"Principal   (0 Créditos)"_s;
     }
     void balanceButton() {
         QFETCH(QString, clave);
@@ -76,11 +68,7 @@ class TestExtremo : public Prueba {
         if (parado) sim->detener();
         frmEnvio f;
         f.findChild<QPushButton*>(u"cmdSaldo"_s)->click();
-        if (caja.isEmpty()) {
-            QTRY_VERIFY2(cuenta(f).startsWith(combo), qPrintable(cuenta(f)));
-        } else {
-            QTRY_VERIFY(!ui.boxes.isEmpty());
-        }
+        QTRY_VERIFY(caja.isEmpty() ? cuenta(f).startsWith(combo) : !ui.boxes.isEmpty());
         // The cause ends in the transport library's own words.
         const QString texto = ui.boxes.isEmpty() ? QString() : ui.boxes.first().text;
         QVERIFY2(caja.isEmpty() ? texto.isEmpty() : texto.startsWith(caja), qPrintable(texto));
@@ -91,8 +79,7 @@ class TestExtremo : public Prueba {
     void composeAndSendEverything() {
         QVERIFY(preparar());
         InterfazGuionada ui;
-        BaseDatos& db = Conexion();
-        db.exec(u"INSERT INTO Abonados (Codigo,Alias,Canal) VALUES ('0034600000001','ana',1)"_s);
+        prueba::contacto(u"0034600000001"_s, u"ana"_s, 1);
         Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
         Transmisor tx;
 
@@ -101,15 +88,14 @@ class TestExtremo : public Prueba {
         f.findChild<QLineEdit*>(u"Text1"_s)->setText(u"ana;600123456"_s);
         f.findChild<QPlainTextEdit*>(u"txtMensaje"_s)->setPlainText(u"Hola desde la prueba"_s);
         f.findChild<QPushButton*>(u"cmdEnviar"_s)->click();
-        QTRY_COMPARE(db.query(u"select count(*) from HEnvios"_s).value(0, 0).toInt(), 2);
-        QTRY_VERIFY(cuenta(f).startsWith(u"Cuenta_1   (98 Créditos)"_s));
+        QTRY_COMPARE(prueba::cuantos(u"select count(*) from HEnvios"_s), 2);
+        // The balance the platform reported after the batch.
+        QTRY_VERIFY2(cuenta(f).startsWith(u"Principal   (98 Créditos)"_s), qPrintable(cuenta(f)));
 
         QCOMPARE(prueba::columna(u"select Abonado from HEnvios order by Abonado"_s),
                  (QStringList{u"0034600000001"_s, u"0034600123456"_s}));
-        QCOMPARE(db.query(u"select count(*) from envios"_s).value(0, 0).toInt(), 0);
+        QCOMPARE(prueba::cuantos(u"select count(*) from envios"_s), 0);
         QCOMPARE(sim->registro().size(), 2);
-        // The balance the platform reported after the batch.
-        QVERIFY2(cuenta(f).startsWith(u"Cuenta_1   (98 Créditos)"_s), qPrintable(cuenta(f)));
     }
 };
 

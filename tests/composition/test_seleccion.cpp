@@ -4,7 +4,6 @@
 #include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
-#include "db/Conexion.h"
 #include "widgets/ModeloListado.h"
 
 #include <QLineEdit>
@@ -17,9 +16,7 @@ using prueba::textosDe;
 Q_DECLARE_METATYPE(QVector<DestinoElegido>)
 
 namespace {
-void sql(const QString& s) {
-    Conexion().exec(s);
-}
+using prueba::bd;
 DestinoElegido lista(const QString& nombre) {
     return {nombre, detalleLista(u"9"_s)};
 }
@@ -28,13 +25,9 @@ DestinoElegido contacto(const QString& alias) {
 }
 }  // namespace
 
-class TestSeleccion : public QObject {
+class TestSeleccion : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestSeleccion(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
     static ModeloListado* modelo(QWidget& f, const QString& nombre) {
         return static_cast<ModeloListado*>(f.findChild<QTreeView*>(nombre)->model());
@@ -42,13 +35,12 @@ class TestSeleccion : public QObject {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.root() + u"/sel.db"_s));
-        sql(u"INSERT INTO Abonados (Codigo,Alias) VALUES ('003401','ana'),('003402','bea'),"
-            u"('003403','carla'),('003404','dani')"_s);
-        sql(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (0,'amigos'),(1,'trabajo'),(2,'vacia')"_s);
-        sql(u"INSERT INTO AboGrup (Abonado,Grupo) VALUES ('003402',0),('003403',0),"
-            u"('003403',1),('003499',1)"_s);
+        world.baseNueva(u"sel.db"_s);
+        bd().execScript(
+            u"INSERT INTO Abonados (Codigo,Alias) VALUES ('003401','ana'),('003402','bea'),"
+            u"('003403','carla'),('003404','dani'); INSERT INTO Grupos (Grupo,Nombre) VALUES "
+            u"(0,'amigos'),(1,'trabajo'),(2,'vacia'); INSERT INTO AboGrup (Abonado,Grupo) "
+            u"VALUES ('003402',0),('003403',0),('003403',1),('003499',1)"_s);
     }
 
     void expansion_data() {
@@ -76,7 +68,7 @@ class TestSeleccion : public QObject {
     }
 
     void failureIsRefused() {
-        sql(u"DROP TABLE AboGrup"_s);
+        bd().exec(u"DROP TABLE AboGrup"_s);
         QString aliases;
         const Hecho h = msDestinosSeleccionados({lista(u"amigos"_s)}, aliases);
         QVERIFY(h.motivo().startsWith(u"Error en Funcion Seleccionar Destinatarios\n"_s));

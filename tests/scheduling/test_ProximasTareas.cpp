@@ -126,8 +126,7 @@ class TestProximasTareas : public Prueba {
 
   private Q_SLOTS:
     void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.appDir() + u"/proximas.db"_s));
+        world.baseNueva(u"proximas.db"_s);
         ProximasTareas::setMonotono([this] { return mono; });
     }
     void cleanup() {
@@ -172,8 +171,7 @@ class TestProximasTareas : public Prueba {
         QFETCH(QString, guion);
         for (int i = 0; i < kProgramas.size(); ++i) {
             programa(i + 1, kProgramas[i]);
-            bd().exec(u"INSERT INTO Abonados (Codigo, Alias, Canal) VALUES (?, ?, 1)"_s,
-                      {u"60000%1"_s.arg(i), u"C%1"_s.arg(i)});
+            prueba::contacto(u"60000%1"_s.arg(i), u"C%1"_s.arg(i), 1);
             bd().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (?, ?, 'x')"_s,
                       {i + 1, u"60000%1"_s.arg(i)});
         }
@@ -260,7 +258,7 @@ class TestProximasTareas : public Prueba {
             u"ProximaTarea; ALTER TABLE Automaticos DROP COLUMN RevisarTarea;"_s);
         programa(1, u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s);
         programa(2, u"Periodicidad=1 FechaFin=2006-03-10"_s);
-        bd().exec(u"INSERT INTO Abonados (Codigo, Alias, Canal) VALUES ('600', 'A', 1)"_s);
+        prueba::contacto(u"600"_s, u"A"_s, 1);
         bd().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (1, '600', 'x')"_s);
         bd().close();
         QVERIFY(!msValidarBD(ruta));

@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
-#include "scheduling/clsNextTarea.h"
 #include "scheduling/clsTareasPendientes.h"
 
 using namespace Qt::StringLiterals;
@@ -11,15 +10,13 @@ using prueba::en;
 using prueba::programa;
 
 namespace {
-BaseDatos& db() {
-    return Conexion();
-}
+using prueba::bd;
 
 // A recipient of row `automatico`, a contact of account `canal`.
 void destinatario(int automatico, const QString& numero, const QString& mensaje, int canal = 1) {
-    db().exec(u"INSERT OR IGNORE INTO Abonados (Codigo, Alias, Canal) VALUES (?,?,?)"_s,
+    bd().exec(u"INSERT OR IGNORE INTO Abonados (Codigo, Alias, Canal) VALUES (?,?,?)"_s,
               {numero, numero, canal});
-    db().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (?,?,?)"_s,
+    bd().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (?,?,?)"_s,
               {automatico, numero, mensaje});
 }
 
@@ -30,61 +27,24 @@ void conDestinatario(int codigo, const QString& columnas) {
 }
 
 QString ultimaTarea(int codigo) {
-    return db()
-        .query(u"SELECT UltimaTarea FROM Automaticos WHERE Codigo=?"_s, {codigo})
-        .value(0, 0)
-        .toString();
+    return prueba::columna(u"SELECT UltimaTarea FROM Automaticos WHERE Codigo=?"_s, {codigo})
+        .value(0);
 }
 
 QStringList enCola() {
-    QStringList filas;
-    const ResultadoConsulta r = db().query(
-        u"SELECT Abonado, Mensaje, Canal, intento, Registro "
-        u"FROM envios ORDER BY Id"_s);
-    for (int i = 0; i < r.recordCount(); ++i) {
-        QStringList campos;
-        for (const QVariant& v : r.row(i)) campos.append(v.toString());
-        filas.append(campos.join(u'|'));
-    }
-    return filas;
+    return prueba::filas(
+        u"SELECT Abonado, Mensaje, Canal, intento, Registro FROM envios ORDER BY Id"_s);
 }
 
 const QString kSemanal10 = u"Periodicidad=2 DiasSemana=4 Hora=10:00"_s;  // Wednesday 10:00
 }  // namespace
 
-class TestTareasPendientes : public QObject {
+class TestTareasPendientes : public Prueba {
     Q_OBJECT
-  public:
-    explicit TestTareasPendientes(TestWorld& w) : world(w) {}
-
-  private:
-    TestWorld& world;
+    using Prueba::Prueba;
 
   private Q_SLOTS:
-    void init() {
-        world.reset();
-        TestDb::openShared(TestDb::createCurrent(world.appDir() + u"/pend.db"_s));
-    }
-
-    // The timer ticks twice a minute: the run goes out once, with its
-    // planned time as the last run, and then next week's is the next.
-    void ticksAroundTheMinute() {
-        conDestinatario(1, kSemanal10);
-        InterfazGuionada ui;
-        RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 1);
-        QCOMPARE(ultimaTarea(1), u"2006-03-15 10:00:00"_s);
-        for (const QString& hora : {u"10:00:50"_s, u"10:01:20"_s}) {
-            clock.set(en(u"15/03/2006 "_s + hora));
-            QCOMPARE(clsTareasPendientes().ReLoad(), 0);
-        }
-        QCOMPARE(enCola(), QStringList{u"0034600000001|hola|1|2|2006-03-15 10:00:20"_s});
-        clsNextTarea t;
-        t.setCodigo(1);
-        t.CalcularProximaTarea();
-        QCOMPARE(t.FechaProximaTarea(), en(u"22/03/2006 10:00"_s));
-        QVERIFY(ui.boxes.isEmpty());
-    }
+    void init() { world.baseNueva(u"pend.db"_s); }
 
     // Runs missed by every tick are offered at a start later that day, all
     // at once; sent, the time of sending is the last run and a further
@@ -161,7 +121,7 @@ class TestTareasPendientes : public QObject {
         QCOMPARE((QStringList{ultimaTarea(1), ultimaTarea(2), ultimaTarea(3)}), ultimas);
         // Each run that went, went once.
         QCOMPARE(enCola().size(), alArrancar + alTic);
-        QCOMPARE(db().query(u"SELECT count(DISTINCT Abonado) FROM envios"_s).value(0, 0).toInt(),
+        QCOMPARE(prueba::cuantos(u"SELECT count(DISTINCT Abonado) FROM envios"_s),
                  alArrancar + alTic);
     }
 
@@ -174,8 +134,8 @@ class TestTareasPendientes : public QObject {
         destinatario(5, u"600000002"_s, u"l'hora d'anar-hi"_s, 2);
         destinatario(5, u"0034600000003"_s, u"tres"_s, 3);
         destinatario(5, u"Oficina"_s, u"cuatro"_s, 4);
-        db().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (5,'699','x')"_s);
-        db().execScript(
+        bd().exec(u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES (5,'699','x')"_s);
+        bd().execScript(
             u"CREATE TABLE escrituras (n INTEGER); INSERT INTO escrituras VALUES (0);"
             u"CREATE TRIGGER cuenta AFTER UPDATE OF UltimaTarea ON Automaticos "
             u"BEGIN UPDATE escrituras SET n = n + 1; END;"_s);
@@ -186,7 +146,7 @@ class TestTareasPendientes : public QObject {
         QCOMPARE(enCola(), QStringList({u"0034600000001|uno|1"_s + sufijo,
                                         u"0034600000002|l'hora d'anar-hi|2"_s + sufijo,
                                         u"0034600000003|tres|3"_s + sufijo}));
-        QCOMPARE(db().query(u"SELECT n FROM escrituras"_s).value(0, 0).toInt(), 4);
+        QCOMPARE(prueba::cuantos(u"SELECT n FROM escrituras"_s), 4);
     }
 
     // Without recipients a due row counts, but queues nothing and stays due.
@@ -217,7 +177,7 @@ class TestTareasPendientes : public QObject {
         QVERIFY(ultimaTarea(2).isEmpty());
         QCOMPARE(ultimaTarea(3), u"2006-04-10 10:00:00"_s);
 
-        db().exec(u"UPDATE Automaticos SET UltimaTarea=NULL"_s);
+        bd().exec(u"UPDATE Automaticos SET UltimaTarea=NULL"_s);
         clock.set(en(u"10/04/2006 12:00:00"_s));
         QVERIFY(clsTareasPendientes().HayPendientesHoy());
         QCOMPARE(clsTareasPendientes().EnviarPendientes(), 0);

@@ -1,5 +1,5 @@
 // The schedule control: its properties as the widgets hold them, the checks
-// it makes on the user's input, its panels and the lines that describe it.
+// it makes on the user's input and its panels.
 #include "TestSupportGui.h"
 #include "scheduling/ctrNumberPick.h"
 #include "scheduling/ctrScheduledTask.h"
@@ -11,7 +11,6 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QTimeEdit>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -236,11 +235,7 @@ class TestCtrScheduledTask : public Prueba {
 
     void panelsByKind_data() {
         QTest::addColumn<int>("tipo");
-        QTest::newRow("Una vez") << 0;
-        QTest::newRow("Diariamente") << 1;
-        QTest::newRow("Semanalmente") << 2;
-        QTest::newRow("Mesualmente") << 3;
-        QTest::newRow("Anualmente") << 4;
+        for (int tipo = 0; tipo < 5; ++tipo) QTest::addRow("%d", tipo) << tipo;
     }
     void panelsByKind() {
         QFETCH(int, tipo);
@@ -252,69 +247,6 @@ class TestCtrScheduledTask : public Prueba {
         QCOMPARE(cambios.count(), 1);
         for (int i = 0; i < 5; ++i) QCOMPARE(c.frame1[i]->isVisible(), i == tipo);
         QCOMPARE(c.frameFechaIniFechaFin->isVisible(), tipo != 0);
-    }
-
-    void descriptionLines_data() {
-        QTest::addColumn<QString>("propiedades");
-        QTest::addColumn<QString>("texto");
-        QTest::newRow("weekly, 2 weeks, Monday and Sunday, no end")
-            << u"tipo=2 cada=2 dias=65 ini=01/03/2006 fin=31/12/9999 hora=09:00"_s
-            << u"Semanalmente\nCada 2 semana\ncada: Dom Lunes \nFecha Inicio: 01/03/2006\n"
-               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
-        QTest::newRow("weekly, Saturday and Wednesday")
-            << u"tipo=2 cada=1 dias=36 ini=01/03/2006 fin=30/06/2006 hora=18:30"_s
-            << u"Semanalmente\nCada 1 semana\ncada: Sabado Miercoles \nFecha Inicio: "
-               u"01/03/2006\nFecha Fin: 30/06/2006\n\nHORA:18:30"_s;
-        QTest::newRow("once") << u"tipo=0 fecha=20/03/2006 hora=10:00"_s
-                              << u"Una sola vez\n20/03/2006\nHORA:10:00"_s;
-        QTest::newRow("daily")
-            << u"tipo=1 cada=3 ini=15/03/2006 fin=31/12/9999 hora=07:05"_s
-            << u"Diariamente\nCada 3 día\nFecha Inicio: 15/03/2006\nFecha Fin: 31/12/9999\n"
-               u"\nHORA:07:05"_s;
-        QTest::newRow("monthly, a fixed day, begins with a line break")
-            << u"tipo=3 esdia=1 diames=15 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
-            << u"\nMensualmente\ncada 15 de cada mes\nFecha Inicio: 15/03/2006\n"
-               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
-        QTest::newRow("monthly, the third Wednesday reads tercero")
-            << u"tipo=3 esdia=0 semana=3 diasemana=3 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
-            << u"\nMensualmente\nEl tercero Miercoles de cada mes.\nFecha Inicio: 15/03/2006\n"
-               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
-        QTest::newRow("monthly, the last Sunday")
-            << u"tipo=3 esdia=0 semana=5 diasemana=7 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
-            << u"\nMensualmente\nEl último Domingo de cada mes.\nFecha Inicio: 15/03/2006\n"
-               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
-        QTest::newRow("yearly, the month in the locale")
-            << u"tipo=4 anualdia=20 anualmes=3 ini=15/03/2006 fin=31/12/9999 hora=09:00"_s
-            << u"Anualmente\nDia: 20 Mes:marzo\nFecha Inicio: 15/03/2006\n"
-               u"Fecha Fin: 31/12/9999\n\nHORA:09:00"_s;
-    }
-    void descriptionLines() {
-        QFETCH(QString, propiedades);
-        RelojFijo reloj(QDateTime(QDate(2006, 3, 1), QTime(8, 0)));
-        InterfazGuionada ui;
-        ctrScheduledTask c;
-        for (const QString& par : propiedades.split(u' ')) {
-            const QString k = par.section(u'=', 0, 0), v = par.section(u'=', 1);
-            const int n = v.toInt();
-            if (k == u"tipo") c.setPeriodicidad(n);
-            if (k == u"cada") {
-                c.setP_Diaria_Cada(int16_t(n));
-                c.setP_Semanal_Cada(int16_t(n));
-            }
-            if (k == u"dias") c.setP_Semanal_Dias(int16_t(n));
-            if (k == u"ini") c.setP_Fecha_Ini(dia(v));
-            if (k == u"fin") c.setP_Fecha_Fin(dia(v));
-            if (k == u"fecha") c.setP_UnaSolaVez_Fecha(dia(v));
-            if (k == u"hora") c.setHora(QTime::fromString(v, u"HH:mm"_s));
-            if (k == u"esdia") c.setP_Mensual_Es_Dia(n != 0);
-            if (k == u"diames") c.setP_Mensual_Dia_Mes(int16_t(n));
-            if (k == u"semana") c.setP_Mensual_Num_Semana(n);
-            if (k == u"diasemana") c.setP_Mensual_dia_Semana(n);
-            if (k == u"anualdia") c.setP_Anual_Dia(int16_t(n));
-            if (k == u"anualmes") c.setP_Anual_Mes(int16_t(n));
-        }
-        QTEST(c.Descripcion(), "texto");
-        QVERIFY(ui.boxes.isEmpty());
     }
 };
 
