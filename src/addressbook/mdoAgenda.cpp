@@ -196,11 +196,14 @@ ListaPaginada::Definicion definicionContactos() {
         u"Canal < (SELECT min(d.Canal) FROM Canales d WHERE d.Canal > c.Canal))), 0) "
         u"FROM Canales c) ELSE 0 END"_s;
     // Numbers are digits and signs, which NOCASE puts in the lists' order;
-    // comments keep their key beside them (see Esquema).
+    // comments keep their key beside them (see Esquema); an account's
+    // name is sorted among the accounts, its contacts read an account at
+    // a time.
     d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s},
                   {u"Abonados.Codigo"_s, u"Abonados.Codigo COLLATE NOCASE"_s},
                   {u"Abonados.Comentario"_s, u"Abonados.ClaveComentario"_s},
                   {u"Canales.Nombre"_s, {}}};
+    d.porClave = {3, u"Abonados.Canal"_s, u"SELECT Canal, Nombre FROM Canales"_s};
     // Names that sort alike keep the order of the names when another
     // column is sorted.
     d.desempate = u"coalesce(Abonados.Alias, '') COLLATE REGLA_LISTAS"_s;

@@ -153,14 +153,17 @@ ListaPaginada::Definicion definicionBandeja() {
     d.mayor = u"SELECT max(Id) FROM envios"_s;
     // Every column sorts by the text it shows, the date too (on its index).
     const QString fecha = Esquema::fechaBandeja(u"envios"_s);
-    d.columnas = {
-        {u"CAST(envios.Id AS TEXT)"_s, {}},
-        {fecha, fecha},
-        {u"envios.abonado"_s, Esquema::destinoBandeja(u"envios"_s)},
-        {u"trim(coalesce(canales.Nombre, '')) || CASE WHEN trim(coalesce(canales.Remitente, "
-         u"'')) <> '' THEN ' (' || trim(canales.Remitente) || ')' ELSE '' END"_s,
-         {}},
-        {u"envios.mensaje"_s, {}}};
+    // The account's text is that of its row of canales: the accounts are
+    // sorted, and the outbox read an account at a time on its index.
+    const QString cuenta =
+        u"trim(coalesce(canales.Nombre, '')) || CASE WHEN trim(coalesce(canales.Remitente, "
+        u"'')) <> '' THEN ' (' || trim(canales.Remitente) || ')' ELSE '' END"_s;
+    d.columnas = {{u"CAST(envios.Id AS TEXT)"_s, {}},
+                  {fecha, fecha},
+                  {u"envios.abonado"_s, Esquema::destinoBandeja(u"envios"_s)},
+                  {cuenta, {}},
+                  {u"envios.mensaje"_s, {}}};
+    d.porClave = {3, u"envios.Canal"_s, u"SELECT canales.Canal, "_s + cuenta + u" FROM canales"_s};
     d.mostrar = [](int columna, const QString& celda) {
         if (columna == 1 && (celda.size() != 14 || celda.at(2) != u'/')) return fechaBandeja(celda);
         return celda;

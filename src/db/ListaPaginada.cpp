@@ -4,7 +4,10 @@
 
 #include <sqlite3.h>
 
+#include <QHash>
+
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <unordered_map>
 
@@ -25,6 +28,26 @@ QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
 }
 
+// Runs a statement of one bound number row by row on the engine itself:
+// a whole order of a million rows is read without a value per cell.
+template <typename PorFila>
+void recorrer(const QString& sql, int64_t numero, PorFila porFila) {
+    sqlite3* h = Conexion().handle();
+    const QByteArray texto = sql.toUtf8();
+    sqlite3_stmt* s = nullptr;
+    if (!h || sqlite3_prepare_v2(h, texto.constData(), -1, &s, nullptr) != SQLITE_OK) {
+        sqlite3_finalize(s);
+        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
+                      ErrNum::BaseDatos);
+    }
+    sqlite3_bind_int64(s, 1, numero);
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW) porFila(s);
+    const QString error = QString::fromUtf8(sqlite3_errmsg(h));
+    sqlite3_finalize(s);
+    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
+}
+
 }  // namespace
 
 ListaPaginada::ListaPaginada(Definicion definicion) : m_def(std::move(definicion)) {}
@@ -34,6 +57,7 @@ void ListaPaginada::vaciarPaginas() {
     m_anclas.clear();
     m_orden.clear();
     m_orden.shrink_to_fit();
+    m_grupos.clear();
 }
 
 void ListaPaginada::limpiar() {
@@ -126,19 +150,18 @@ QVector<ListaPaginada::Termino> ListaPaginada::terminos() const {
     return t;
 }
 
-QString ListaPaginada::ordenSql() const {
+QString ListaPaginada::ordenSql(const QVector<Termino>& t) {
     QString orden;
-    for (const Termino& t : terminos())
-        orden += (orden.isEmpty() ? u" ORDER BY "_s : u", "_s) + t.sql +
-                 (t.descendente ? u" DESC"_s : u""_s);
+    for (const Termino& termino : t)
+        orden += (orden.isEmpty() ? u" ORDER BY "_s : u", "_s) + termino.sql +
+                 (termino.descendente ? u" DESC"_s : u""_s);
     return orden;
 }
 
-QString ListaPaginada::despuesDe(QVariantList& params, const QVector<QString>& orden,
-                                 int64_t clave) const {
+QString ListaPaginada::despuesDe(QVariantList& params, const QVector<Termino>& t,
+                                 const QVector<QString>& orden, int64_t clave) {
     // (a after x) OR (a = x AND (b after y OR (b = y AND ...))), down to
     // the row's number, which no two rows share.
-    const QVector<Termino> t = terminos();
     QString sql;
     QVariantList valores;
     for (qsizetype i = t.size() - 1; i >= 0; --i) {
@@ -193,24 +216,120 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
 }
 
 void ListaPaginada::leerOrdenCompleto() const {
-    sqlite3* h = Conexion().handle();
-    const QByteArray sql =
-        (u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql())
-            .toUtf8();
-    sqlite3_stmt* s = nullptr;
-    if (!h || sqlite3_prepare_v2(h, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
-        sqlite3_finalize(s);
-        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
-                      ErrNum::BaseDatos);
-    }
-    sqlite3_bind_int64(s, 1, m_tope);
     std::vector<int64_t> orden;
     orden.reserve(size_t(m_filas));
-    int rc;
-    while ((rc = sqlite3_step(s)) == SQLITE_ROW) orden.push_back(sqlite3_column_int64(s, 0));
-    const QString error = QString::fromUtf8(sqlite3_errmsg(h));
-    sqlite3_finalize(s);
-    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
+    recorrer(u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql(),
+             m_tope, [&](sqlite3_stmt* s) { orden.push_back(sqlite3_column_int64(s, 0)); });
+    m_orden = std::move(orden);
+}
+
+bool ListaPaginada::porGrupos() const {
+    return !porIndice() && m_columna == m_def.porClave.columna;
+}
+
+const std::vector<ListaPaginada::Grupo>& ListaPaginada::grupos() const {
+    if (!m_grupos.empty()) return m_grupos;
+    // Keys whose texts the rule finds equal share a rank: their rows mix,
+    // in the order of the other terms.
+    const ResultadoConsulta r =
+        Conexion().query(u"WITH v(clave, texto) AS ("_s + m_def.porClave.valores +
+                         u") SELECT clave, dense_rank() OVER (ORDER BY coalesce(texto, '') COLLATE "
+                         u"REGLA_LISTAS) AS g FROM v ORDER BY g"_s +
+                         (m_descendente ? u" DESC"_s : QString()));
+    std::vector<Grupo> grupos;
+    for (int i = 0; i < r.recordCount(); ++i) {
+        if (i == 0 || r.value(i, 1) != r.value(i - 1, 1)) grupos.emplace_back();
+        grupos.back().claves.append(r.value(i, 0));
+    }
+    m_grupos = std::move(grupos);
+    return m_grupos;
+}
+
+namespace {
+// The rows of a group of keys: on the key's index, or (`enIndice` false)
+// picked out of another index's order.
+QString condicionGrupo(const QString& porClave, const QVariantList& claves, bool enIndice,
+                       QVariantList& params) {
+    QString sql = (enIndice ? QString() : u"+"_s) + porClave;
+    if (claves.size() == 1) {
+        sql += u" = ?"_s;
+    } else {
+        QStringList marcas;
+        for (qsizetype i = 0; i < claves.size(); ++i) marcas.append(u"?"_s);
+        sql += u" IN ("_s + marcas.join(u", "_s) + u')';
+    }
+    params += claves;
+    return sql;
+}
+}  // namespace
+
+bool ListaPaginada::restoPorIndice() const {
+    if (m_def.estable && m_anterior >= 0) return !m_def.columnas.at(m_anterior).orden.isEmpty();
+    return m_def.desempate.isEmpty();
+}
+
+std::vector<int64_t> ListaPaginada::leerClavesGrupo(size_t g, const Ancla* ancla,
+                                                    int limite) const {
+    const QString& porClave = m_def.porClave.clave;
+    Grupo& grupo = m_grupos.at(g);
+    // A small group is sorted whole on the key's index; in a large one
+    // the rows of a page are found soon along the order's own index.
+    // Either costs at most about the root of a page times the rows.
+    const int umbral = int(std::sqrt(double(kFilasPagina) * std::max(m_filas, 1)));
+    const bool recorrerOrden = restoPorIndice();
+    if (recorrerOrden && grupo.filas < 0) {
+        QVariantList params;
+        const QString donde = condicionGrupo(porClave, grupo.claves, true, params);
+        params << umbral + 1;
+        grupo.filas = int(
+            Conexion()
+                .query(u"SELECT count(*) FROM (SELECT 1 "_s + desdeDonde(donde) + u" LIMIT ?)"_s,
+                       params)
+                .value(0, 0)
+                .toLongLong());
+    }
+    const QVector<Termino> resto = terminos().mid(1);
+    QVariantList params;
+    QString donde =
+        condicionGrupo(porClave, grupo.claves, !(recorrerOrden && grupo.filas > umbral), params) +
+        u" AND +"_s + m_def.clave + u" <= ?"_s;
+    params << qlonglong(m_tope);
+    if (ancla) donde += u" AND "_s + despuesDe(params, resto, ancla->orden.mid(1), ancla->clave);
+    params << limite;
+    return leerClaves(donde, ordenSql(resto) + u" LIMIT ?"_s, params);
+}
+
+std::vector<int64_t> ListaPaginada::leerClavesPorGrupos(const Ancla* ancla, int saltar,
+                                                        size_t& grupo) const {
+    const size_t primero = ancla ? ancla->grupo : 0;
+    const int quiero = saltar + kFilasPagina;
+    std::vector<int64_t> claves;
+    for (size_t g = primero; g < grupos().size() && int(claves.size()) < quiero; ++g) {
+        const std::vector<int64_t> k =
+            leerClavesGrupo(g, g == primero ? ancla : nullptr, quiero - int(claves.size()));
+        if (!k.empty()) grupo = g;
+        claves.insert(claves.end(), k.begin(), k.end());
+    }
+    claves.erase(claves.begin(), claves.begin() + std::min(claves.size(), size_t(saltar)));
+    return claves;
+}
+
+void ListaPaginada::leerOrdenPorGrupos() const {
+    // One pass in the order of the other terms, each row into its group.
+    QHash<QString, size_t> grupoDe;
+    for (size_t g = 0; g < grupos().size(); ++g)
+        for (const QVariant& k : m_grupos[g].claves) grupoDe.insert(k.toString(), g);
+    std::vector<std::vector<int64_t>> porGrupo(m_grupos.size());
+    recorrer(u"SELECT "_s + m_def.porClave.clave + u", "_s + m_def.clave + u' ' +
+                 desdeDonde(u"+"_s + m_def.clave + u" <= ?"_s) + ordenSql(terminos().mid(1)),
+             m_tope, [&](sqlite3_stmt* s) {
+                 const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, 0));
+                 const auto g = grupoDe.constFind(QString::fromUtf8(t, sqlite3_column_bytes(s, 0)));
+                 if (g != grupoDe.cend()) porGrupo[*g].push_back(sqlite3_column_int64(s, 1));
+             });
+    std::vector<int64_t> orden;
+    orden.reserve(size_t(m_filas));
+    for (const std::vector<int64_t>& g : porGrupo) orden.insert(orden.end(), g.begin(), g.end());
     m_orden = std::move(orden);
 }
 
@@ -249,7 +368,7 @@ std::vector<int64_t> ListaPaginada::leerClaves(const QString& donde, const QStri
     return claves;
 }
 
-std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
+std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& grupo) const {
     const QString hastaTope = m_def.clave + u" <= ?"_s;
     if (porIndice()) {
         // The index gives the order; skipping rows on it is cheap. The
@@ -264,29 +383,38 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero) const {
         const std::vector<int64_t> claves = leerClaves(u"+"_s + hastaTope, resto, params);
         return leerPorClave(claves.data(), claves.size());
     }
-    // A text order walks the whole table and keeps the numbers of one
-    // page; the rows themselves are read after, by number.
-    std::vector<int64_t> claves;
-    auto ancla = m_anclas.lower_bound(numero);
-    if (m_orden.empty() && numero == 0) {
-        claves =
-            leerClaves(hastaTope, ordenSql() + u" LIMIT ?"_s, {qlonglong(m_tope), kFilasPagina});
-    } else if (m_orden.empty() && ancla != m_anclas.begin() &&
-               numero - std::prev(ancla)->first <= kSaltoCorto) {
-        // Go on after the nearest page read before this one.
-        --ancla;
-        QVariantList params{qlonglong(m_tope)};
-        const QString despues = despuesDe(params, ancla->second.orden, ancla->second.clave);
-        params << kFilasPagina << qlonglong(numero - ancla->first - 1) * kFilasPagina;
-        claves = leerClaves(hastaTope + u" AND "_s + despues, ordenSql() + u" LIMIT ? OFFSET ?"_s,
-                            params);
-    } else {
-        if (m_orden.empty()) leerOrdenCompleto();
-        const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
-        const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
-        return leerPorClave(m_orden.data() + desde, hasta - desde);
+    // A text order finds the numbers of one page, then reads the rows by
+    // number: from the start, or going on after the nearest page read
+    // before this one, skipping a few pages.
+    const auto siguiente = m_anclas.lower_bound(numero);
+    const bool cerca =
+        siguiente != m_anclas.begin() && numero - std::prev(siguiente)->first <= kSaltoCorto;
+    if (m_orden.empty() && (numero == 0 || cerca)) {
+        const Ancla* ancla = numero == 0 ? nullptr : &std::prev(siguiente)->second;
+        const int saltar = ancla ? (numero - std::prev(siguiente)->first - 1) * kFilasPagina : 0;
+        std::vector<int64_t> claves;
+        if (porGrupos()) {
+            claves = leerClavesPorGrupos(ancla, saltar, grupo);
+        } else {
+            // The whole table is walked and one page of numbers kept.
+            QVariantList params{qlonglong(m_tope)};
+            QString donde = hastaTope;
+            if (ancla)
+                donde += u" AND "_s + despuesDe(params, terminos(), ancla->orden, ancla->clave);
+            params << kFilasPagina << saltar;
+            claves = leerClaves(donde, ordenSql() + u" LIMIT ? OFFSET ?"_s, params);
+        }
+        return leerPorClave(claves.data(), claves.size());
     }
-    return leerPorClave(claves.data(), claves.size());
+    if (m_orden.empty()) {
+        if (porGrupos())
+            leerOrdenPorGrupos();
+        else
+            leerOrdenCompleto();
+    }
+    const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
+    const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
+    return leerPorClave(m_orden.data() + desde, hasta - desde);
 }
 
 const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
@@ -297,8 +425,9 @@ const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
                            [numero](const Pagina& p) { return p.numero == numero; });
     if (it == m_paginas.end()) {
         Pagina p{numero, {}};
+        size_t grupo = 0;
         try {
-            p.filas = leerPagina(numero);
+            p.filas = leerPagina(numero, grupo);
         } catch (const ErrorBD&) {
             // The rows show empty, and the page is kept so that painting
             // doesn't ask the engine again. No log line: it would give the
@@ -306,7 +435,7 @@ const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
         }
         if (!porIndice() && !p.filas.empty()) {
             const Fila& ultima = p.filas.back();
-            m_anclas[numero] = {ultima.orden, ultima.clave};
+            m_anclas[numero] = {ultima.orden, ultima.clave, grupo};
         }
         if (m_paginas.size() >= kPaginasGuardadas) m_paginas.pop_back();
         m_paginas.insert(m_paginas.begin(), std::move(p));
@@ -368,7 +497,7 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     if (orden.isEmpty()) return -1;
     // The rows before it are those neither it nor after it.
     QVariantList params{qlonglong(m_tope), qlonglong(clave)};
-    const QString despues = despuesDe(params, orden.mid(1), clave);
+    const QString despues = despuesDe(params, t, orden.mid(1), clave);
     const ResultadoConsulta r = Conexion().query(
         u"SELECT count(*) "_s +
             desdeDonde(m_def.clave + u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues),

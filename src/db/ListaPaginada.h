@@ -12,8 +12,9 @@
 // The rows of a query as a list screen shows them, read only when shown.
 // A list of a million rows knows its count at once and reads the rows a
 // page at a time in the order the engine gives: an index's order where one
-// serves, a bounded sort for the other columns. Nothing but the pages in
-// view and a few around them stays in memory.
+// serves, a bounded sort for the other columns, a small table's order for
+// a text of its key (see PorClave). Nothing but the pages in view and a
+// few around them stays in memory.
 //
 // The rows are those of the moment of `cargar`: what is written later
 // shows at the next `cargar`, which keeps the order chosen.
@@ -26,6 +27,16 @@ class ListaPaginada {
         // sorted by the lists' rule (a date shown day first sorts by the
         // stored date); empty sorts by `texto` under the rule.
         QString orden;
+    };
+    // A column whose text depends on one key of a small table alone (an
+    // account's name on its code) is sorted on that table: `valores` lists
+    // each key with its text ("SELECT key, text FROM table"), `clave` is
+    // the key's column in `desde`, indexed. The rows are then read a key
+    // at a time instead of sorting every row by its text.
+    struct PorClave {
+        int columna = -1;
+        QString clave;
+        QString valores;
     };
     struct Definicion {
         // "FROM ..." with its joins, no WHERE and no ORDER BY.
@@ -42,6 +53,7 @@ class ListaPaginada {
         QString cuenta;
         QString mayor;
         QVector<Columna> columnas;
+        PorClave porClave;
         // Rows equal in the column sorted by go by this order (SQL that
         // sorts as the list is loaded), then by their number; empty: by
         // their number alone.
@@ -116,27 +128,47 @@ class ListaPaginada {
     struct Ancla {
         QVector<QString> orden;
         int64_t clave = 0;
+        // The group of keys (see PorClave) it ended in.
+        size_t grupo = 0;
+    };
+    // Keys of a column's small table whose texts sort alike, and how many
+    // rows they hold (counted up to a bound; -1 not counted yet).
+    struct Grupo {
+        QVariantList claves;
+        int filas = -1;
     };
 
     const Fila* fila(int n) const;
     const Fila* filaCola(int k) const;
-    std::vector<Fila> leerPagina(int numero) const;
+    // `grupo`: where the page ended, when read by keys.
+    std::vector<Fila> leerPagina(int numero, size_t& grupo) const;
     std::vector<Fila> leerFilas(const QString& donde, const QString& resto,
                                 const QVariantList& params) const;
     std::vector<Fila> leerPorClave(const int64_t* claves, size_t n) const;
     std::vector<int64_t> leerClaves(const QString& donde, const QString& resto,
                                     const QVariantList& params) const;
     void leerOrdenCompleto() const;
+    bool porGrupos() const;
+    const std::vector<Grupo>& grupos() const;
+    // `saltar` rows then a page, from the start or after `ancla`, a group
+    // of keys at a time.
+    std::vector<int64_t> leerClavesPorGrupos(const Ancla* ancla, int saltar, size_t& grupo) const;
+    std::vector<int64_t> leerClavesGrupo(size_t g, const Ancla* ancla, int limite) const;
+    void leerOrdenPorGrupos() const;
     QString seleccion() const;
     // `desde` with the filter and `condicion` (either may be empty).
     QString desdeDonde(const QString& condicion = QString()) const;
     QString valorDe(int columna) const;
     // The order, its row number last.
     QVector<Termino> terminos() const;
-    QString ordenSql() const;
-    // The rows that come after the row with these values in the order.
-    QString despuesDe(QVariantList& params, const QVector<QString>& orden, int64_t clave) const;
+    static QString ordenSql(const QVector<Termino>& t);
+    QString ordenSql() const { return ordenSql(terminos()); }
+    // The rows that come after the row with these values in the order `t`.
+    static QString despuesDe(QVariantList& params, const QVector<Termino>& t,
+                             const QVector<QString>& orden, int64_t clave);
     bool porIndice() const;
+    // Whether an index gives the order within a group of keys.
+    bool restoPorIndice() const;
     void vaciarPaginas();
 
     Definicion m_def;
@@ -152,6 +184,8 @@ class ListaPaginada {
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;
+    // Read at the first page of a sort by a column of `porClave`.
+    mutable std::vector<Grupo> m_grupos;
     // The page of `cola` read last, and how many rows it has.
     mutable Pagina m_cola;
     int m_filasCola = 0;

@@ -435,23 +435,49 @@ class TestEnvio : public Prueba {
     // Each sequence of header clicks orders the outbox as the list kept in
     // memory did: by the shown text (dates and numbers too) under the lists'
     // rule, equal texts in the order they stood in.
+    // With `cuentas`, accounts whose names sort otherwise than their codes,
+    // empty, equal under the rule or the same, one holding most rows, over
+    // several pages; `lejos` reads the last line first.
     void outboxSortsAsTheListInMemory_data() {
         QTest::addColumn<QList<int>>("clics");
-        QTest::newRow("Id, as text") << QList<int>{0};
-        QTest::newRow("Fecha") << QList<int>{1};
-        QTest::newRow("Destinatario, then Cuenta") << QList<int>{2, 3};
-        QTest::newRow("Mensaje, then Fecha") << QList<int>{4, 1};
-        QTest::newRow("Cuenta, then Mensaje twice") << QList<int>{3, 4, 4};
+        QTest::addColumn<int>("filas");
+        QTest::addColumn<bool>("cuentas");
+        QTest::addColumn<bool>("lejos");
+        QTest::newRow("Id, as text") << QList<int>{0} << 12 << false << false;
+        QTest::newRow("Fecha") << QList<int>{1} << 12 << false << false;
+        QTest::newRow("Destinatario, then Cuenta") << QList<int>{2, 3} << 12 << false << false;
+        QTest::newRow("Mensaje, then Fecha") << QList<int>{4, 1} << 12 << false << false;
+        QTest::newRow("Cuenta, then Mensaje twice") << QList<int>{3, 4, 4} << 12 << false << false;
+        QTest::newRow("accounts: Cuenta both ways") << QList<int>{3, 3} << 600 << true << false;
+        QTest::newRow("accounts: Fecha, then Cuenta") << QList<int>{1, 3} << 600 << true << false;
+        QTest::newRow("accounts: Mensaje, then Cuenta") << QList<int>{4, 3} << 600 << true << false;
+        QTest::newRow("accounts: Destinatario, then Cuenta, from the end")
+            << QList<int>{2, 3} << 1500 << true << true;
     }
     void outboxSortsAsTheListInMemory() {
         QFETCH(QList<int>, clics);
+        QFETCH(int, filas);
+        QFETCH(bool, cuentas);
+        QFETCH(bool, lejos);
+        const QList<int> otras{0, 3, 4, 5, 6, 7, 200, 2};
+        if (cuentas)
+            sql(u"INSERT INTO Canales (Canal,Nombre,Remitente) VALUES (0,'Zorro',NULL),"
+                u"(3,'ábaco',''),(4,NULL,NULL),(5,'',' '),(6,'OTRA',NULL),(7,'Otra',''),"
+                u"(200,'Beta','Rem')"_s);
         const QStringList textos{u"Ñandú"_s, u"nube"_s, u"árbol"_s, u"Zapato"_s,
                                  u"nube"_s,  u"Oca"_s,  u"ábaco"_s, u"nube"_s};
-        for (int i = 0; i < 12; ++i)
+        Conexion().begin();
+        for (int i = 0; i < filas; ++i)
             sql(u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) VALUES "
                 u"(?,?,?,?,2)"_s,
-                {u"2026-03-%1 05:06:0%2"_s.arg(10 + i % 3).arg(i % 2), 1 + i % 2,
+                {u"2026-03-%1 05:06:0%2"_s.arg(10 + i % 3).arg(i % 2),
+                 // Most rows in the first account: it is read along the
+                 // order's own index, the others on the account's.
+                 !cuentas ? 1 + i % 2
+                 : i % 4  ? 1
+                          : otras.at(i / 4 % otras.size()),
                  u"00346000000%1"_s.arg(i % 5), textos.at(i % textos.size())});
+        Conexion().commit();
         frmEnvio f;
         auto* l = hijo<Listado>(f, u"ListView1"_s);
         ModeloListado antes(
@@ -459,12 +485,13 @@ class TestEnvio : public Prueba {
         QVector<QString> celdas;
         for (int r = 0; r < l->modelo()->rowCount(); ++r) celdas += l->modelo()->fila(r);
         antes.asignar(celdas);
-        QCOMPARE(prueba::textosDe(&antes, 0).size(), 12);
+        QCOMPARE(prueba::textosDe(&antes, 0).size(), filas);
         bool descendente = false;
         for (int c : clics) {
             l->ordenarPorColumna(c);
             descendente = !descendente;
             antes.sort(c, descendente ? Qt::DescendingOrder : Qt::AscendingOrder);
+            if (lejos) QCOMPARE(l->modelo()->texto(filas - 1, 0), antes.texto(filas - 1, 0));
             for (int col = 0; col < 5; ++col)
                 QCOMPARE(prueba::textosDe(l, col), prueba::textosDe(&antes, col));
         }
