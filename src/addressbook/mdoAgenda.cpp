@@ -461,8 +461,11 @@ namespace {
 // (Hasta), which show ahead of them.
 const QString kLista = u"temp.MiembrosLista"_s;
 const QString kMovidos = u"temp.MiembrosMovidos"_s;
+// The contacts (their rows) in the list when the screen opened: looked up
+// by row number for every line a side walks past, where the list's own
+// table is looked up by the number's text through the contact's row.
+const QString kDentro = u"temp.MiembrosDentro"_s;
 const QString kMasa = u"temp.MiembrosMasa"_s;
-const QString kGrupo = u"(SELECT Grupo FROM temp.MiembrosLista)"_s;
 const QString kTodos = u"(SELECT Todos FROM temp.MiembrosLista)"_s;
 const QString kDesde =
     u"FROM Abonados LEFT JOIN temp.MiembrosMovidos m ON m.Fila = Abonados.rowid"_s;
@@ -472,8 +475,7 @@ const QString kCeldas =
 
 // The contact of the row was in the list before any move.
 QString esMiembro() {
-    return u"EXISTS (SELECT 1 FROM AboGrup g WHERE g.Grupo = "_s + kGrupo +
-           u" AND g.Abonado = Abonados.Codigo)"_s;
+    return u"EXISTS (SELECT 1 FROM "_s + kDentro + u" d WHERE d.Fila = Abonados.rowid)"_s;
 }
 
 QString lado(bool dentro) {
@@ -504,18 +506,23 @@ std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
               u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos INTEGER)"_s);
     bd().exec(u"CREATE TABLE "_s + kMovidos +
               u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
+    bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
     bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
     definirMasa({});
-    // Both sides in one walk of the members: those that are contacts,
-    // each once (a membership of a number that is no contact shows nowhere,
-    // and "Guardar" looks for such memberships only when there were any).
-    const ResultadoConsulta r = bd().query(
-        u"SELECT q, (SELECT count(*) FROM Abonados) - q, n - q FROM (SELECT count(*) AS n, "
-        u"count(a.Codigo) AS q FROM (SELECT DISTINCT Abonado FROM AboGrup WHERE Grupo = ?) g "
-        u"LEFT JOIN Abonados a ON a.Codigo = g.Abonado)"_s,
-        {grupo});
-    bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {r.value(0, 2)});
-    return {int(numeroDe(r.value(0, 0))), int(numeroDe(r.value(0, 1)))};
+    // The members that are contacts, each once, in the order of their
+    // rows (appended, not scattered); their count is the inner side's.
+    const int dentro = bd().exec(u"INSERT OR IGNORE INTO "_s + kDentro +
+                                     u" SELECT a.rowid FROM AboGrup g INNER JOIN Abonados a ON "
+                                     u"a.Codigo = g.Abonado WHERE g.Grupo = ? ORDER BY 1"_s,
+                                 {grupo});
+    // Memberships that show nowhere: of a number that is no contact, or of
+    // one twice. "Guardar" looks for the first kind only when there may be
+    // some.
+    const long long miembros = numeroDe(
+        bd().query(u"SELECT count(*) FROM AboGrup WHERE Grupo = ?"_s, {grupo}).value(0, 0));
+    bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {miembros - dentro});
+    const long long todos = numeroDe(bd().query(u"SELECT count(*) FROM Abonados"_s).value(0, 0));
+    return {dentro, int(todos - dentro)};
 }
 
 ListaPaginada::Definicion definicionMiembros(bool dentro) {
@@ -675,7 +682,8 @@ bool msGuardarMiembrosLista(int16_t grupo) {
 void msSoltarMiembrosLista() {
     try {
         bd().exec(u"DROP VIEW IF EXISTS "_s + kMasa);
-        for (const QString& t : {kLista, kMovidos}) bd().exec(u"DROP TABLE IF EXISTS "_s + t);
+        for (const QString& t : {kLista, kMovidos, kDentro})
+            bd().exec(u"DROP TABLE IF EXISTS "_s + t);
     } catch (const ErrorBD& e) {
         msLog(u"No se pudieron soltar los cambios de la Lista: "_s + e.description());
     }
