@@ -365,9 +365,9 @@ void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alT
         {u"DROP TABLE temp.quedanAbonados"_s, {}},
         {u"DROP TABLE temp.quedanAboGrup"_s, {}},
         {u"DROP TABLE temp.quedanAboAuto"_s, {}}};
-    constexpr int vaciado = 6;
+    const int vaciado = int(sentencias.indexOf({u"DELETE FROM Abonados"_s, {}}));
     porBloques(
-        [sentencias](bool&) {
+        [sentencias, vaciado](bool&) {
             return borrarBloque(
                 sentencias, codigosDonde(u"Canal IN (SELECT Canal FROM Canales)"_s, {}), vaciado);
         },
