@@ -122,7 +122,11 @@ void frmAbonados::cmdEdit_Click() {
 }
 
 void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
-    for (QPushButton* b : {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos}) b->setEnabled(false);
+    // The list too: read while the contacts go, a page could find their
+    // indexes gone for a moment and sort them all.
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, ListView1})
+        w->setEnabled(false);
     // Each failure has its own box; the summary tells the successes only.
     QPointer<frmAbonados> pantalla(this);
     auto alTerminar = [pantalla](const ContactosBorrados& borrados) {
@@ -130,9 +134,10 @@ void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
         ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados.cuantos),
                     Msg::Information);
         if (!pantalla) return;
-        for (QPushButton* b :
-             {pantalla->cmdAdd, pantalla->cmdEdit, pantalla->cmdDelete, pantalla->cmdDeletetodos})
-            b->setEnabled(true);
+        for (QWidget* w : std::initializer_list<QWidget*>{
+                 pantalla->cmdAdd, pantalla->cmdEdit, pantalla->cmdDelete, pantalla->cmdDeletetodos,
+                 pantalla->ListView1})
+            w->setEnabled(true);
         pantalla->requery();
     };
     if (todos)

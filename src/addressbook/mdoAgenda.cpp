@@ -5,6 +5,7 @@
 #include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "db/Esquema.h"
 
 #include <sqlite3.h>
@@ -225,13 +226,13 @@ namespace {
 constexpr int kContactosPorBloque = 5000;
 
 // Runs `sentencias` in one transaction; how many contacts went is what
-// statement `cuenta` changed (the last one when not given). When the block
+// the last one changed. When the block
 // fails it is undone and its contacts (`codigos` of the block) go one by
 // one, each failure reported on its own, as they would without blocks.
 ContactosBorrados borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
-                               const std::function<QStringList()>& codigos, int cuenta = -1) {
+                               const std::function<QStringList()>& codigos) {
     const QString sp = u"bloquecontactos"_s;
-    if (cuenta < 0) cuenta = int(sentencias.size()) - 1;
+    const int cuenta = int(sentencias.size()) - 1;
     try {
         bd().savepoint(sp);
         int borrados = 0;
@@ -313,17 +314,27 @@ void msBorrarContactosPorBloques(const QStringList& codigos,
 }
 
 namespace {
-// The rows of `tabla` (`columnas` of it, as t) whose number is no contact
-// shown: no contact at all, or one set aside in temp.quedanAbonados. Each
-// row looks its number up in the number's index alone.
-QString sinContactoVisible(const QString& tabla, const QString& columnas) {
-    return u"SELECT "_s + columnas + u" FROM "_s + tabla +
-           u" t LEFT JOIN Abonados a ON a.Codigo = t.Abonado WHERE a.Codigo IS NULL OR "
-           u"a.Codigo IN (SELECT Codigo FROM temp.quedanAbonados)"_s;
+// Sets aside the rows of `tabla` (`columnas` of it, as t) whose number is
+// no contact shown: no contact at all, or one set aside in
+// temp.quedanAbonados. Each row looks its number up in the number's index
+// alone, a range of rows at a time.
+std::vector<EscrituraPorTurnos::Paso> apartarSinContactoVisible(const QString& tabla,
+                                                                const QString& columnas,
+                                                                const QString& apartado) {
+    const QString select =
+        u"SELECT "_s + columnas + u" FROM "_s + tabla +
+        u" t LEFT JOIN Abonados a ON a.Codigo = t.Abonado WHERE (a.Codigo IS NULL OR "
+        u"a.Codigo IN (SELECT Codigo FROM temp.quedanAbonados)) AND t.rowid BETWEEN ? AND ?"_s;
+    return {
+        EscrituraPorTurnos::sentencia(bd(), u"CREATE TEMP TABLE "_s + apartado + u" AS SELECT "_s +
+                                                columnas + u" FROM "_s + tabla + u" t LIMIT 0"_s),
+        EscrituraPorTurnos::porRangos(bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {},
+                                      EscrituraPorTurnos::limitesDe(tabla))};
 }
 }  // namespace
 
 void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alTerminar) {
+    using namespace EscrituraPorTurnos;
     // The accounts that contacts name, hopping through the account index
     // from one value to the next rather than reading every contact.
     const QString cuentasNombradas =
@@ -336,42 +347,53 @@ void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alT
     // numbers: emptied without a condition, a table's pages are dropped
     // whole, where deleting row by row rewrites every page of its indexes.
     // The contacts set aside go first, so that emptying the table counts
-    // the contacts shown.
-    const QList<std::pair<QString, QVariantList>> sentencias{
-        {u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, Comentario, "
-         u"Canal FROM Abonados WHERE Canal IS NULL OR Canal IN ("_s +
-             cuentasNombradas + u')',
-         {}},
-        {u"CREATE TEMP TABLE quedanAboGrup AS "_s +
-             sinContactoVisible(u"AboGrup"_s, u"t.rowid AS r, t.Abonado, t.Grupo"_s),
-         {}},
-        {u"CREATE TEMP TABLE quedanAboAuto AS "_s +
-             sinContactoVisible(u"AboAuto"_s,
-                                u"t.id_AboAuto, t.Automatico, t.Abonado, t.Mensaje"_s),
-         {}},
-        {u"DELETE FROM AboGrup"_s, {}},
-        {u"DELETE FROM AboAuto"_s, {}},
-        {u"DELETE FROM Abonados WHERE rowid IN (SELECT r FROM temp.quedanAbonados)"_s, {}},
-        {u"DELETE FROM Abonados"_s, {}},
-        {u"INSERT INTO Abonados (rowid, Codigo, Alias, Comentario, Canal) SELECT r, Codigo, "
-         u"Alias, Comentario, Canal FROM temp.quedanAbonados"_s,
-         {}},
-        {u"INSERT INTO AboGrup (rowid, Abonado, Grupo) SELECT r, Abonado, Grupo FROM "
-         u"temp.quedanAboGrup"_s,
-         {}},
-        {u"INSERT INTO AboAuto (id_AboAuto, Automatico, Abonado, Mensaje) SELECT * FROM "
-         u"temp.quedanAboAuto"_s,
-         {}},
-        {u"DROP TABLE temp.quedanAbonados"_s, {}},
-        {u"DROP TABLE temp.quedanAboGrup"_s, {}},
-        {u"DROP TABLE temp.quedanAboAuto"_s, {}}};
-    const int vaciado = int(sentencias.indexOf({u"DELETE FROM Abonados"_s, {}}));
-    porBloques(
-        [sentencias, vaciado](bool&) {
-            return borrarBloque(
-                sentencias, codigosDonde(u"Canal IN (SELECT Canal FROM Canales)"_s, {}), vaciado);
-        },
-        {}, std::move(alTerminar));
+    // the contacts shown. One transaction over as many turns as it takes.
+    auto borrados = std::make_shared<int>(0);
+    std::vector<Paso> pasos{
+        sentencia(bd(),
+                  u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, "
+                  u"Comentario, Canal FROM Abonados WHERE Canal IS NULL OR Canal IN ("_s +
+                      cuentasNombradas + u')')};
+    for (Paso& p : apartarSinContactoVisible(u"AboGrup"_s, u"t.rowid AS r, t.Abonado, t.Grupo"_s,
+                                             u"quedanAboGrup"_s))
+        pasos.push_back(std::move(p));
+    for (Paso& p : apartarSinContactoVisible(u"AboAuto"_s,
+                                             u"t.id_AboAuto, t.Automatico, t.Abonado, t.Mensaje"_s,
+                                             u"quedanAboAuto"_s))
+        pasos.push_back(std::move(p));
+    pasos.push_back(vaciar(bd(), u"AboGrup"_s));
+    pasos.push_back(vaciar(bd(), u"AboAuto"_s));
+    pasos.push_back(sentencia(
+        bd(), u"DELETE FROM Abonados WHERE rowid IN (SELECT r FROM temp.quedanAbonados)"_s));
+    pasos.push_back(vaciar(bd(), u"Abonados"_s, borrados.get()));
+    for (const QString& sql :
+         {u"INSERT INTO Abonados (rowid, Codigo, Alias, Comentario, Canal) SELECT r, Codigo, "
+          u"Alias, Comentario, Canal FROM temp.quedanAbonados"_s,
+          u"INSERT INTO AboGrup (rowid, Abonado, Grupo) SELECT r, Abonado, Grupo FROM "
+          u"temp.quedanAboGrup"_s,
+          u"INSERT INTO AboAuto (id_AboAuto, Automatico, Abonado, Mensaje) SELECT * FROM "
+          u"temp.quedanAboAuto"_s,
+          u"DROP TABLE temp.quedanAbonados"_s, u"DROP TABLE temp.quedanAboGrup"_s,
+          u"DROP TABLE temp.quedanAboAuto"_s})
+        pasos.push_back(sentencia(bd(), sql));
+    escribir(bd(), std::move(pasos),
+             [borrados, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+                 if (!fallo) {
+                     Q_EMIT Avisos::instancia().contactosCambiados();
+                     if (alTerminar) alTerminar({*borrados, {}});
+                     return;
+                 }
+                 // Undone whole: the contacts shown go by blocks, each
+                 // failure on its own.
+                 QStringList codigos;
+                 try {
+                     codigos = codigosDonde(u"Canal IN (SELECT Canal FROM Canales)"_s, {})();
+                 } catch (const ErrorBD& e) {
+                     if (alTerminar) alTerminar({0, {Hecho::no(e.description(), Msg::OkOnly)}});
+                     return;
+                 }
+                 msBorrarContactosPorBloques(codigos, alTerminar);
+             });
 }
 
 ResultadoConsulta abrirCuentas() {

@@ -6,6 +6,7 @@
 #include "base/Error.h"
 #include "base/Interruptor.h"
 #include "base/Reloj.h"
+#include "db/Conexion.h"
 #include "delivery/Intercambio.h"
 #include "delivery/mdoSendRavion.h"
 #include "scheduling/clsTareasPendientes.h"
@@ -67,6 +68,12 @@ void Transmisor::establecerIntervalo(int segundos) {
 void Transmisor::Timer1_Timer() {
     // A "send now" in the middle of a run is no second run.
     if (m_detenido || m_enTick) return;
+    // A large change of ours is being written over several turns: the run
+    // comes as soon as it is stored, not into it.
+    if (Conexion().retenida()) {
+        QTimer::singleShot(20, this, &Transmisor::Timer1_Timer);
+        return;
+    }
     m_enTick = true;
     // No tick can come while this one runs.
     m_timer.stop();

@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <cerrno>
 
@@ -265,6 +266,7 @@ void BaseDatos::establecerEspera(int ms) {
 
 bool BaseDatos::lastWasBusy() const {
     if (!m_db) return false;
+    if (m_rehusada) return true;
     const int codigo = sqlite3_errcode(m_db) & 0xff;
     return codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
 }
@@ -275,6 +277,8 @@ void BaseDatos::close() {
     if (m_db) sqlite3_close_v2(m_db);
     m_db = nullptr;
     m_path.clear();
+    // Its transaction went with it.
+    retener(false);
 }
 
 void BaseDatos::fail(const QString& sql) {
@@ -285,14 +289,42 @@ void BaseDatos::fail(const QString& sql) {
                        : QString());
 }
 
+void BaseDatos::retener(bool retenida) {
+    m_retenida = retenida;
+    m_pasoPropio = false;
+}
+
+namespace {
+const QString kTextoRetenida = u"la base de datos está ocupada guardando otro cambio"_s;
+
+// Whether the statement writes, or begins or ends a transaction, which the
+// engine counts as reading.
+bool escribe(sqlite3_stmt* s) {
+    if (!sqlite3_stmt_readonly(s)) return true;
+    static const QRegularExpression control(
+        u"^\\s*(BEGIN|COMMIT|END|ROLLBACK|SAVEPOINT|RELEASE)\\b"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return control.match(QString::fromUtf8(sqlite3_sql(s))).hasMatch();
+}
+}  // namespace
+
+void BaseDatos::rehusarSiRetenida(sqlite3_stmt* s, const QString& sql) {
+    if (!m_retenida || m_pasoPropio || (s && !escribe(s))) return;
+    m_rehusada = true;
+    throw ErrorBD(u"La base de datos está ocupada guardando otro cambio ["_s + sql.left(200) + u']',
+                  ErrNum::BaseDatos, kTextoRetenida);
+}
+
 sqlite3_stmt* BaseDatos::prepare(const QString& sql) {
     if (!m_db)
         throw ErrorBD(
             m_perdida ? kTextoPerdida : u"La conexión con la base de datos no está abierta"_s,
             ErrNum::BaseDatos);
+    m_rehusada = false;
     if (sqlite3_stmt* s = m_cache.value(sql)) {
         sqlite3_reset(s);
         sqlite3_clear_bindings(s);
+        rehusarSiRetenida(s, sql);
         return s;
     }
     sqlite3_stmt* s = nullptr;
@@ -307,6 +339,7 @@ sqlite3_stmt* BaseDatos::prepare(const QString& sql) {
         m_cache.clear();
     }
     m_cache.insert(sql, s);
+    rehusarSiRetenida(s, sql);
     return s;
 }
 
@@ -420,6 +453,9 @@ int BaseDatos::exec(const QString& sql, const QVariantList& params) {
 void BaseDatos::execScript(const QString& sql) {
     if (!m_db)
         throw ErrorBD(u"La conexión con la base de datos no está abierta"_s, ErrNum::BaseDatos);
+    // A script isn't looked into: held, it is refused whole.
+    m_rehusada = false;
+    rehusarSiRetenida(nullptr, sql);
     char* err = nullptr;
     if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {
         const QString msg = QString::fromUtf8(err ? err : "error");

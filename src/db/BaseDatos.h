@@ -113,6 +113,16 @@ class BaseDatos {
 
     sqlite3* handle() const { return m_db; }
 
+    // A write done over several turns of the event loop holds the
+    // connection's transaction (EscrituraPorTurnos). Meanwhile every other
+    // statement that writes or ends a transaction fails as busy, as when
+    // another program holds the file, so that nothing of theirs joins a
+    // transaction that may still be undone; what they read is the write
+    // half done. Only the holder's own steps (`pasoPropio`) write.
+    bool retenida() const { return m_retenida; }
+    void retener(bool retenida);
+    void pasoPropio(bool propio) { m_pasoPropio = propio; }
+
     // The files this connection writes to are still the ones at its path:
     // the database not unlinked or replaced, its write-ahead log not taken
     // from under it. Another process removes the log when it believes
@@ -146,6 +156,9 @@ class BaseDatos {
     void recordarArchivos();
     // Before a statement that writes (or commits) outside a transaction.
     void exigirArchivos();
+    // Throws, as busy, when the connection is held and `s` (null: a script)
+    // is another's write.
+    void rehusarSiRetenida(sqlite3_stmt* s, const QString& sql);
     void perder();
 
     sqlite3* m_db = nullptr;
@@ -155,6 +168,10 @@ class BaseDatos {
     bool m_avisar = false;
     QString m_exterior;  // the savepoint whose release commits
     bool m_busy = false;
+    bool m_retenida = false;
+    bool m_pasoPropio = false;
+    // The last statement was refused because the connection was held.
+    bool m_rehusada = false;
     QString m_motivo;
     int m_espera = 5000;
     unsigned long long m_apertura = 0;

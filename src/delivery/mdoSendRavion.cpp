@@ -269,7 +269,8 @@ QCoro::Task<std::unique_ptr<Transaccion>> tomarEscritura(BaseDatos& db) {
             db.establecerEspera(espera);
             if (!db.lastWasBusy()) throw;
         }
-        if (!avisado) {
+        // A large change of ours being stored is no other program.
+        if (!avisado && !db.retenida()) {
             msLog(
                 u"La base de datos está ocupada por otro programa: el resultado del envío se "
                 u"guardará en cuanto quede libre"_s);

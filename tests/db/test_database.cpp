@@ -6,6 +6,7 @@
 #include "composition/Envio.h"
 #include "db/BaseDatos.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "db/Identidad.h"
 #include "db/Nombres.h"
 #include "db/Transaccion.h"
@@ -322,6 +323,83 @@ PRAGMA integrity_check;
         }
         QCOMPARE(lanzada, filas == 0);
         QVERIFY(sqlite3_get_autocommit(db.handle()));
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
+        Transaccion siguiente(db);
+        siguiente.commit();
+    }
+
+    // A write over several turns is whole or nothing: while it is held the
+    // program's other writers find the database busy and readers see it
+    // half done, another program sees nothing of it, and it ends committed
+    // or undone whole, the connection free again.
+    void writeOverTurnsIsWholeOrNothing_data() {
+        QTest::addColumn<QString>("salida");
+        QTest::addColumn<int>("filas");
+        QTest::newRow("committed") << u"commit"_s << 2;
+        QTest::newRow("a later step fails") << u"error"_s << 0;
+        QTest::newRow("other exception") << u"excepcion"_s << 0;
+        QTest::newRow("commit refused") << u"rechazo"_s << 0;
+    }
+    void writeOverTurnsIsWholeOrNothing() {
+        QFETCH(QString, salida);
+        QFETCH(int, filas);
+        db.exec(u"PRAGMA foreign_keys=ON"_s);
+        db.execScript(
+            u"CREATE TABLE padre (id INTEGER PRIMARY KEY);"
+            "CREATE TABLE hijo (p INTEGER REFERENCES padre(id) DEFERRABLE INITIALLY DEFERRED);"_s);
+        bool soltar = false, terminado = false;
+        QString fallo;
+        using namespace EscrituraPorTurnos;
+        std::vector<Paso> pasos{sentencia(db, u"INSERT INTO MenPro VALUES (0,'uno')"_s),
+                                [&] { return !soltar; },
+                                sentencia(db, u"INSERT INTO MenPro VALUES (1,'dos')"_s),
+                                [&] {
+                                    if (salida == u"rechazo"_s)
+                                        db.exec(u"INSERT INTO hijo VALUES (5)"_s);
+                                    if (salida == u"error"_s)
+                                        db.exec(u"INSERT INTO MenPro VALUES (1,'otra')"_s);
+                                    if (salida == u"excepcion"_s) throw std::runtime_error("x");
+                                    return false;
+                                }};
+        escribir(db, std::move(pasos), [&](const ErrorBD* e) {
+            terminado = true;
+            if (e) fallo = e->description();
+        });
+        QCoreApplication::processEvents();
+        QVERIFY(!terminado && db.retenida());
+        const auto rehusada = [&](const std::function<void()>& f) {
+            try {
+                f();
+            } catch (const ErrorBD& e) {
+                return db.lastWasBusy() && e.causa().contains(u"ocupada"_s);
+            }
+            return false;
+        };
+        QVERIFY(rehusada([&] { db.exec(u"INSERT INTO MenPro VALUES (9,'ajena')"_s); }));
+        QVERIFY(rehusada([&] { Transaccion t(db); }));
+        QVERIFY(rehusada([&] { db.savepoint(u"ajeno"_s); }));
+        QVERIFY(rehusada([&] { db.exec(u"COMMIT"_s); }));
+        QVERIFY(rehusada([&] { db.rollback(); }));
+        QVERIFY(rehusada([&] { db.execScript(u"DELETE FROM MenPro"_s); }));
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
+        QVERIFY(!db.lastWasBusy());
+        sqlite3* otro = nullptr;
+        QCOMPARE(sqlite3_open(db.path().toUtf8().constData(), &otro), SQLITE_OK);
+        const auto cuentaAjena = [&] {
+            sqlite3_stmt* st = nullptr;
+            sqlite3_prepare_v2(otro, "SELECT count(*) FROM MenPro", -1, &st, nullptr);
+            sqlite3_step(st);
+            const int n = sqlite3_column_int(st, 0);
+            sqlite3_finalize(st);
+            return n;
+        };
+        QCOMPARE(cuentaAjena(), 0);
+        soltar = true;
+        QTRY_VERIFY(terminado);
+        QCOMPARE(fallo.isEmpty(), filas > 0);
+        QCOMPARE(cuentaAjena(), filas);
+        sqlite3_close(otro);
+        QVERIFY(!db.retenida() && sqlite3_get_autocommit(db.handle()));
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
         Transaccion siguiente(db);
         siguiente.commit();

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "db/BaseDatos.h"
+
+#include <functional>
+#include <vector>
+
+// A write too large for one turn of the event loop (emptying a table of
+// half a million rows, storing a list of as many members), done over
+// several turns in one transaction of the shared connection, so the window
+// keeps turning. Nobody is left with half of it: other programs read the
+// file as it was until the commit, a kill undoes it all, and meanwhile this
+// program's other writers find the database busy (BaseDatos::retenida), as
+// when another program holds it, and try again later as they do then.
+namespace EscrituraPorTurnos {
+
+// A piece of the write: returns true while it has more to do (it is run
+// again), false once done; throws ErrorBD.
+using Paso = std::function<bool()>;
+// Null when the write was committed; else why it failed, all of it undone.
+using Final = std::function<void(const ErrorBD* fallo)>;
+
+// Runs the steps in order, as many in a turn as fit in a few milliseconds,
+// the first turn at once: a small write is committed before this returns.
+void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
+
+// One statement.
+Paso sentencia(BaseDatos& db, QString sql, QVariantList params = {});
+// `sql` run over ranges of numbers, its last two parameters the first and
+// last of each range after `params`: from the first to the last number
+// that `limites` gives (one row, two columns), a range sized to take a few
+// milliseconds. `filas`, when given, adds up the rows changed.
+Paso porRangos(BaseDatos& db, QString sql, QVariantList params, QString limites,
+               int* filas = nullptr);
+// The first and last row numbers of `tabla`, each from the end of its tree.
+QString limitesDe(const QString& tabla);
+// Empties `tabla` (its rows changed into `filas`), its indexes dropped one
+// at a time first and made again empty: emptied whole, a table's pages are
+// freed without rewriting them, but all of them in one statement.
+Paso vaciar(BaseDatos& db, QString tabla, int* filas = nullptr);
+
+}  // namespace EscrituraPorTurnos
