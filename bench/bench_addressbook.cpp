@@ -137,6 +137,8 @@ int main(int argc, char** argv) {
         cifra(u"frmUserGroup move all in, "_s + n, t, 50);
         t.empezar();
         miembros->cmdAdd->click();
+        // Stored over several turns: the loop turns until it is.
+        while (bd.retenida()) QCoreApplication::processEvents();
         cifra(u"frmUserGroup store "_s + n + u" memberships"_s, t, 300);
         delete miembros;
 

@@ -11,6 +11,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -159,10 +160,21 @@ void frmUserGroup::cmdquitarTodos_Click() {
 }
 
 void frmUserGroup::cmdAdd_Click() {
-    msGuardarMiembrosLista(nCodGrupo);
-    sNombreGrupo.clear();
-    nCodGrupo = -1;
-    accept();
+    // A large list is stored over a moment: the screen waits for it, closed
+    // by nothing, and then closes as before.
+    m_guardando = true;
+    for (QWidget* w : findChildren<QWidget*>()) w->setEnabled(false);
+    setCursor(Qt::BusyCursor);
+    QPointer<frmUserGroup> pantalla(this);
+    msGuardarMiembrosLista(nCodGrupo, [pantalla](bool) {
+        if (!pantalla) return;
+        pantalla->m_guardando = false;
+        pantalla->unsetCursor();
+        for (QWidget* w : pantalla->findChildren<QWidget*>()) w->setEnabled(true);
+        pantalla->sNombreGrupo.clear();
+        pantalla->nCodGrupo = -1;
+        pantalla->accept();
+    });
 }
 
 void frmUserGroup::cmdClose_Click() {
@@ -172,6 +184,7 @@ void frmUserGroup::cmdClose_Click() {
 }
 
 void frmUserGroup::done(int resultado) {
+    if (m_guardando) return;
     // However the screen closes, the moves go with it.
     msSoltarMiembrosLista();
     QDialog::done(resultado);

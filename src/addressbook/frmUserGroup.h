@@ -51,4 +51,5 @@ class frmUserGroup : public QDialog {
 
     ModeloPaginado* m_dentro;
     ModeloPaginado* m_fuera;
+    bool m_guardando = false;
 };

@@ -328,8 +328,8 @@ std::vector<EscrituraPorTurnos::Paso> apartarSinContactoVisible(const QString& t
     return {
         EscrituraPorTurnos::sentencia(bd(), u"CREATE TEMP TABLE "_s + apartado + u" AS SELECT "_s +
                                                 columnas + u" FROM "_s + tabla + u" t LIMIT 0"_s),
-        EscrituraPorTurnos::porRangos(bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {},
-                                      EscrituraPorTurnos::limitesDe(tabla))};
+        EscrituraPorTurnos::porTramos(bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {},
+                                      tabla, u"rowid"_s)};
 }
 }  // namespace
 
@@ -657,48 +657,73 @@ void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
     }
 }
 
-bool msGuardarMiembrosLista(int16_t grupo) {
-    const QString sp = u"miembros"_s;
+void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> alTerminar) {
+    using namespace EscrituraPorTurnos;
+    QVariant todos;
+    long long ajenos = 0;
     try {
-        bd().savepoint(sp);
         const ResultadoConsulta lista = bd().query(u"SELECT Todos, Ajenos FROM "_s + kLista);
-        const QVariant todos = lista.value(0, 0);
-        // Only what moved is written; memberships of numbers that are no
-        // contact go, as the list showed them not.
-        const QString movidos = u"FROM "_s + kMovidos +
-                                u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
-        bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN (SELECT a.Codigo "_s +
-                      movidos + u"0)"_s,
-                  {grupo});
-        if (numeroDe(lista.value(0, 1)) > 0)
-            bd().exec(
-                u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado NOT IN (SELECT Codigo "
-                u"FROM Abonados)"_s,
-                {grupo});
-        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
-                      u"1 AND a.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = ?) "
-                      u"ORDER BY m.Paso"_s,
-                  {grupo, grupo});
-        // The contacts not moved since the last "all moved" are on its side.
-        const QString quietos =
-            u"SELECT a.Codigo FROM Abonados a WHERE NOT EXISTS (SELECT 1 FROM "_s + kMovidos +
-            u" m WHERE m.Fila = a.rowid)"_s;
-        if (!todos.isNull() && numeroDe(todos) == 0)
-            bd().exec(u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN ("_s + quietos + u")"_s,
-                      {grupo});
-        if (!todos.isNull() && numeroDe(todos) == 1)
-            bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT q.Codigo, ? FROM ("_s +
-                          quietos +
-                          u") q WHERE q.Codigo NOT IN (SELECT Abonado FROM AboGrup WHERE Grupo = "
-                          u"?)"_s,
-                      {grupo, grupo});
-        bd().release(sp);
+        todos = lista.value(0, 0);
+        ajenos = numeroDe(lista.value(0, 1));
     } catch (const ErrorBD&) {
-        deshacer(sp);
-        return false;
+        alTerminar(false);
+        return;
     }
-    msSoltarMiembrosLista();
-    return true;
+    // Only what moved is written, a range of rows at a time, each row
+    // looked up in an index: a list of half a million members is stored
+    // over several turns in one transaction.
+    const QString movidos =
+        u"FROM "_s + kMovidos + u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
+    const QString noEsMiembro =
+        u" AND NOT EXISTS (SELECT 1 FROM AboGrup g WHERE g.Grupo = ? AND g.Abonado = a.Codigo)"_s;
+    std::vector<Paso> pasos{
+        porTramos(bd(),
+                  u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN (SELECT a.Codigo "_s +
+                      movidos + u"0 AND m.Fila BETWEEN ? AND ?)"_s,
+                  {grupo}, kMovidos, u"Fila"_s)};
+    // Memberships of numbers that are no contact go, as the list showed
+    // them not; looked for only when there may be some.
+    if (ajenos > 0)
+        pasos.push_back(porTramos(bd(),
+                                  u"DELETE FROM AboGrup WHERE Grupo = ? AND NOT EXISTS (SELECT 1 "
+                                  u"FROM Abonados a WHERE a.Codigo = AboGrup.Abonado) AND rowid "
+                                  u"BETWEEN ? AND ?"_s,
+                                  {grupo}, u"AboGrup"_s, u"rowid"_s));
+    // A row refused undoes the whole write, as the failure would anyway
+    // (OR ROLLBACK): the engine then keeps no copy of each page a stretch
+    // touches to undo that stretch alone.
+    // Those moved in join in the order they were moved: first the lines a
+    // sort took in, then those of the last "all moved", then one by one.
+    const QString entran =
+        u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
+        u"1"_s + noEsMiembro;
+    pasos.push_back(porTramos(bd(), entran + u" AND m.Paso IS NULL AND m.Fila BETWEEN ? AND ?"_s,
+                              {grupo, grupo}, kMovidos, u"Fila"_s));
+    pasos.push_back(porTramos(bd(), entran + u" AND m.Paso = 0 AND m.Fila BETWEEN ? AND ?"_s,
+                              {grupo, grupo}, kMovidos, u"Fila"_s));
+    pasos.push_back(
+        porTramos(bd(), entran + u" AND m.Paso > 0 AND m.Paso BETWEEN ? AND ? ORDER BY m.Paso"_s,
+                  {grupo, grupo}, kMovidos, u"Paso"_s));
+    // The contacts not moved since the last "all moved" are on its side.
+    const QString quietos =
+        u" NOT EXISTS (SELECT 1 FROM "_s + kMovidos + u" m WHERE m.Fila = a.rowid)"_s;
+    if (!todos.isNull() && numeroDe(todos) == 0)
+        pasos.push_back(porTramos(
+            bd(),
+            u"DELETE FROM AboGrup WHERE rowid IN (SELECT g.rowid FROM Abonados a INNER JOIN "
+            u"AboGrup g ON g.Grupo = ? AND g.Abonado = a.Codigo WHERE"_s +
+                quietos + u" AND a.Codigo BETWEEN ? AND ?)"_s,
+            {grupo}, u"Abonados"_s, u"Codigo"_s));
+    if (!todos.isNull() && numeroDe(todos) == 1)
+        pasos.push_back(porTramos(bd(),
+                                  u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT "
+                                  u"a.Codigo, ? FROM Abonados a WHERE"_s +
+                                      quietos + noEsMiembro + u" AND a.Codigo BETWEEN ? AND ?"_s,
+                                  {grupo, grupo}, u"Abonados"_s, u"Codigo"_s));
+    escribir(bd(), std::move(pasos), [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+        if (!fallo) msSoltarMiembrosLista();
+        alTerminar(!fallo);
+    });
 }
 
 void msSoltarMiembrosLista() {

@@ -136,10 +136,11 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);
 // lines just moved there, then the others in `ordenInverso` (the side's
 // order turned round, ListaPaginada::ordenInverso). Throws ErrorBD.
 void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso);
-// Writes the moves into the list's memberships in one transaction (the
-// memberships of numbers that are no contact go too), then drops them.
-// False when nothing was stored.
-bool msGuardarMiembrosLista(int16_t grupo);
+// Writes the moves into the list's memberships in one transaction over as
+// many turns of the event loop as it takes (the memberships of numbers
+// that are no contact go too), then drops them. `alTerminar` is told
+// whether they were stored; a small list is stored before this returns.
+void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> alTerminar);
 // Drops the moves; nothing is stored.
 void msSoltarMiembrosLista();
 

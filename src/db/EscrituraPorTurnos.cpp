@@ -2,6 +2,8 @@
 
 #include "base/Error.h"
 
+#include <sqlite3.h>
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
@@ -16,16 +18,35 @@ namespace {
 // What a turn gives the write before the window gets the loop back; a
 // step begun in time runs to its end.
 constexpr qint64 kTurnoMs = 12;
-// What a range aims at, well inside a turn.
+// What a stretch aims at, well inside a turn.
 constexpr qint64 kRangoMs = 6;
+// The engine's own pages of log before it copies them into the file.
+constexpr int kCopiaDiario = 1000;
 
 struct Estado {
     BaseDatos* db = nullptr;
     unsigned long long apertura = 0;
     std::vector<Paso> pasos;
     size_t siguiente = 0;
+    // Every step done: the commit comes in the next turn.
+    bool aplazado = false;
     Final alTerminar;
 };
+
+// The log's copy into the file, which the commit of a large write would
+// run at once, in a turn of its own.
+void copiarDiario(BaseDatos& db, unsigned long long apertura) {
+    if (!db.isOpen() || db.apertura() != apertura) return;
+    sqlite3_wal_autocheckpoint(db.handle(), kCopiaDiario);
+    // After the window has had a turn: a zero delay would run it ahead of
+    // the timers and paints the commit already kept waiting.
+    QTimer::singleShot(10, QCoreApplication::instance(), [&db, apertura] {
+        // Another program reading may keep part of it for later, as ever.
+        if (db.isOpen() && db.apertura() == apertura)
+            sqlite3_wal_checkpoint_v2(db.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
+                                      nullptr);
+    });
+}
 
 void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
     BaseDatos& db = *e->db;
@@ -38,6 +59,7 @@ void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
         }
     }
     db.retener(false);
+    copiarDiario(db, e->apertura);
     e->alTerminar(fallo);
 }
 
@@ -45,6 +67,7 @@ void turno(const std::shared_ptr<Estado>& e) {
     BaseDatos& db = *e->db;
     QElapsedTimer reloj;
     reloj.start();
+    bool hecho = false;
     try {
         // Closed meanwhile (its file taken away), the engine undid it.
         if (!db.isOpen() || db.apertura() != e->apertura)
@@ -52,7 +75,15 @@ void turno(const std::shared_ptr<Estado>& e) {
         db.pasoPropio(true);
         while (e->siguiente < e->pasos.size() && reloj.elapsed() < kTurnoMs)
             if (!e->pasos[e->siguiente]()) ++e->siguiente;
-        if (e->siguiente == e->pasos.size()) db.commit();
+        // The commit writes what the steps left in memory: a turn of its
+        // own unless the write was small.
+        if (e->siguiente == e->pasos.size()) {
+            if (e->aplazado || reloj.elapsed() < kTurnoMs / 2) {
+                db.commit();
+                hecho = true;
+            }
+            e->aplazado = true;
+        }
         db.pasoPropio(false);
     } catch (const ErrorBD& fallo) {
         terminar(e, &fallo);
@@ -63,8 +94,10 @@ void turno(const std::shared_ptr<Estado>& e) {
         terminar(e, &fallo);
         return;
     }
-    if (e->siguiente < e->pasos.size()) {
-        QTimer::singleShot(0, QCoreApplication::instance(), [e] { turno(e); });
+    if (!hecho) {
+        // A timer, not a zero delay: that would be a posted event, and a
+        // chain of them keeps the program's own timers waiting.
+        QTimer::singleShot(1, QCoreApplication::instance(), [e] { turno(e); });
         return;
     }
     terminar(e, nullptr);
@@ -79,6 +112,7 @@ void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
         return;
     }
     db.retener(true);
+    sqlite3_wal_autocheckpoint(db.handle(), 0);
     auto e = std::make_shared<Estado>();
     e->db = &db;
     e->apertura = db.apertura();
@@ -94,40 +128,46 @@ Paso sentencia(BaseDatos& db, QString sql, QVariantList params) {
     };
 }
 
-Paso porRangos(BaseDatos& db, QString sql, QVariantList params, QString limites, int* filas) {
-    struct Rango {
-        bool leido = false;
-        qint64 desde = 0, hasta = -1, ancho = 1024;
+namespace {
+// The first column of the first row; null when there is none.
+QVariant primero(const ResultadoConsulta& r) {
+    return r.isEmpty() ? QVariant() : r.value(0, 0);
+}
+}  // namespace
+
+Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const QString& tabla,
+               const QString& columna, int* filas) {
+    struct Tramo {
+        bool empezado = false;
+        QVariant desde;
+        qint64 largo = 1024;
     };
-    auto r = std::make_shared<Rango>();
-    return [&db, sql = std::move(sql), params = std::move(params), limites = std::move(limites),
-            filas, r] {
-        if (!r->leido) {
-            const ResultadoConsulta l = db.query(limites);
-            r->leido = true;
-            if (l.isEmpty() || l.value(0, 0).isNull()) return false;
-            r->desde = l.value(0, 0).toLongLong();
-            r->hasta = l.value(0, 1).toLongLong();
+    auto t = std::make_shared<Tramo>();
+    const QString primeroSql = u"SELECT min("_s + columna + u") FROM "_s + tabla;
+    const QString ultimoSql = u"SELECT max("_s + columna + u") FROM "_s + tabla;
+    const QString hastaSql = u"SELECT "_s + columna + u" FROM "_s + tabla + u" WHERE "_s + columna +
+                             u" >= ? ORDER BY "_s + columna + u" LIMIT 1 OFFSET ?"_s;
+    const QString siguienteSql = u"SELECT "_s + columna + u" FROM "_s + tabla + u" WHERE "_s +
+                                 columna + u" > ? ORDER BY "_s + columna + u" LIMIT 1"_s;
+    return [&db, sql = std::move(sql), params = std::move(params), primeroSql, ultimoSql, hastaSql,
+            siguienteSql, filas, t] {
+        if (!t->empezado) {
+            t->empezado = true;
+            t->desde = primero(db.query(primeroSql));
         }
-        if (r->desde > r->hasta) return false;
-        const qint64 fin = std::min(r->hasta, r->desde + r->ancho - 1);
+        if (t->desde.isNull()) return false;
+        QVariant hasta = primero(db.query(hastaSql, {t->desde, t->largo - 1}));
+        if (hasta.isNull()) hasta = primero(db.query(ultimoSql));
         QElapsedTimer reloj;
         reloj.start();
-        const int n = db.exec(sql, params + QVariantList{r->desde, fin});
+        const int n = db.exec(sql, params + QVariantList{t->desde, hasta});
         if (filas) *filas += n;
-        // The next range as wide as fits the aim, growing by four at most:
-        // the numbers may be dense here and sparse there.
+        // The next stretch as long as fits the aim, growing by four at most.
         const qint64 ms = std::max<qint64>(1, reloj.elapsed());
-        r->ancho = std::clamp<qint64>(r->ancho * kRangoMs / ms, 256, r->ancho * 4);
-        r->desde = fin + 1;
-        return fin < r->hasta;
+        t->largo = std::clamp<qint64>(t->largo * kRangoMs / ms, 256, t->largo * 4);
+        t->desde = primero(db.query(siguienteSql, {hasta}));
+        return !t->desde.isNull();
     };
-}
-
-QString limitesDe(const QString& tabla) {
-    // Apart: together in one SELECT they would walk every row.
-    return u"SELECT (SELECT min(rowid) FROM "_s + tabla + u"), (SELECT max(rowid) FROM "_s + tabla +
-           u')';
 }
 
 Paso vaciar(BaseDatos& db, QString tabla, int* filas) {

@@ -26,14 +26,15 @@ void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
 // One statement.
 Paso sentencia(BaseDatos& db, QString sql, QVariantList params = {});
-// `sql` run over ranges of numbers, its last two parameters the first and
-// last of each range after `params`: from the first to the last number
-// that `limites` gives (one row, two columns), a range sized to take a few
-// milliseconds. `filas`, when given, adds up the rows changed.
-Paso porRangos(BaseDatos& db, QString sql, QVariantList params, QString limites,
-               int* filas = nullptr);
-// The first and last row numbers of `tabla`, each from the end of its tree.
-QString limitesDe(const QString& tabla);
+// `sql` run over stretches of the values of `columna` in `tabla`, walked
+// in their order on an index (or the row numbers): its last two
+// parameters, after `params`, are a stretch's first and last value, a
+// stretch as long as takes a few milliseconds. Rows written in the order
+// of an index's own column go into that index one after the other, where
+// the order of the row numbers would scatter them. `filas`, when given,
+// adds up the rows changed.
+Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const QString& tabla,
+               const QString& columna, int* filas = nullptr);
 // Empties `tabla` (its rows changed into `filas`), its indexes dropped one
 // at a time first and made again empty: emptied whole, a table's pages are
 // freed without rewriting them, but all of them in one statement.

@@ -478,6 +478,11 @@ class TestContactos : public QObject {
             bd().exec(
                 u"CREATE TRIGGER no_borrar BEFORE DELETE ON Abonados WHEN old.Codigo = "
                 u"'0034600000002' BEGIN SELECT RAISE(ABORT, 'bloqueado'); END"_s);
+        // Emptied whole, the tables get their indexes back as they were.
+        const QString indices =
+            u"select name || sql from sqlite_master where type = 'index' and tbl_name in "
+            u"('Abonados', 'AboGrup', 'AboAuto') order by 1"_s;
+        const QStringList antes = columna(indices);
         InterfazGuionada ui;
         frmAbonados pantalla;
         QSignalSpy avisos(&Avisos::instancia(), &Avisos::contactosCambiados);
@@ -508,6 +513,7 @@ class TestContactos : public QObject {
         QCOMPARE(columna(u"select Abonado from AboGrup order by Abonado"_s), grupos);
         QCOMPARE(columna(u"select Abonado from AboAuto order by Abonado"_s), multi);
         QVERIFY(avisos.size() >= 1);
+        QCOMPARE(columna(indices), antes);
         QCOMPARE(pantalla.lblcont->text(), u"%1 Contactos"_s.arg(quedan));
         QCOMPARE(pantalla.cmdDeletetodos->isEnabled(), true);
     }

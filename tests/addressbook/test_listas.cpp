@@ -313,6 +313,51 @@ class TestListas : public QObject {
                  QStringList{});
     }
 
+    // A list of thousands is stored over several turns: the screen stays
+    // open until it is, and every move lands, each member once.
+    void aLargeListIsStoredWhole_data() {
+        QTest::addColumn<bool>("dentro");  // where "all moved" took them
+        QTest::newRow("all in, two back out") << true;
+        QTest::newRow("all out, two back in") << false;
+    }
+    void aLargeListIsStoredWhole() {
+        QFETCH(bool, dentro);
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
+            u"INSERT INTO Abonados (Codigo,Alias,Canal) SELECT '0034' || (600000000 + (i * "
+            u"7919) % 20000), 'C' || i, 0 FROM n"_s);
+        bd().exec(
+            u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 3 FROM Abonados WHERE "
+            u"rowid % 3 = 0"_s);
+        miembro(u"0034699999999"_s, 3);  // no contact: goes at the store
+        miembro(u"0034600000003"_s, 7);
+        frmUserGroup m;
+        m.sNombreGrupo = u"Club"_s;
+        m.nCodGrupo = 3;
+        m.msCargarUsuariosParaGrupo();
+        m.show();
+        (dentro ? m.cmdTodos : m.cmdquitarTodos)->click();
+        Listado* l = dentro ? m.lstLista : m.lstcontactos;
+        l->seleccionarFila(0);
+        l->seleccionarFila(1, true);
+        const QStringList movidos{l->modelo()->texto(0, 1), l->modelo()->texto(1, 1)};
+        (dentro ? m.cmdQuitar : m.Command1)->click();
+        m.cmdAdd->click();
+        QVERIFY(bd().retenida());
+        m.reject();
+        QVERIFY(m.isVisible());
+        QTRY_VERIFY(!m.isVisible());
+        QStringList esperados = movidos;
+        if (dentro) {
+            esperados = columna(u"select Codigo from Abonados"_s);
+            for (const QString& c : movidos) esperados.removeOne(c);
+        }
+        esperados.sort();
+        QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 3 order by 1"_s), esperados);
+        QCOMPARE(columna(u"select Abonado from AboGrup where Grupo = 7"_s),
+                 QStringList{u"0034600000003"_s});
+    }
+
     // Another program, which can't work out the names' order, writes and
     // renames contacts; the screen still shows them in the lists' order
     // (accents and case don't count, "ñ" after "n").
