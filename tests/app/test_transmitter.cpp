@@ -8,6 +8,7 @@
 #include "base/EstadoAplicacion.h"
 #include "base/RegistroActividad.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "delivery/mdoSendRavion.h"
 
 using namespace Qt::StringLiterals;
@@ -137,6 +138,52 @@ class TestTransmitter : public Prueba {
         t.detener();
         t.msForzarEnvio();
         QVERIFY(!t.Timer1().isActive());
+    }
+
+    // A large write of ours held over several turns is no other program:
+    // a run waits for it to be stored, and a batch's result that comes
+    // meanwhile is written after it, once, without a word of a lock.
+    void aWriteOverSeveralTurnsDelaysTheRunOnly_data() {
+        QTest::addColumn<bool>("enVuelo");  // held while the batch is at the platform
+        QTest::newRow("held before the tick") << false;
+        QTest::newRow("held while the batch is out") << true;
+    }
+    void aWriteOverSeveralTurnsDelaysTheRunOnly() {
+        QFETCH(bool, enVuelo);
+        SimuladorPrueba sim(world.root(),
+                            u"[plataforma]\nretraso_ms=300\n[cuenta1]\nusuario=demo\n"
+                            u"clave=demo\nsaldo=1000\nmovil=0034600123456\n"_s);
+        prueba::cuentaPrincipal(sim.host());
+        for (int i = 0; i < 2; ++i) prueba::pendiente(u"0034600000001"_s, u"x"_s);
+        Ajustes::saveSetting(u"Tr"_s, u"Activo"_s, u"1"_s);
+        Transmisor t;
+        QSignalSpy ticks(&t, &Transmisor::tickTerminado);
+        bool soltar = false, guardada = false;
+        const auto retener = [&] {
+            EscrituraPorTurnos::escribir(
+                Conexion(),
+                {EscrituraPorTurnos::sentencia(Conexion(), u"INSERT INTO MenPro VALUES (0,'a')"_s),
+                 [&] { return !soltar; }},
+                [&](const ErrorBD* fallo) { guardada = !fallo; });
+        };
+        if (!enVuelo) retener();
+        t.msForzarEnvio();
+        if (enVuelo) {
+            QTRY_VERIFY(estadoAplicacion().gbEnviando);
+            retener();
+        }
+        QTest::qWait(600);
+        QCOMPARE(ticks.count(), 0);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 2);
+        soltar = true;
+        QTRY_VERIFY_WITH_TIMEOUT(ticks.count() == 1, 10000);
+        QVERIFY(guardada);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 0);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM HEnvios"_s), 2);
+        QCOMPARE(sim.registro().size(), 2);
+        QVERIFY(sim.duplicados().isEmpty());
+        QVERIFY(!estadoAplicacion().log.lines().join(u'\n').contains(u"otro programa"_s));
+        t.detener();
     }
 
     void continuousModeFollowsAFullBatchAtOnce_data() {
