@@ -120,6 +120,7 @@ int main(int argc, char** argv) {
         miembros->nCodGrupo = 0;
         miembros->msCargarUsuariosParaGrupo();
         miembros->show();
+        while (miembros->ocupada()) QCoreApplication::processEvents();
         QCoreApplication::processEvents();
         cifra(u"frmUserGroup open ("_s + mitad + u" in, "_s + mitad + u" out)"_s, t, 50);
         t.empezar();
@@ -138,7 +139,7 @@ int main(int argc, char** argv) {
         t.empezar();
         miembros->cmdAdd->click();
         // Stored over several turns: the loop turns until it is.
-        while (bd.retenida()) QCoreApplication::processEvents();
+        while (miembros->ocupada()) QCoreApplication::processEvents();
         cifra(u"frmUserGroup store "_s + n + u" memberships"_s, t, 300);
         delete miembros;
 

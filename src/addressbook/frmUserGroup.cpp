@@ -79,17 +79,29 @@ frmUserGroup::frmUserGroup(QWidget* parent) : QDialog(parent) {
 
 void frmUserGroup::msCargarUsuariosParaGrupo() {
     setWindowTitle(u"Contactos de la Lista: "_s + sNombreGrupo.toUpper());
-    // Both sides are counted at once: the members are walked once.
-    std::pair<int, int> filas{0, 0};
-    try {
-        filas = msPrepararMiembrosLista(nCodGrupo);
-    } catch (const ErrorBD&) {
+    // A list of many is read over a moment: the screen shows when it's
+    // ready, and waits for it to close. Both sides are counted at once.
+    ocupar(true);
+    QPointer<frmUserGroup> pantalla(this);
+    msPrepararMiembrosLista(nCodGrupo, [pantalla](std::optional<std::pair<int, int>> filas) {
+        if (!pantalla) return;
         // Lists that can't be read show empty, like the other address book lists.
-        msSoltarMiembrosLista();
-    }
-    m_dentro->cargar(filas.first);
-    m_fuera->cargar(filas.second);
-    lblcont->setText(QString::number(m_dentro->rowCount()) + u" Contactos en la lista"_s);
+        if (!filas) msSoltarMiembrosLista();
+        pantalla->m_dentro->cargar(filas ? filas->first : 0);
+        pantalla->m_fuera->cargar(filas ? filas->second : 0);
+        pantalla->lblcont->setText(QString::number(pantalla->m_dentro->rowCount()) +
+                                   u" Contactos en la lista"_s);
+        pantalla->ocupar(false);
+    });
+}
+
+void frmUserGroup::ocupar(bool ocupada) {
+    m_ocupada = ocupada;
+    for (QWidget* w : findChildren<QWidget*>()) w->setEnabled(!ocupada);
+    if (ocupada)
+        setCursor(Qt::BusyCursor);
+    else
+        unsetCursor();
 }
 
 void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
@@ -162,15 +174,11 @@ void frmUserGroup::cmdquitarTodos_Click() {
 void frmUserGroup::cmdAdd_Click() {
     // A large list is stored over a moment: the screen waits for it, closed
     // by nothing, and then closes as before.
-    m_guardando = true;
-    for (QWidget* w : findChildren<QWidget*>()) w->setEnabled(false);
-    setCursor(Qt::BusyCursor);
+    ocupar(true);
     QPointer<frmUserGroup> pantalla(this);
     msGuardarMiembrosLista(nCodGrupo, [pantalla](bool) {
         if (!pantalla) return;
-        pantalla->m_guardando = false;
-        pantalla->unsetCursor();
-        for (QWidget* w : pantalla->findChildren<QWidget*>()) w->setEnabled(true);
+        pantalla->ocupar(false);
         pantalla->sNombreGrupo.clear();
         pantalla->nCodGrupo = -1;
         pantalla->accept();
@@ -184,7 +192,7 @@ void frmUserGroup::cmdClose_Click() {
 }
 
 void frmUserGroup::done(int resultado) {
-    if (m_guardando) return;
+    if (m_ocupada) return;
     // However the screen closes, the moves go with it.
     msSoltarMiembrosLista();
     QDialog::done(resultado);

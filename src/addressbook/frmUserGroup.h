@@ -27,6 +27,8 @@ class frmUserGroup : public QDialog {
     void cmdAdd_Click();
     void cmdClose_Click();
     void done(int resultado) override;
+    // Reading or storing the list: nothing to click, no closing.
+    bool ocupada() const { return m_ocupada; }
 
     QString sNombreGrupo;
     int16_t nCodGrupo = -1;
@@ -42,6 +44,7 @@ class frmUserGroup : public QDialog {
     QLabel* lblcont;
 
   private:
+    void ocupar(bool ocupada);
     // Moves lines of one side to the end of the other, from the last up.
     void mover(bool haciaDentro, const QList<int>& filas);
     void moverTodos(bool haciaDentro);
@@ -51,5 +54,5 @@ class frmUserGroup : public QDialog {
 
     ModeloPaginado* m_dentro;
     ModeloPaginado* m_fuera;
-    bool m_guardando = false;
+    bool m_ocupada = false;
 };

@@ -520,31 +520,53 @@ void definirMasa(const QString& orden) {
 }
 }  // namespace
 
-std::pair<int, int> msPrepararMiembrosLista(int16_t grupo) {
-    msSoltarMiembrosLista();
-    // Names written by another program since are put in order first.
-    Esquema::completarClavesNombre(bd());
-    bd().exec(u"CREATE TABLE "_s + kLista +
-              u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos INTEGER)"_s);
-    bd().exec(u"CREATE TABLE "_s + kMovidos +
-              u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
-    bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
-    bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
-    definirMasa({});
-    // The members that are contacts, each once, in the order of their
-    // rows (appended, not scattered); their count is the inner side's.
-    const int dentro = bd().exec(u"INSERT OR IGNORE INTO "_s + kDentro +
-                                     u" SELECT a.rowid FROM AboGrup g INNER JOIN Abonados a ON "
-                                     u"a.Codigo = g.Abonado WHERE g.Grupo = ? ORDER BY 1"_s,
-                                 {grupo});
-    // Memberships that show nowhere: of a number that is no contact, or of
-    // one twice. "Guardar" looks for the first kind only when there may be
-    // some.
-    const long long miembros = numeroDe(
-        bd().query(u"SELECT count(*) FROM AboGrup WHERE Grupo = ?"_s, {grupo}).value(0, 0));
-    bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {miembros - dentro});
-    const long long todos = numeroDe(bd().query(u"SELECT count(*) FROM Abonados"_s).value(0, 0));
-    return {dentro, int(todos - dentro)};
+void msPrepararMiembrosLista(int16_t grupo,
+                             std::function<void(std::optional<std::pair<int, int>>)> alTerminar) {
+    using namespace EscrituraPorTurnos;
+    auto dentro = std::make_shared<int>(0);
+    auto filas = std::make_shared<std::pair<int, int>>();
+    std::vector<Paso> pasos{
+        [grupo] {
+            msSoltarMiembrosLista();
+            // Names written by another program since are put in order first.
+            Esquema::completarClavesNombre(bd());
+            bd().exec(u"CREATE TABLE "_s + kLista +
+                      u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos "
+                      u"INTEGER)"_s);
+            bd().exec(u"CREATE TABLE "_s + kMovidos +
+                      u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
+            bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
+            bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
+            definirMasa({});
+            return false;
+        },
+        // The members that are contacts, each once, a stretch of numbers
+        // at a time; their count is the inner side's.
+        porTramos(bd(),
+                  u"INSERT OR IGNORE INTO "_s + kDentro +
+                      u" SELECT a.rowid FROM AboGrup g INNER JOIN Abonados a ON a.Codigo = "
+                      u"g.Abonado WHERE g.Grupo = ? AND g.Abonado BETWEEN ? AND ?"_s,
+                  {grupo}, u"AboGrup"_s, u"Abonado"_s, dentro.get()),
+        [grupo, dentro, filas] {
+            // Memberships that show nowhere: of a number that is no
+            // contact, or of one twice. "Guardar" looks for the first kind
+            // only when there may be some.
+            const long long miembros = numeroDe(
+                bd().query(u"SELECT count(*) FROM AboGrup WHERE Grupo = ?"_s, {grupo}).value(0, 0));
+            bd().exec(u"UPDATE "_s + kLista + u" SET Ajenos = ?"_s, {miembros - *dentro});
+            const long long todos =
+                numeroDe(bd().query(u"SELECT count(*) FROM Abonados"_s).value(0, 0));
+            *filas = {*dentro, int(todos - *dentro)};
+            return false;
+        }};
+    porTurnos(bd(), std::move(pasos),
+              [filas, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+                  if (fallo) {
+                      alTerminar(std::nullopt);
+                      return;
+                  }
+                  alTerminar(*filas);
+              });
 }
 
 ListaPaginada::Definicion definicionMiembros(bool dentro) {

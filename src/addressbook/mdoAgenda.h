@@ -124,9 +124,12 @@ bool msBorrarLista(int16_t grupo);
 // moved, and moving a whole side writes no line. Lines moved show after
 // the others, in the order they came, until a sort of their side.
 //
-// Starts the moves of `grupo` afresh and counts its sides: inside,
-// outside. Throws ErrorBD.
-std::pair<int, int> msPrepararMiembrosLista(int16_t grupo);
+// Starts the moves of `grupo` afresh and counts its sides (inside,
+// outside) for `alTerminar`, which gets nothing when they can't be read.
+// The members are looked up over as many turns of the event loop as it
+// takes; a small list is ready before this returns.
+void msPrepararMiembrosLista(int16_t grupo,
+                             std::function<void(std::optional<std::pair<int, int>>)> alTerminar);
 // One side as its list shows it: upper-case name and number.
 ListaPaginada::Definicion definicionMiembros(bool dentro);
 // Moves the contacts whose rows are `claves` to the end of the other side,

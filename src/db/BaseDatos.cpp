@@ -238,6 +238,8 @@ Hecho BaseDatos::openWith(const QString& path, int flags) {
         // Lists read pages of large tables over and over: kept here, they
         // are not read from the file again while nobody else writes.
         exec(u"PRAGMA cache_size=-65536"_s);
+        // The screens' own temporary tables (a list's members) as well.
+        exec(u"PRAGMA temp.cache_size=-65536"_s);
         // Deleted text is still zeroed where it costs no extra write; a
         // page freed whole (an emptied table) is not written again.
         exec(u"PRAGMA secure_delete=FAST"_s);

@@ -18,6 +18,9 @@ namespace {
 // What a turn gives the write before the window gets the loop back; a
 // step begun in time runs to its end.
 constexpr qint64 kTurnoMs = 12;
+// The first turn, run by the caller's click, has more: most writes end in
+// it, before the click returns.
+constexpr qint64 kPrimerTurnoMs = 30;
 // What a stretch aims at, well inside a turn.
 constexpr qint64 kRangoMs = 6;
 // The engine's own pages of log before it copies them into the file.
@@ -28,6 +31,10 @@ struct Estado {
     unsigned long long apertura = 0;
     std::vector<Paso> pasos;
     size_t siguiente = 0;
+    // In one transaction that holds the connection; else each statement
+    // on its own (work on the connection's temporary tables).
+    bool transaccion = true;
+    bool primero = true;
     // Every step done: the commit comes in the next turn.
     bool aplazado = false;
     Final alTerminar;
@@ -50,16 +57,18 @@ void copiarDiario(BaseDatos& db, unsigned long long apertura) {
 
 void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
     BaseDatos& db = *e->db;
-    if (fallo && db.isOpen()) {
-        db.pasoPropio(true);
-        try {
-            db.rollback();
-        } catch (const ErrorBD&) {
-            // The engine already undid it (a commit that failed).
+    if (e->transaccion) {
+        if (fallo && db.isOpen()) {
+            db.pasoPropio(true);
+            try {
+                db.rollback();
+            } catch (const ErrorBD&) {
+                // The engine already undid it (a commit that failed).
+            }
         }
+        db.retener(false);
+        copiarDiario(db, e->apertura);
     }
-    db.retener(false);
-    copiarDiario(db, e->apertura);
     e->alTerminar(fallo);
 }
 
@@ -72,14 +81,16 @@ void turno(const std::shared_ptr<Estado>& e) {
         // Closed meanwhile (its file taken away), the engine undid it.
         if (!db.isOpen() || db.apertura() != e->apertura)
             throw ErrorBD(u"La conexión con la base de datos se cerró"_s, ErrNum::BaseDatos);
-        db.pasoPropio(true);
-        while (e->siguiente < e->pasos.size() && reloj.elapsed() < kTurnoMs)
+        db.pasoPropio(e->transaccion);
+        const qint64 turno = e->primero ? kPrimerTurnoMs : kTurnoMs;
+        e->primero = false;
+        while (e->siguiente < e->pasos.size() && reloj.elapsed() < turno)
             if (!e->pasos[e->siguiente]()) ++e->siguiente;
         // The commit writes what the steps left in memory: a turn of its
         // own unless the write was small.
         if (e->siguiente == e->pasos.size()) {
-            if (e->aplazado || reloj.elapsed() < kTurnoMs / 2) {
-                db.commit();
+            if (!e->transaccion || e->aplazado || reloj.elapsed() < turno / 2) {
+                if (e->transaccion) db.commit();
                 hecho = true;
             }
             e->aplazado = true;
@@ -102,6 +113,16 @@ void turno(const std::shared_ptr<Estado>& e) {
     }
     terminar(e, nullptr);
 }
+
+void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool transaccion) {
+    auto e = std::make_shared<Estado>();
+    e->db = &db;
+    e->apertura = db.apertura();
+    e->pasos = std::move(pasos);
+    e->alTerminar = std::move(alTerminar);
+    e->transaccion = transaccion;
+    turno(e);
+}
 }  // namespace
 
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
@@ -113,12 +134,11 @@ void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
     }
     db.retener(true);
     sqlite3_wal_autocheckpoint(db.handle(), 0);
-    auto e = std::make_shared<Estado>();
-    e->db = &db;
-    e->apertura = db.apertura();
-    e->pasos = std::move(pasos);
-    e->alTerminar = std::move(alTerminar);
-    turno(e);
+    empezar(db, std::move(pasos), std::move(alTerminar), true);
+}
+
+void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
+    empezar(db, std::move(pasos), std::move(alTerminar), false);
 }
 
 Paso sentencia(BaseDatos& db, QString sql, QVariantList params) {

@@ -24,6 +24,11 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 // the first turn at once: a small write is committed before this returns.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
+// The same steps without a transaction, each statement on its own: work
+// on the connection's temporary tables, which nobody else sees, spread
+// over turns. Other writers go on meanwhile.
+void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
+
 // One statement.
 Paso sentencia(BaseDatos& db, QString sql, QVariantList params = {});
 // `sql` run over stretches of the values of `columna` in `tabla`, walked
