@@ -10,10 +10,8 @@
 
 #include <sqlite3.h>
 
-#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -252,25 +250,6 @@ ContactosBorrados borrarBloque(const QList<std::pair<QString, QVariantList>>& se
     }
 }
 
-// Runs `bloque` (it returns what it did, and false in `quedan` when it
-// was the last) now and then once per turn of the event loop until done.
-void porBloques(std::function<ContactosBorrados(bool& quedan)> bloque, ContactosBorrados borrados,
-                std::function<void(const ContactosBorrados&)> alTerminar) {
-    bool quedan = false;
-    borrados += bloque(quedan);
-    if (quedan) {
-        // The window gets its turn before the next block.
-        QTimer::singleShot(
-            0, QCoreApplication::instance(),
-            [bloque = std::move(bloque), borrados, alTerminar = std::move(alTerminar)]() mutable {
-                porBloques(std::move(bloque), borrados, std::move(alTerminar));
-            });
-        return;
-    }
-    Q_EMIT Avisos::instancia().contactosCambiados();
-    if (alTerminar) alTerminar(borrados);
-}
-
 // Memberships and multi-send rows of the contacts chosen by `donde`, then
 // the contacts themselves.
 QList<std::pair<QString, QVariantList>> borrarDonde(const QString& donde,
@@ -300,17 +279,22 @@ std::function<QStringList()> codigosDonde(const QString& donde, const QVariantLi
 void msBorrarContactosPorBloques(const QStringList& codigos,
                                  std::function<void(const ContactosBorrados&)> alTerminar) {
     const QString donde = u"Abonados.Codigo IN (SELECT value FROM json_each(?))"_s;
+    auto borrados = std::make_shared<ContactosBorrados>();
     qsizetype desde = 0;
-    porBloques(
-        [codigos, desde, donde](bool& quedan) mutable {
+    // Each block in its own transaction: a block that fails leaves the others.
+    EscrituraPorTurnos::porTurnos(
+        bd(), {[codigos, desde, donde, borrados]() mutable {
             const QString lista = QString::fromUtf8(
                 QJsonDocument(QJsonArray::fromStringList(codigos.mid(desde, kContactosPorBloque)))
                     .toJson(QJsonDocument::Compact));
             desde += kContactosPorBloque;
-            quedan = desde < codigos.size();
-            return borrarBloque(borrarDonde(donde, {lista}), codigosDonde(donde, {lista}));
-        },
-        {}, std::move(alTerminar));
+            *borrados += borrarBloque(borrarDonde(donde, {lista}), codigosDonde(donde, {lista}));
+            return desde < codigos.size();
+        }},
+        [borrados, alTerminar = std::move(alTerminar)](const ErrorBD*) {
+            Q_EMIT Avisos::instancia().contactosCambiados();
+            if (alTerminar) alTerminar(*borrados);
+        });
 }
 
 namespace {
