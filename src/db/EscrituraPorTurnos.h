@@ -24,9 +24,10 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 // the first turn at once: a small write is committed before this returns.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
-// The same steps without a transaction, each statement on its own: work
-// on the connection's temporary tables, which nobody else sees, spread
-// over turns. Other writers go on meanwhile.
+// The same steps without a transaction of its own: each statement, or a
+// step's own transaction, stands alone (the connection's temporary tables,
+// which nobody else sees; blocks of contacts, each whole in itself).
+// Other writers go on meanwhile.
 void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
 // One statement.
