@@ -57,8 +57,10 @@ void copiarDiario(BaseDatos& db, unsigned long long apertura) {
 
 void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
     BaseDatos& db = *e->db;
-    if (e->transaccion) {
-        if (fallo && db.isOpen()) {
+    // Closed and opened again (another file chosen), the connection is no
+    // longer the one this write held: closing undid it and let it go.
+    if (e->transaccion && db.isOpen() && db.apertura() == e->apertura) {
+        if (fallo) {
             db.pasoPropio(true);
             try {
                 db.rollback();
