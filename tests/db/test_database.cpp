@@ -21,6 +21,25 @@ class TestDatabase : public Prueba {
     Q_OBJECT
     using Prueba::Prueba;
 
+  private:
+    // The ways a write ends, and the rows it leaves: `confirmadas` when
+    // committed, none otherwise.
+    static void salidas(int confirmadas) {
+        QTest::addColumn<QString>("salida");
+        QTest::addColumn<int>("filas");
+        QTest::newRow("committed") << u"commit"_s << confirmadas;
+        QTest::newRow("a step fails") << u"error"_s << 0;
+        QTest::newRow("other exception") << u"excepcion"_s << 0;
+        QTest::newRow("commit refused") << u"rechazo"_s << 0;
+    }
+    // A child row without its parent is refused only at the commit.
+    void hijoSinPadre() {
+        db.exec(u"PRAGMA foreign_keys=ON"_s);
+        db.execScript(
+            u"CREATE TABLE padre (id INTEGER PRIMARY KEY);"
+            "CREATE TABLE hijo (p INTEGER REFERENCES padre(id) DEFERRABLE INITIALLY DEFERRED);"_s);
+    }
+
   private Q_SLOTS:
     void init() {
         world.reset();
@@ -294,21 +313,11 @@ PRAGMA integrity_check;
     // A transaction ends on every way out: kept when committed, undone when
     // the scope is left by any exception or when the commit is refused, and
     // in every case the connection is free for the next one.
-    void transactionEndsOnEveryPath_data() {
-        QTest::addColumn<QString>("salida");
-        QTest::addColumn<int>("filas");
-        QTest::newRow("committed") << u"commit"_s << 1;
-        QTest::newRow("program's error") << u"error"_s << 0;
-        QTest::newRow("other exception") << u"excepcion"_s << 0;
-        QTest::newRow("commit refused") << u"rechazo"_s << 0;
-    }
+    void transactionEndsOnEveryPath_data() { salidas(1); }
     void transactionEndsOnEveryPath() {
         QFETCH(QString, salida);
         QFETCH(int, filas);
-        db.exec(u"PRAGMA foreign_keys=ON"_s);
-        db.execScript(
-            u"CREATE TABLE padre (id INTEGER PRIMARY KEY);"
-            "CREATE TABLE hijo (p INTEGER REFERENCES padre(id) DEFERRABLE INITIALLY DEFERRED);"_s);
+        hijoSinPadre();
         bool lanzada = false;
         try {
             Transaccion t(db);
@@ -332,21 +341,11 @@ PRAGMA integrity_check;
     // program's other writers find the database busy and readers see it
     // half done, another program sees nothing of it, and it ends committed
     // or undone whole, the connection free again.
-    void writeOverTurnsIsWholeOrNothing_data() {
-        QTest::addColumn<QString>("salida");
-        QTest::addColumn<int>("filas");
-        QTest::newRow("committed") << u"commit"_s << 2;
-        QTest::newRow("a later step fails") << u"error"_s << 0;
-        QTest::newRow("other exception") << u"excepcion"_s << 0;
-        QTest::newRow("commit refused") << u"rechazo"_s << 0;
-    }
+    void writeOverTurnsIsWholeOrNothing_data() { salidas(2); }
     void writeOverTurnsIsWholeOrNothing() {
         QFETCH(QString, salida);
         QFETCH(int, filas);
-        db.exec(u"PRAGMA foreign_keys=ON"_s);
-        db.execScript(
-            u"CREATE TABLE padre (id INTEGER PRIMARY KEY);"
-            "CREATE TABLE hijo (p INTEGER REFERENCES padre(id) DEFERRABLE INITIALLY DEFERRED);"_s);
+        hijoSinPadre();
         bool soltar = false, terminado = false;
         QString fallo;
         using namespace EscrituraPorTurnos;
