@@ -313,7 +313,7 @@ std::vector<EscrituraPorTurnos::Paso> apartarSinContactoVisible(const QString& t
         EscrituraPorTurnos::sentencia(bd(), u"CREATE TEMP TABLE "_s + apartado + u" AS SELECT "_s +
                                                 columnas + u" FROM "_s + tabla + u" t LIMIT 0"_s),
         EscrituraPorTurnos::porTramos(bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {},
-                                      tabla, u"rowid"_s)};
+                                      {tabla, u"rowid"_s})};
 }
 }  // namespace
 
@@ -530,7 +530,7 @@ void msPrepararMiembrosLista(int16_t grupo,
                   u"INSERT OR IGNORE INTO "_s + kDentro +
                       u" SELECT a.rowid FROM AboGrup g INNER JOIN Abonados a ON a.Codigo = "
                       u"g.Abonado WHERE g.Grupo = ? AND g.Abonado BETWEEN ? AND ?"_s,
-                  {grupo}, u"AboGrup"_s, u"Abonado"_s, dentro.get()),
+                  {grupo}, {u"AboGrup"_s, u"Abonado"_s, u"Grupo = ?"_s, {grupo}}, dentro.get()),
         [grupo, dentro, filas] {
             // Memberships that show nowhere: of a number that is no
             // contact, or of one twice. "Guardar" looks for the first kind
@@ -686,7 +686,7 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
         porTramos(bd(),
                   u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado IN (SELECT a.Codigo "_s +
                       movidos + u"0 AND m.Fila BETWEEN ? AND ?)"_s,
-                  {grupo}, kMovidos, u"Fila"_s)};
+                  {grupo}, {kMovidos, u"Fila"_s})};
     // Memberships of numbers that are no contact go, as the list showed
     // them not; looked for only when there may be some.
     if (ajenos > 0)
@@ -694,7 +694,7 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
                                   u"DELETE FROM AboGrup WHERE Grupo = ? AND NOT EXISTS (SELECT 1 "
                                   u"FROM Abonados a WHERE a.Codigo = AboGrup.Abonado) AND rowid "
                                   u"BETWEEN ? AND ?"_s,
-                                  {grupo}, u"AboGrup"_s, u"rowid"_s));
+                                  {grupo}, {u"AboGrup"_s, u"rowid"_s, u"Grupo = ?"_s, {grupo}}));
     // A row refused undoes the whole write, as the failure would anyway
     // (OR ROLLBACK): the engine then keeps no copy of each page a stretch
     // touches to undo that stretch alone.
@@ -704,12 +704,12 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
         u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
         u"1"_s + noEsMiembro;
     pasos.push_back(porTramos(bd(), entran + u" AND m.Paso IS NULL AND m.Fila BETWEEN ? AND ?"_s,
-                              {grupo, grupo}, kMovidos, u"Fila"_s));
+                              {grupo, grupo}, {kMovidos, u"Fila"_s}));
     pasos.push_back(porTramos(bd(), entran + u" AND m.Paso = 0 AND m.Fila BETWEEN ? AND ?"_s,
-                              {grupo, grupo}, kMovidos, u"Fila"_s));
+                              {grupo, grupo}, {kMovidos, u"Fila"_s}));
     pasos.push_back(
         porTramos(bd(), entran + u" AND m.Paso > 0 AND m.Paso BETWEEN ? AND ? ORDER BY m.Paso"_s,
-                  {grupo, grupo}, kMovidos, u"Paso"_s));
+                  {grupo, grupo}, {kMovidos, u"Paso"_s, u"Paso > 0"_s}));
     // The contacts not moved since the last "all moved" are on its side.
     const QString quietos =
         u" NOT EXISTS (SELECT 1 FROM "_s + kMovidos + u" m WHERE m.Fila = a.rowid)"_s;
@@ -719,13 +719,13 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
             u"DELETE FROM AboGrup WHERE rowid IN (SELECT g.rowid FROM Abonados a INNER JOIN "
             u"AboGrup g ON g.Grupo = ? AND g.Abonado = a.Codigo WHERE"_s +
                 quietos + u" AND a.Codigo BETWEEN ? AND ?)"_s,
-            {grupo}, u"Abonados"_s, u"Codigo"_s));
+            {grupo}, {u"Abonados"_s, u"Codigo"_s}));
     if (!todos.isNull() && numeroDe(todos) == 1)
         pasos.push_back(porTramos(bd(),
                                   u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT "
                                   u"a.Codigo, ? FROM Abonados a WHERE"_s +
                                       quietos + noEsMiembro + u" AND a.Codigo BETWEEN ? AND ?"_s,
-                                  {grupo, grupo}, u"Abonados"_s, u"Codigo"_s));
+                                  {grupo, grupo}, {u"Abonados"_s, u"Codigo"_s}));
     escribir(bd(), std::move(pasos), [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
         if (!fallo) msSoltarMiembrosLista();
         alTerminar(!fallo);

@@ -157,29 +157,33 @@ QVariant primero(const ResultadoConsulta& r) {
 }
 }  // namespace
 
-Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const QString& tabla,
-               const QString& columna, int* filas) {
+Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
+               int* filas) {
     struct Tramo {
         bool empezado = false;
         QVariant desde;
         qint64 largo = 1024;
     };
     auto t = std::make_shared<Tramo>();
-    const QString primeroSql = u"SELECT min("_s + columna + u") FROM "_s + tabla;
-    const QString ultimoSql = u"SELECT max("_s + columna + u") FROM "_s + tabla;
-    const QString hastaSql = u"SELECT "_s + columna + u" FROM "_s + tabla + u" WHERE "_s + columna +
-                             u" >= ? ORDER BY "_s + columna + u" LIMIT 1 OFFSET ?"_s;
-    const QString siguienteSql = u"SELECT "_s + columna + u" FROM "_s + tabla + u" WHERE "_s +
-                                 columna + u" > ? ORDER BY "_s + columna + u" LIMIT 1"_s;
+    const QString& c = recorrido.columna;
+    const QString desde = u" FROM "_s + recorrido.tabla + u" WHERE "_s +
+                          (recorrido.donde.isEmpty() ? u"1"_s : recorrido.donde) + u" AND "_s;
+    const QString primeroSql = u"SELECT min("_s + c + u")"_s + desde + c + u" IS NOT NULL"_s;
+    const QString ultimoSql = u"SELECT max("_s + c + u")"_s + desde + c + u" IS NOT NULL"_s;
+    const QString hastaSql =
+        u"SELECT "_s + c + desde + c + u" >= ? ORDER BY "_s + c + u" LIMIT 1 OFFSET ?"_s;
+    const QString siguienteSql =
+        u"SELECT "_s + c + desde + c + u" > ? ORDER BY "_s + c + u" LIMIT 1"_s;
+    const QVariantList donde = recorrido.params;
     return [&db, sql = std::move(sql), params = std::move(params), primeroSql, ultimoSql, hastaSql,
-            siguienteSql, filas, t] {
+            siguienteSql, donde, filas, t] {
         if (!t->empezado) {
             t->empezado = true;
-            t->desde = primero(db.query(primeroSql));
+            t->desde = primero(db.query(primeroSql, donde));
         }
         if (t->desde.isNull()) return false;
-        QVariant hasta = primero(db.query(hastaSql, {t->desde, t->largo - 1}));
-        if (hasta.isNull()) hasta = primero(db.query(ultimoSql));
+        QVariant hasta = primero(db.query(hastaSql, donde + QVariantList{t->desde, t->largo - 1}));
+        if (hasta.isNull()) hasta = primero(db.query(ultimoSql, donde));
         QElapsedTimer reloj;
         reloj.start();
         const int n = db.exec(sql, params + QVariantList{t->desde, hasta});
@@ -187,7 +191,7 @@ Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const QString& t
         // The next stretch as long as fits the aim, growing by four at most.
         const qint64 ms = std::max<qint64>(1, reloj.elapsed());
         t->largo = std::clamp<qint64>(t->largo * kRangoMs / ms, 256, t->largo * 4);
-        t->desde = primero(db.query(siguienteSql, {hasta}));
+        t->desde = primero(db.query(siguienteSql, donde + QVariantList{hasta}));
         return !t->desde.isNull();
     };
 }

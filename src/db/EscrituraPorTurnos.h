@@ -32,15 +32,23 @@ void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
 // One statement.
 Paso sentencia(BaseDatos& db, QString sql, QVariantList params = {});
-// `sql` run over stretches of the values of `columna` in `tabla`, walked
-// in their order on an index (or the row numbers): its last two
-// parameters, after `params`, are a stretch's first and last value, a
-// stretch as long as takes a few milliseconds. Rows written in the order
-// of an index's own column go into that index one after the other, where
-// the order of the row numbers would scatter them. `filas`, when given,
-// adds up the rows changed.
-Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const QString& tabla,
-               const QString& columna, int* filas = nullptr);
+// What a stretch walks: the values of `columna` in `tabla`, in their
+// order on an index (or the row numbers), of the rows that meet `donde`
+// (binding `params`; empty: every row).
+struct Recorrido {
+    QString tabla;
+    QString columna;
+    QString donde = {};
+    QVariantList params = {};
+};
+// `sql` run over stretches of a walk: its last two parameters, after
+// `params`, are a stretch's first and last value, a stretch as long as
+// takes a few milliseconds. Rows written in the order of an index's own
+// column go into that index one after the other, where the order of the
+// row numbers would scatter them. `filas`, when given, adds up the rows
+// changed.
+Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
+               int* filas = nullptr);
 // Empties `tabla` (its rows changed into `filas`), its indexes dropped one
 // at a time first and made again empty: emptied whole, a table's pages are
 // freed without rewriting them, but all of them in one statement.
