@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -88,10 +89,14 @@ void frmUserGroup::msCargarUsuariosParaGrupo() {
         // Lists that can't be read show empty, like the other address book lists.
         if (!filas) msSoltarMiembrosLista();
         pantalla->m_dentro->cargar(filas ? filas->first : 0);
-        pantalla->m_fuera->cargar(filas ? filas->second : 0);
         pantalla->lblcont->setText(QString::number(pantalla->m_dentro->rowCount()) +
                                    u" Contactos en la lista"_s);
-        pantalla->ocupar(false);
+        // The outer side in a turn of its own: the first page of each may
+        // walk past many lines of the other, and the paint reads both.
+        QTimer::singleShot(1, pantalla, [pantalla, fuera = filas ? filas->second : 0] {
+            pantalla->m_fuera->cargar(fuera);
+            pantalla->ocupar(false);
+        });
     });
 }
 
