@@ -301,7 +301,7 @@ namespace {
 // Sets aside the rows of `tabla` (`columnas` of it, as t) whose number is
 // no contact shown: no contact at all, or one set aside in
 // temp.quedanAbonados. Each row looks its number up in the number's index
-// alone, a range of rows at a time.
+// alone, a stretch of rows at a time.
 std::vector<EscrituraPorTurnos::Paso> apartarSinContactoVisible(const QString& tabla,
                                                                 const QString& columnas,
                                                                 const QString& apartado) {
