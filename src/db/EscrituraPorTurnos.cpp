@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QTimer>
 #include <algorithm>
@@ -25,6 +26,7 @@ constexpr qint64 kPrimerTurnoMs = 30;
 constexpr qint64 kRangoMs = 6;
 // The engine's own pages of log before it copies them into the file.
 constexpr int kCopiaDiario = 1000;
+const QString kTextoCerrada = u"La conexión con la base de datos se cerró"_s;
 
 struct Estado {
     BaseDatos* db = nullptr;
@@ -82,7 +84,7 @@ void turno(const std::shared_ptr<Estado>& e) {
     try {
         // Closed meanwhile (its file taken away), the engine undid it.
         if (!db.isOpen() || db.apertura() != e->apertura)
-            throw ErrorBD(u"La conexión con la base de datos se cerró"_s, ErrNum::BaseDatos);
+            throw ErrorBD(kTextoCerrada, ErrNum::BaseDatos);
         db.pasoPropio(e->transaccion);
         const qint64 turno = e->primero ? kPrimerTurnoMs : kTurnoMs;
         e->primero = false;
@@ -127,16 +129,43 @@ void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool tran
 }
 }  // namespace
 
-void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
+namespace {
+// The write lock, taken without the window waiting for another program
+// that holds it: a try every 50 ms for as long as a statement would wait.
+void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,
+           std::vector<Paso> pasos, Final alTerminar) {
+    const int espera = db.espera();
+    db.establecerEspera(0);
     try {
         db.begin();
+        db.establecerEspera(espera);
     } catch (const ErrorBD& fallo) {
-        alTerminar(&fallo);
+        db.establecerEspera(espera);
+        // Ours held by another write of ours is no wait: that one is long.
+        if (!db.lastWasBusy() || db.retenida() || limite.hasExpired()) {
+            alTerminar(&fallo);
+            return;
+        }
+        QTimer::singleShot(50, QCoreApplication::instance(),
+                           [&db, apertura, limite, pasos = std::move(pasos),
+                            alTerminar = std::move(alTerminar)]() mutable {
+                               if (!db.isOpen() || db.apertura() != apertura) {
+                                   const ErrorBD cerrada(kTextoCerrada, ErrNum::BaseDatos);
+                                   alTerminar(&cerrada);
+                                   return;
+                               }
+                               tomar(db, apertura, limite, std::move(pasos), std::move(alTerminar));
+                           });
         return;
     }
     db.retener(true);
     sqlite3_wal_autocheckpoint(db.handle(), 0);
     empezar(db, std::move(pasos), std::move(alTerminar), true);
+}
+}  // namespace
+
+void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
+    tomar(db, db.apertura(), QDeadlineTimer(db.espera()), std::move(pasos), std::move(alTerminar));
 }
 
 void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {

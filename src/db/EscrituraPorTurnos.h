@@ -22,6 +22,8 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 
 // Runs the steps in order, as many in a turn as fit in a few milliseconds,
 // the first turn at once: a small write is committed before this returns.
+// A lock another program holds is waited for between turns, as long as the
+// connection's wait, not on the caller's stack.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
 // The same steps without a transaction of its own: each statement, or a

@@ -13,6 +13,7 @@
 
 #include <sqlite3.h>
 #include <QStandardPaths>
+#include <QTimer>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -402,6 +403,43 @@ PRAGMA integrity_check;
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
         Transaccion siguiente(db);
         siguiente.commit();
+    }
+
+    // A lock another program holds is waited for between turns, never on
+    // the caller's stack, and only as long as the connection waits.
+    void aLockHeldElsewhereIsWaitedForBetweenTurns_data() {
+        QTest::addColumn<int>("suelta");  // ms until the other program commits; -1 never
+        QTest::addColumn<bool>("guardada");
+        QTest::newRow("let go within the wait") << 200 << true;
+        QTest::newRow("held past the wait") << -1 << false;
+    }
+    void aLockHeldElsewhereIsWaitedForBetweenTurns() {
+        QFETCH(int, suelta);
+        QFETCH(bool, guardada);
+        sqlite3* otro = nullptr;
+        QCOMPARE(sqlite3_open(db.path().toUtf8().constData(), &otro), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE; INSERT INTO MenPro VALUES (5,'otro')",
+                              nullptr, nullptr, nullptr),
+                 SQLITE_OK);
+        if (suelta >= 0)
+            QTimer::singleShot(suelta, this,
+                               [otro] { sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr); });
+        db.establecerEspera(600);
+        bool terminado = false;
+        QString fallo;
+        EscrituraPorTurnos::escribir(
+            db, {EscrituraPorTurnos::sentencia(db, u"INSERT INTO MenPro VALUES (0,'uno')"_s)},
+            [&](const ErrorBD* e) {
+                terminado = true;
+                if (e) fallo = e->description();
+            });
+        QVERIFY(!terminado);
+        QTRY_VERIFY(terminado);
+        QCOMPARE(fallo.isEmpty(), guardada);
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro WHERE Mensaje = 0"_s).value(0, 0).toInt(),
+                 guardada ? 1 : 0);
+        QVERIFY(!db.retenida());
+        sqlite3_close_v2(otro);
     }
 
     // The database holds the platforms' passwords.
