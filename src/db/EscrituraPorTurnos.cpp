@@ -78,6 +78,12 @@ void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
 
 void turno(const std::shared_ptr<Estado>& e) {
     BaseDatos& db = *e->db;
+    // Steps of their own wait while a long write holds the connection: what
+    // they write would be refused, and what they read is half done.
+    if (!e->transaccion && db.retenida()) {
+        QTimer::singleShot(20, QCoreApplication::instance(), [e] { turno(e); });
+        return;
+    }
     QElapsedTimer reloj;
     reloj.start();
     bool hecho = false;

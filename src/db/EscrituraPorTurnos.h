@@ -29,7 +29,8 @@ void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 // The same steps without a transaction of its own: each statement, or a
 // step's own transaction, stands alone (the connection's temporary tables,
 // which nobody else sees; blocks of contacts, each whole in itself).
-// Other writers go on meanwhile.
+// Other writers go on meanwhile; its steps wait while a write of
+// `escribir` holds the connection.
 void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
 // One statement.

@@ -381,6 +381,14 @@ PRAGMA integrity_check;
         QVERIFY(rehusada([&] { db.exec(u"COMMIT"_s); }));
         QVERIFY(rehusada([&] { db.rollback(); }));
         QVERIFY(rehusada([&] { db.execScript(u"DELETE FROM MenPro"_s); }));
+        // Steps of another run over turns wait for it to end.
+        bool despues = false;
+        EscrituraPorTurnos::porTurnos(db, {[&] {
+                                          db.exec(u"INSERT INTO padre VALUES (1)"_s);
+                                          despues = true;
+                                          return false;
+                                      }},
+                                      [](const ErrorBD*) {});
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
         QVERIFY(!db.lastWasBusy());
         sqlite3* otro = nullptr;
@@ -401,6 +409,7 @@ PRAGMA integrity_check;
         sqlite3_close(otro);
         QVERIFY(!db.retenida() && sqlite3_get_autocommit(db.handle()));
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
+        QTRY_VERIFY(despues);
         Transaccion siguiente(db);
         siguiente.commit();
     }
