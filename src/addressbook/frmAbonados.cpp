@@ -121,12 +121,16 @@ void frmAbonados::cmdEdit_Click() {
     editor.exec();
 }
 
-void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
+void frmAbonados::permitirCambios(bool si) {
     // The list too: read while the contacts go, a page could find their
     // indexes gone for a moment and sort them all.
     for (QWidget* w :
          std::initializer_list<QWidget*>{cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, ListView1})
-        w->setEnabled(false);
+        w->setEnabled(si);
+}
+
+void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
+    permitirCambios(false);
     // Each failure has its own box; the summary tells the successes only.
     QPointer<frmAbonados> pantalla(this);
     auto alTerminar = [pantalla](const ContactosBorrados& borrados) {
@@ -134,10 +138,7 @@ void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {
         ui().msgBox(u"Se han borrado %1 Contactos con éxito.\n"_s.arg(borrados.cuantos),
                     Msg::Information);
         if (!pantalla) return;
-        for (QWidget* w : std::initializer_list<QWidget*>{
-                 pantalla->cmdAdd, pantalla->cmdEdit, pantalla->cmdDelete, pantalla->cmdDeletetodos,
-                 pantalla->ListView1})
-            w->setEnabled(true);
+        pantalla->permitirCambios(true);
         pantalla->requery();
     };
     if (todos)

@@ -42,6 +42,8 @@ class frmAbonados : public QWidget {
     // Deletes the contacts numbered `codigos` (or all the list shows) and
     // says how many went.
     void borrarFilas(const QStringList& codigos, bool todos = false);
+    // The buttons that change contacts, and the list, while some go.
+    void permitirCambios(bool si);
 
     QSize m_tamano;
     ModeloPaginado* m_contactos;

@@ -102,7 +102,8 @@ void frmUserGroup::msCargarUsuariosParaGrupo() {
 
 void frmUserGroup::ocupar(bool ocupada) {
     m_ocupada = ocupada;
-    for (QWidget* w : findChildren<QWidget*>()) w->setEnabled(!ocupada);
+    // The screen's own controls; what they hold follows them.
+    for (QWidget* w : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) w->setEnabled(!ocupada);
     if (ocupada)
         setCursor(Qt::BusyCursor);
     else

@@ -230,14 +230,10 @@ constexpr int kContactosPorBloque = 5000;
 ContactosBorrados borrarBloque(const QList<std::pair<QString, QVariantList>>& sentencias,
                                const std::function<QStringList()>& codigos) {
     const QString sp = u"bloquecontactos"_s;
-    const int cuenta = int(sentencias.size()) - 1;
     try {
         bd().savepoint(sp);
         int borrados = 0;
-        for (int i = 0; i < sentencias.size(); ++i) {
-            const int n = bd().exec(sentencias[i].first, sentencias[i].second);
-            if (i == cuenta) borrados = n;
-        }
+        for (const auto& [sql, params] : sentencias) borrados = bd().exec(sql, params);
         bd().release(sp);
         return {borrados, {}};
     } catch (const ErrorBD&) {
@@ -302,18 +298,17 @@ namespace {
 // no contact shown: no contact at all, or one set aside in
 // temp.quedanAbonados. Each row looks its number up in the number's index
 // alone, a stretch of rows at a time.
-std::vector<EscrituraPorTurnos::Paso> apartarSinContactoVisible(const QString& tabla,
-                                                                const QString& columnas,
-                                                                const QString& apartado) {
+void apartarSinContactoVisible(std::vector<EscrituraPorTurnos::Paso>& pasos, const QString& tabla,
+                               const QString& columnas, const QString& apartado) {
     const QString select =
         u"SELECT "_s + columnas + u" FROM "_s + tabla +
         u" t LEFT JOIN Abonados a ON a.Codigo = t.Abonado WHERE (a.Codigo IS NULL OR "
         u"a.Codigo IN (SELECT Codigo FROM temp.quedanAbonados)) AND t.rowid BETWEEN ? AND ?"_s;
-    return {
-        EscrituraPorTurnos::sentencia(bd(), u"CREATE TEMP TABLE "_s + apartado + u" AS SELECT "_s +
-                                                columnas + u" FROM "_s + tabla + u" t LIMIT 0"_s),
-        EscrituraPorTurnos::porTramos(bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {},
-                                      {tabla, u"rowid"_s})};
+    pasos.push_back(EscrituraPorTurnos::sentencia(bd(), u"CREATE TEMP TABLE "_s + apartado +
+                                                            u" AS SELECT "_s + columnas +
+                                                            u" FROM "_s + tabla + u" t LIMIT 0"_s));
+    pasos.push_back(EscrituraPorTurnos::porTramos(
+        bd(), u"INSERT INTO temp."_s + apartado + u' ' + select, {}, {tabla, u"rowid"_s}));
 }
 }  // namespace
 
@@ -338,13 +333,11 @@ void msBorrarTodosLosContactos(std::function<void(const ContactosBorrados&)> alT
                   u"CREATE TEMP TABLE quedanAbonados AS SELECT rowid AS r, Codigo, Alias, "
                   u"Comentario, Canal FROM Abonados WHERE Canal IS NULL OR Canal IN ("_s +
                       cuentasNombradas + u')')};
-    for (Paso& p : apartarSinContactoVisible(u"AboGrup"_s, u"t.rowid AS r, t.Abonado, t.Grupo"_s,
-                                             u"quedanAboGrup"_s))
-        pasos.push_back(std::move(p));
-    for (Paso& p : apartarSinContactoVisible(u"AboAuto"_s,
-                                             u"t.id_AboAuto, t.Automatico, t.Abonado, t.Mensaje"_s,
-                                             u"quedanAboAuto"_s))
-        pasos.push_back(std::move(p));
+    apartarSinContactoVisible(pasos, u"AboGrup"_s, u"t.rowid AS r, t.Abonado, t.Grupo"_s,
+                              u"quedanAboGrup"_s);
+    apartarSinContactoVisible(pasos, u"AboAuto"_s,
+                              u"t.id_AboAuto, t.Automatico, t.Abonado, t.Mensaje"_s,
+                              u"quedanAboAuto"_s);
     pasos.push_back(vaciar(bd(), u"AboGrup"_s));
     pasos.push_back(vaciar(bd(), u"AboAuto"_s));
     pasos.push_back(sentencia(

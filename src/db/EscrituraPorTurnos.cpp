@@ -33,8 +33,8 @@ struct Estado {
     unsigned long long apertura = 0;
     std::vector<Paso> pasos;
     size_t siguiente = 0;
-    // In one transaction that holds the connection; else each statement
-    // on its own (work on the connection's temporary tables).
+    // In one transaction that holds the connection (escribir); else each
+    // statement or step's own transaction stands alone (porTurnos).
     bool transaccion = true;
     bool primero = true;
     // Every step done: the commit comes in the next turn.
@@ -133,9 +133,7 @@ void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool tran
     e->transaccion = transaccion;
     turno(e);
 }
-}  // namespace
 
-namespace {
 // The write lock, taken without the window waiting for another program
 // that holds it: a try every 50 ms for as long as a statement would wait.
 void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,

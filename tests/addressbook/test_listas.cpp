@@ -350,7 +350,7 @@ class TestListas : public QObject {
         (dentro ? m.cmdQuitar : m.Command1)->click();
         m.cmdAdd->click();
         // Forty thousand new members take more than the click's turn.
-        QVERIFY(m.ocupada() || !dentro);
+        QVERIFY((m.ocupada() && !m.cmdTodos->isEnabled() && !m.lstLista->isEnabled()) || !dentro);
         m.reject();  // closing waits for the store
         QVERIFY(m.isVisible() || !dentro);
         QTRY_VERIFY(!m.isVisible());
