@@ -3,6 +3,9 @@
 // repaint would have waited.
 #pragma once
 
+#include "widgets/ModeloPaginado.h"
+
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
@@ -53,4 +56,12 @@ inline qint64 estancamientoDe(const std::function<void()>& trabajo) {
     });
     bucle.exec();
     return sonda.terminar();
+}
+
+// Lets a list read over turns what its lines show, as the window would
+// while the user waits for them.
+inline void esperarLineas(const QAbstractItemModel* modelo) {
+    QCoreApplication::processEvents();
+    const auto* m = qobject_cast<const ModeloPaginado*>(modelo);
+    while (m && m->leyendo()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }

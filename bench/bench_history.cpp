@@ -2,6 +2,7 @@
 // the screen, header clicks, deleting the older half, and the emergency
 // screen over 2,000 multi-sends. Beside each figure, the bare SQL that it
 // needs, from the same run.
+#include "SondaBucle.h"
 #include "TestSupportGui.h"
 #include "db/Conexion.h"
 #include "history/frmEmergencias.h"
@@ -160,7 +161,7 @@ int main(int argc, char** argv) {
         const Medida sql = sqlDesnudo(c.sql);
         r.reiniciar();
         Q_EMIT pantalla->ListView1->header()->sectionClicked(c.columna);
-        QCoreApplication::processEvents();
+        esperarLineas(pantalla->ListView1->model());
         cifra(c.que, medir(r), sql, c.sqlQue);
     }
 
@@ -170,7 +171,7 @@ int main(int argc, char** argv) {
     auto desplazar = [&](int fila) {
         r.reiniciar();
         lista->scrollTo(lista->model()->index(fila, 0), QAbstractItemView::PositionAtTop);
-        QCoreApplication::processEvents();
+        esperarLineas(lista->model());
         return medir(r);
     };
     Q_EMIT lista->header()->sectionClicked(3);

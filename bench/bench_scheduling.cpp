@@ -131,7 +131,7 @@ constexpr const char* kColumnas[] = {"Nombre", "No Men. (a count)", "Programado 
 Medida clic(frmMenAuto* lista, int columna) {
     return medir(1, [&] {
         lista->ListView1->ordenarPorColumna(columna);
-        QCoreApplication::processEvents();
+        esperarLineas(lista->ListView1->model());
     });
 }
 

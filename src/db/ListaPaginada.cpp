@@ -4,7 +4,10 @@
 
 #include <sqlite3.h>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QHash>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +26,20 @@ constexpr size_t kPaginasGuardadas = 4;
 constexpr int kSaltoCorto = 4;
 // A row that moved far is looked for in lists up to this size.
 constexpr int kFilasBuscadas = 20000;
+// Lists up to this size are sorted in one statement, a few milliseconds;
+// longer ones over stretches of row numbers, so a paint can wait for them
+// over turns.
+constexpr int kFilasDirectas = 20000;
+// What a read gives a turn, the paint that asked for it more (most sorts
+// end in it, in one statement), and what a stretch aims at.
+constexpr qint64 kPrimerTurnoMs = 15;
+constexpr qint64 kTurnoMs = 12;
+constexpr qint64 kTramoMs = 6;
+// Candidates kept from the stretches before they are cut back to those
+// that can still make the page.
+constexpr size_t kCandidatasMax = 8;
+// What filaDe answers, not waiting, while the page it looks in is read.
+constexpr int kPorLeer = -2;
 
 QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
@@ -48,6 +65,16 @@ void recorrer(const QString& sql, int64_t numero, PorFila porFila) {
     if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
 }
 
+// Row numbers as one JSON array, a single parameter however many.
+QString listaJson(const int64_t* claves, size_t n) {
+    QString lista = u"["_s;
+    for (size_t k = 0; k < n; ++k) {
+        if (k) lista += u',';
+        lista += QString::number(claves[k]);
+    }
+    return lista + u']';
+}
+
 }  // namespace
 
 ListaPaginada::ListaPaginada(Definicion definicion) : m_def(std::move(definicion)) {}
@@ -58,6 +85,10 @@ void ListaPaginada::vaciarPaginas() {
     m_orden.clear();
     m_orden.shrink_to_fit();
     m_grupos.clear();
+    // A read under way was for the order or the rows before.
+    m_leyendo = -1;
+    m_enEspera.clear();
+    m_tramos.clear();
 }
 
 void ListaPaginada::limpiar() {
@@ -277,10 +308,10 @@ std::vector<int64_t> ListaPaginada::leerClavesGrupo(size_t g, const Ancla* ancla
     // Either costs at most about the root of a page times the rows.
     const int umbral = int(std::sqrt(double(kFilasPagina) * std::max(m_filas, 1)));
     const bool recorrerOrden = restoPorIndice();
-    if (recorrerOrden && grupo.filas < 0) {
+    if (grupo.filas < 0) {
         QVariantList params;
         const QString donde = condicionGrupo(porClave, grupo.claves, true, params);
-        params << umbral + 1;
+        params << std::max(umbral, kFilasDirectas) + 1;
         grupo.filas = int(
             Conexion()
                 .query(u"SELECT count(*) FROM (SELECT 1 "_s + desdeDonde(donde) + u" LIMIT ?)"_s,
@@ -288,15 +319,16 @@ std::vector<int64_t> ListaPaginada::leerClavesGrupo(size_t g, const Ancla* ancla
                 .value(0, 0)
                 .toLongLong());
     }
+    // A large group no index orders is sorted over stretches of the table.
+    const bool ordena = !recorrerOrden && grupo.filas > kFilasDirectas;
     const QVector<Termino> resto = terminos().mid(1);
     QVariantList params;
-    QString donde =
-        condicionGrupo(porClave, grupo.claves, !(recorrerOrden && grupo.filas > umbral), params) +
-        u" AND +"_s + m_def.clave + u" <= ?"_s;
+    QString donde = condicionGrupo(porClave, grupo.claves,
+                                   !(recorrerOrden && grupo.filas > umbral) && !ordena, params) +
+                    u" AND +"_s + m_def.clave + u" <= ?"_s;
     params << qlonglong(m_tope);
     if (ancla) donde += u" AND "_s + despuesDe(params, resto, ancla->orden.mid(1), ancla->clave);
-    params << limite;
-    return leerClaves(donde, ordenSql(resto) + u" LIMIT ?"_s, params);
+    return leerClavesOrdenadas(donde, resto, params, limite, 0, ordena);
 }
 
 std::vector<int64_t> ListaPaginada::leerClavesPorGrupos(const Ancla* ancla, int saltar,
@@ -335,15 +367,9 @@ void ListaPaginada::leerOrdenPorGrupos() const {
 
 std::vector<ListaPaginada::Fila> ListaPaginada::leerPorClave(const int64_t* claves,
                                                              size_t n) const {
-    // One statement for the page: the numbers go in as one JSON array.
-    QString lista = u"["_s;
-    for (size_t k = 0; k < n; ++k) {
-        if (k) lista += u',';
-        lista += QString::number(claves[k]);
-    }
-    lista += u']';
-    std::vector<Fila> leidas =
-        leerFilas(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s, QString(), {lista});
+    // One statement for the page.
+    std::vector<Fila> leidas = leerFilas(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s,
+                                         QString(), {listaJson(claves, n)});
     std::unordered_map<int64_t, size_t> donde;
     donde.reserve(leidas.size());
     for (size_t i = 0; i < leidas.size(); ++i) donde.emplace(leidas[i].clave, i);
@@ -368,6 +394,105 @@ std::vector<int64_t> ListaPaginada::leerClaves(const QString& donde, const QStri
     return claves;
 }
 
+namespace {
+// Runs `leer` with the engine stopped at `plazo`: nullopt when it was.
+template <class F>
+auto antesDe(QDeadlineTimer plazo, F leer) -> std::optional<decltype(leer())> {
+    sqlite3* h = Conexion().handle();
+    struct Estado {
+        QDeadlineTimer plazo;
+        bool parada = false;
+    } e{plazo};
+    const auto mirar = [](void* p) {
+        auto* e = static_cast<Estado*>(p);
+        e->parada = e->plazo.hasExpired();
+        return e->parada ? 1 : 0;
+    };
+    sqlite3_progress_handler(h, 1000, mirar, &e);
+    try {
+        auto r = leer();
+        sqlite3_progress_handler(h, 0, nullptr, nullptr);
+        return r;
+    } catch (const ErrorBD&) {
+        sqlite3_progress_handler(h, 0, nullptr, nullptr);
+        if (e.parada) return std::nullopt;
+        throw;
+    }
+}
+}  // namespace
+
+std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
+                                                        const QVector<Termino>& t,
+                                                        QVariantList params, int limite, int saltar,
+                                                        bool ordena) const {
+    const QString orden = ordenSql(t);
+    const auto deUnaVez = [&] {
+        return leerClaves(donde, orden + u" LIMIT ? OFFSET ?"_s,
+                          params + QVariantList{limite, saltar});
+    };
+    if (!ordena || m_filas <= kFilasDirectas) return deUnaVez();
+    QString llave = donde + orden + u'|' + QString::number(limite) + u'|' + QString::number(saltar);
+    for (const QVariant& p : std::as_const(params)) llave += u'|' + p.toString();
+    Tramos& tr = m_tramos[llave];
+    if (!tr.empezado) {
+        // A reader that waits, or a sort that ends soon (few rows equal on
+        // an index), is done in one statement.
+        if (m_plazo.isForever()) return deUnaVez();
+        if (std::optional<std::vector<int64_t>> r = antesDe(m_plazo, deUnaVez)) return *r;
+        tr.empezado = true;
+        tr.desde = Conexion()
+                       .query(u"SELECT min("_s + m_def.clave + u") "_s + m_def.desde)
+                       .value(0, 0)
+                       .toLongLong();
+    }
+    // The first rows of the whole are among the first of each stretch:
+    // each stretch sorts only its own rows, and the turn can end between
+    // two of them. The last row that can still make the page bounds the
+    // next stretches, so that they sort only the rows before it.
+    const size_t quiero = size_t(limite) + size_t(saltar);
+    const auto entreCandidatas = [&](int lim, int salto) {
+        return leerClaves(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s,
+                          orden + u" LIMIT ? OFFSET ?"_s,
+                          {listaJson(tr.candidatas.data(), tr.candidatas.size()), lim, salto});
+    };
+    const QString enTramo =
+        (donde.isEmpty() ? QString() : donde + u" AND "_s) + m_def.clave + u" BETWEEN ? AND ?"_s;
+    QString valores = u"SELECT "_s + m_def.clave;
+    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+    valores += u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s;
+    while (tr.desde <= m_tope) {
+        const int64_t hasta = std::min<int64_t>(m_tope, tr.desde + tr.largo - 1);
+        QElapsedTimer reloj;
+        reloj.start();
+        QVariantList p = params + QVariantList{qlonglong(tr.desde), qlonglong(hasta)};
+        QString sql = enTramo;
+        if (!tr.corte.isEmpty()) {
+            // Rows the bound can't place (a null) are kept: the last sort
+            // places them.
+            sql += u" AND ("_s + tr.corte + u") IS NOT TRUE"_s;
+            p += tr.parametrosCorte;
+        }
+        const std::vector<int64_t> k =
+            leerClaves(sql, orden + u" LIMIT ?"_s, p + QVariantList{qlonglong(quiero)});
+        tr.candidatas.insert(tr.candidatas.end(), k.begin(), k.end());
+        if (tr.candidatas.size() >= quiero &&
+            (tr.corte.isEmpty() || tr.candidatas.size() >= 2 * quiero)) {
+            tr.candidatas = entreCandidatas(int(quiero), 0);
+            const QVector<QString> v =
+                Conexion().queryTexts(valores, {qlonglong(tr.candidatas.back())});
+            tr.parametrosCorte.clear();
+            if (!v.isEmpty())
+                tr.corte = despuesDe(tr.parametrosCorte, t, v.mid(1), tr.candidatas.back());
+        }
+        // The next stretch as long as fits the aim, growing by four at most.
+        const qint64 ms = std::max<qint64>(1, reloj.elapsed());
+        tr.largo = std::clamp<int64_t>(tr.largo * kTramoMs / ms, 256, tr.largo * 4);
+        tr.desde = hasta + 1;
+        if (tr.desde <= m_tope && m_plazo.hasExpired()) throw Pendiente{};
+    }
+    return entreCandidatas(limite, saltar);
+}
+
 std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& grupo) const {
     const QString hastaTope = m_def.clave + u" <= ?"_s;
     if (porIndice()) {
@@ -380,7 +505,9 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
         if (terminos().size() <= 2) return leerFilas(u"+"_s + hastaTope, resto, params);
         // Rows equal on the index are sorted by the other terms, a block
         // of them at a time: that sort carries their numbers alone.
-        const std::vector<int64_t> claves = leerClaves(u"+"_s + hastaTope, resto, params);
+        const std::vector<int64_t> claves = numero <= kSaltoCorto && m_filas > kFilasDirectas
+                                                ? leerHastaBloque(numero)
+                                                : leerClaves(u"+"_s + hastaTope, resto, params);
         return leerPorClave(claves.data(), claves.size());
     }
     // A text order finds the numbers of one page, then reads the rows by
@@ -401,8 +528,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
             QString donde = hastaTope;
             if (ancla)
                 donde += u" AND "_s + despuesDe(params, terminos(), ancla->orden, ancla->clave);
-            params << kFilasPagina << saltar;
-            claves = leerClaves(donde, ordenSql() + u" LIMIT ? OFFSET ?"_s, params);
+            claves = leerClavesOrdenadas(donde, terminos(), params, kFilasPagina, saltar, true);
         }
         return leerPorClave(claves.data(), claves.size());
     }
@@ -417,32 +543,147 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
     return leerPorClave(m_orden.data() + desde, hasta - desde);
 }
 
+std::vector<int64_t> ListaPaginada::leerHastaBloque(int numero) const {
+    // The rows up to this page's last are those the index puts before the
+    // value it ends in, a few, and the first of that value's block, which
+    // may be the whole list: that block alone is sorted, over stretches.
+    const QVector<Termino> t = terminos();
+    const Termino& indice = t.first();
+    const int quiero = (numero + 1) * kFilasPagina;
+    const QString hastaTope = u"+"_s + m_def.clave + u" <= ?"_s;
+    const ResultadoConsulta r =
+        Conexion().query(u"SELECT "_s + indice.sql + u' ' + desdeDonde(hastaTope) +
+                             ordenSql({indice}) + u" LIMIT 1 OFFSET ?"_s,
+                         {qlonglong(m_tope), quiero - 1});
+    const QVariant valor = r.isEmpty() ? QVariant() : r.value(0, 0);
+    if (valor.isNull())
+        return leerClavesOrdenadas(hastaTope, t, {qlonglong(m_tope)}, kFilasPagina,
+                                   numero * kFilasPagina, true);
+    std::vector<int64_t> claves = leerClaves(
+        hastaTope + u" AND "_s + indice.sql + (indice.descendente ? u" > ?"_s : u" < ?"_s),
+        ordenSql(t), {qlonglong(m_tope), valor});
+    const std::vector<int64_t> bloque =
+        leerClavesOrdenadas(hastaTope + u" AND "_s + indice.sql + u" = ?"_s, t.mid(1),
+                            {qlonglong(m_tope), valor}, quiero - int(claves.size()), 0, true);
+    claves.insert(claves.end(), bloque.begin(), bloque.end());
+    claves.erase(claves.begin(),
+                 claves.begin() + std::min(claves.size(), size_t(numero) * kFilasPagina));
+    return claves;
+}
+
+const ListaPaginada::Pagina* ListaPaginada::pagina(int numero) const {
+    for (const Pagina& p : m_paginas)
+        if (p.numero == numero) return &p;
+    return nullptr;
+}
+
+bool ListaPaginada::leerPaginaAntesDe(int numero, QDeadlineTimer plazo) const {
+    m_plazo = plazo;
+    Pagina p{numero, {}};
+    size_t grupo = 0;
+    try {
+        p.filas = leerPagina(numero, grupo);
+    } catch (const Pendiente&) {
+        return false;
+    } catch (const ErrorBD&) {
+        // The rows show empty, and the page is kept so that painting
+        // doesn't ask the engine again. No log line: it would give the
+        // event loop a turn in the middle of painting.
+    }
+    m_tramos.clear();
+    if (!porIndice() && !p.filas.empty()) {
+        const Fila& ultima = p.filas.back();
+        m_anclas[numero] = {ultima.orden, ultima.clave, grupo};
+    }
+    if (m_paginas.size() >= kPaginasGuardadas) m_paginas.pop_back();
+    m_paginas.insert(m_paginas.begin(), std::move(p));
+    return true;
+}
+
+void ListaPaginada::seguirLeyendo() const {
+    if (m_turnoProgramado) return;
+    m_turnoProgramado = true;
+    // A timer, not a zero delay: a chain of posted events would keep the
+    // program's own timers (and the window's) waiting.
+    QTimer::singleShot(1, QCoreApplication::instance(), [this, vida = std::weak_ptr<char>(m_vida)] {
+        if (vida.expired()) return;
+        m_turnoProgramado = false;
+        m_turnoGastado = false;
+        if (m_leyendo < 0) return;
+        const int numero = m_leyendo;
+        // Read meanwhile by a reader that waited for it.
+        if (!pagina(numero) && !leerPaginaAntesDe(numero, QDeadlineTimer(kTurnoMs))) {
+            seguirLeyendo();
+            return;
+        }
+        m_leyendo = -1;
+        while (!m_enEspera.empty() && m_leyendo < 0) {
+            if (!pagina(m_enEspera.front())) m_leyendo = m_enEspera.front();
+            m_enEspera.erase(m_enEspera.begin());
+        }
+        if (m_leyendo >= 0) seguirLeyendo();
+        const int primera = numero * kFilasPagina;
+        if (m_alLlegar) m_alLlegar(primera, std::min(m_filas, primera + kFilasPagina) - 1);
+    });
+}
+
 const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
     if (n >= m_filas && n < filas()) return filaCola(n - m_filas);
     if (n < 0 || n >= m_filas) return nullptr;
     const int numero = n / kFilasPagina;
-    auto it = std::find_if(m_paginas.begin(), m_paginas.end(),
-                           [numero](const Pagina& p) { return p.numero == numero; });
-    if (it == m_paginas.end()) {
-        Pagina p{numero, {}};
-        size_t grupo = 0;
-        try {
-            p.filas = leerPagina(numero, grupo);
-        } catch (const ErrorBD&) {
-            // The rows show empty, and the page is kept so that painting
-            // doesn't ask the engine again. No log line: it would give the
-            // event loop a turn in the middle of painting.
+    const Pagina* p = pagina(numero);
+    if (!p && m_sinEsperar && m_filas > kFilasDirectas) {
+        // A paint reads for a few milliseconds at most: the pages it asks
+        // for once that is spent, or while one is read over turns, wait
+        // their turn.
+        if (m_leyendo >= 0 || m_turnoGastado) {
+            if (m_leyendo < 0)
+                m_leyendo = numero;
+            else if (m_leyendo != numero &&
+                     std::find(m_enEspera.begin(), m_enEspera.end(), numero) == m_enEspera.end())
+                m_enEspera.push_back(numero);
+            seguirLeyendo();
+            return nullptr;
         }
-        if (!porIndice() && !p.filas.empty()) {
-            const Fila& ultima = p.filas.back();
-            m_anclas[numero] = {ultima.orden, ultima.clave, grupo};
+        QElapsedTimer reloj;
+        reloj.start();
+        const bool leida = leerPaginaAntesDe(numero, QDeadlineTimer(kPrimerTurnoMs));
+        if (!leida) m_leyendo = numero;
+        if (!leida || reloj.elapsed() >= kTramoMs) {
+            m_turnoGastado = true;
+            seguirLeyendo();
         }
-        if (m_paginas.size() >= kPaginasGuardadas) m_paginas.pop_back();
-        m_paginas.insert(m_paginas.begin(), std::move(p));
-        it = m_paginas.begin();
+        if (!leida) return nullptr;
+    } else if (!p) {
+        leerPaginaAntesDe(numero, QDeadlineTimer(QDeadlineTimer::Forever));
     }
+    p = pagina(numero);
     const size_t k = size_t(n - numero * kFilasPagina);
-    return k < it->filas.size() ? &it->filas[k] : nullptr;
+    return p && k < p->filas.size() ? &p->filas[k] : nullptr;
+}
+
+namespace {
+// Reads through `lista` without waiting while it lives.
+class SinEsperar {
+  public:
+    explicit SinEsperar(bool& bandera) : m_bandera(bandera), m_antes(bandera) { bandera = true; }
+    ~SinEsperar() { m_bandera = m_antes; }
+    SinEsperar(const SinEsperar&) = delete;
+    SinEsperar& operator=(const SinEsperar&) = delete;
+
+  private:
+    bool& m_bandera;
+    bool m_antes;
+};
+}  // namespace
+
+std::optional<QString> ListaPaginada::textoMostrado(int n, int columna) const {
+    SinEsperar sinEsperar(m_sinEsperar);
+    const Fila* f = fila(n);
+    if (!f && n >= 0 && n < m_filas && leyendo() && !pagina(n / kFilasPagina)) return std::nullopt;
+    if (!f || columna < 0 || columna >= f->celdas.size()) return QString();
+    const QString& celda = f->celdas.at(columna);
+    return m_def.mostrar ? m_def.mostrar(columna, celda) : celda;
 }
 
 QString ListaPaginada::texto(int n, int columna) const {
@@ -473,6 +714,7 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
         if (n < 0 || n >= m_filas || !m_orden.empty()) continue;
         const int numero = n / kFilasPagina;
         fila(n);
+        if (!pagina(numero)) return kPorLeer;
         for (const Pagina& p : m_paginas)
             if (p.numero == numero)
                 for (size_t k = 0; k < p.filas.size(); ++k)
@@ -503,4 +745,11 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
             desdeDonde(m_def.clave + u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues),
         params);
     return int(r.value(0, 0).toLongLong());
+}
+
+std::optional<int> ListaPaginada::filaDeSinEsperar(int64_t clave, int cerca) const {
+    SinEsperar sinEsperar(m_sinEsperar);
+    const int n = filaDe(clave, cerca);
+    if (n == kPorLeer) return std::nullopt;
+    return n;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -7,6 +8,8 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <vector>
 
 // The rows of a query as a list screen shows them, read only when shown.
@@ -18,6 +21,13 @@
 //
 // The rows are those of the moment of `cargar`: what is written later
 // shows at the next `cargar`, which keeps the order chosen.
+//
+// A page whose order sorts a long list (a text column of a million rows)
+// is read a stretch of row numbers at a time, each stretch keeping its
+// first rows. What a paint asks for (`textoMostrado`) is read so over
+// turns of the event loop: its lines show empty until `alLlegar` says
+// they came. Every other read waits for its page, as a click's action
+// needs the row it names.
 class ListaPaginada {
   public:
     struct Columna {
@@ -75,6 +85,8 @@ class ListaPaginada {
     };
 
     explicit ListaPaginada(Definicion definicion);
+    ListaPaginada(const ListaPaginada&) = delete;
+    ListaPaginada& operator=(const ListaPaginada&) = delete;
 
     // Counts the rows (unless `filas`, and `filasCola` of `cola`, are
     // known) and starts over in the order chosen; throws ErrorBD.
@@ -90,6 +102,14 @@ class ListaPaginada {
     // The text of a cell as the list shows it; empty when the row can't be
     // read.
     QString texto(int fila, int columna) const;
+    // The cell without waiting: nullopt while its page is read over turns.
+    std::optional<QString> textoMostrado(int fila, int columna) const;
+    // A page is being read over turns.
+    bool leyendo() const { return m_leyendo >= 0; }
+    // Told the lines of each page read over turns, once it has come.
+    void alLlegar(std::function<void(int primera, int ultima)> aviso) {
+        m_alLlegar = std::move(aviso);
+    }
     // The row's number, 0 when it can't be read.
     int64_t clave(int fila) const;
     // Where the row numbered `clave` stands now; -1 when it isn't there,
@@ -97,6 +117,9 @@ class ListaPaginada {
     // where it stood, is looked at first: rows that came or went move a
     // line by a few places at most.
     int filaDe(int64_t clave, int cerca = -1) const;
+    // The same without waiting: nullopt while the page where it stood is
+    // read over turns.
+    std::optional<int> filaDeSinEsperar(int64_t clave, int cerca) const;
 
     // The order of the rows (before `cola`) turned round, as the terms of
     // an ORDER BY over `desde`.
@@ -138,7 +161,34 @@ class ListaPaginada {
         int filas = -1;
     };
 
+    // Ends a turn's share of a read over turns.
+    struct Pendiente {};
+    // A sort over stretches of row numbers, kept between the turns.
+    struct Tramos {
+        bool empezado = false;
+        int64_t desde = 0;
+        int64_t largo = 4096;
+        std::vector<int64_t> candidatas;
+        // What the rows after the last candidate meet, once there are
+        // enough, and its parameters.
+        QString corte;
+        QVariantList parametrosCorte;
+    };
+
     const Fila* fila(int n) const;
+    const Pagina* pagina(int numero) const;
+    // The numbers of page `numero` of an index's order whose equal rows
+    // are sorted by the other terms.
+    std::vector<int64_t> leerHastaBloque(int numero) const;
+    // Reads page `numero` into memory by `plazo`; false when it goes on
+    // in a later turn.
+    bool leerPaginaAntesDe(int numero, QDeadlineTimer plazo) const;
+    void seguirLeyendo() const;
+    // `limite` numbers after `saltar` in `orden` of the rows that meet
+    // `donde`: sorted at once, or (`ordena` in a long list) over stretches.
+    std::vector<int64_t> leerClavesOrdenadas(const QString& donde, const QVector<Termino>& t,
+                                             QVariantList params, int limite, int saltar,
+                                             bool ordena) const;
     const Fila* filaCola(int k) const;
     // `grupo`: where the page ended, when read by keys.
     std::vector<Fila> leerPagina(int numero, size_t& grupo) const;
@@ -189,4 +239,17 @@ class ListaPaginada {
     // The page of `cola` read last, and how many rows it has.
     mutable Pagina m_cola;
     int m_filasCola = 0;
+    // The page read over turns (-1: none), those asked for meanwhile, the
+    // stretches sorted so far, and by when this turn's share ends.
+    mutable int m_leyendo = -1;
+    mutable std::vector<int> m_enEspera;
+    mutable std::map<QString, Tramos> m_tramos;
+    mutable QDeadlineTimer m_plazo{QDeadlineTimer::Forever};
+    // A turn is due, and this one's share of reading is spent.
+    mutable bool m_turnoProgramado = false;
+    mutable bool m_turnoGastado = false;
+    // Gone with this list: the turns queued for it find it gone.
+    std::shared_ptr<char> m_vida = std::make_shared<char>();
+    mutable bool m_sinEsperar = false;
+    std::function<void(int, int)> m_alLlegar;
 };

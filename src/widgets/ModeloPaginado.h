@@ -12,6 +12,10 @@
 // Selected lines stay selected when the list is sorted or read anew: each
 // follows its row to wherever it stands then, and leaves the selection
 // when its row is gone (or, in a list too long to walk, moved far).
+//
+// A sort of a long list by a column no index orders is read over turns of
+// the event loop: the lines show empty for a moment, then fill in, and the
+// selected ones go to their rows once the rows are there.
 class ModeloPaginado : public ModeloListado {
     Q_OBJECT
   public:
@@ -19,6 +23,7 @@ class ModeloPaginado : public ModeloListado {
                    QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QString texto(int fila, int columna) const override;
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
@@ -37,11 +42,19 @@ class ModeloPaginado : public ModeloListado {
     int filasCola() const { return rowCount() - filasOrdenadas(); }
     // The order of the lines before those just moved here, turned round.
     QString ordenInverso() const { return m_lista.ordenInverso(); }
+    // Lines shown are still being read.
+    bool leyendo() const { return m_lista.leyendo(); }
 
   private:
     // Runs `cambio` and moves the selected lines after their rows.
     template <class F>
     void recolocar(F cambio);
+    // Moves the lines of `viejos` to where their rows (`claves`, by line)
+    // stand now; those whose rows are still being read wait in place.
+    QModelIndexList colocar(const QModelIndexList& viejos, const QHash<int, int64_t>& claves);
+    void llegaron(int primera, int ultima);
 
     ListaPaginada m_lista;
+    // Selected lines waiting in place for their rows (by line).
+    QHash<int, int64_t> m_porColocar;
 };

@@ -12,6 +12,7 @@
 #include "db/Conexion.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloListado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QComboBox>
@@ -494,6 +495,67 @@ class TestEnvio : public Prueba {
             if (lejos) QCOMPARE(l->modelo()->texto(filas - 1, 0), antes.texto(filas - 1, 0));
             for (int col = 0; col < 5; ++col)
                 QCOMPARE(prueba::textosDe(l, col), prueba::textosDe(&antes, col));
+        }
+    }
+
+    // A long outbox is sorted over turns of the event loop: what the lines
+    // show once read, and the chosen line on its row, are those of the list
+    // sorted in memory. Texts repeat (equal lines keep the order before),
+    // a hundred lines come before dates that tie by the ten thousand, and
+    // each account holds half the rows.
+    void aLongListIsSortedOverTurns_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::newRow("Mensaje") << QList<int>{4};
+        QTest::newRow("Mensaje, then Fecha") << QList<int>{4, 1};
+        QTest::newRow("Mensaje, then Cuenta") << QList<int>{4, 3};
+    }
+    void aLongListIsSortedOverTurns() {
+        QFETCH(QList<int>, clics);
+        constexpr int kFilas = 100000;
+        constexpr int kVistas = 600;
+        sql(u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?), "
+            u"t(k, texto) AS (VALUES (0,'Ñandú'),(1,'nube'),(2,'árbol'),(3,'Zapato'),(4,'nube'),"
+            u"(5,'Oca'),(6,'ábaco'),(7,'NUBE')) "
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+            u"SELECT CASE WHEN i % 1000 THEN '2026-03-1' || (i % 3) ELSE '2026-03-09' END || "
+            u"' 05:06:07', 1 + (i / 7) % 2, '0034600' || i, "
+            u"texto || ' ' || (i % 50), 2 FROM n JOIN t ON k = i % 8 ORDER BY i"_s,
+            {kFilas - 1});
+        frmEnvio f;
+        f.show();
+        auto* l = hijo<Listado>(f, u"ListView1"_s);
+        auto* m = qobject_cast<ModeloPaginado*>(l->modelo());
+        QVERIFY(m);
+        ModeloListado antes(
+            {u"Id"_s, u"Fecha"_s, u"Destinatario"_s, u"Cuenta (Remitente)"_s, u"Mensaje"_s});
+        QVector<QString> celdas;
+        for (int r = 0; r < kFilas; ++r) celdas += m->fila(r);
+        antes.asignar(celdas);
+        // The lines a paint asks for, as it asks.
+        const auto mostradas = [&](const QAbstractItemModel* x) {
+            QStringList t;
+            for (int r = 0; r < kVistas; ++r)
+                for (int c = 0; c < 5; ++c) t.append(x->index(r, c).data().toString());
+            return t;
+        };
+        bool descendente = false;
+        for (int c : clics) {
+            QStringList arriba;
+            for (int r = 0; r < 250; ++r) arriba.append(m->texto(r, 0));
+            descendente = !descendente;
+            antes.sort(c, descendente ? Qt::DescendingOrder : Qt::AscendingOrder);
+            // A line read in both orders, chosen before the click.
+            int linea = 0;
+            while (linea < 250 && !arriba.contains(antes.texto(linea, 0))) ++linea;
+            QVERIFY(linea < 250);
+            l->seleccionarFila(int(arriba.indexOf(antes.texto(linea, 0))));
+            l->ordenarPorColumna(c);
+            // Three pages of a hundred thousand texts take more than a
+            // paint's share: the rest come over turns.
+            if (c == 4) QVERIFY(mostradas(m).last().isEmpty() && m->leyendo());
+            QTRY_COMPARE_WITH_TIMEOUT(mostradas(m), mostradas(&antes), 20000);
+            QTRY_VERIFY(!m->leyendo());
+            QCOMPARE(l->filaActual(), linea);
         }
     }
 
