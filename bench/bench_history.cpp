@@ -63,24 +63,28 @@ class Reloj {
   public:
     Reloj() { reiniciar(); }
     void reiniciar() {
+        m_sonda.empezar();
         m_pared.start();
         m_cpu = std::clock();
     }
     qint64 pared() const { return m_pared.elapsed(); }
     qint64 cpu() const { return qint64(std::clock() - m_cpu) * 1000 / CLOCKS_PER_SEC; }
+    // The window's largest stall since `reiniciar`.
+    qint64 estanca() const { return m_sonda.terminar(); }
 
   private:
     QElapsedTimer m_pared;
     std::clock_t m_cpu;
+    mutable Sonda m_sonda;
 };
 
 struct Medida {
-    qint64 pared = 0, cpu = 0;
+    qint64 pared = 0, cpu = 0, estanca = -1;
     Medida operator+(const Medida& o) const { return {pared + o.pared, cpu + o.cpu}; }
 };
 
 Medida medir(const Reloj& r) {
-    return {r.pared(), r.cpu()};
+    return {r.pared(), r.cpu(), r.estanca()};
 }
 
 // Steps through every row of a statement without keeping anything.
@@ -96,9 +100,10 @@ Medida sqlDesnudo(const char* sql) {
 }
 
 void cifra(const char* que, Medida m, Medida sql, const char* sqlQue) {
-    std::printf("%-40s %6lld ms (cpu %6lld) | bare SQL %-34s %6lld ms (cpu %6lld)\n", que,
-                static_cast<long long>(m.pared), static_cast<long long>(m.cpu), sqlQue,
-                static_cast<long long>(sql.pared), static_cast<long long>(sql.cpu));
+    std::printf("%-40s %6lld ms (cpu %6lld, stall %5lld) | bare SQL %-34s %6lld ms (cpu %6lld)\n",
+                que, static_cast<long long>(m.pared), static_cast<long long>(m.cpu),
+                static_cast<long long>(m.estanca), sqlQue, static_cast<long long>(sql.pared),
+                static_cast<long long>(sql.cpu));
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
+#include <random>
 #include <unordered_map>
 
 using namespace Qt::StringLiterals;
@@ -40,6 +42,14 @@ constexpr qint64 kTramoMs = 6;
 constexpr size_t kCandidatasMax = 8;
 // What filaDe answers, not waiting, while the page it looks in is read.
 constexpr int kPorLeer = -2;
+// Rows sampled to find where a page far into a text order falls: the rows
+// kept around it number about three times the list over the sample's root.
+constexpr int64_t kMuestras = 2000;
+// Where a page read from a jump's run ended, in a sort by groups of keys.
+constexpr size_t kSinAncla = std::numeric_limits<size_t>::max();
+// Rows kept around a far page that are sorted at once; more are narrowed
+// down by sampling them again.
+constexpr int64_t kVentanaMax = 4000;
 
 QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
@@ -89,6 +99,8 @@ void ListaPaginada::vaciarPaginas() {
     m_leyendo = -1;
     m_enEspera.clear();
     m_tramos.clear();
+    m_salto = {};
+    m_ventana = {};
 }
 
 void ListaPaginada::limpiar() {
@@ -510,6 +522,10 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
                                                 : leerClaves(u"+"_s + hastaTope, resto, params);
         return leerPorClave(claves.data(), claves.size());
     }
+    if (m_orden.empty() && enVentana(numero)) {
+        grupo = kSinAncla;
+        return leerDeVentana(numero);
+    }
     // A text order finds the numbers of one page, then reads the rows by
     // number: from the start, or going on after the nearest page read
     // before this one, skipping a few pages.
@@ -532,6 +548,11 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
         }
         return leerPorClave(claves.data(), claves.size());
     }
+    if (m_orden.empty() && !m_plazo.isForever() && m_filas > kFilasDirectas &&
+        leerVentana(numero)) {
+        grupo = kSinAncla;
+        return leerDeVentana(numero);
+    }
     if (m_orden.empty()) {
         if (porGrupos())
             leerOrdenPorGrupos();
@@ -541,6 +562,152 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
     const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
     const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
     return leerPorClave(m_orden.data() + desde, hasta - desde);
+}
+
+bool ListaPaginada::enVentana(int numero) const {
+    const int64_t desde = int64_t(numero) * kFilasPagina;
+    const int64_t fin = m_ventana.inicio + int64_t(m_ventana.claves.size());
+    return m_ventana.inicio >= 0 && m_ventana.inicio <= desde &&
+           (desde + kFilasPagina <= fin || (fin >= m_filas && desde < fin));
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerDeVentana(int numero) const {
+    const size_t desde = size_t(int64_t(numero) * kFilasPagina - m_ventana.inicio);
+    const size_t n = std::min(m_ventana.claves.size() - desde, size_t(kFilasPagina));
+    return leerPorClave(m_ventana.claves.data() + desde, n);
+}
+
+namespace {
+// The numbers of a JSON array of them.
+std::vector<int64_t> numerosJson(const QString& json) {
+    std::vector<int64_t> r;
+    for (const QStringView n : QStringView(json).mid(1, json.size() - 2).split(u',')) {
+        bool bien = false;
+        const qlonglong v = n.trimmed().toLongLong(&bien);
+        if (bien) r.push_back(v);
+    }
+    return r;
+}
+}  // namespace
+
+bool ListaPaginada::leerVentana(int numero) const {
+    // A jump far into a text order reads the rows about where the page
+    // falls, not the whole order: a sample of the rows, sorted, gives two
+    // rows that the page lies between, most surely; one pass over
+    // stretches counts the rows before the first and keeps those between.
+    // The same again among those kept, until they are few enough to sort.
+    Salto& s = m_salto;
+    if (s.numero != numero) {
+        s = {};
+        s.numero = numero;
+    }
+    const QVector<Termino> t = terminos();
+    const QString hastaTope = m_def.clave + u" <= ?"_s;
+    const QString enLista = m_def.clave + u" IN (SELECT value FROM json_each(?))"_s;
+    const int64_t primera = int64_t(numero) * kFilasPagina;
+    for (;;) {
+        // Rows of this round's source: the list, or those kept before.
+        const int64_t filas = s.enTabla ? m_filas : int64_t(s.fuente.size());
+        const int64_t objetivo = primera - s.antes;
+        if (!s.listo) {
+            // Drawn at random: rows at even steps would follow whatever
+            // repeats in the order the rows were written.
+            std::mt19937_64 azar(uint64_t(numero) * 7919 + uint64_t(s.fuente.size()));
+            std::vector<int64_t> puntos;
+            if (s.enTabla) {
+                s.desde = Conexion()
+                              .query(u"SELECT min("_s + m_def.clave + u") "_s + m_def.desde)
+                              .value(0, 0)
+                              .toLongLong();
+                std::uniform_int_distribution<int64_t> fila(s.desde, std::max(s.desde, m_tope));
+                for (int i = 0; i < kMuestras; ++i) puntos.push_back(fila(azar));
+            } else {
+                s.desde = 0;
+                std::uniform_int_distribution<size_t> fila(0, s.fuente.size() - 1);
+                for (int i = 0; i < kMuestras; ++i) puntos.push_back(s.fuente[fila(azar)]);
+            }
+            const std::vector<int64_t> muestra =
+                leerClaves(enLista + u" AND "_s + hastaTope, ordenSql(t),
+                           {listaJson(puntos.data(), puntos.size()), qlonglong(m_tope)});
+            if (muestra.size() < 2) return false;
+            // Where the page falls in the sample, give or take three
+            // times its spread.
+            const double m = double(muestra.size());
+            const double p = double(objetivo) * m / double(std::max<int64_t>(filas, 1));
+            const double margen = 3 * std::sqrt(std::max(1.0, p * (1 - p / m))) + 1;
+            const auto a = qint64(std::floor(p - margen));
+            const auto b = qint64(
+                std::ceil(p + kFilasPagina * m / double(std::max<int64_t>(filas, 1)) + margen));
+            QString valores = u"SELECT "_s + m_def.clave;
+            for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+            valores += u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s;
+            const auto despuesDeMuestra = [&](qint64 i, QVariantList& params) {
+                const int64_t clave = muestra.at(size_t(i));
+                const QVector<QString> v = Conexion().queryTexts(valores, {qlonglong(clave)});
+                return v.isEmpty() ? QString() : despuesDe(params, t, v.mid(1), clave);
+            };
+            s.corte.clear();
+            s.techo.clear();
+            s.parametrosCorte.clear();
+            s.parametrosTecho.clear();
+            // The page beyond the sample: the list changed under the count.
+            if (a >= qint64(muestra.size())) return false;
+            if (a >= 0) s.corte = despuesDeMuestra(a, s.parametrosCorte);
+            if (b < qint64(muestra.size())) s.techo = despuesDeMuestra(b, s.parametrosTecho);
+            s.listo = true;
+        }
+        // Rows after the first sampled row go on; those up to it are
+        // counted.
+        const QString sigue = s.corte.isEmpty() ? u"1"_s : u"coalesce(("_s + s.corte + u"), 0)"_s;
+        const QString sql =
+            u"SELECT count(*) FILTER (WHERE NOT d), json_group_array(k) FILTER (WHERE d) FROM "
+            u"(SELECT "_s +
+            m_def.clave + u" AS k, "_s + sigue + u" AS d "_s +
+            desdeDonde(
+                hastaTope + u" AND "_s +
+                (s.enTabla ? m_def.clave + u" BETWEEN ? AND ?"_s : enLista) +
+                (s.techo.isEmpty() ? QString() : u" AND ("_s + s.techo + u") IS NOT TRUE"_s)) +
+            u')';
+        const int64_t fin = s.enTabla ? m_tope + 1 : int64_t(s.fuente.size());
+        while (s.desde < fin) {
+            const int64_t hasta = std::min<int64_t>(fin, s.desde + s.largo);
+            QElapsedTimer reloj;
+            reloj.start();
+            QVariantList params = s.parametrosCorte;
+            params << qlonglong(m_tope);
+            if (s.enTabla)
+                params << qlonglong(s.desde) << qlonglong(hasta - 1);
+            else
+                params << listaJson(s.fuente.data() + s.desde, size_t(hasta - s.desde));
+            const ResultadoConsulta r = Conexion().query(sql, params + s.parametrosTecho);
+            s.antesRonda += r.value(0, 0).toLongLong();
+            const std::vector<int64_t> k = numerosJson(r.value(0, 1).toString());
+            s.ventana.insert(s.ventana.end(), k.begin(), k.end());
+            const qint64 ms = std::max<qint64>(1, reloj.elapsed());
+            s.largo = std::clamp<int64_t>(s.largo * kTramoMs / ms, 256, s.largo * 4);
+            s.desde = hasta;
+            if (s.desde < fin && m_plazo.hasExpired()) throw Pendiente{};
+        }
+        // The sample misled (rarely): the whole order is read instead.
+        const int64_t hastaVentana = s.antesRonda + int64_t(s.ventana.size());
+        if (s.antesRonda > objetivo ||
+            (!s.techo.isEmpty() && hastaVentana < std::min(objetivo + kFilasPagina, filas)))
+            return false;
+        s.antes += s.antesRonda;
+        s.antesRonda = 0;
+        const bool acotada = !s.corte.isEmpty() || !s.techo.isEmpty();
+        if (s.ventana.size() <= size_t(kVentanaMax) || !acotada) break;
+        s.fuente = std::move(s.ventana);
+        s.ventana = {};
+        s.enTabla = false;
+        s.listo = false;
+        s.largo = 4096;
+    }
+    m_ventana.inicio = s.antes;
+    m_ventana.claves =
+        leerClaves(enLista, ordenSql(t), {listaJson(s.ventana.data(), s.ventana.size())});
+    s = {};
+    return enVentana(numero);
 }
 
 std::vector<int64_t> ListaPaginada::leerHastaBloque(int numero) const {
@@ -585,13 +752,15 @@ bool ListaPaginada::leerPaginaAntesDe(int numero, QDeadlineTimer plazo) const {
         p.filas = leerPagina(numero, grupo);
     } catch (const Pendiente&) {
         return false;
-    } catch (const ErrorBD&) {
-        // The rows show empty, and the page is kept so that painting
-        // doesn't ask the engine again. No log line: it would give the
-        // event loop a turn in the middle of painting.
+    } catch (const std::exception&) {
+        // The rows show empty (an ErrorBD, or worse), and the page is kept
+        // so that painting doesn't ask the engine again. No log line: it
+        // would give the event loop a turn in the middle of painting.
     }
     m_tramos.clear();
-    if (!porIndice() && !p.filas.empty()) {
+    // A page of a jump's run doesn't know the group of keys it ended in:
+    // the next page is looked for in the run, or by a jump of its own.
+    if (!porIndice() && !p.filas.empty() && !(grupo == kSinAncla && porGrupos())) {
         const Fila& ultima = p.filas.back();
         m_anclas[numero] = {ultima.orden, ultima.clave, grupo};
     }

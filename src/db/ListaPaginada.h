@@ -175,8 +175,36 @@ class ListaPaginada {
         QVariantList parametrosCorte;
     };
 
+    // A jump far into a text order, over turns: the rows between two
+    // sampled ones, the count of those before.
+    struct Salto {
+        int numero = -1;
+        // This round's two rows are chosen; it walks the table, or the
+        // rows the round before kept (`fuente`).
+        bool listo = false;
+        bool enTabla = true;
+        QString corte, techo;
+        QVariantList parametrosCorte, parametrosTecho;
+        int64_t desde = 0;
+        int64_t largo = 4096;
+        // Rows of the order before those kept: of the rounds done, of this.
+        int64_t antes = 0;
+        int64_t antesRonda = 0;
+        std::vector<int64_t> fuente, ventana;
+    };
+    // A run of the order read for a jump, from line `inicio`.
+    struct Ventana {
+        int64_t inicio = -1;
+        std::vector<int64_t> claves;
+    };
+
     const Fila* fila(int n) const;
     const Pagina* pagina(int numero) const;
+    // Reads the run of the order page `numero` falls in; false when it
+    // can't be found so (the whole order is read instead).
+    bool leerVentana(int numero) const;
+    bool enVentana(int numero) const;
+    std::vector<Fila> leerDeVentana(int numero) const;
     // The numbers of page `numero` of an index's order whose equal rows
     // are sorted by the other terms.
     std::vector<int64_t> leerHastaBloque(int numero) const;
@@ -244,6 +272,8 @@ class ListaPaginada {
     mutable int m_leyendo = -1;
     mutable std::vector<int> m_enEspera;
     mutable std::map<QString, Tramos> m_tramos;
+    mutable Salto m_salto;
+    mutable Ventana m_ventana;
     mutable QDeadlineTimer m_plazo{QDeadlineTimer::Forever};
     // A turn is due, and this one's share of reading is spent.
     mutable bool m_turnoProgramado = false;
