@@ -85,6 +85,17 @@ QString listaJson(const int64_t* claves, size_t n) {
     return lista + u']';
 }
 
+// The rows whose numbers a JSON array parameter gives.
+QString enLista(const QString& clave) {
+    return clave + u" IN (SELECT value FROM json_each(?))"_s;
+}
+
+// The next stretch as long as takes about `kTramoMs`, growing by four at
+// most; the last took `ms`.
+int64_t siguienteLargo(int64_t largo, qint64 ms) {
+    return std::clamp<int64_t>(largo * kTramoMs / std::max<qint64>(1, ms), 256, largo * 4);
+}
+
 }  // namespace
 
 ListaPaginada::ListaPaginada(Definicion definicion) : m_def(std::move(definicion)) {}
@@ -380,8 +391,7 @@ void ListaPaginada::leerOrdenPorGrupos() const {
 std::vector<ListaPaginada::Fila> ListaPaginada::leerPorClave(const int64_t* claves,
                                                              size_t n) const {
     // One statement for the page.
-    std::vector<Fila> leidas = leerFilas(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s,
-                                         QString(), {listaJson(claves, n)});
+    std::vector<Fila> leidas = leerFilas(enLista(m_def.clave), QString(), {listaJson(claves, n)});
     std::unordered_map<int64_t, size_t> donde;
     donde.reserve(leidas.size());
     for (size_t i = 0; i < leidas.size(); ++i) donde.emplace(leidas[i].clave, i);
@@ -433,6 +443,22 @@ auto antesDe(QDeadlineTimer plazo, F leer) -> std::optional<decltype(leer())> {
 }
 }  // namespace
 
+QString ListaPaginada::despuesDeFila(QVariantList& params, const QVector<Termino>& t,
+                                     int64_t clave) const {
+    QString valores = u"SELECT "_s + m_def.clave;
+    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+    const QVector<QString> v = Conexion().queryTexts(
+        valores + u' ' + desdeDonde(m_def.clave + u" = ?"_s), {qlonglong(clave)});
+    return v.isEmpty() ? QString() : despuesDe(params, t, v.mid(1), clave);
+}
+
+int64_t ListaPaginada::menorClave() const {
+    return Conexion()
+        .query(u"SELECT min("_s + m_def.clave + u") "_s + m_def.desde)
+        .value(0, 0)
+        .toLongLong();
+}
+
 std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
                                                         const QVector<Termino>& t,
                                                         QVariantList params, int limite, int saltar,
@@ -452,10 +478,7 @@ std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
         if (m_plazo.isForever()) return deUnaVez();
         if (std::optional<std::vector<int64_t>> r = antesDe(m_plazo, deUnaVez)) return *r;
         tr.empezado = true;
-        tr.desde = Conexion()
-                       .query(u"SELECT min("_s + m_def.clave + u") "_s + m_def.desde)
-                       .value(0, 0)
-                       .toLongLong();
+        tr.desde = menorClave();
     }
     // The first rows of the whole are among the first of each stretch:
     // each stretch sorts only its own rows, and the turn can end between
@@ -463,15 +486,11 @@ std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
     // next stretches, so that they sort only the rows before it.
     const size_t quiero = size_t(limite) + size_t(saltar);
     const auto entreCandidatas = [&](int lim, int salto) {
-        return leerClaves(m_def.clave + u" IN (SELECT value FROM json_each(?))"_s,
-                          orden + u" LIMIT ? OFFSET ?"_s,
+        return leerClaves(enLista(m_def.clave), orden + u" LIMIT ? OFFSET ?"_s,
                           {listaJson(tr.candidatas.data(), tr.candidatas.size()), lim, salto});
     };
     const QString enTramo =
         (donde.isEmpty() ? QString() : donde + u" AND "_s) + m_def.clave + u" BETWEEN ? AND ?"_s;
-    QString valores = u"SELECT "_s + m_def.clave;
-    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
-    valores += u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s;
     while (tr.desde <= m_tope) {
         const int64_t hasta = std::min<int64_t>(m_tope, tr.desde + tr.largo - 1);
         QElapsedTimer reloj;
@@ -490,15 +509,10 @@ std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
         if (tr.candidatas.size() >= quiero &&
             (tr.corte.isEmpty() || tr.candidatas.size() >= 2 * quiero)) {
             tr.candidatas = entreCandidatas(int(quiero), 0);
-            const QVector<QString> v =
-                Conexion().queryTexts(valores, {qlonglong(tr.candidatas.back())});
             tr.parametrosCorte.clear();
-            if (!v.isEmpty())
-                tr.corte = despuesDe(tr.parametrosCorte, t, v.mid(1), tr.candidatas.back());
+            tr.corte = despuesDeFila(tr.parametrosCorte, t, tr.candidatas.back());
         }
-        // The next stretch as long as fits the aim, growing by four at most.
-        const qint64 ms = std::max<qint64>(1, reloj.elapsed());
-        tr.largo = std::clamp<int64_t>(tr.largo * kTramoMs / ms, 256, tr.largo * 4);
+        tr.largo = siguienteLargo(tr.largo, reloj.elapsed());
         tr.desde = hasta + 1;
         if (tr.desde <= m_tope && m_plazo.hasExpired()) throw Pendiente{};
     }
@@ -603,7 +617,7 @@ bool ListaPaginada::leerVentana(int numero) const {
     }
     const QVector<Termino> t = terminos();
     const QString hastaTope = m_def.clave + u" <= ?"_s;
-    const QString enLista = m_def.clave + u" IN (SELECT value FROM json_each(?))"_s;
+    const QString enVentanaSql = enLista(m_def.clave);
     const int64_t primera = int64_t(numero) * kFilasPagina;
     for (;;) {
         // Rows of this round's source: the list, or those kept before.
@@ -615,10 +629,7 @@ bool ListaPaginada::leerVentana(int numero) const {
             std::mt19937_64 azar(uint64_t(numero) * 7919 + uint64_t(s.fuente.size()));
             std::vector<int64_t> puntos;
             if (s.enTabla) {
-                s.desde = Conexion()
-                              .query(u"SELECT min("_s + m_def.clave + u") "_s + m_def.desde)
-                              .value(0, 0)
-                              .toLongLong();
+                s.desde = menorClave();
                 std::uniform_int_distribution<int64_t> fila(s.desde, std::max(s.desde, m_tope));
                 for (int i = 0; i < kMuestras; ++i) puntos.push_back(fila(azar));
             } else {
@@ -627,7 +638,7 @@ bool ListaPaginada::leerVentana(int numero) const {
                 for (int i = 0; i < kMuestras; ++i) puntos.push_back(s.fuente[fila(azar)]);
             }
             const std::vector<int64_t> muestra =
-                leerClaves(enLista + u" AND "_s + hastaTope, ordenSql(t),
+                leerClaves(enVentanaSql + u" AND "_s + hastaTope, ordenSql(t),
                            {listaJson(puntos.data(), puntos.size()), qlonglong(m_tope)});
             if (muestra.size() < 2) return false;
             // Where the page falls in the sample, give or take three
@@ -638,22 +649,15 @@ bool ListaPaginada::leerVentana(int numero) const {
             const auto a = qint64(std::floor(p - margen));
             const auto b = qint64(
                 std::ceil(p + kFilasPagina * m / double(std::max<int64_t>(filas, 1)) + margen));
-            QString valores = u"SELECT "_s + m_def.clave;
-            for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
-            valores += u' ' + m_def.desde + u" WHERE "_s + m_def.clave + u" = ?"_s;
-            const auto despuesDeMuestra = [&](qint64 i, QVariantList& params) {
-                const int64_t clave = muestra.at(size_t(i));
-                const QVector<QString> v = Conexion().queryTexts(valores, {qlonglong(clave)});
-                return v.isEmpty() ? QString() : despuesDe(params, t, v.mid(1), clave);
-            };
             s.corte.clear();
             s.techo.clear();
             s.parametrosCorte.clear();
             s.parametrosTecho.clear();
             // The page beyond the sample: the list changed under the count.
             if (a >= qint64(muestra.size())) return false;
-            if (a >= 0) s.corte = despuesDeMuestra(a, s.parametrosCorte);
-            if (b < qint64(muestra.size())) s.techo = despuesDeMuestra(b, s.parametrosTecho);
+            if (a >= 0) s.corte = despuesDeFila(s.parametrosCorte, t, muestra.at(size_t(a)));
+            if (b < qint64(muestra.size()))
+                s.techo = despuesDeFila(s.parametrosTecho, t, muestra.at(size_t(b)));
             s.listo = true;
         }
         // Rows after the first sampled row go on; those up to it are
@@ -665,7 +669,7 @@ bool ListaPaginada::leerVentana(int numero) const {
             m_def.clave + u" AS k, "_s + sigue + u" AS d "_s +
             desdeDonde(
                 hastaTope + u" AND "_s +
-                (s.enTabla ? m_def.clave + u" BETWEEN ? AND ?"_s : enLista) +
+                (s.enTabla ? m_def.clave + u" BETWEEN ? AND ?"_s : enVentanaSql) +
                 (s.techo.isEmpty() ? QString() : u" AND ("_s + s.techo + u") IS NOT TRUE"_s)) +
             u')';
         const int64_t fin = s.enTabla ? m_tope + 1 : int64_t(s.fuente.size());
@@ -683,8 +687,7 @@ bool ListaPaginada::leerVentana(int numero) const {
             s.antesRonda += r.value(0, 0).toLongLong();
             const std::vector<int64_t> k = numerosJson(r.value(0, 1).toString());
             s.ventana.insert(s.ventana.end(), k.begin(), k.end());
-            const qint64 ms = std::max<qint64>(1, reloj.elapsed());
-            s.largo = std::clamp<int64_t>(s.largo * kTramoMs / ms, 256, s.largo * 4);
+            s.largo = siguienteLargo(s.largo, reloj.elapsed());
             s.desde = hasta;
             if (s.desde < fin && m_plazo.hasExpired()) throw Pendiente{};
         }
@@ -705,7 +708,7 @@ bool ListaPaginada::leerVentana(int numero) const {
     }
     m_ventana.inicio = s.antes;
     m_ventana.claves =
-        leerClaves(enLista, ordenSql(t), {listaJson(s.ventana.data(), s.ventana.size())});
+        leerClaves(enVentanaSql, ordenSql(t), {listaJson(s.ventana.data(), s.ventana.size())});
     s = {};
     return enVentana(numero);
 }
@@ -900,15 +903,10 @@ int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     // Farther away, finding it walks the table: beyond a size the row is
     // let go rather than hold the window.
     if (m_filas > kFilasBuscadas) return -1;
-    const QVector<Termino> t = terminos();
-    QString valores = u"SELECT "_s + m_def.clave;
-    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
-    const QVector<QString> orden = Conexion().queryTexts(
-        valores + u' ' + desdeDonde(m_def.clave + u" = ?"_s), {qlonglong(clave)});
-    if (orden.isEmpty()) return -1;
     // The rows before it are those neither it nor after it.
     QVariantList params{qlonglong(m_tope), qlonglong(clave)};
-    const QString despues = despuesDe(params, t, orden.mid(1), clave);
+    const QString despues = despuesDeFila(params, terminos(), clave);
+    if (despues.isEmpty()) return -1;
     const ResultadoConsulta r = Conexion().query(
         u"SELECT count(*) "_s +
             desdeDonde(m_def.clave + u" <= ? AND "_s + m_def.clave + u" <> ? AND NOT "_s + despues),

@@ -241,6 +241,11 @@ class ListaPaginada {
     QVector<Termino> terminos() const;
     static QString ordenSql(const QVector<Termino>& t);
     QString ordenSql() const { return ordenSql(terminos()); }
+    // The rows that come after the row numbered `clave` in the order `t`;
+    // empty when that row is gone.
+    QString despuesDeFila(QVariantList& params, const QVector<Termino>& t, int64_t clave) const;
+    // The lowest row number of `desde`: where stretches start.
+    int64_t menorClave() const;
     // The rows that come after the row with these values in the order `t`.
     static QString despuesDe(QVariantList& params, const QVector<Termino>& t,
                              const QVector<QString>& orden, int64_t clave);
