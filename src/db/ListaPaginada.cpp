@@ -430,13 +430,15 @@ auto antesDe(QDeadlineTimer plazo, F leer) -> std::optional<decltype(leer())> {
         e->parada = e->plazo.hasExpired();
         return e->parada ? 1 : 0;
     };
+    // Whatever way `leer` ends, the handler goes with it.
+    struct Vigia {
+        sqlite3* h;
+        ~Vigia() { sqlite3_progress_handler(h, 0, nullptr, nullptr); }
+    } vigia{h};
     sqlite3_progress_handler(h, 1000, mirar, &e);
     try {
-        auto r = leer();
-        sqlite3_progress_handler(h, 0, nullptr, nullptr);
-        return r;
+        return leer();
     } catch (const ErrorBD&) {
-        sqlite3_progress_handler(h, 0, nullptr, nullptr);
         if (e.parada) return std::nullopt;
         throw;
     }
