@@ -814,8 +814,12 @@ const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
             if (m_leyendo < 0)
                 m_leyendo = numero;
             else if (m_leyendo != numero &&
-                     std::find(m_enEspera.begin(), m_enEspera.end(), numero) == m_enEspera.end())
+                     std::find(m_enEspera.begin(), m_enEspera.end(), numero) == m_enEspera.end()) {
                 m_enEspera.push_back(numero);
+                // A view shows two pages at most: those asked for before
+                // were scrolled past, and are read if shown again.
+                if (m_enEspera.size() > 2) m_enEspera.erase(m_enEspera.begin());
+            }
             seguirLeyendo();
             return nullptr;
         }
