@@ -564,10 +564,15 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
         }
         return leerPorClave(claves.data(), claves.size());
     }
-    if (m_orden.empty() && !m_plazo.isForever() && m_filas > kFilasDirectas &&
-        leerVentana(numero)) {
-        grupo = kSinAncla;
-        return leerDeVentana(numero);
+    if (m_orden.empty() && !m_plazo.isForever() && m_filas > kFilasDirectas) {
+        Ambito todo;
+        todo.t = terminos();
+        todo.filas = m_filas;
+        const Ambito ambito = porGrupos() ? ambitoDeGrupo(numero).value_or(todo) : todo;
+        if (leerVentana(numero, ambito)) {
+            grupo = kSinAncla;
+            return leerDeVentana(numero);
+        }
     }
     if (m_orden.empty()) {
         if (porGrupos())
@@ -606,7 +611,52 @@ std::vector<int64_t> numerosJson(const QString& json) {
 }
 }  // namespace
 
-bool ListaPaginada::leerVentana(int numero) const {
+std::optional<ListaPaginada::Ambito> ListaPaginada::ambitoDeGrupo(int numero) const {
+    // The groups before it are counted on the key's index, one a turn at
+    // least; inside the group the order is that of the other terms.
+    grupos();
+    const int64_t primera = int64_t(numero) * kFilasPagina;
+    int64_t base = 0;
+    for (size_t g = 0; g < m_grupos.size(); ++g) {
+        Grupo& grupo = m_grupos[g];
+        if (grupo.todas < 0) {
+            if (m_plazo.hasExpired()) throw Pendiente{};
+            QVariantList params;
+            const QString donde = condicionGrupo(m_def.porClave.clave, grupo.claves, true, params) +
+                                  u" AND +"_s + m_def.clave + u" <= ?"_s;
+            grupo.todas = Conexion()
+                              .query(u"SELECT count(*) "_s + desdeDonde(donde),
+                                     params + QVariantList{qlonglong(m_tope)})
+                              .value(0, 0)
+                              .toLongLong();
+        }
+        if (primera < base + grupo.todas) {
+            Ambito a;
+            a.donde = condicionGrupo(m_def.porClave.clave, grupo.claves, false, a.params);
+            a.t = terminos().mid(1);
+            a.filas = grupo.todas;
+            a.base = base;
+            // A page across two groups ends with the next one's first rows.
+            if (primera + kFilasPagina > base + grupo.todas && g + 1 < m_grupos.size()) {
+                a.siguiente = condicionGrupo(m_def.porClave.clave, m_grupos[g + 1].claves, false,
+                                             a.parametrosSiguiente);
+                a.cola = int(primera + kFilasPagina - base - grupo.todas);
+            }
+            return a;
+        }
+        base += grupo.todas;
+    }
+    return std::nullopt;
+}
+
+std::vector<int64_t> ListaPaginada::leerCola(const Ambito& ambito) const {
+    if (ambito.cola <= 0) return {};
+    return leerClavesOrdenadas(ambito.siguiente + u" AND +"_s + m_def.clave + u" <= ?"_s, ambito.t,
+                               ambito.parametrosSiguiente + QVariantList{qlonglong(m_tope)},
+                               ambito.cola, 0, true);
+}
+
+bool ListaPaginada::leerVentana(int numero, const Ambito& ambito) const {
     // A jump far into a text order reads the rows about where the page
     // falls, not the whole order: a sample of the rows, sorted, gives two
     // rows that the page lies between, most surely; one pass over
@@ -617,13 +667,18 @@ bool ListaPaginada::leerVentana(int numero) const {
         s = {};
         s.numero = numero;
     }
-    const QVector<Termino> t = terminos();
-    const QString hastaTope = m_def.clave + u" <= ?"_s;
+    // The next group's first rows come first: what their stretches found
+    // is kept between turns, and the rounds below must not start again.
+    const std::vector<int64_t> cola = leerCola(ambito);
+    const QVector<Termino>& t = ambito.t;
+    const QString hastaTope =
+        m_def.clave + u" <= ?"_s + (ambito.donde.isEmpty() ? QString() : u" AND "_s + ambito.donde);
+    const QVariantList tope = QVariantList{qlonglong(m_tope)} + ambito.params;
     const QString enVentanaSql = enLista(m_def.clave);
-    const int64_t primera = int64_t(numero) * kFilasPagina;
+    const int64_t primera = int64_t(numero) * kFilasPagina - ambito.base;
     for (;;) {
         // Rows of this round's source: the list, or those kept before.
-        const int64_t filas = s.enTabla ? m_filas : int64_t(s.fuente.size());
+        const int64_t filas = s.enTabla ? ambito.filas : int64_t(s.fuente.size());
         const int64_t objetivo = primera - s.antes;
         if (!s.listo) {
             // Drawn at random: rows at even steps would follow whatever
@@ -633,7 +688,11 @@ bool ListaPaginada::leerVentana(int numero) const {
             if (s.enTabla) {
                 s.desde = menorClave();
                 std::uniform_int_distribution<int64_t> fila(s.desde, std::max(s.desde, m_tope));
-                for (int i = 0; i < kMuestras; ++i) puntos.push_back(fila(azar));
+                // As many more as the rows looked among are fewer than the
+                // list's (one group of keys).
+                const int64_t n = std::min<int64_t>(
+                    kMuestras * 10, kMuestras * std::max(m_filas, 1) / std::max<int64_t>(filas, 1));
+                for (int64_t i = 0; i < n; ++i) puntos.push_back(fila(azar));
             } else {
                 s.desde = 0;
                 std::uniform_int_distribution<size_t> fila(0, s.fuente.size() - 1);
@@ -641,7 +700,7 @@ bool ListaPaginada::leerVentana(int numero) const {
             }
             const std::vector<int64_t> muestra =
                 leerClaves(enVentanaSql + u" AND "_s + hastaTope, ordenSql(t),
-                           {listaJson(puntos.data(), puntos.size()), qlonglong(m_tope)});
+                           QVariantList{listaJson(puntos.data(), puntos.size())} + tope);
             if (muestra.size() < 2) return false;
             // Where the page falls in the sample, give or take three
             // times its spread.
@@ -679,8 +738,7 @@ bool ListaPaginada::leerVentana(int numero) const {
             const int64_t hasta = std::min<int64_t>(fin, s.desde + s.largo);
             QElapsedTimer reloj;
             reloj.start();
-            QVariantList params = s.parametrosCorte;
-            params << qlonglong(m_tope);
+            QVariantList params = s.parametrosCorte + tope;
             if (s.enTabla)
                 params << qlonglong(s.desde) << qlonglong(hasta - 1);
             else
@@ -708,9 +766,10 @@ bool ListaPaginada::leerVentana(int numero) const {
         s.listo = false;
         s.largo = 4096;
     }
-    m_ventana.inicio = s.antes;
+    m_ventana.inicio = ambito.base + s.antes;
     m_ventana.claves =
         leerClaves(enVentanaSql, ordenSql(t), {listaJson(s.ventana.data(), s.ventana.size())});
+    m_ventana.claves.insert(m_ventana.claves.end(), cola.begin(), cola.end());
     s = {};
     return enVentana(numero);
 }

@@ -159,6 +159,8 @@ class ListaPaginada {
     struct Grupo {
         QVariantList claves;
         int filas = -1;
+        // Counted whole, for a jump (-1 not yet).
+        int64_t todas = -1;
     };
 
     // Ends a turn's share of a read over turns.
@@ -200,9 +202,28 @@ class ListaPaginada {
 
     const Fila* fila(int n) const;
     const Pagina* pagina(int numero) const;
+    // Where a jump looks: the rows that meet `donde` (binding `params`),
+    // `filas` of them in the order `t`, the first on line `base`.
+    struct Ambito {
+        QString donde;
+        QVariantList params;
+        QVector<Termino> t;
+        int64_t filas = 0;
+        int64_t base = 0;
+        // A page that goes on into the next group takes its first `cola`
+        // rows, those that meet `siguiente`.
+        QString siguiente;
+        QVariantList parametrosSiguiente;
+        int cola = 0;
+    };
     // Reads the run of the order page `numero` falls in; false when it
     // can't be found so (the whole order is read instead).
-    bool leerVentana(int numero) const;
+    bool leerVentana(int numero, const Ambito& ambito) const;
+    // The first rows after the group of `ambito`, when the page goes on
+    // into them.
+    std::vector<int64_t> leerCola(const Ambito& ambito) const;
+    // In a sort by groups of keys, the group the page falls in whole.
+    std::optional<Ambito> ambitoDeGrupo(int numero) const;
     bool enVentana(int numero) const;
     std::vector<Fila> leerDeVentana(int numero) const;
     // The numbers of page `numero` of an index's order whose equal rows
