@@ -200,8 +200,6 @@ class ListaPaginada {
         std::vector<int64_t> claves;
     };
 
-    const Fila* fila(int n) const;
-    const Pagina* pagina(int numero) const;
     // Where a jump looks: the rows that meet `donde` (binding `params`),
     // `filas` of them in the order `t`, the first on line `base`.
     struct Ambito {
@@ -216,13 +214,18 @@ class ListaPaginada {
         QVariantList parametrosSiguiente;
         int cola = 0;
     };
+
+    const Fila* fila(int n) const;
+    const Pagina* pagina(int numero) const;
     // Reads the run of the order page `numero` falls in; false when it
     // can't be found so (the whole order is read instead).
     bool leerVentana(int numero, const Ambito& ambito) const;
     // The first rows after the group of `ambito`, when the page goes on
     // into them.
     std::vector<int64_t> leerCola(const Ambito& ambito) const;
-    // In a sort by groups of keys, the group the page falls in whole.
+    // In a sort by groups of keys, the group the page falls in (and the
+    // next one's first rows, when the page goes on into it); nullopt when
+    // the groups end before it.
     std::optional<Ambito> ambitoDeGrupo(int numero) const;
     bool enVentana(int numero) const;
     std::vector<Fila> leerDeVentana(int numero) const;
