@@ -55,7 +55,10 @@ struct Medida {
 
 void cifra(const QString& que, Medida& m, int limite) {
     const qint64 ms = m.reloj.elapsed();
-    QCoreApplication::processEvents();
+    // What an action leaves for the turns after it (a write's copy of the
+    // log into the file) stalls the window too.
+    for (QDeadlineTimer resto(50); !resto.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, resto.remainingTime());
     const qint64 parada = m.sonda.terminar();
     std::printf("%-58s %6lld ms %6lld ms stall  (target < %d ms)\n", qPrintable(que),
                 static_cast<long long>(ms), static_cast<long long>(parada), limite);

@@ -20,6 +20,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// The file's pages kept in memory, in KiB. Lists read pages of large
+// tables over and over: kept here, they are not read from the file again
+// while nobody else writes.
+constexpr int kMemoriaLectura = -65536;
+// While a write over several turns holds the connection: pages past this
+// go to the log as it runs.
+constexpr int kMemoriaEscritura = -16384;
+
 // Names and aliases compare without regard to case, accented letters too
 // ("Á" equals "á"), as users expect of an address book. Only the program's
 // queries name this collation; the schema names none of ours.
@@ -235,9 +243,7 @@ Hecho BaseDatos::openWith(const QString& path, int flags) {
         // A committed row survives a crash or a power cut.
         query(u"PRAGMA journal_mode=WAL"_s);
         exec(u"PRAGMA synchronous=FULL"_s);
-        // Lists read pages of large tables over and over: kept here, they
-        // are not read from the file again while nobody else writes.
-        exec(u"PRAGMA cache_size=-65536"_s);
+        exec(u"PRAGMA main.cache_size="_s + QString::number(kMemoriaLectura));
         // The screens' own temporary tables (a list's members) as well.
         exec(u"PRAGMA temp.cache_size=-65536"_s);
         // Deleted text is still zeroed where it costs no extra write; a
@@ -294,6 +300,16 @@ void BaseDatos::fail(const QString& sql) {
 void BaseDatos::retener(bool retenida) {
     m_retenida = retenida;
     m_pasoPropio = false;
+    // A long write's pages go to the log as it runs, turn by turn, so that
+    // its commit has little left to write in one call; a hint, which can't
+    // fail in a way that matters.
+    if (m_db)
+        sqlite3_exec(m_db,
+                     (u"PRAGMA main.cache_size="_s +
+                      QString::number(retenida ? kMemoriaEscritura : kMemoriaLectura))
+                         .toUtf8()
+                         .constData(),
+                     nullptr, nullptr, nullptr);
 }
 
 namespace {

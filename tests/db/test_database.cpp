@@ -347,6 +347,11 @@ PRAGMA integrity_check;
         QFETCH(QString, salida);
         QFETCH(int, filas);
         hijoSinPadre();
+        // KiB of pages kept in memory (the engine counts them negative).
+        const auto memoria = [&] {
+            return -db.query(u"PRAGMA main.cache_size"_s).value(0, 0).toInt();
+        };
+        const int lectura = memoria();
         bool soltar = false, terminado = false;
         QString fallo;
         using namespace EscrituraPorTurnos;
@@ -367,6 +372,8 @@ PRAGMA integrity_check;
         });
         QCoreApplication::processEvents();
         QVERIFY(!terminado && db.retenida());
+        // Its pages go to the log as it runs, not all at the commit.
+        QVERIFY(memoria() < lectura);
         const auto rehusada = [&](const std::function<void()>& f) {
             try {
                 f();
@@ -408,6 +415,7 @@ PRAGMA integrity_check;
         QCOMPARE(cuentaAjena(), filas);
         sqlite3_close(otro);
         QVERIFY(!db.retenida() && sqlite3_get_autocommit(db.handle()));
+        QCOMPARE(memoria(), lectura);
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
         QTRY_VERIFY(despues);
         Transaccion siguiente(db);
