@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -19,8 +20,8 @@ namespace {
 // What a turn gives the write before the window gets the loop back; a
 // step begun in time runs to its end.
 constexpr qint64 kTurnoMs = 12;
-// The first turn, run by the caller's click, has more: most writes end in
-// it, before the click returns.
+// The first turn of a write in one transaction, run by the caller's
+// click, has more: most such writes end in it, before the click returns.
 constexpr qint64 kPrimerTurnoMs = 30;
 // What a stretch aims at, well inside a turn.
 constexpr qint64 kRangoMs = 6;
@@ -36,7 +37,8 @@ struct Estado {
     // In one transaction that holds the connection (escribir); else each
     // statement or step's own transaction stands alone (porTurnos).
     bool transaccion = true;
-    bool primero = true;
+    // Turns begun: the first runs in the caller's click.
+    int turnos = 0;
     // Every step done: the commit comes in the next turn.
     bool aplazado = false;
     Final alTerminar;
@@ -73,7 +75,17 @@ void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
         db.retener(false);
         copiarDiario(db, e->apertura);
     }
-    e->alTerminar(fallo);
+    // A write that ended in the caller's click tells it at once. One that
+    // took several turns tells in a turn of its own: what the caller does
+    // then (a list read again and painted) is not added to the last step.
+    if (e->turnos <= 1) {
+        e->alTerminar(fallo);
+        return;
+    }
+    std::optional<ErrorBD> copia;
+    if (fallo) copia = *fallo;
+    QTimer::singleShot(1, QCoreApplication::instance(),
+                       [e, copia = std::move(copia)] { e->alTerminar(copia ? &*copia : nullptr); });
 }
 
 void turno(const std::shared_ptr<Estado>& e) {
@@ -92,8 +104,9 @@ void turno(const std::shared_ptr<Estado>& e) {
         if (!db.isOpen() || db.apertura() != e->apertura)
             throw ErrorBD(kTextoCerrada, ErrNum::BaseDatos);
         db.pasoPropio(e->transaccion);
-        const qint64 turno = e->primero ? kPrimerTurnoMs : kTurnoMs;
-        e->primero = false;
+        // Steps that commit each on their own gain nothing by ending in the
+        // click.
+        const qint64 turno = ++e->turnos == 1 && e->transaccion ? kPrimerTurnoMs : kTurnoMs;
         while (e->siguiente < e->pasos.size() && reloj.elapsed() < turno)
             if (!e->pasos[e->siguiente]()) ++e->siguiente;
         // The commit writes what the steps left in memory: a turn of its

@@ -21,7 +21,9 @@ using Paso = std::function<bool()>;
 using Final = std::function<void(const ErrorBD* fallo)>;
 
 // Runs the steps in order, as many in a turn as fit in a few milliseconds,
-// the first turn at once: a small write is committed before this returns.
+// the first turn at once: a small write is committed before this returns,
+// and `alTerminar` called. A write that takes several turns calls it in a
+// turn of its own after the last.
 // A lock another program holds is waited for between turns, as long as the
 // connection's wait, not on the caller's stack.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
