@@ -15,6 +15,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QPointer>
 #include <QRadioButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -150,7 +151,7 @@ void frmHEnvios::XPButton1_Click() {
         if (!confirmar(
                 u"Está seguro de querer eliminar todos los mensajes enviados del histórico?"_s))
             return;
-        msBorrarTodos();
+        borrar(true, {});
     } else {
         const QString fecha = txtfecha->text();
         const Resultado<QDate> dia = diaParaBorrar(fecha);
@@ -158,7 +159,32 @@ void frmHEnvios::XPButton1_Click() {
         if (!confirmar(u"Se van a elminar todos los mensajes con fecha anterior a "_s + fecha +
                        u"\n\n¿Está seguro de elminar estos mensajes?"_s))
             return;
-        msBorrarAnteriores(*dia);
+        borrar(false, *dia);
     }
-    msCargarHistorico();
+}
+
+void frmHEnvios::borrar(bool todos, const QDate& dia) {
+    ocupar(true);
+    // The screen may be closed meanwhile; the deletion goes on without it.
+    QPointer<frmHEnvios> pantalla(this);
+    auto alTerminar = [pantalla] {
+        if (!pantalla) return;
+        pantalla->ocupar(false);
+        pantalla->msCargarHistorico();
+    };
+    if (todos)
+        msBorrarTodos(alTerminar);
+    else
+        msBorrarAnteriores(dia, alTerminar);
+}
+
+void frmHEnvios::ocupar(bool ocupada) {
+    m_ocupada = ocupada;
+    // The list too: its pages would show the deletion half done.
+    for (QWidget* w : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) w->setEnabled(!ocupada);
+    cmdClose->setEnabled(true);
+    if (ocupada)
+        setCursor(Qt::BusyCursor);
+    else
+        unsetCursor();
 }

@@ -29,6 +29,8 @@ class frmHEnvios : public QWidget {
 
     void XPButton1_Click();
     void XPButton2_Click();
+    // A deletion is under way: the screen takes no input but "Cerrar".
+    bool ocupada() const { return m_ocupada; }
 
     QTreeView* ListView1;
     QGroupBox* Frame1;
@@ -44,8 +46,11 @@ class frmHEnvios : public QWidget {
     void crearEliminacion();
     void pintarCabecera();
     int filaElegida() const;
+    void borrar(bool todos, const QDate& dia);
+    void ocupar(bool ocupada);
 
     ModeloPaginado* m_modelo;
     int m_columna = Historico::Id;
     bool m_descendente = true;
+    bool m_ocupada = false;
 };

@@ -6,6 +6,7 @@
 #include "base/Reloj.h"
 #include "db/Bandeja.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 
 #include <QDate>
 
@@ -112,21 +113,33 @@ Resultado<QDate> diaParaBorrar(const QString& fecha) {
     return dia;
 }
 
-void msBorrarAnteriores(const QDate& dia) {
+namespace {
+// A failure is logged; the list is read again either way.
+EscrituraPorTurnos::Final alBorrar(std::function<void()> alTerminar) {
+    return [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+        if (fallo) msLog(u"No se pudo borrar el histórico: "_s + fallo->description());
+        alTerminar();
+    };
+}
+}  // namespace
+
+void msBorrarAnteriores(const QDate& dia, std::function<void()> alTerminar) {
     // Stored dates are "yyyy-MM-dd HH:mm:ss": every one of the day itself
-    // sorts at or after the bare day, so the day stays; the index serves.
-    try {
-        Conexion().exec(u"DELETE FROM HEnvios WHERE Registro < ?"_s,
-                        {dia.toString(u"yyyy-MM-dd"_s)});
-    } catch (const ErrorBD& e) {
-        msLog(u"No se pudo borrar el histórico: "_s + e.description());
-    }
+    // sorts at or after the bare day, so the day stays. Oldest first, a
+    // stretch of the date's index at a time, each committed on its own:
+    // stopped anywhere, what is gone is what an earlier day would have
+    // taken, and each commit copies little of the log into the file. The
+    // transmitter's moves into the history go on meanwhile.
+    EscrituraPorTurnos::porTurnos(
+        Conexion(),
+        {EscrituraPorTurnos::porTramos(
+            Conexion(), u"DELETE FROM HEnvios WHERE Registro BETWEEN ? AND ?"_s, {},
+            {u"HEnvios"_s, u"Registro"_s, u"Registro < ?"_s, {dia.toString(u"yyyy-MM-dd"_s)}})},
+        alBorrar(std::move(alTerminar)));
 }
 
-void msBorrarTodos() {
-    try {
-        Conexion().exec(u"DELETE FROM HEnvios"_s);
-    } catch (const ErrorBD& e) {
-        msLog(u"No se pudo borrar el histórico: "_s + e.description());
-    }
+void msBorrarTodos(std::function<void()> alTerminar) {
+    // One transaction: the date's index is dropped while the table empties.
+    EscrituraPorTurnos::escribir(Conexion(), {EscrituraPorTurnos::vaciar(Conexion(), u"HEnvios"_s)},
+                                 alBorrar(std::move(alTerminar)));
 }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVariant>
 #include <cstdint>
+#include <functional>
 
 // The sent history (HEnvios) as the history screen lists it, and what the
 // user can do from there: queue a past message again, delete history. The
@@ -36,8 +37,11 @@ Hecho msReenviarMensaje(const QString& numero, const QString& mensaje);
 // ("dd/MM/yyyy"); refused when it is no date.
 Resultado<QDate> diaParaBorrar(const QString& fecha);
 // Deletes what is older than `dia`: messages of that day itself stay. The
-// caller asked first; a database failure is logged, and the list is to be
-// read again either way.
-void msBorrarAnteriores(const QDate& dia);
-// Deletes the whole history; the caller asked first.
-void msBorrarTodos();
+// caller asked first. It goes on over turns of the event loop, oldest
+// first, committed as it goes: stopped by a failure or a kill, it has
+// deleted what an earlier day would have. `alTerminar` comes once it
+// ended, and the list is to be read again either way (a database failure
+// is logged).
+void msBorrarAnteriores(const QDate& dia, std::function<void()> alTerminar);
+// Deletes the whole history, over turns too but whole or not at all.
+void msBorrarTodos(std::function<void()> alTerminar);

@@ -332,6 +332,73 @@ class TestHistorico : public Prueba {
                  int(quedan.size()) + (alcanzado ? 0 : 1));
     }
 
+    // A deletion of many rows goes over turns: meanwhile the screen takes
+    // nothing but "Cerrar", and then it shows what is left. By date it
+    // commits as it goes, oldest first: a move into the history gets in
+    // meanwhile, and stopped halfway it has taken what an earlier day
+    // would have. Everything goes whole.
+    void aLargeDeletionGoesOverTurns_data() {
+        QTest::addColumn<bool>("todos");
+        QTest::addColumn<bool>("cortar");
+        QTest::newRow("older than a day") << false << false;
+        QTest::newRow("older than a day, the file closed halfway") << false << true;
+        QTest::newRow("everything") << true << false;
+    }
+    void aLargeDeletionGoesOverTurns() {
+        QFETCH(bool, todos);
+        QFETCH(bool, cortar);
+        // One a minute from 1 January 2006: 149,760 before 15 April, 10,240
+        // on it and after.
+        constexpr int kViejas = 149760;
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 159999) "
+            u"INSERT INTO HEnvios (Abonado, Registro, Mensaje, Resultado, Canal) "
+            u"SELECT '0034600000001', datetime('2006-01-01', '+' || i || ' minutes'), i, "
+            u"'Mensaje aceptado', 1 FROM n"_s);
+        const QString dia = u"2006-04-15"_s;
+        ui->answers = {Msg::Yes};
+        frmHEnvios pantalla;
+        if (todos)
+            pantalla.Option1_0->setChecked(true);
+        else
+            pantalla.txtfecha->setDate(QDate(2006, 4, 15));
+        pantalla.XPButton1->click();
+        // Emptying the table takes one turn at this size.
+        if (!todos) {
+            QVERIFY(pantalla.ocupada());
+            QVERIFY(!pantalla.XPButton1->isEnabled() && !pantalla.ListView1->isEnabled());
+            QVERIFY(pantalla.cmdClose->isEnabled());
+            enviado(u"2006-04-20 10:00:00"_s, u"0034600000009"_s, u"entre medias"_s);
+        }
+        const QString ruta = bd().path();
+        if (cortar) bd().close();
+        QTRY_VERIFY_WITH_TIMEOUT(!pantalla.ocupada(), 20000);
+        QVERIFY(pantalla.XPButton1->isEnabled() && pantalla.ListView1->isEnabled());
+        if (cortar) {
+            QVERIFY(prueba::enRegistro(u"No se pudo borrar el histórico: "_s));
+            TestDb::openShared(ruta);
+            const QStringList quedan = prueba::filas(
+                u"SELECT count(*), min(CAST(Mensaje AS INTEGER)), max(CAST(Mensaje AS INTEGER)) "
+                u"FROM HEnvios WHERE Registro < ?"_s,
+                {dia});
+            const QStringList n = quedan.value(0).split(u'|');
+            QVERIFY2(n.value(0).toInt() > 0 && n.value(0).toInt() < kViejas,
+                     qPrintable(quedan.value(0)));
+            QCOMPARE(n.value(2).toInt(), kViejas - 1);
+            QCOMPARE(n.value(2).toInt() - n.value(1).toInt() + 1, n.value(0).toInt());
+            return;
+        }
+        const int quedan = todos ? 0 : 160000 - kViejas + 1;
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM HEnvios"_s), quedan);
+        QCOMPARE(pantalla.ListView1->model()->rowCount(), quedan);
+        if (!todos) {
+            QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM HEnvios WHERE Registro < ?"_s, {dia}),
+                     0);
+            QCOMPARE(pantalla.ListView1->model()->index(quedan - 1, 0).data().toString(),
+                     u"15/04/2006 00:00:00"_s);
+        }
+    }
+
     void emptyHistory() {
         ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
