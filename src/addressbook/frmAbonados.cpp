@@ -122,11 +122,13 @@ void frmAbonados::cmdEdit_Click() {
 }
 
 void frmAbonados::permitirCambios(bool si) {
+    if (si) {
+        m_ocupacion.soltar();
+        return;
+    }
     // The list too: read while the contacts go, a page could find their
     // indexes gone for a moment and sort them all.
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, ListView1})
-        w->setEnabled(si);
+    m_ocupacion.ocupar(this, {cmdAdd, cmdEdit, cmdDelete, cmdDeletetodos, ListView1});
 }
 
 void frmAbonados::borrarFilas(const QStringList& codigos, bool todos) {

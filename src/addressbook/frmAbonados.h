@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/BaseDatos.h"
+#include "widgets/Ocupacion.h"
 
 #include <QWidget>
 
@@ -47,4 +48,5 @@ class frmAbonados : public QWidget {
 
     QSize m_tamano;
     ModeloPaginado* m_contactos;
+    Ocupacion m_ocupacion;
 };

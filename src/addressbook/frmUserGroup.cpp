@@ -101,13 +101,11 @@ void frmUserGroup::msCargarUsuariosParaGrupo() {
 }
 
 void frmUserGroup::ocupar(bool ocupada) {
-    m_ocupada = ocupada;
     // The screen's own controls; what they hold follows them.
-    for (QWidget* w : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) w->setEnabled(!ocupada);
     if (ocupada)
-        setCursor(Qt::BusyCursor);
+        m_ocupacion.ocupar(this, findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
     else
-        unsetCursor();
+        m_ocupacion.soltar();
 }
 
 void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
@@ -198,7 +196,7 @@ void frmUserGroup::cmdClose_Click() {
 }
 
 void frmUserGroup::done(int resultado) {
-    if (m_ocupada) return;
+    if (m_ocupacion.activa()) return;
     // However the screen closes, the moves go with it.
     msSoltarMiembrosLista();
     QDialog::done(resultado);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/Ocupacion.h"
+
 #include <QDialog>
 #include <cstdint>
 #include <vector>
@@ -28,7 +30,7 @@ class frmUserGroup : public QDialog {
     void cmdClose_Click();
     void done(int resultado) override;
     // Reading or storing the list: nothing to click, no closing.
-    bool ocupada() const { return m_ocupada; }
+    bool ocupada() const { return m_ocupacion.activa(); }
 
     QString sNombreGrupo;
     int16_t nCodGrupo = -1;
@@ -54,5 +56,5 @@ class frmUserGroup : public QDialog {
 
     ModeloPaginado* m_dentro;
     ModeloPaginado* m_fuera;
-    bool m_ocupada = false;
+    Ocupacion m_ocupacion;
 };

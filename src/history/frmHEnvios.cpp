@@ -9,6 +9,7 @@
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
 #include "widgets/Montaje.h"
+#include "widgets/Ocupacion.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QDateEdit>
@@ -179,12 +180,12 @@ void frmHEnvios::borrar(bool todos, const QDate& dia) {
 }
 
 void frmHEnvios::ocupar(bool ocupada) {
-    m_ocupada = ocupada;
+    if (!ocupada) {
+        m_ocupacion.soltar();
+        return;
+    }
     // The list too: its pages would show the deletion half done.
-    for (QWidget* w : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) w->setEnabled(!ocupada);
-    cmdClose->setEnabled(true);
-    if (ocupada)
-        setCursor(Qt::BusyCursor);
-    else
-        unsetCursor();
+    QList<QWidget*> controles = findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    controles.removeOne(cmdClose);
+    m_ocupacion.ocupar(this, controles);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "history/mdoHistorico.h"
+#include "widgets/Ocupacion.h"
 
 #include <QWidget>
 
@@ -30,7 +31,7 @@ class frmHEnvios : public QWidget {
     void XPButton1_Click();
     void XPButton2_Click();
     // A deletion is under way: the screen takes no input but "Cerrar".
-    bool ocupada() const { return m_ocupada; }
+    bool ocupada() const { return m_ocupacion.activa(); }
 
     QTreeView* ListView1;
     QGroupBox* Frame1;
@@ -52,5 +53,5 @@ class frmHEnvios : public QWidget {
     ModeloPaginado* m_modelo;
     int m_columna = Historico::Id;
     bool m_descendente = true;
-    bool m_ocupada = false;
+    Ocupacion m_ocupacion;
 };

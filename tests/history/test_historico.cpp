@@ -12,6 +12,7 @@
 #include "history/frmHEnvios.h"
 #include "widgets/PantallasHijas.h"
 
+#include <QApplication>
 #include <QDateEdit>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -358,10 +359,13 @@ class TestHistorico : public Prueba {
         const QString dia = u"2006-04-15"_s;
         ui->answers = {Msg::Yes};
         frmHEnvios pantalla;
+        pantalla.show();
+        QVERIFY(QTest::qWaitForWindowActive(&pantalla));
         if (todos)
             pantalla.Option1_0->setChecked(true);
         else
             pantalla.txtfecha->setDate(QDate(2006, 4, 15));
+        pantalla.XPButton1->setFocus();
         pantalla.XPButton1->click();
         // Emptying the table takes one turn at this size.
         if (!todos) {
@@ -374,6 +378,8 @@ class TestHistorico : public Prueba {
         if (cortar) bd().close();
         QTRY_VERIFY_WITH_TIMEOUT(!pantalla.ocupada(), 20000);
         QVERIFY(pantalla.XPButton1->isEnabled() && pantalla.ListView1->isEnabled());
+        // The keys are where they were, not on "Cerrar".
+        QCOMPARE(QApplication::focusWidget(), pantalla.XPButton1);
         if (cortar) {
             QVERIFY(prueba::enRegistro(u"No se pudo borrar el histórico: "_s));
             TestDb::openShared(ruta);
