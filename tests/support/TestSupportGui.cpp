@@ -24,8 +24,14 @@ std::unique_ptr<mdiMain> ventanaPrincipal(std::function<void()> terminar,
 void alAbrirModal(std::function<void(QDialog*)> accion, int intentos) {
     QTimer::singleShot(10, qApp, [accion, intentos] {
         if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-            accion(d);
-            return;
+            // A screen still reading what it shows has its controls off and
+            // the busy pointer up: a user waits for it, and so does this.
+            const bool ocupada =
+                d->testAttribute(Qt::WA_SetCursor) && d->cursor().shape() == Qt::BusyCursor;
+            if (!ocupada || intentos == 0) {
+                accion(d);
+                return;
+            }
         }
         if (intentos > 0) alAbrirModal(accion, intentos - 1);
     });

@@ -57,9 +57,9 @@ T* hijo(const QObject& padre, const QString& nombre) {
 std::unique_ptr<mdiMain> ventanaPrincipal(
     std::function<void()> terminar = [] {}, const std::function<void()>& antesDeMostrar = {});
 
-// Runs `accion` on the next modal dialog once it is up; `accion` must
-// close it.
-void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 200);
+// Runs `accion` on the next modal dialog once it is up and no longer busy
+// (its controls on); `accion` must close it.
+void alAbrirModal(std::function<void(QDialog*)> accion, int intentos = 1000);
 
 // For a look by eye: `w` shown, then its picture saved as `nombre`.png in
 // the folder QUELMO_CAPTURAS names (tests that take pictures skip without
