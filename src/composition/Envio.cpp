@@ -8,6 +8,7 @@
 #include "base/Reloj.h"
 #include "db/Bandeja.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "db/Esquema.h"
 #include "db/Nombres.h"
 
@@ -187,7 +188,22 @@ void borrarDeBandeja(const QString& id) {
     Q_EMIT Avisos::instancia().bandejaCambiada();
 }
 
-void vaciarBandeja() {
-    Conexion().exec(u"Delete from envios"_s);
-    Q_EMIT Avisos::instancia().bandejaCambiada();
+void vaciarBandeja(std::function<void(const ErrorBD* fallo)> alTerminar) {
+    using namespace EscrituraPorTurnos;
+    BaseDatos& db = Conexion();
+    // The count's delete trigger would make the engine delete a row at a
+    // time, a million of them in one statement: without it the table is
+    // emptied whole, every count goes to zero, and the trigger comes back,
+    // all in the one transaction.
+    escribir(db,
+             {sentencia(db, u"DROP TRIGGER IF EXISTS envios_Baja"_s), vaciar(db, u"envios"_s),
+              sentencia(db, u"DELETE FROM EnviosPorCanal"_s),
+              [&db] {
+                  Esquema::crearCuentaBandeja(db);
+                  return false;
+              }},
+             [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+                 if (!fallo) Q_EMIT Avisos::instancia().bandejaCambiada();
+                 alTerminar(fallo);
+             });
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "db/BaseDatos.h"
 #include "db/ListaPaginada.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 // The compose screen's routines that work on the database alone: the
@@ -65,6 +67,8 @@ struct MensajeRetirado {
 // Reads outbox row `id` and deletes it; none when the row is gone. Throws
 // ErrorQuelmo when reading or deleting fails (the row then stays).
 std::optional<MensajeRetirado> retirarDeBandeja(const QString& id);
-// Deletes outbox row `id`, or every row. Throw ErrorQuelmo on failure.
+// Deletes outbox row `id`. Throws ErrorQuelmo on failure.
 void borrarDeBandeja(const QString& id);
-void vaciarBandeja();
+// Deletes every row of the outbox over turns of the event loop, whole or
+// not at all; `alTerminar` is told of the failure, if any.
+void vaciarBandeja(std::function<void(const ErrorBD* fallo)> alTerminar);

@@ -332,6 +332,8 @@ void frmEnvio::msActualizaLista() {
 }
 
 void frmEnvio::msPintarBandeja() {
+    // Half emptied, the outbox may lack the index of the order shown.
+    if (m_ocupacion.activa()) return;
     try {
         // Counting first keeps the 10-second refresh cheap: the list is
         // read anew only when the number of rows changed, and then only
@@ -393,11 +395,16 @@ void frmEnvio::cmdEliminarTodos_Click() {
     if (ui().msgBox(u"¿Realmente desea eliminar todos los mensajes de la Bandeja de Salida?\n"_s,
                     kPregunta) != Msg::Yes)
         return;
-    try {
-        vaciarBandeja();
-    } catch (const ErrorQuelmo& e) {
-        msLog(u"No se pudo vaciar la Bandeja de Salida: "_s + e.description());
-    }
+    // The list is read again at the end: meanwhile its pages, and the
+    // messages it would take or give, wait.
+    m_ocupacion.ocupar(this, {ListView1, cmdAnadir, cmdModificar, cmdEliminar, cmdEliminarTodos});
+    QPointer<frmEnvio> pantalla(this);
+    vaciarBandeja([pantalla](const ErrorBD* fallo) {
+        if (fallo) msLog(u"No se pudo vaciar la Bandeja de Salida: "_s + fallo->description());
+        if (!pantalla) return;
+        pantalla->m_ocupacion.soltar();
+        pantalla->msActualizaLista();
+    });
 }
 
 // ---- sending, balance, recharge -------------------------------------------

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/Ocupacion.h"
+
 #include <QCoro/QCoroTask>
 #include <QWidget>
 #include <cstdint>
@@ -92,4 +94,9 @@ class frmEnvio : public QWidget {
     int miLargoTextos = 0;
     QString msNotaTextos;
     bool m_colocada = false;
+    Ocupacion m_ocupacion;
+
+  public:
+    // "Eliminar Todos" is emptying the outbox over turns.
+    bool ocupada() const { return m_ocupacion.activa(); }
 };

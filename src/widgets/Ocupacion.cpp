@@ -6,8 +6,10 @@ void Ocupacion::ocupar(QWidget* pantalla, const QList<QWidget*>& controles) {
     m_activa = true;
     m_pantalla = pantalla;
     m_foco = pantalla->focusWidget();
+    // Those already off stay off after.
     m_controles.clear();
     for (QWidget* w : controles) {
+        if (w->testAttribute(Qt::WA_ForceDisabled)) continue;
         m_controles.append(w);
         w->setEnabled(false);
     }

@@ -15,6 +15,7 @@
 #include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
+#include <sqlite3.h>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -309,7 +310,7 @@ class TestEnvio : public Prueba {
         } else if (orden == u"borrar"_s) {
             borrarDeBandeja(arg);
         } else if (orden == u"vaciar"_s) {
-            vaciarBandeja();
+            vaciarBandeja([](const ErrorBD* fallo) { QVERIFY(!fallo); });
         } else {
             agregarMensajes(arg, u"hola"_s, false, 1);
         }
@@ -496,6 +497,72 @@ class TestEnvio : public Prueba {
             for (int col = 0; col < 5; ++col)
                 QCOMPARE(prueba::textosDe(l, col), prueba::textosDe(&antes, col));
         }
+    }
+
+    // "Eliminar Todos" empties the outbox in one transaction over turns,
+    // waiting for a lock another program holds without holding the window:
+    // meanwhile the list and the buttons that take or give messages wait.
+    // Emptied, each account's kept count is zero and goes on counting, and
+    // the numbers handed out are never handed out again. Closed before it
+    // ends, the outbox is as it was.
+    void aFullOutboxIsEmptiedWhole_data() {
+        QTest::addColumn<bool>("ajeno");
+        QTest::addColumn<bool>("cortar");
+        QTest::newRow("emptied") << false << false;
+        QTest::newRow("another program holds the file a moment") << true << false;
+        QTest::newRow("the file closed while it waits") << true << true;
+    }
+    void aFullOutboxIsEmptiedWhole() {
+        QFETCH(bool, ajeno);
+        QFETCH(bool, cortar);
+        constexpr int kFilas = 20000;
+        sql(u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO envios (Registro,Canal,Abonado,Mensaje,intento) "
+            u"SELECT '2026-03-1' || (i % 10) || ' 05:06:07', 1 + i % 2, '0034600' || i, 'hola', 2 "
+            u"FROM n"_s,
+            {kFilas - 1});
+        const auto cuentas = [] {
+            return prueba::filas(u"SELECT Canal, Filas FROM EnviosPorCanal WHERE Filas <> 0"_s);
+        };
+        const QStringList antes = cuentas();
+        const QString ruta = prueba::bd().path();
+        sqlite3* otro = nullptr;
+        if (ajeno) {
+            QCOMPARE(sqlite3_open(ruta.toUtf8().constData(), &otro), SQLITE_OK);
+            QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        }
+        InterfazGuionada ui;
+        frmEnvio f;
+        f.show();
+        auto* l = hijo<Listado>(f, u"ListView1"_s);
+        ui.answers = {Msg::Yes};
+        hijo<QPushButton>(f, u"cmdEliminarTodos"_s)->click();
+        if (ajeno) {
+            QVERIFY(f.ocupada());
+            QVERIFY(!l->isEnabled() && !hijo<QPushButton>(f, u"cmdAñadir"_s)->isEnabled());
+            QTest::qWait(150);
+            QVERIFY(f.ocupada());
+            if (cortar) prueba::bd().close();
+            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
+            sqlite3_close(otro);
+        }
+        QTRY_VERIFY(!f.ocupada());
+        QVERIFY(l->isEnabled());
+        if (cortar) {
+            TestDb::openShared(ruta);
+            QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), kFilas);
+            QCOMPARE(cuentas(), antes);
+            return;
+        }
+        QCOMPARE(l->modelo()->rowCount(), 0);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 0);
+        QCOMPARE(cuentas(), QStringList());
+        agregarMensajes(u"ana;pepe"_s, u"hola"_s, false, 1);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
+        sql(u"DELETE FROM envios WHERE Abonado = '0034600000001'"_s);
+        QCOMPARE(cuentas(), QStringList{u"1|1"_s});
+        QCOMPARE(prueba::cuantos(u"SELECT min(Id) FROM envios"_s), kFilas + 2);
     }
 
     // A long outbox is sorted over turns of the event loop: what the lines
