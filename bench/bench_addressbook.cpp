@@ -5,6 +5,7 @@
 #include "SondaBucle.h"
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
+#include "addressbook/frmGrupos.h"
 #include "addressbook/frmUserGroup.h"
 #include "base/EstadoAplicacion.h"
 #include "db/Conexion.h"
@@ -145,6 +146,19 @@ int main(int argc, char** argv) {
         while (miembros->ocupada()) QCoreApplication::processEvents();
         cifra(u"frmUserGroup store "_s + n + u" memberships"_s, t, 300);
         delete miembros;
+
+        // That list deleted, its memberships with it.
+        auto* listas = new frmGrupos;
+        listas->show();
+        QCoreApplication::processEvents();
+        listas->ListView1->seleccionarFila(0);
+        banco.ui.answers = {Msg::Yes};
+        t.empezar();
+        listas->cmdDelete->click();
+        while (listas->ocupada()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        cifra(u"frmGrupos delete the list of "_s + n + u" members"_s, t, 50);
+        delete listas;
+        bd.exec(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (0,'Todos')"_s);
 
         // The loop turns until the summary box has been answered.
         pantalla = new frmAbonados;

@@ -12,6 +12,7 @@
 #include "widgets/PantallasHijas.h"
 
 #include <QHBoxLayout>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -123,12 +124,21 @@ void frmGrupos::cmdDelete_Click() {
         return;
     }
     // The question names the members when there are any.
-    if (confirmar(miembros > 0 ? u"La Lista   '"_s + nombre +
-                                     u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s
-                               : u"Esta a punto de eliminar la Lista   '"_s + nombre +
-                                     u"'   , ¿esta seguro ?"_s))
-        msBorrarLista(grupo);
-    msAbrirListas();
+    if (!confirmar(miembros > 0
+                       ? u"La Lista   '"_s + nombre +
+                             u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s
+                       : u"Esta a punto de eliminar la Lista   '"_s + nombre +
+                             u"'   , ¿esta seguro ?"_s)) {
+        msAbrirListas();
+        return;
+    }
+    m_ocupacion.ocupar(this, {ListView1, cmdAdd, cmdEdit, cmdDelete, cmdUsuarios, cmdPublicar});
+    QPointer<frmGrupos> pantalla(this);
+    msBorrarLista(grupo, [pantalla](bool) {
+        if (!pantalla) return;
+        pantalla->m_ocupacion.soltar();
+        pantalla->msAbrirListas();
+    });
 }
 
 void frmGrupos::cmdUsuarios_Click() {

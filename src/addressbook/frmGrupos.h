@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/BaseDatos.h"
+#include "widgets/Ocupacion.h"
 
 #include <QWidget>
 #include <cstdint>
@@ -49,4 +50,9 @@ class frmGrupos : public QWidget {
 
     ResultadoConsulta adoPrimaryRS;
     ListaElegida m_listaAPublicar;
+    Ocupacion m_ocupacion;
+
+  public:
+    // A list is being deleted over turns.
+    bool ocupada() const { return m_ocupacion.activa(); }
 };

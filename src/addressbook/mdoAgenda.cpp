@@ -439,14 +439,16 @@ long long miembrosDeLista(int16_t grupo) {
         bd().query(u"select count(*) from AboGrup where Grupo = ?"_s, {grupo}).value(0, 0));
 }
 
-bool msBorrarLista(int16_t grupo) {
-    try {
-        bd().exec(u"delete from AboGrup where Grupo = ?"_s, {grupo});
-        bd().exec(u"delete from Grupos where Grupo = ?"_s, {grupo});
-    } catch (const ErrorBD&) {
-        return false;
-    }
-    return true;
+void msBorrarLista(int16_t grupo, std::function<void(bool borrada)> alTerminar) {
+    using namespace EscrituraPorTurnos;
+    // A list of half a million members goes a stretch of its numbers at a
+    // time, on the index of list and number, in one transaction: the list
+    // is gone whole or stays whole.
+    escribir(bd(),
+             {porTramos(bd(), u"DELETE FROM AboGrup WHERE Grupo = ? AND Abonado BETWEEN ? AND ?"_s,
+                        {grupo}, {u"AboGrup"_s, u"Abonado"_s, u"Grupo = ?"_s, {grupo}}),
+              sentencia(bd(), u"delete from Grupos where Grupo = ?"_s, {grupo})},
+             [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) { alTerminar(!fallo); });
 }
 
 namespace {

@@ -114,9 +114,10 @@ Resultado<bool> msRenombrarLista(int16_t grupo, const QString& actual, const QSt
 // How many memberships list `grupo` has: the delete's question tells
 // when there are any. Throws ErrorBD.
 long long miembrosDeLista(int16_t grupo);
-// Deletes the list with its memberships (the contacts stay); false when a
-// statement failed, which the user isn't told.
-bool msBorrarLista(int16_t grupo);
+// Deletes the list with its memberships (the contacts stay), over turns
+// of the event loop and whole or not at all; `alTerminar` is told whether
+// it went (a failure the user isn't told).
+void msBorrarLista(int16_t grupo, std::function<void(bool borrada)> alTerminar);
 // The members screen keeps the user's moves of one list in temporary
 // tables of the one connection, not in the list: each side reads the
 // contacts with the moves applied, a page at a time in the order of the

@@ -152,6 +152,7 @@ class TestListas : public QObject {
                            u"la Lista ?"_s
                          : u"Esta a punto de eliminar la Lista   'Trabajo'   , ¿esta seguro ?"_s)});
         const bool borrada = respuesta == Msg::Yes;
+        QTRY_VERIFY(!pantalla.ocupada());
         QCOMPARE(columna(u"select Grupo from Grupos order by 1"_s),
                  borrada ? QStringList{u"2"_s} : (QStringList{u"1"_s, u"2"_s}));
         // The contact and its other list stay.
@@ -159,6 +160,61 @@ class TestListas : public QObject {
                  conMiembros && !borrada ? (QStringList{u"1"_s, u"2"_s}) : QStringList{u"2"_s});
         QCOMPARE(cuantos(u"select count(*) from Abonados"_s), 1);
         QCOMPARE(pantalla.ListView1->modelo()->rowCount(), borrada ? 1 : 2);
+    }
+
+    // A large list is deleted over turns, whole or not at all, waiting for
+    // a lock another program holds without holding the window; meanwhile
+    // the screen takes nothing. Its contacts and the other lists stay.
+    void aLargeListGoesWhole_data() {
+        QTest::addColumn<bool>("ajeno");
+        QTest::addColumn<bool>("cortar");
+        QTest::newRow("deleted") << false << false;
+        QTest::newRow("another program holds the file a moment") << true << false;
+        QTest::newRow("the file closed while it waits") << true << true;
+    }
+    void aLargeListGoesWhole() {
+        QFETCH(bool, ajeno);
+        QFETCH(bool, cortar);
+        constexpr int kMiembros = 30000;
+        lista(1, u"Grande"_s);
+        lista(2, u"Otra"_s);
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Abonados (Codigo, Alias, Canal) SELECT '0034600' || i, 'c' || i, 0 "
+            u"FROM n"_s,
+            {kMiembros - 1});
+        bd().exec(u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 1 FROM Abonados"_s);
+        bd().exec(
+            u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 2 FROM Abonados WHERE "
+            u"rowid % 3 = 0"_s);
+        const QString ruta = bd().path();
+        sqlite3* otro = nullptr;
+        if (ajeno) {
+            QCOMPARE(sqlite3_open(ruta.toUtf8().constData(), &otro), SQLITE_OK);
+            QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        }
+        InterfazGuionada ui;
+        ui.answers = {Msg::Yes};
+        frmGrupos pantalla;
+        elegir(pantalla.ListView1, u"001"_s);
+        pantalla.cmdDelete->click();
+        if (ajeno) {
+            QVERIFY(pantalla.ocupada());
+            QVERIFY(!pantalla.ListView1->isEnabled() && !pantalla.cmdDelete->isEnabled());
+            QTest::qWait(150);
+            if (cortar) bd().close();
+            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
+            sqlite3_close(otro);
+        }
+        QTRY_VERIFY(!pantalla.ocupada());
+        QVERIFY(pantalla.ListView1->isEnabled() && pantalla.cmdDelete->isEnabled());
+        if (cortar) TestDb::openShared(ruta);
+        QCOMPARE(filas(u"select Grupo, count(*) from AboGrup group by Grupo"_s),
+                 cortar ? (QStringList{u"1|30000"_s, u"2|10000"_s}) : QStringList{u"2|10000"_s});
+        QCOMPARE(columna(u"select Grupo from Grupos order by 1"_s),
+                 cortar ? (QStringList{u"1"_s, u"2"_s}) : QStringList{u"2"_s});
+        QCOMPARE(cuantos(u"select count(*) from Abonados"_s), kMiembros);
+        if (!cortar) QCOMPARE(pantalla.ListView1->modelo()->rowCount(), 1);
     }
 
     void membershipStoreRewritesAllRows() {
