@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -114,6 +115,11 @@ void frmMenAuto::cmdDelete_Click() {
     if (ui().msgBox(u"Esta seguro que desea eliminar este Envío Múltiple ?\n"_s + nombre,
                     Msg::YesNo | 32) != Msg::Yes)
         return;
-    borrarMensajeProgramado(codigo);
-    requery();
+    m_ocupacion.ocupar(this, {ListView1, cmdAdd, cmdEdit, cmdDelete});
+    QPointer<frmMenAuto> pantalla(this);
+    borrarMensajeProgramado(codigo, [pantalla](bool) {
+        if (!pantalla) return;
+        pantalla->m_ocupacion.soltar();
+        pantalla->requery();
+    });
 }

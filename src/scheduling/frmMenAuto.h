@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/Ocupacion.h"
+
 #include <QWidget>
 #include <cstdint>
 
@@ -38,4 +40,9 @@ class frmMenAuto : public QWidget {
 
     ModeloPaginado* m_modelo;
     QTimer* m_repaso;
+    Ocupacion m_ocupacion;
+
+  public:
+    // A multi-send is being deleted over turns.
+    bool ocupada() const { return m_ocupacion.activa(); }
 };

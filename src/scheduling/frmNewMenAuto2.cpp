@@ -18,6 +18,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabBar>
@@ -249,8 +250,13 @@ void frmNewMenAuto2::cmdDelete_Click() {
             u"Esta seguro que desea eliminar todos los Contactos para este mensaje automático ?"_s,
             Msg::YesNo | 32) != Msg::Yes)
         return;
-    quitarTodosDestinatarios(m_codigo);
-    cargarDestinatarios();
+    m_ocupacion.ocupar(this, {ListView1, cmdAdd, XPButton1, cmdDelete, XPButton3, XPButton2});
+    QPointer<frmNewMenAuto2> pantalla(this);
+    quitarTodosDestinatarios(m_codigo, [pantalla](bool) {
+        if (!pantalla) return;
+        pantalla->m_ocupacion.soltar();
+        pantalla->cargarDestinatarios();
+    });
 }
 
 void frmNewMenAuto2::XPButton3_Click() {

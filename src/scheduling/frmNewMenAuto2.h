@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/Ocupacion.h"
+
 #include <QDialog>
 #include <QVector>
 #include <cstdint>
@@ -68,4 +70,9 @@ class frmNewMenAuto2 : public QDialog {
     bool m_enCarga = false;
     QString m_mensaje;
     bool m_saludo = false;
+    Ocupacion m_ocupacion;
+
+  public:
+    // Its recipients are being deleted over turns.
+    bool ocupada() const { return m_ocupacion.activa(); }
 };

@@ -5,6 +5,7 @@
 #include "base/ReglaNombres.h"
 #include "base/Reloj.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "db/Esquema.h"
 #include "db/Nombres.h"
 #include "db/Transaccion.h"
@@ -296,22 +297,24 @@ int32_t proximoCodigoAutomatico() {
     return r.isEmpty() || r.value(0, 0).isNull() ? 1 : int32_t(numeroDe(r.value(0, 0)));
 }
 
-bool borrarMensajeProgramado(int32_t codigo) {
-    BaseDatos& db = bd();
-    try {
-        db.begin();
-        db.exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
-        db.exec(u"Delete from Automaticos where codigo = ?"_s, {codigo});
-        db.commit();
-        return true;
-    } catch (const ErrorQuelmo&) {
-        try {
-            db.rollback();
-        } catch (const ErrorQuelmo&) {
-            // The failed statement already ended the transaction.
-        }
-        return false;
-    }
+namespace {
+// A multi-send's recipients, a stretch of their rows at a time on its
+// index: fifty thousand of them, each one's delete counted down by the
+// file's trigger, are more than a turn.
+EscrituraPorTurnos::Paso quitarDestinatariosDe(int32_t codigo) {
+    return EscrituraPorTurnos::porTramos(
+        bd(), u"DELETE FROM AboAuto WHERE Automatico = ? AND id_AboAuto BETWEEN ? AND ?"_s,
+        {codigo}, {u"AboAuto"_s, u"id_AboAuto"_s, u"Automatico = ?"_s, {codigo}});
+}
+}  // namespace
+
+void borrarMensajeProgramado(int32_t codigo, std::function<void(bool borrado)> alTerminar) {
+    EscrituraPorTurnos::escribir(
+        bd(),
+        {quitarDestinatariosDe(codigo),
+         EscrituraPorTurnos::sentencia(bd(), u"Delete from Automaticos where codigo = ?"_s,
+                                       {codigo})},
+        [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) { alTerminar(!fallo); });
 }
 
 // ---- One multi-send --------------------------------------------------------
@@ -413,13 +416,10 @@ bool quitarDestinatario(long long idAboAuto) {
     }
 }
 
-bool quitarTodosDestinatarios(int32_t codigo) {
-    try {
-        bd().exec(u"Delete from AboAuto where automatico = ?"_s, {codigo});
-        return true;
-    } catch (const ErrorQuelmo&) {
-        return false;
-    }
+void quitarTodosDestinatarios(int32_t codigo, std::function<void(bool quitados)> alTerminar) {
+    EscrituraPorTurnos::escribir(
+        bd(), {quitarDestinatariosDe(codigo)},
+        [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) { alTerminar(!fallo); });
 }
 
 bool cambiarMensajeDestinatario(long long idAboAuto, const QString& mensaje) {

@@ -13,6 +13,7 @@
 #include <QVariant>
 #include <QVector>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -95,8 +96,9 @@ ListaPaginada::Definicion definicionMensajesProgramados();
 int32_t primerCodigoConNombre(const QString& nombre);
 // The code a new multi-send gets: the highest plus 1, or 1 for the first.
 int32_t proximoCodigoAutomatico();
-// Removes a multi-send with its recipients; both or neither.
-bool borrarMensajeProgramado(int32_t codigo);
+// Removes a multi-send with its recipients, both or neither, over turns of
+// the event loop; `alTerminar` is told whether it went.
+void borrarMensajeProgramado(int32_t codigo, std::function<void(bool borrado)> alTerminar);
 
 // ---- One multi-send --------------------------------------------------------
 
@@ -118,7 +120,8 @@ int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre);
 Resultado<int> anadirDestinatarios(int32_t codigo, const QString& nombre,
                                    const QStringList& aliases, const QString& mensaje, bool saludo);
 bool quitarDestinatario(long long idAboAuto);
-bool quitarTodosDestinatarios(int32_t codigo);
+// Every recipient of a multi-send, over turns, all or none.
+void quitarTodosDestinatarios(int32_t codigo, std::function<void(bool quitados)> alTerminar);
 bool cambiarMensajeDestinatario(long long idAboAuto, const QString& mensaje);
 
 // Blanks at both ends of a text taken away; those inside, and line breaks,
