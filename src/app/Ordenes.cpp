@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextStream>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -83,17 +84,27 @@ int ejecutarImportacion(const Orden& orden, int argc, char** argv) {
 
     // The log names the file as the user would find it again.
     const QString ruta = QFileInfo(orden.fichero).absoluteFilePath();
-    const ResumenImportacion r = orden.contactos ? msImportarContactosDe(ruta, orden.lista)
-                                                 : msImportarMensajesDe(ruta, orden.lista);
-    Conexion().close();
-    if (!r.leido) {
-        QTextStream(stderr) << u"No se ha podido importar el fichero "_s << ruta << Qt::endl;
-        return kSalidaFallo;
-    }
-    if (r.correctas < r.vistas) {
-        QTextStream(stderr) << u"No se han importado "_s << (r.vistas - r.correctas) << u" de "_s
-                            << r.vistas << u" líneas del fichero "_s << ruta << Qt::endl;
-        return kSalidaFallo;
-    }
-    return kSalidaBien;
+    // The import goes on over turns of the event loop, which ends with it
+    // (started from the loop, so that even a file read in one turn ends it).
+    QTimer::singleShot(0, &app, [&app, &orden, ruta] {
+        QCoro::connect(orden.contactos ? msImportarContactosDe(ruta, orden.lista)
+                                       : msImportarMensajesDe(ruta, orden.lista),
+                       &app, [&app, ruta](const ResumenImportacion& r) {
+                           Conexion().close();
+                           if (!r.leido) {
+                               QTextStream(stderr)
+                                   << u"No se ha podido importar el fichero "_s << ruta << Qt::endl;
+                               app.exit(kSalidaFallo);
+                           } else if (r.correctas < r.vistas) {
+                               QTextStream(stderr)
+                                   << u"No se han importado "_s << (r.vistas - r.correctas)
+                                   << u" de "_s << r.vistas << u" líneas del fichero "_s << ruta
+                                   << Qt::endl;
+                               app.exit(kSalidaFallo);
+                           } else {
+                               app.exit(kSalidaBien);
+                           }
+                       });
+    });
+    return app.exec();
 }

@@ -387,15 +387,15 @@ void mdiMain::Toolbar1_ButtonClick(const QString& key) {
     if (it != m_botones.cend()) ejecutar(*it);
 }
 
-void mdiMain::importacionManual() {
+QCoro::Task<> mdiMain::importacionManual() {
     // The selection screen chooses and saves the file and its options.
-    if (!Pantallas::abrir(u"frmSelectDB.Import"_s)) return;
-    if (msImportarManual() && msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
+    if (!Pantallas::abrir(u"frmSelectDB.Import"_s)) co_return;
+    if (co_await msImportarManual() && msComprobarAcceso()) Pantallas::abrir(u"frmEnvio"_s);
 }
 
-void mdiMain::importacionContactos() {
-    if (!Pantallas::abrir(u"frmSelectDB.ImportUser"_s)) return;
-    if (msImportarContactos()) Pantallas::abrir(u"frmAbonados"_s);
+QCoro::Task<> mdiMain::importacionContactos() {
+    if (!Pantallas::abrir(u"frmSelectDB.ImportUser"_s)) co_return;
+    if (co_await msImportarContactos()) Pantallas::abrir(u"frmAbonados"_s);
 }
 
 void mdiMain::ocultar() {

@@ -2,6 +2,7 @@
 
 #include "app/Transmisor.h"
 
+#include <QCoro/QCoroTask>
 #include <QHash>
 #include <QMainWindow>
 #include <functional>
@@ -71,8 +72,9 @@ class mdiMain : public QMainWindow {
     void msActivarTransmisor();
     void primeraActivacion();
     void ejecutar(const Orden& orden);
-    void importacionManual();
-    void importacionContactos();
+    // The import goes on over turns; the screen it leads to opens after.
+    QCoro::Task<> importacionManual();
+    QCoro::Task<> importacionContactos();
     void ocultar();
 
     Transmisor m_transmisor;

@@ -57,17 +57,18 @@ bool quedanFilas(int16_t canal) {
 namespace {
 
 // The watched file's messages join the outbox before the batches are read.
-void importarFicheroVigilado(EstadoAplicacion& g) {
+QCoro::Task<> importarFicheroVigilado(EstadoAplicacion& g) {
     // The watch takes the list and contact option of the manual import.
     const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Vigilada);
     QString lista = Ajustes::listaImportacion(Ajustes::Importacion::Mensajes, u"-1"_s);
     if (lista.isEmpty()) lista = u"-1"_s;
     const bool addContactos = Ajustes::anadirContactos(Ajustes::Importacion::Mensajes);
     // The flag goes up whether or not the file held anything.
-    if (ruta.size() <= 3) return;
+    if (ruta.size() <= 3) co_return;
     // Whatever the file does, the outbox goes out after it.
     try {
-        g_importacionFallida = msImportarFichero(ruta, false, true, lista, addContactos).fallido;
+        g_importacionFallida =
+            (co_await msImportarFichero(ruta, false, true, lista, addContactos)).fallido;
     } catch (const std::exception& e) {
         msLog(u"Error importando fichero "_s + ruta + u" :: " + QString::fromLocal8Bit(e.what()));
         g_importacionFallida = true;
@@ -113,7 +114,7 @@ QCoro::Task<bool> SendMessage() {
             g.gbEnviando = false;
             g.gbImportado = false;
         });
-        importarFicheroVigilado(g);
+        co_await importarFicheroVigilado(g);
         const QList<int16_t> canales = cuentasConMensajes();
         // Every account's batch is under way at once, each paced on its
         // own; an account's failure stays in it.

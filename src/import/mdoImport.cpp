@@ -9,6 +9,7 @@
 #include "base/Movil.h"
 #include "base/RegistroActividad.h"
 #include "base/Reloj.h"
+#include "base/Turno.h"
 #include "db/Bandeja.h"
 #include "db/Conexion.h"
 #include "db/Nombres.h"
@@ -425,18 +426,18 @@ struct Ganchos {
 };
 
 // How long the lines of one transaction may take: the window gets a turn
-// that often, and a commit costs one disk sync per stretch, not per line.
-constexpr int kTramoMs = 50;
+// after each, and a commit costs one disk sync per stretch, not per line.
+constexpr int kTramoMs = 12;
 int g_lineasPorTramo = 0;
 
-Final leerFichero(const QString& path, bool contactos, QString& lista,
-                  std::optional<int16_t> listaResuelta, bool addContactos, Progreso& p,
-                  const Ganchos& g) {
+QCoro::Task<Final> leerFichero(const QString& path, bool contactos, QString& lista,
+                               std::optional<int16_t> listaResuelta, bool addContactos, Progreso& p,
+                               const Ganchos& g) {
     LectorLineas lector;
     if (!lector.abrir(path)) {
         msLog(u"Error Abriendo fichero : "_s + path);
         p.causa = lector.error();
-        return Final::NoAbierto;
+        co_return Final::NoAbierto;
     }
     BaseDatos& bd = Conexion();
     const QString baseDatos = bd.path();
@@ -456,6 +457,9 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             // A database chosen meanwhile gets none of this file's rows.
             if (bd.path() != baseDatos)
                 throw ErrorBD(u"La base de datos cambió durante la importación"_s);
+            // A long write of ours that holds the connection is waited
+            // for, as its other writers do.
+            while (bd.retenida()) co_await turnoSiguiente(20);
             Tramo tramo;
             const Progreso hecho = p;
             bd.begin();
@@ -508,25 +512,27 @@ Final leerFichero(const QString& path, bool contactos, QString& lista,
             }
             volcar(tramo.pendientes);
             punto("tramo");
+            // The window's turn between two stretches.
+            if (mas) co_await turnoSiguiente();
         }
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
-        return Final::Interrumpida;
+        co_return Final::Interrumpida;
     } catch (const std::bad_alloc&) {
         p.causa = u"no hay memoria suficiente"_s;
-        return Final::Ilegible;
+        co_return Final::Ilegible;
     } catch (const std::exception& e) {
         p.causa = u"error inesperado ("_s + QString::fromLocal8Bit(e.what()) + u')';
-        return Final::Ilegible;
+        co_return Final::Ilegible;
     }
     if (!lector.error().isEmpty()) {
         p.causa = lector.error();
         p.lineaFallo = p.lineas + 1;
-        return Final::Ilegible;
+        co_return Final::Ilegible;
     }
     msLog(u"Importados "_s + QString::number(p.correctas) + u' ' + clase(contactos) + u" de " +
           QString::number(p.vistas));
-    return alguna ? Final::Completa : Final::SinLineas;
+    co_return alguna ? Final::Completa : Final::SinLineas;
 }
 
 // ---- The watched file, taken exactly once ----
@@ -599,17 +605,17 @@ void apartar(const Reclamo& r, Final f) {
           u" y no se volverá a leer"_s);
 }
 
-ResumenImportacion importarReclamo(Reclamo& r) {
+QCoro::Task<ResumenImportacion> importarReclamo(Reclamo& r) {
     if (r.terminado) {
         QFile::remove(r.fichero);
         punto("borrado");
         olvidar(r);
-        return {true, r.p.vistas, r.p.correctas};
+        co_return {true, r.p.vistas, r.p.correctas};
     }
     if (!QFileInfo::exists(r.fichero)) {
         // Never renamed, or already given back: nothing of it was imported.
         olvidar(r);
-        return {};
+        co_return {};
     }
     Ganchos g;
     g.alResolverLista = [&r](int16_t codigo) {
@@ -622,33 +628,33 @@ ResumenImportacion importarReclamo(Reclamo& r) {
             u"WHERE Fichero=?"_s,
             {p.lineas, p.vistas, p.correctas, terminado ? 1 : 0, r.fichero});
     };
-    const Final f =
-        leerFichero(r.fichero, r.contactos, r.lista, r.listaCodigo, r.addContactos, r.p, g);
+    const Final f = co_await leerFichero(r.fichero, r.contactos, r.lista, r.listaCodigo,
+                                         r.addContactos, r.p, g);
     switch (f) {
         case Final::Completa:
             punto("terminado");
             QFile::remove(r.fichero);
             punto("borrado");
             olvidar(r);
-            return {true, r.p.vistas, r.p.correctas};
+            co_return {true, r.p.vistas, r.p.correctas};
         case Final::SinLineas:
             devolver(r);
             olvidar(r);
-            return {true, 0, 0};
+            co_return {true, 0, 0};
         case Final::NoAbierto:
         case Final::Ilegible:
             apartar(r, f);
-            return {false, r.p.vistas, r.p.correctas, true};
+            co_return {false, r.p.vistas, r.p.correctas, true};
         case Final::Interrumpida:
             // The claim stays; the next cycle goes on from its last commit.
-            return {false, r.p.vistas, r.p.correctas, true};
+            co_return {false, r.p.vistas, r.p.correctas, true};
     }
-    return {};
+    co_return {};
 }
 
 // True when every claim left by an earlier cycle got somewhere: read to its
 // end, or set aside.
-bool reanudarReclamos() {
+QCoro::Task<bool> reanudarReclamos() {
     bool bien = true;
     const ResultadoConsulta q = Conexion().query(
         u"SELECT Fichero,Origen,Contactos,Lista,AddContactos,ListaCodigo,Lineas,Vistas,"
@@ -668,9 +674,9 @@ bool reanudarReclamos() {
         if (!r.terminado && QFileInfo::exists(r.fichero))
             msLog(u"Reanudando la importación del fichero "_s + r.origen + u" en la línea " +
                   QString::number(r.p.lineas + 1));
-        if (importarReclamo(r).fallido) bien = false;
+        if ((co_await importarReclamo(r)).fallido) bien = false;
     }
-    return bien;
+    co_return bien;
 }
 
 // A file still being written is left for a later cycle: its writer holds
@@ -687,25 +693,25 @@ QString nombreReclamo(const QString& path) {
            QString::number(QDateTime::currentMSecsSinceEpoch());
 }
 
-ResumenImportacion importarVigilado(const QString& path, bool contactos, const QString& lista,
-                                    bool addContactos) {
+QCoro::Task<ResumenImportacion> importarVigilado(const QString& path, bool contactos,
+                                                 const QString& lista, bool addContactos) {
     bool reanudados = true;
     try {
         asegurarTabla();
-        reanudados = reanudarReclamos();
+        reanudados = co_await reanudarReclamos();
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
-        return {false, 0, 0, true};
+        co_return {false, 0, 0, true};
     }
     // Nothing to read is no failure, unless an earlier claim failed now.
     const ResumenImportacion nada{false, 0, 0, !reanudados};
     if (!QFileInfo(path).isFile()) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
-        return nada;
+        co_return nada;
     }
     if (enEscritura(path)) {
         msLog(u"El fichero "_s + path + u" se está escribiendo; se importará en el próximo ciclo");
-        return nada;
+        co_return nada;
     }
     Reclamo r;
     r.fichero = nombreReclamo(path);
@@ -722,27 +728,32 @@ ResumenImportacion importarVigilado(const QString& path, bool contactos, const Q
         if (!renombrarSinPisar(path, r.fichero)) {
             msLog(u"Error copiando fichero "_s + path + u" :: " + errorDeSistema());
             olvidar(r);
-            return {false, 0, 0, true};
+            co_return {false, 0, 0, true};
         }
         punto("reclamado");
         msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
-        ResumenImportacion resumen = importarReclamo(r);
+        ResumenImportacion resumen = co_await importarReclamo(r);
         resumen.fallido = resumen.fallido || !reanudados;
-        return resumen;
+        co_return resumen;
     } catch (const ErrorQuelmo& e) {
         msLog(u"Error importando fichero "_s + path + u" :: " + e.description());
     }
-    return {false, 0, 0, true};
+    co_return {false, 0, 0, true};
 }
 
 bool g_enCurso = false;
 
 }  // namespace
 
-bool msLeerFicheroImport(const QString& path, bool contactos, QString& lista, bool addContactos) {
+QCoro::Task<bool> msLeerFicheroImport(const QString& path, bool contactos, QString& lista,
+                                      bool addContactos) {
     Progreso p;
-    const Final f = leerFichero(path, contactos, lista, std::nullopt, addContactos, p, {});
-    return p.vistas > 0 && f != Final::NoAbierto;
+    // Named: g++ 12 destroys a temporary of a co_await expression twice.
+    const Ganchos ninguno;
+    const std::optional<int16_t> porResolver;
+    const Final f =
+        co_await leerFichero(path, contactos, lista, porResolver, addContactos, p, ninguno);
+    co_return p.vistas > 0 && f != Final::NoAbierto;
 }
 
 bool msImportarLinea(const QVariant& cuenta, const QString& numero, const QString& texto,
@@ -785,66 +796,73 @@ QString queNoEsFichero(const QString& path) {
 
 }  // namespace
 
-ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
-                                     const QString& lista, bool addContactos) {
-    if (path.isEmpty()) return {};
+QCoro::Task<ResumenImportacion> msImportarFichero(QString path, bool contactos, bool borrar,
+                                                  QString lista, bool addContactos) {
+    if (path.isEmpty()) co_return {};
     if (const QString que = queNoEsFichero(path); !que.isEmpty()) {
         msLog(u"El fichero "_s + path + u" no es un fichero normal sino "_s + que +
               u"; no se importa"_s);
-        return {false, 0, 0, true};
+        co_return {false, 0, 0, true};
     }
     // Read, copied or claimed by this process, the database would lose the
     // engine's locks (and a claim would take it away from the program).
     if (Conexion().esArchivoPropio(path)) {
         msLog(u"El fichero "_s + path +
               u" es la base de datos de la aplicación o uno de sus ficheros; no se importa"_s);
-        return {false, 0, 0, true};
+        co_return {false, 0, 0, true};
     }
     // The import yields between its stretches; a second import started
     // from there (a menu, a forced run) would read the same claims.
     if (g_enCurso) {
         msLog(u"Hay otra importación en curso; el fichero "_s + path + u" no se ha importado");
-        return {};
+        co_return {};
     }
     g_enCurso = true;
     struct Fin {
         ~Fin() { g_enCurso = false; }
     } fin;
+    // A long write of ours that holds the connection is waited for: the
+    // claim and the lines would find it busy.
+    while (Conexion().retenida()) co_await turnoSiguiente(20);
 
     msLog(contactos ? u"Preparando importacion de Usuarios"_s
                     : u"Preparando importacion de Mensajes"_s);
-    if (borrar) return importarVigilado(path, contactos, lista, addContactos);
+    if (borrar) co_return co_await importarVigilado(path, contactos, lista, addContactos);
     const QString copia = directorioAplicacion() + u"/Import_"_s +
                           Reloj::now().toString(u"yyMMddHHmmss"_s) + u".txt"_s;
     if (!QFileInfo::exists(path)) {
         msLog(u"No existen "_s + clase(contactos) + u" en el fichero " + path);
-        return {};
+        co_return {};
     }
     QFile::remove(copia);
     QFile origen(path);
     if (!origen.copy(copia)) {
         msLog(u"Error copiando fichero "_s + path + u" :: " + origen.errorString());
-        return {false, 0, 0, true};
+        co_return {false, 0, 0, true};
     }
     msLog(u"Importando "_s + clase(contactos) + u" del fichero " + path);
     QString listaTexto = lista;
     Progreso p;
-    const Final f = leerFichero(copia, contactos, listaTexto, std::nullopt, addContactos, p, {});
+    // Named: g++ 12 destroys a temporary of a co_await expression twice.
+    const Ganchos ninguno;
+    const std::optional<int16_t> porResolver;
+    const Final f =
+        co_await leerFichero(copia, contactos, listaTexto, porResolver, addContactos, p, ninguno);
     QFile::remove(copia);
     if (f == Final::Ilegible || f == Final::NoAbierto) msLog(textoNoImportado(path, p, f));
     const bool leido = f == Final::Completa || f == Final::SinLineas;
-    return {leido, p.vistas, p.correctas, !leido};
+    co_return {leido, p.vistas, p.correctas, !leido};
 }
 
-bool msImportarManual() {
+QCoro::Task<bool> msImportarManual() {
     const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Mensajes);
-    if (ruta.size() <= 3) return false;
-    msImportarMensajesDe(ruta);
+    if (ruta.size() <= 3) co_return false;
+    co_await msImportarMensajesDe(ruta);
     estadoAplicacion().gbImportado = true;
-    return true;
+    co_return true;
 }
 
-ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& listaDada) {
+QCoro::Task<ResumenImportacion> msImportarMensajesDe(QString ruta, QString listaDada) {
     // A list given by the caller is taken as it stands, as the watch takes
     // its list. The saved one goes through a number and back: a name
     // becomes the empty text, which asks for a list with a default name.
@@ -858,21 +876,21 @@ ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& list
             // A stored value too large for a list code means no list.
         }
     }
-    return msImportarFichero(ruta, false, false, lista,
-                             Ajustes::anadirContactos(Ajustes::Importacion::Mensajes));
+    const bool anadir = Ajustes::anadirContactos(Ajustes::Importacion::Mensajes);
+    co_return co_await msImportarFichero(ruta, false, false, lista, anadir);
 }
 
-bool msImportarContactos() {
+QCoro::Task<bool> msImportarContactos() {
     const QString ruta = Ajustes::rutaImportacion(Ajustes::Importacion::Contactos);
-    if (ruta.size() <= 3) return false;
-    msImportarContactosDe(ruta);
-    return true;
+    if (ruta.size() <= 3) co_return false;
+    co_await msImportarContactosDe(ruta);
+    co_return true;
 }
 
-ResumenImportacion msImportarContactosDe(const QString& ruta, const QString& lista) {
-    return msImportarFichero(
-        ruta, true, false,
-        lista.isNull() ? Ajustes::listaImportacion(Ajustes::Importacion::Contactos) : lista, true);
+QCoro::Task<ResumenImportacion> msImportarContactosDe(QString ruta, QString lista) {
+    const QString elegida =
+        lista.isNull() ? Ajustes::listaImportacion(Ajustes::Importacion::Contactos) : lista;
+    co_return co_await msImportarFichero(ruta, true, false, elegida, true);
 }
 
 QStringList msListasSeleccion() {

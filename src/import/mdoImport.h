@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoro/QCoroTask>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -16,7 +17,10 @@
 // and imports each non-empty line. `lista` is "-1" (no list), a list code,
 // or a name for a new list; it is rewritten when a new list gets a default
 // name. True when at least one non-empty line was read.
-bool msLeerFicheroImport(const QString& path, bool contactos, QString& lista, bool addContactos);
+// It goes on over turns of the event loop, a stretch of lines at a time,
+// as does every import here: the caller awaits it.
+QCoro::Task<bool> msLeerFicheroImport(const QString& path, bool contactos, QString& lista,
+                                      bool addContactos);
 
 // One line's three fields (account, number, text or alias): queues the
 // message and/or adds the contact and its list row, logging every outcome.
@@ -44,18 +48,18 @@ struct ResumenImportacion {
 
 // Imports `path`. `borrar` marks the watched file: it is claimed, imported
 // exactly once and removed when a line was read.
-ResumenImportacion msImportarFichero(const QString& path, bool contactos, bool borrar,
-                                     const QString& lista, bool addContactos);
+QCoro::Task<ResumenImportacion> msImportarFichero(QString path, bool contactos, bool borrar,
+                                                  QString lista, bool addContactos);
 
 // The two user commands, after their selection screen closed: read the
 // section's settings and run the driver when the path is longer than three
 // characters. True when the driver ran.
-bool msImportarManual();
-bool msImportarContactos();
+QCoro::Task<bool> msImportarManual();
+QCoro::Task<bool> msImportarContactos();
 // The same imports of a file named otherwise (the command line), with the
 // saved list unless `lista` is not null.
-ResumenImportacion msImportarMensajesDe(const QString& ruta, const QString& lista = QString());
-ResumenImportacion msImportarContactosDe(const QString& ruta, const QString& lista = QString());
+QCoro::Task<ResumenImportacion> msImportarMensajesDe(QString ruta, QString lista = QString());
+QCoro::Task<ResumenImportacion> msImportarContactosDe(QString ruta, QString lista = QString());
 
 // The list choices of the selection screen: "000 - name" per list, by name.
 QStringList msListasSeleccion();

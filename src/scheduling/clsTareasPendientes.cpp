@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QTimer>
 #include <algorithm>
 
@@ -171,7 +172,15 @@ void clsTareasPendientes::programarRepaso(int esperaMs) {
     QTimer::singleShot(esperaMs, app, [] {
         programado = false;
         const std::optional<int64_t> antes = ProximasTareas::repasadoHasta();
-        clsTareasPendientes().Repasar();
+        {
+            // A lock another program holds is not waited for here, on the
+            // window's thread: the slice fails at once and comes again.
+            BaseDatos& db = Conexion();
+            const int espera = db.espera();
+            db.establecerEspera(0);
+            const auto volver = qScopeGuard([&db, espera] { db.establecerEspera(espera); });
+            clsTareasPendientes().Repasar();
+        }
         const std::optional<int64_t> ahora = ProximasTareas::repasadoHasta();
         // A slice that could not be written (the file locked by another
         // program) is tried again a second later, not at once.

@@ -2,6 +2,7 @@
 // replaces the database, or takes its log away, never receives a write
 // that no one would read. The write fails, the connection says so once,
 // and what is on disk is what the other program left there.
+#include <QCoro/QCoroTask>
 #include "TestSupport.h"
 #include "base/Avisos.h"
 #include "db/BaseDatos.h"
@@ -148,7 +149,7 @@ class TestArchivos : public Prueba {
         QCoreApplication::processEvents();  // what earlier cases left to log
         estadoAplicacion().log.clear();
         const ResumenImportacion r =
-            msImportarFichero(ruta + sufijo, false, vigilado, u"-1"_s, false);
+            prueba::esperar(msImportarFichero(ruta + sufijo, false, vigilado, u"-1"_s, false));
         QVERIFY(!r.leido);
         QVERIFY(QFile::exists(ruta + sufijo));
         QVERIFY(Conexion().archivosIntactos());

@@ -2,9 +2,12 @@
 // exactly once, also when the import stops dead at any point.
 #include "AyudaImport.h"
 #include "base/Ajustes.h"
+#include "db/EscrituraPorTurnos.h"
 #include "import/mdoImport.h"
 
 #include <sys/stat.h>
+#include <QElapsedTimer>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace import_prueba;
@@ -40,7 +43,7 @@ class TestDriver : public Prueba {
     QStringList restos() const {
         return QDir(carpeta()).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
     }
-    void vigilar() { msImportarFichero(vigilado(), false, true, u"-1"_s, false); }
+    void vigilar() { prueba::esperar(msImportarFichero(vigilado(), false, true, u"-1"_s, false)); }
     // Each line's text with the number of rows it has.
     QMap<QString, int> recuento() {
         QMap<QString, int> r;
@@ -119,7 +122,8 @@ class TestDriver : public Prueba {
         Ajustes::saveSetting(seccion, u"Path"_s, ruta);
         Ajustes::saveSetting(u"ImportUser"_s, u"Lista"_s, u"-1"_s);
         estadoAplicacion().gbImportado = false;
-        const bool hecho = seccion == u"Import"_s ? msImportarManual() : msImportarContactos();
+        const bool hecho = seccion == u"Import"_s ? prueba::esperar(msImportarManual())
+                                                  : prueba::esperar(msImportarContactos());
         QCOMPARE(hecho, ejecutado);
         QCOMPARE(import_prueba::registro(), registro);
         if (seccion == u"Import"_s) QCOMPARE(estadoAplicacion().gbImportado, ejecutado);
@@ -147,7 +151,7 @@ class TestDriver : public Prueba {
         Ajustes::saveSetting(u"Import"_s, u"Path"_s, f);
         Ajustes::saveSetting(u"Import"_s, u"Lista"_s, guardada);
         Ajustes::saveSetting(u"Import"_s, u"AddContactos"_s, add);
-        QVERIFY(msImportarManual());
+        QVERIFY(prueba::esperar(msImportarManual()));
         QTEST(filas(u"SELECT Grupo,Nombre FROM Grupos"_s), "grupos");
         QTEST(int(cuantos(u"SELECT count(*) FROM AboGrup"_s)), "miembros");
     }
@@ -239,6 +243,41 @@ class TestDriver : public Prueba {
         exactamenteUnaVez(n);
     }
 
+    // The window turns between two stretches of an import; a long write of
+    // ours that holds the connection meanwhile is waited for, and every
+    // line still goes in once.
+    void laVentanaGiraEntreTramos_data() {
+        QTest::addColumn<bool>("retenida");
+        QTest::newRow("sola") << false;
+        QTest::newRow("con una escritura larga en curso") << true;
+    }
+    void laVentanaGiraEntreTramos() {
+        QFETCH(bool, retenida);
+        const int n = 1000;
+        escribir(vigilado(), lineasNumeradas(n));
+        envejecer(vigilado());
+        ImportPruebas::establecerLineasPorTramo(100);
+        int giros = 0;
+        QTimer reloj;
+        QObject::connect(&reloj, &QTimer::timeout, [&] { ++giros; });
+        reloj.start(0);
+        // Held for 100 ms, over several turns.
+        QElapsedTimer sostenida;
+        sostenida.start();
+        bool escrita = !retenida;
+        if (retenida)
+            EscrituraPorTurnos::escribir(bd(), {[&] { return sostenida.elapsed() < 100; }},
+                                         [&](const ErrorBD* fallo) { escrita = !fallo; });
+        QCOMPARE(bd().retenida(), retenida);
+        const ResumenImportacion r =
+            prueba::esperar(msImportarFichero(vigilado(), false, true, u"-1"_s, false));
+        reloj.stop();
+        QTRY_VERIFY(escrita);
+        QVERIFY2(giros >= 9, qPrintable(QString::number(giros)));
+        QVERIFY(r.leido && !r.fallido);
+        exactamenteUnaVez(n);
+    }
+
     void loQueHaceElUsuarioEntreTramosNoSePierde() {
         const int n = 600;
         escribir(vigilado(), lineasNumeradas(n));
@@ -252,7 +291,7 @@ class TestDriver : public Prueba {
             if (++turnos != 3) return;
             prueba::pendiente(u"0034600000002"_s, u"del usuario"_s, 7);
             bd().exec(u"DELETE FROM Abonados WHERE Codigo='0034600000009'"_s);
-            msImportarFichero(vigilado(), false, true, u"-1"_s, false);
+            prueba::esperar(msImportarFichero(vigilado(), false, true, u"-1"_s, false));
         });
         prueba::contacto(u"0034600000009"_s, u"Borrable"_s, 5, u""_s);
         int lineas = 0;

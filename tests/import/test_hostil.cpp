@@ -3,6 +3,7 @@
 // a log line, never with a broken statement; a reply is read with every
 // value intact or refused with words. QUELMO_HOSTIL sets how many lines and
 // replies (10,000 of each unless set).
+#include <QCoro/QCoroTask>
 #include "AyudaImport.h"
 #include "base/Error.h"
 #include "base/RegistroActividad.h"
@@ -178,7 +179,7 @@ class TestHostil : public Prueba {
             }
             estadoAplicacion().log.clear();
             QString lista = u"-1"_s;
-            msLeerFicheroImport(ruta, false, lista, false);
+            prueba::esperar(msLeerFicheroImport(ruta, false, lista, false));
             QStringList desenlaces = registro();
             const QString resumen = desenlaces.takeLast();
             QCOMPARE(desenlaces.size(), noVacias);

@@ -1,5 +1,6 @@
 // The lines of an import file: fields, accounts, numbers, contacts, lists,
 // encodings and the counts of the closing log line.
+#include <QCoro/QCoroTask>
 #include "AyudaImport.h"
 #include "import/mdoImport.h"
 
@@ -20,7 +21,7 @@ class TestLineas : public Prueba {
     bool importar(const QByteArray& bytes, bool contactos = false, QString lista = u"-1"_s,
                   bool addContactos = false) {
         escribir(fichero(), bytes);
-        return msLeerFicheroImport(fichero(), contactos, lista, addContactos);
+        return prueba::esperar(msLeerFicheroImport(fichero(), contactos, lista, addContactos));
     }
 
   private Q_SLOTS:
@@ -173,7 +174,7 @@ class TestLineas : public Prueba {
     void ficheroQueNoSeAbre() {
         QString lista = u"-1"_s;
         const QString ruta = world.root() + u"/no-esta.txt"_s;
-        QVERIFY(!msLeerFicheroImport(ruta, false, lista, false));
+        QVERIFY(!prueba::esperar(msLeerFicheroImport(ruta, false, lista, false)));
         QCOMPARE(import_prueba::registro(), QStringList{u"Error Abriendo fichero : "_s + ruta});
     }
 

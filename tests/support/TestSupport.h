@@ -8,13 +8,16 @@
 #include "db/Conexion.h"
 #include "delivery/mdoSendRavion.h"
 
+#include <QCoro/QCoroTask>
 #include <QDateTime>
+#include <QEventLoop>
 #include <QList>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QVariantMap>
 #include <QtTest>
+#include <exception>
 #include <functional>
 #include <optional>
 
@@ -172,6 +175,30 @@ void prepareTestApplication();
 // Rows and readings of the shared connection that tests of every subsystem
 // need.
 namespace prueba {
+
+// Awaits a coroutine of the program's from a test, the event loop turning
+// meanwhile, and rethrows what it threw (QCoro's own waitFor would wait
+// for ever on a coroutine that threw).
+template <typename T>
+T esperar(QCoro::Task<T> tarea) {
+    QEventLoop bucle;
+    bool fin = false;
+    std::exception_ptr fallo;
+    std::optional<T> valor;
+    const auto envoltura = [&]() -> QCoro::Task<> {
+        try {
+            valor.emplace(co_await tarea);
+        } catch (...) {
+            fallo = std::current_exception();
+        }
+        fin = true;
+        bucle.quit();
+    };
+    QCoro::Task<> enCurso = envoltura();
+    if (!fin) bucle.exec();
+    if (fallo) std::rethrow_exception(fallo);
+    return std::move(*valor);
+}
 
 BaseDatos& bd();
 
