@@ -12,6 +12,7 @@
 #include <sqlite3.h>
 #include <QLabel>
 #include <QPushButton>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace prueba;
@@ -188,11 +189,8 @@ class TestListas : public QObject {
             u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 2 FROM Abonados WHERE "
             u"rowid % 3 = 0"_s);
         const QString ruta = bd().path();
-        sqlite3* otro = nullptr;
-        if (ajeno) {
-            QCOMPARE(sqlite3_open(ruta.toUtf8().constData(), &otro), SQLITE_OK);
-            QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-        }
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(ruta);
         InterfazGuionada ui;
         ui.answers = {Msg::Yes};
         frmGrupos pantalla;
@@ -203,8 +201,7 @@ class TestListas : public QObject {
             QVERIFY(!pantalla.ListView1->isEnabled() && !pantalla.cmdDelete->isEnabled());
             QTest::qWait(150);
             if (cortar) bd().close();
-            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
-            sqlite3_close(otro);
+            otro->soltar();
         }
         QTRY_VERIFY(!pantalla.ocupada());
         QVERIFY(pantalla.ListView1->isEnabled() && pantalla.cmdDelete->isEnabled());

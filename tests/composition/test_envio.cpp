@@ -15,7 +15,6 @@
 #include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
-#include <sqlite3.h>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -25,6 +24,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTreeView>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using prueba::hijo;
@@ -526,11 +526,8 @@ class TestEnvio : public Prueba {
         };
         const QStringList antes = cuentas();
         const QString ruta = prueba::bd().path();
-        sqlite3* otro = nullptr;
-        if (ajeno) {
-            QCOMPARE(sqlite3_open(ruta.toUtf8().constData(), &otro), SQLITE_OK);
-            QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-        }
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(ruta);
         InterfazGuionada ui;
         frmEnvio f;
         f.show();
@@ -543,8 +540,7 @@ class TestEnvio : public Prueba {
             QTest::qWait(150);
             QVERIFY(f.ocupada());
             if (cortar) prueba::bd().close();
-            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
-            sqlite3_close(otro);
+            otro->soltar();
         }
         QTRY_VERIFY(!f.ocupada());
         QVERIFY(l->isEnabled());

@@ -7,9 +7,9 @@
 #include "scheduling/frmNewMenAuto2.h"
 #include "scheduling/mdoProgramacion.h"
 
-#include <sqlite3.h>
 #include <QLineEdit>
 #include <QPushButton>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace programacion_prueba;
@@ -150,11 +150,8 @@ class TestFrmMenAuto : public Prueba {
         // open, when the other program takes the file: that work must not
         // wait for it on the window's thread either.
         const QString ruta = bd().path();
-        sqlite3* otro = nullptr;
-        if (ajeno) {
-            QCOMPARE(sqlite3_open(ruta.toUtf8().constData(), &otro), SQLITE_OK);
-            QCOMPARE(sqlite3_exec(otro, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-        }
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(ruta);
         p.cmdDelete->click();
         QCOMPARE(cajas(ui), QStringList{caja(Msg::YesNo | 32,
                                              u"Esta seguro que desea eliminar este Envío "
@@ -163,8 +160,7 @@ class TestFrmMenAuto : public Prueba {
             QVERIFY(p.ocupada() && !p.ListView1->isEnabled() && !p.cmdDelete->isEnabled());
             QTest::qWait(150);
             if (cortar) bd().close();
-            sqlite3_exec(otro, "COMMIT", nullptr, nullptr, nullptr);
-            sqlite3_close(otro);
+            otro->soltar();
         }
         QTRY_VERIFY(!p.ocupada());
         QVERIFY(p.ListView1->isEnabled());

@@ -10,6 +10,7 @@
 #include "db/Conexion.h"
 #include "db/Esquema.h"
 
+#include <sqlite3.h>
 #include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
@@ -349,4 +350,18 @@ QString saldo(const Saldo& s) {
     return {};
 }
 
+}  // namespace prueba
+
+namespace prueba {
+OtroPrograma::OtroPrograma(const QString& ruta) {
+    if (sqlite3_open(ruta.toUtf8().constData(), &m_db) != SQLITE_OK ||
+        sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
+        qFatal("another connection could not take the lock of %s", qPrintable(ruta));
+}
+void OtroPrograma::soltar() {
+    if (!m_db) return;
+    sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(m_db);
+    m_db = nullptr;
+}
 }  // namespace prueba

@@ -176,6 +176,20 @@ void prepareTestApplication();
 // need.
 namespace prueba {
 
+// Another program holding the file's write lock, from its construction
+// until `soltar` (or its end), as a script in the sqlite3 shell would.
+class OtroPrograma {
+  public:
+    explicit OtroPrograma(const QString& ruta);
+    ~OtroPrograma() { soltar(); }
+    OtroPrograma(const OtroPrograma&) = delete;
+    OtroPrograma& operator=(const OtroPrograma&) = delete;
+    void soltar();
+
+  private:
+    sqlite3* m_db = nullptr;
+};
+
 // Awaits a coroutine of the program's from a test, the event loop turning
 // meanwhile, and rethrows what it threw (QCoro's own waitFor would wait
 // for ever on a coroutine that threw).
