@@ -12,7 +12,9 @@
 #include "db/Esquema.h"
 #include "db/Nombres.h"
 
+#include <QCoreApplication>
 #include <QHash>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -66,50 +68,96 @@ QString msBuscarAlias(const QString& elemento) {
     return textoDe(r.value(0, 0)).trimmed();
 }
 
-QString agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
-                        int64_t canal) {
+namespace {
+
+// What an add has gone through so far.
+struct Agregado {
+    QStringList elementos;
+    qsizetype siguiente = 0;
     QString rechazados;
-    EntradaBandeja entrada(Conexion());
-    auto rechazar = [&rechazados](const QString& elemento) {
-        if (!rechazados.isEmpty()) rechazados += u';';
-        rechazados += elemento;
-    };
-    for (QString elemento : destinos.split(u';')) {
-        // A failed lookup or insert doesn't stop the others: the element
-        // then counts as done, as it always has.
-        bool contacto = false;
-        try {
-            const QString codigo = msBuscarAlias(elemento);
-            if (!codigo.isEmpty()) {
-                elemento = codigo;
-                contacto = true;
-            }
-        } catch (const ErrorQuelmo& e) {
-            msLog(u"Error buscando el contacto "_s + elemento + u": "_s + e.description());
+    std::optional<EntradaBandeja> entrada;
+};
+
+void rechazar(Agregado& a, const QString& elemento) {
+    if (!a.rechazados.isEmpty()) a.rechazados += u';';
+    a.rechazados += elemento;
+}
+
+// One element of the destinations: a contact's alias or a number.
+void agregarUno(Agregado& a, QString elemento, const QString& texto, bool soloContactos,
+                int64_t canal) {
+    // A failed lookup or insert doesn't stop the others: the element then
+    // counts as done, as it always has.
+    bool contacto = false;
+    try {
+        const QString codigo = msBuscarAlias(elemento);
+        if (!codigo.isEmpty()) {
+            elemento = codigo;
+            contacto = true;
         }
-        if (!esNumerico(elemento)) {
-            msLog(u"Contacto no encontrado --> "_s + elemento);
-            rechazar(elemento);
-            continue;
-        }
-        if (!contacto && soloContactos) {
-            msLog(u"Número no válido. Solo se permite enviar a Contactos dados de alta --> "_s +
-                  elemento);
-            rechazar(elemento);
-            continue;
-        }
-        const Movil::Numero numero = Movil::leer(Movil::Via::Envio, elemento);
-        elemento = numero.numero;
-        try {
-            if (!numero.valido() || !entrada.poner(elemento, texto, qlonglong(canal))) {
-                msLog(u"Número no válido --> "_s + elemento);
-                rechazar(elemento);
-            }
-        } catch (const ErrorQuelmo& e) {
-            msLog(u"Error añadiendo el mensaje para "_s + elemento + u": "_s + e.description());
-        }
+    } catch (const ErrorQuelmo& e) {
+        msLog(u"Error buscando el contacto "_s + elemento + u": "_s + e.description());
     }
-    return rechazados;
+    if (!esNumerico(elemento)) {
+        msLog(u"Contacto no encontrado --> "_s + elemento);
+        rechazar(a, elemento);
+        return;
+    }
+    if (!contacto && soloContactos) {
+        msLog(u"Número no válido. Solo se permite enviar a Contactos dados de alta --> "_s +
+              elemento);
+        rechazar(a, elemento);
+        return;
+    }
+    const Movil::Numero numero = Movil::leer(Movil::Via::Envio, elemento);
+    elemento = numero.numero;
+    try {
+        if (!numero.valido() || !a.entrada->poner(elemento, texto, qlonglong(canal))) {
+            msLog(u"Número no válido --> "_s + elemento);
+            rechazar(a, elemento);
+        }
+    } catch (const ErrorQuelmo& e) {
+        msLog(u"Error añadiendo el mensaje para "_s + elemento + u": "_s + e.description());
+        // The engine undid the whole add (a full disk): nothing may go in
+        // alone after it.
+        if (!Conexion().enTransaccion()) throw;
+    }
+}
+
+// Elements between two looks at the clock: a few milliseconds' worth.
+constexpr int kElementosPorPaso = 50;
+
+}  // namespace
+
+void agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
+                     int64_t canal, AlAgregar alTerminar) {
+    BaseDatos& db = Conexion();
+    // Another write of ours that holds the connection is waited for: it
+    // would refuse every row of this one.
+    if (db.retenida()) {
+        QTimer::singleShot(
+            20, QCoreApplication::instance(),
+            [destinos, texto, soloContactos, canal, alTerminar = std::move(alTerminar)]() mutable {
+                agregarMensajes(destinos, texto, soloContactos, canal, std::move(alTerminar));
+            });
+        return;
+    }
+    auto a = std::make_shared<Agregado>();
+    a->elementos = destinos.split(u';');
+    a->entrada.emplace(db);
+    EscrituraPorTurnos::Paso paso = [a, texto, soloContactos, canal] {
+        for (int k = 0; k < kElementosPorPaso && a->siguiente < a->elementos.size(); ++k)
+            agregarUno(*a, a->elementos.at(a->siguiente++), texto, soloContactos, canal);
+        return a->siguiente < a->elementos.size();
+    };
+    EscrituraPorTurnos::escribir(
+        db, {std::move(paso)},
+        [a, destinos, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            // The screens hear of the rows once they are committed.
+            a->entrada.reset();
+            if (fallo) msLog(u"No se pudieron añadir los mensajes: "_s + fallo->description());
+            alTerminar(fallo ? destinos : a->rechazados, fallo);
+        });
 }
 
 QString textoContador(int caracteres, const QString& nota) {

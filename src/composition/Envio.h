@@ -39,11 +39,16 @@ bool leerSoloContactos();
 // element is blank.
 QString msBuscarAlias(const QString& elemento);
 
-// Splits `destinos` at ";" and inserts one outbox row per accepted element,
-// with `texto` as typed and account `canal`. Returns the refused elements
-// joined by ";"; every refusal has its log line.
-QString agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
-                        int64_t canal);
+// What an add leaves: the refused elements joined by ";" (every refusal
+// has its log line); when the write failed, nothing went in, every element
+// is given back, and `fallo` says why.
+using AlAgregar = std::function<void(const QString& rechazados, const ErrorBD* fallo)>;
+// Splits `destinos` at ";" and puts one outbox row per accepted element,
+// with `texto` as typed and account `canal`: all of them or none, in one
+// transaction written over turns of the event loop, however many the
+// picker chose. A small add ends before this returns.
+void agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
+                     int64_t canal, AlAgregar alTerminar);
 
 // The character counter: "(n)" and the note about the account's texts.
 QString textoContador(int caracteres, const QString& nota);

@@ -5,12 +5,16 @@
 #include <QListView>
 #include <QStringListModel>
 #include <QVBoxLayout>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
 crtAutoComplete::crtAutoComplete(QWidget* parent) : QWidget(parent) {
     m_text1 = new QLineEdit(this);
     m_text1->setObjectName(u"Text1"_s);
+    // The picker may leave every contact of a large book here: the line's
+    // usual limit would cut the list without a word.
+    m_text1->setMaxLength(std::numeric_limits<int>::max());
     m_text1->setToolTip(
         u"Si desea enviar el mensajes a más de un contacto, separe los mismo por ;"_s);
     auto* capa = new QVBoxLayout(this);

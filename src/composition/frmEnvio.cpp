@@ -109,10 +109,6 @@ void frmEnvio::crearCampos() {
 
     crtAutoComplete1 = control<crtAutoComplete>(this, u"crtAutoComplete1"_s);
     crtAutoComplete1->setDelimeter(u";"_s);
-    // The mirror of the box that the add routine and the picker work through.
-    txtDestinos = control<QLineEdit>(this, u"txtDestinos"_s);
-    txtDestinos->setFocusPolicy(Qt::NoFocus);
-    txtDestinos->hide();
 
     txtMensaje = control<QPlainTextEdit>(this, u"txtMensaje"_s);
     txtMensaje->setTabChangesFocus(true);
@@ -282,8 +278,8 @@ void frmEnvio::tomarTexto(const QString& texto) {
 void frmEnvio::cmdAbonados_Click() {
     estadoAplicacion().gsDestinos.clear();
     Pantallas::abrir(u"frmSeleccion"_s);
-    txtDestinos->setText(estadoAplicacion().gsDestinos);
-    crtAutoComplete1->setTexto(txtDestinos->text());
+    m_destinos = estadoAplicacion().gsDestinos;
+    crtAutoComplete1->setTexto(m_destinos);
 }
 
 void frmEnvio::msCargarContactos() {
@@ -298,21 +294,47 @@ void frmEnvio::msCargarContactos() {
 }
 
 void frmEnvio::cmdAnadir_Click() {
-    cmdAnadir->setCursor(Qt::BusyCursor);
-    txtDestinos->setText(crtAutoComplete1->Texto());
-    lblCaracteres->clear();
-    // An empty text is dropped without a word.
-    if (soloBlancos(txtMensaje->toPlainText())) return;
-    if (txtDestinos->text().trimmed().isEmpty()) {
-        ui().msgBox(u"No seleccionó destinatarios para este mensaje .."_s, Msg::Exclamation);
-        cmdAnadir->unsetCursor();
+    anadir({});
+}
+
+void frmEnvio::anadir(std::function<void()> despues) {
+    // One add at a time: "Enviar Todo" during an add only asks for the run.
+    if (m_ocupacion.activa()) {
+        if (despues) despues();
         return;
     }
-    // The list follows the new rows through the outbox notice.
-    const QString rechazados = agregarMensajes(txtDestinos->text(), txtMensaje->toPlainText(),
-                                               leerSoloContactos(), canalElegido());
-    // What was refused stays, with the text, to be mended.
-    txtDestinos->setText(rechazados);
+    cmdAnadir->setCursor(Qt::BusyCursor);
+    m_destinos = crtAutoComplete1->Texto();
+    lblCaracteres->clear();
+    // An empty text is dropped without a word.
+    if (soloBlancos(txtMensaje->toPlainText())) {
+        if (despues) despues();
+        return;
+    }
+    if (m_destinos.trimmed().isEmpty()) {
+        ui().msgBox(u"No seleccionó destinatarios para este mensaje .."_s, Msg::Exclamation);
+        cmdAnadir->unsetCursor();
+        if (despues) despues();
+        return;
+    }
+    // Thousands of destinations go in over turns: meanwhile the text, the
+    // box and the outbox take nothing.
+    m_ocupacion.ocupar(this, {crtAutoComplete1, txtMensaje, ImageCombo1, cmdAbonados, cmdMenPro,
+                              cmdAnadir, ListView1, cmdModificar, cmdEliminar, cmdEliminarTodos});
+    QPointer<frmEnvio> pantalla(this);
+    agregarMensajes(
+        m_destinos, txtMensaje->toPlainText(), leerSoloContactos(), canalElegido(),
+        [pantalla, despues = std::move(despues)](const QString& rechazados, const ErrorBD*) {
+            if (pantalla) pantalla->tomarRechazados(rechazados);
+            if (despues) despues();
+        });
+}
+
+void frmEnvio::tomarRechazados(const QString& rechazados) {
+    m_ocupacion.soltar();
+    // What was refused stays, with the text, to be mended. The list
+    // follows the new rows through the outbox notice.
+    m_destinos = rechazados;
     if (rechazados.isEmpty()) txtMensaje->clear();
     crtAutoComplete1->setTexto(rechazados);
     msPintarBandeja();
@@ -370,8 +392,8 @@ void frmEnvio::cmdModificar_Click() {
         // Modifying takes the row back into the compose fields.
         const std::optional<MensajeRetirado> m = retirarDeBandeja(id);
         if (!m) return;
-        txtDestinos->setText(m->destino);
-        crtAutoComplete1->setTexto(txtDestinos->text());
+        m_destinos = m->destino;
+        crtAutoComplete1->setTexto(m_destinos);
         txtMensaje->setPlainText(m->texto);
     } catch (const ErrorQuelmo& e) {
         msLog(u"No se pudo modificar el mensaje "_s + id + u": "_s + e.description());
@@ -410,8 +432,14 @@ void frmEnvio::cmdEliminarTodos_Click() {
 // ---- sending, balance, recharge -------------------------------------------
 
 void frmEnvio::cmdEnviar_Click() {
-    // A finished compose goes along.
-    cmdAnadir_Click();
+    // A finished compose goes along, and the run comes once it is stored.
+    QPointer<frmEnvio> pantalla(this);
+    anadir([pantalla] {
+        if (pantalla) pantalla->pedirEnvio();
+    });
+}
+
+void frmEnvio::pedirEnvio() {
     if (!estadoAplicacion().gbEnviando) {
         cmdEnviar->setCursor(Qt::BusyCursor);
         setCursor(Qt::BusyCursor);

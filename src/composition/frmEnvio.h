@@ -5,6 +5,7 @@
 #include <QCoro/QCoroTask>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
 
 class ImagenInterruptor;
 class Listado;
@@ -46,6 +47,10 @@ class frmEnvio : public QWidget {
     void colocar();
     void cmdAbonados_Click();
     void cmdAnadir_Click();
+    // The add routine; `despues` runs once it has ended, whatever the end.
+    void anadir(std::function<void()> despues);
+    void tomarRechazados(const QString& rechazados);
+    void pedirEnvio();
     void cmdEnviar_Click();
     void cmdModificar_Click();
     void cmdEliminar_Click();
@@ -67,7 +72,9 @@ class frmEnvio : public QWidget {
 
     QComboBox* ImageCombo1 = nullptr;
     crtAutoComplete* crtAutoComplete1 = nullptr;
-    QLineEdit* txtDestinos = nullptr;
+    // The box's text as the add routine and the picker work through it;
+    // not a hidden line of its own, which would lay out every name again.
+    QString m_destinos;
     QPlainTextEdit* txtMensaje = nullptr;
     QLabel* lblCaracteres = nullptr;
     QLabel* lblmas = nullptr;

@@ -297,6 +297,10 @@ void BaseDatos::fail(const QString& sql) {
                        : QString());
 }
 
+bool BaseDatos::enTransaccion() const {
+    return m_db && sqlite3_get_autocommit(m_db) == 0;
+}
+
 void BaseDatos::retener(bool retenida) {
     m_retenida = retenida;
     m_pasoPropio = false;

@@ -110,6 +110,9 @@ class BaseDatos {
     void savepoint(const QString& name);
     void release(const QString& name);
     void rollbackTo(const QString& name);
+    // A transaction is open: false after an error that made the engine undo
+    // it (a full disk), which a routine passing over failures must not miss.
+    bool enTransaccion() const;
 
     sqlite3* handle() const { return m_db; }
 

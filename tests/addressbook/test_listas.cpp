@@ -166,13 +166,7 @@ class TestListas : public QObject {
     // A large list is deleted over turns, whole or not at all, waiting for
     // a lock another program holds without holding the window; meanwhile
     // the screen takes nothing. Its contacts and the other lists stay.
-    void aLargeListGoesWhole_data() {
-        QTest::addColumn<bool>("ajeno");
-        QTest::addColumn<bool>("cortar");
-        QTest::newRow("deleted") << false << false;
-        QTest::newRow("another program holds the file a moment") << true << false;
-        QTest::newRow("the file closed while it waits") << true << true;
-    }
+    void aLargeListGoesWhole_data() { prueba::filasOtroPrograma("deleted"); }
     void aLargeListGoesWhole() {
         QFETCH(bool, ajeno);
         QFETCH(bool, cortar);

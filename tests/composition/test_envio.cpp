@@ -23,6 +23,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QTreeView>
 #include <optional>
 
@@ -40,6 +41,14 @@ QStringList abonadosEnBandeja() {
 }
 void sql(const QString& s, const QVariantList& p = {}) {
     Conexion().exec(s, p);
+}
+// The add routine, to its end: what it refused.
+QString agregar(const QString& destinos) {
+    std::optional<QString> rechazados;
+    agregarMensajes(destinos, u"hola"_s, false, 1,
+                    [&](const QString& r, const ErrorBD*) { rechazados = r; });
+    if (!QTest::qWaitFor([&] { return rechazados.has_value(); })) return u"(sin terminar)"_s;
+    return rechazados.value_or(u"(sin terminar)"_s);
 }
 }  // namespace
 
@@ -131,6 +140,7 @@ class TestEnvio : public Prueba {
         frmEnvio f;
         escribir(f, destinos, u"Hola\nqué tal"_s);
         hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QTRY_VERIFY(!f.ocupada());
 
         QCOMPARE(abonadosEnBandeja(), filas);
         QCOMPARE(hijo<QLineEdit>(f, u"Text1"_s)->text(), queda);
@@ -163,6 +173,7 @@ class TestEnvio : public Prueba {
         // Only blanks count as empty: line breaks are a text.
         escribir(f, u"ana"_s, u" \n\n"_s);
         hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QTRY_VERIFY(!f.ocupada());
         QCOMPARE(abonadosEnBandeja(), QStringList{u"0034600000001"_s});
     }
 
@@ -312,7 +323,7 @@ class TestEnvio : public Prueba {
         } else if (orden == u"vaciar"_s) {
             vaciarBandeja([](const ErrorBD* fallo) { QVERIFY(!fallo); });
         } else {
-            agregarMensajes(arg, u"hola"_s, false, 1);
+            agregar(arg);
         }
         QTEST(abonadosEnBandeja(), "quedan");
         QCOMPARE(int(bandeja.count()), avisos);
@@ -322,7 +333,7 @@ class TestEnvio : public Prueba {
         InterfazGuionada ui;
         frmEnvio f;
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
-        agregarMensajes(u"ana;pepe"_s, u"hola"_s, false, 1);
+        QCOMPARE(agregar(u"ana;pepe"_s), QString());
         QCOMPARE(lista(f, 1, 2), u"0034600000002"_s);
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
     }
@@ -362,6 +373,71 @@ class TestEnvio : public Prueba {
         }
         // The screen's listening goes with it: a text chosen later reaches nobody.
         Q_EMIT Avisos::instancia().textoElegido(u"x"_s);
+    }
+
+    // Every contact of a large book, chosen in the picker, goes in: the
+    // box takes the whole list, and the rows go in one transaction over
+    // turns of the event loop, the screen taking nothing meanwhile. Closed
+    // before it is stored, nothing went in and every name stays to be sent.
+    void aLongChoiceGoesInWhole_data() { prueba::filasOtroPrograma("stored"); }
+    void aLongChoiceGoesInWhole() {
+        QFETCH(bool, ajeno);
+        QFETCH(bool, cortar);
+        constexpr int kContactos = 4000;
+        sql(u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Abonados (Codigo,Alias,Canal) "
+            u"SELECT '0034' || (610000000 + i), printf('contacto %04d', i), 1 FROM n"_s,
+            {kContactos - 1});
+        QStringList nombres;
+        for (int i = 0; i < kContactos; ++i)
+            nombres.append(u"contacto %1"_s.arg(i, 4, 10, QChar(u'0')));
+        const QString elegidos = nombres.join(u';');
+        Pantallas::registrar(u"frmSeleccion"_s, [&] { estadoAplicacion().gsDestinos = elegidos; });
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(prueba::bd().path());
+        InterfazGuionada ui;
+        frmEnvio f;
+        f.show();
+        hijo<QPushButton>(f, u"cmdAbonados"_s)->click();
+        auto* caja = hijo<QLineEdit>(f, u"Text1"_s);
+        QCOMPARE(caja->text().size(), elegidos.size());
+        auto* texto = hijo<QPlainTextEdit>(f, u"txtMensaje"_s);
+        texto->setPlainText(u"a todos"_s);
+        int giros = 0;
+        QTimer reloj;
+        connect(&reloj, &QTimer::timeout, [&] { ++giros; });
+        reloj.start(1);
+        hijo<QPushButton>(f, u"cmdAñadir"_s)->click();
+        QVERIFY(f.ocupada());
+        QVERIFY(!caja->isEnabled() && !texto->isEnabled() &&
+                !hijo<QPushButton>(f, u"cmdEliminarTodos"_s)->isEnabled());
+        if (ajeno) {
+            QTest::qWait(150);
+            QVERIFY(f.ocupada());
+            if (cortar) prueba::bd().close();
+            otro->soltar();
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!f.ocupada(), 20000);
+        QVERIFY(caja->isEnabled() && texto->isEnabled());
+        if (cortar) {
+            QCOMPARE(caja->text(), elegidos);
+            QCOMPARE(texto->toPlainText(), u"a todos"_s);
+            QCOMPARE(lineasLog().last(),
+                     u"No se pudieron añadir los mensajes: La conexión con la base de datos se "
+                     u"cerró"_s);
+            TestDb::openShared(m_ruta);
+            QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 0);
+            return;
+        }
+        QVERIFY2(giros > 2, qPrintable(QString::number(giros)));
+        QCOMPARE(caja->text(), QString());
+        QCOMPARE(texto->toPlainText(), QString());
+        QCOMPARE(prueba::cuantos(u"SELECT count(DISTINCT Abonado) FROM envios WHERE Mensaje = "
+                                 u"'a todos' AND Canal = 1"_s),
+                 kContactos);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), kContactos);
+        QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"4000 mensajes listos para enviar"_s);
+        QVERIFY(ui.boxes.isEmpty());
     }
 
     void opensOnceInTheFrameAt100() {
@@ -505,13 +581,7 @@ class TestEnvio : public Prueba {
     // Emptied, each account's kept count is zero and goes on counting, and
     // the numbers handed out are never handed out again. Closed before it
     // ends, the outbox is as it was.
-    void aFullOutboxIsEmptiedWhole_data() {
-        QTest::addColumn<bool>("ajeno");
-        QTest::addColumn<bool>("cortar");
-        QTest::newRow("emptied") << false << false;
-        QTest::newRow("another program holds the file a moment") << true << false;
-        QTest::newRow("the file closed while it waits") << true << true;
-    }
+    void aFullOutboxIsEmptiedWhole_data() { prueba::filasOtroPrograma("emptied"); }
     void aFullOutboxIsEmptiedWhole() {
         QFETCH(bool, ajeno);
         QFETCH(bool, cortar);
@@ -554,7 +624,7 @@ class TestEnvio : public Prueba {
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), QString());
         QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 0);
         QCOMPARE(cuentas(), QStringList());
-        agregarMensajes(u"ana;pepe"_s, u"hola"_s, false, 1);
+        QCOMPARE(agregar(u"ana;pepe"_s), QString());
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"2 mensajes listos para enviar"_s);
         sql(u"DELETE FROM envios WHERE Abonado = '0034600000001'"_s);
         QCOMPARE(cuentas(), QStringList{u"1|1"_s});

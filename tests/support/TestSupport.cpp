@@ -358,6 +358,13 @@ OtroPrograma::OtroPrograma(const QString& ruta) {
         sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
         qFatal("another connection could not take the lock of %s", qPrintable(ruta));
 }
+void filasOtroPrograma(const char* sola) {
+    QTest::addColumn<bool>("ajeno");
+    QTest::addColumn<bool>("cortar");
+    QTest::newRow(sola) << false << false;
+    QTest::newRow("another program holds the file a moment") << true << false;
+    QTest::newRow("the file closed while it waits") << true << true;
+}
 void OtroPrograma::soltar() {
     if (!m_db) return;
     sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);

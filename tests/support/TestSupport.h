@@ -190,6 +190,11 @@ class OtroPrograma {
     sqlite3* m_db = nullptr;
 };
 
+// The rows of a test of a write over turns, in columns "ajeno" and
+// "cortar": `sola` alone; another program holding the file a moment; the
+// file closed while the write waits for it.
+void filasOtroPrograma(const char* sola);
+
 // Awaits a coroutine of the program's from a test, the event loop turning
 // meanwhile, and rethrows what it threw (QCoro's own waitFor would wait
 // for ever on a coroutine that threw).
