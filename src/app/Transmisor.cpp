@@ -78,11 +78,17 @@ void Transmisor::Timer1_Timer() {
     // No tick can come while this one runs.
     m_timer.stop();
     m_seguido.stop();
-    // Scheduled messages go into the outbox whatever the switch says.
-    clsTareasPendientes().ReLoad();
-    // The run goes on from the event loop as its exchanges end; the tick
-    // ends with it.
-    QCoro::connect(SendMessage(), this, [this](bool lleno) { terminarTick(lleno); });
+    // Scheduled messages go into the outbox whatever the switch says, and
+    // what fell due goes out in this run, once it is stored.
+    QCoro::connect(clsTareasPendientes::ReLoad(), this, [this](int16_t) {
+        if (m_detenido) {
+            terminarTick(false);
+            return;
+        }
+        // The run goes on from the event loop as its exchanges end; the
+        // tick ends with it.
+        QCoro::connect(SendMessage(), this, [this](bool lleno) { terminarTick(lleno); });
+    });
 }
 
 void Transmisor::terminarTick(bool lleno) {

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 #include <algorithm>
+#include <coroutine>
 #include <memory>
 #include <optional>
 
@@ -185,6 +186,41 @@ void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
     tomar(db, db.apertura(), QDeadlineTimer(db.espera()), std::move(pasos), std::move(alTerminar));
 }
 
+namespace {
+// Awaits a write: the coroutine goes on where the write ends, at once when
+// it ended within the call.
+struct EsperaEscritura {
+    struct Estado {
+        std::optional<ErrorBD> fallo;
+        bool terminada = false;
+        std::coroutine_handle<> continuar;
+    };
+    BaseDatos& db;
+    std::vector<Paso> pasos;
+    std::shared_ptr<Estado> e = std::make_shared<Estado>();
+    bool await_ready() const noexcept { return false; }
+    bool await_suspend(std::coroutine_handle<> continuar) {
+        auto estado = e;
+        escribir(db, std::move(pasos), [estado](const ErrorBD* fallo) {
+            if (fallo) estado->fallo = *fallo;
+            estado->terminada = true;
+            if (estado->continuar) estado->continuar.resume();
+        });
+        if (e->terminada) return false;
+        e->continuar = continuar;
+        return true;
+    }
+    std::optional<ErrorBD> await_resume() { return std::move(e->fallo); }
+};
+}  // namespace
+
+QCoro::Task<std::optional<ErrorBD>> escrito(BaseDatos& db, std::vector<Paso> pasos) {
+    // Named, never a temporary of the co_await: g++ 12 destroys such a
+    // temporary twice.
+    EsperaEscritura espera{db, std::move(pasos)};
+    co_return co_await espera;
+}
+
 void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
     empezar(db, std::move(pasos), std::move(alTerminar), false);
 }
@@ -203,14 +239,13 @@ QVariant primero(const ResultadoConsulta& r) {
 }
 }  // namespace
 
-Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
-               int* filas) {
-    struct Tramo {
+Paso porTramos(BaseDatos& db, const Recorrido& recorrido, Tramo tramo) {
+    struct Estado {
         bool empezado = false;
         QVariant desde;
         qint64 largo = 1024;
     };
-    auto t = std::make_shared<Tramo>();
+    auto t = std::make_shared<Estado>();
     const QString& c = recorrido.columna;
     const QString desde = u" FROM "_s + recorrido.tabla + u" WHERE "_s +
                           (recorrido.donde.isEmpty() ? u"1"_s : recorrido.donde) + u" AND "_s;
@@ -221,8 +256,8 @@ Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido&
     const QString siguienteSql =
         u"SELECT "_s + c + desde + c + u" > ? ORDER BY "_s + c + u" LIMIT 1"_s;
     const QVariantList donde = recorrido.params;
-    return [&db, sql = std::move(sql), params = std::move(params), primeroSql, ultimoSql, hastaSql,
-            siguienteSql, donde, filas, t] {
+    return [&db, tramo = std::move(tramo), primeroSql, ultimoSql, hastaSql, siguienteSql, donde,
+            t] {
         if (!t->empezado) {
             t->empezado = true;
             t->desde = primero(db.query(primeroSql, donde));
@@ -232,14 +267,23 @@ Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido&
         if (hasta.isNull()) hasta = primero(db.query(ultimoSql, donde));
         QElapsedTimer reloj;
         reloj.start();
-        const int n = db.exec(sql, params + QVariantList{t->desde, hasta});
-        if (filas) *filas += n;
+        tramo(t->desde, hasta);
         // The next stretch as long as fits the aim, growing by four at most.
         const qint64 ms = std::max<qint64>(1, reloj.elapsed());
         t->largo = std::clamp<qint64>(t->largo * kRangoMs / ms, 256, t->largo * 4);
         t->desde = primero(db.query(siguienteSql, donde + QVariantList{hasta}));
         return !t->desde.isNull();
     };
+}
+
+Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
+               int* filas) {
+    return porTramos(db, recorrido,
+                     [&db, sql = std::move(sql), params = std::move(params), filas](
+                         const QVariant& desde, const QVariant& hasta) {
+                         const int n = db.exec(sql, params + QVariantList{desde, hasta});
+                         if (filas) *filas += n;
+                     });
 }
 
 Paso vaciar(BaseDatos& db, QString tabla, int* filas) {

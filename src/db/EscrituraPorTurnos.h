@@ -2,7 +2,9 @@
 
 #include "db/BaseDatos.h"
 
+#include <QCoro/QCoroTask>
 #include <functional>
+#include <optional>
 #include <vector>
 
 // A write too large for one turn of the event loop (emptying a table of
@@ -27,6 +29,8 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 // A lock another program holds is waited for between turns, as long as the
 // connection's wait, not on the caller's stack.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
+// The same for a coroutine: empty once committed, else why it failed.
+QCoro::Task<std::optional<ErrorBD>> escrito(BaseDatos& db, std::vector<Paso> pasos);
 
 // The same steps without a transaction of its own: each statement, or a
 // step's own transaction, stands alone (the connection's temporary tables,
@@ -46,12 +50,16 @@ struct Recorrido {
     QString donde = {};
     QVariantList params = {};
 };
+// What is done with one stretch of a walk, its first and last value.
+using Tramo = std::function<void(const QVariant& desde, const QVariant& hasta)>;
+// `tramo` run over stretches of a walk, each as long as takes a few
+// milliseconds.
+Paso porTramos(BaseDatos& db, const Recorrido& recorrido, Tramo tramo);
 // `sql` run over stretches of a walk: its last two parameters, after
-// `params`, are a stretch's first and last value, a stretch as long as
-// takes a few milliseconds. Rows written in the order of an index's own
-// column go into that index one after the other, where the order of the
-// row numbers would scatter them. `filas`, when given, adds up the rows
-// changed.
+// `params`, are a stretch's first and last value. Rows written in the
+// order of an index's own column go into that index one after the other,
+// where the order of the row numbers would scatter them. `filas`, when
+// given, adds up the rows changed.
 Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
                int* filas = nullptr);
 // Empties `tabla` (its rows changed into `filas`), its indexes dropped one

@@ -4,6 +4,7 @@
 
 #include "base/InterfazUsuario.h"
 
+#include <QCoro/QCoroTask>
 #include <QDateTime>
 #include <QString>
 #include <cstdint>
@@ -21,17 +22,19 @@ inline constexpr int kEstiloPreguntaPendientes = Msg::YesNo + Msg::Information;
 class clsTareasPendientes {
   public:
     // At each tick: fires what falls due in this minute, without a word,
-    // going on past any failure. Returns the number of rows fired.
+    // going on past any failure. Gives the number of rows fired, once they
+    // are stored: a run of many recipients is written over turns of the
+    // event loop, in one transaction.
     // During a re-work of the next runs (see ProximasTareas) it first
     // takes the re-work on by `filasRepaso` rows (a few milliseconds),
     // then looks only at the rows already reached; the re-work fires the
     // others when it reaches them.
-    int16_t ReLoad(int filasRepaso = 100);
+    static QCoro::Task<int16_t> ReLoad(int filasRepaso = 100);
     // One slice of a re-work under way: the next rows in the order of the
     // codes, at most `filasMax` and what fits in `msMax` (0: no limit),
     // worked out at the clock of now and fired when due, as the tick
-    // would. Returns the number of rows fired.
-    int16_t Repasar(int filasMax = 200, qint64 msMax = 3);
+    // would. Gives the number of rows fired.
+    static QCoro::Task<int16_t> Repasar(int filasMax = 200, qint64 msMax = 3);
     // Has a re-work under way go on from the event loop, slice after slice.
     static void programarRepaso(int esperaMs = 0);
     // At start-up, before asking (preguntaPendientes()): whether runs of
@@ -51,11 +54,8 @@ class clsTareasPendientes {
     // next run of the others that changed; all in one commit, with
     // `ademas` run inside it. With `reloj`, stops after `msMax` and leaves
     // in `filas` how many rows of the first `*filas` it judged.
-    int16_t juzgar(const QDateTime& ahora, const QElapsedTimer* reloj, qint64 msMax = 0,
-                   int* filas = nullptr, const std::function<void()>& ademas = {});
-    // Queues one outbox row per recipient and records `ultima()` as the
-    // row's last run, once for each recipient; in the caller's transaction.
-    void dispararFila(int32_t codigo, const std::function<QDateTime()>& ultima, bool pasarFallos);
+    QCoro::Task<int16_t> juzgar(QDateTime ahora, const QElapsedTimer* reloj, qint64 msMax = 0,
+                                int* filas = nullptr, std::function<void()> ademas = {});
 
     ResultadoConsulta m_activas;
     bool m_escrito = false;  // the last judgement's commit went through

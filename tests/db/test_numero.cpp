@@ -154,7 +154,7 @@ class TestNumero : public Prueba {
             u"(2,'+34600000005','programado'),(2,'6.290.000','mal')"_s);
         {
             RelojFijo reloj(prueba::en(u"15/03/2006 11:30:10"_s));
-            QCOMPARE(clsTareasPendientes().ReLoad(), 1);
+            QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
         }
         QCOMPARE(cambios.count(), 5);
 

@@ -182,10 +182,10 @@ class TestProximasTareas : public Prueba {
             mono += 30000;
             const QMap<int, QString> esperadas = debidas();
             const QMap<int, QString> antes = ultimas();
-            int cuenta =
-                tanda > 0 ? clsTareasPendientes().ReLoad(tanda) : clsTareasPendientes().ReLoad();
+            int cuenta = prueba::esperar(clsTareasPendientes::ReLoad(tanda > 0 ? tanda : 100));
             if (tanda == 0)
-                while (ProximasTareas::repasadoHasta()) cuenta += clsTareasPendientes().Repasar();
+                while (ProximasTareas::repasadoHasta())
+                    cuenta += prueba::esperar(clsTareasPendientes::Repasar());
             QCOMPARE(cuenta, int(esperadas.size()));
             QMap<int, QString> disparadas;
             const QMap<int, QString> despues = ultimas();
@@ -269,7 +269,7 @@ class TestProximasTareas : public Prueba {
                                  u"tbl_name = 'Automaticos' AND sql LIKE '%Tarea%' ORDER BY 1"_s),
                  (QStringList{u"Automaticos_Programado"_s, u"Automaticos_RevisarTarea"_s}));
         RelojFijo reloj(en(u"15/03/2006 10:00:20"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 1);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
         QCOMPARE(prueba::filas(u"SELECT ProximaTarea, UltimaTarea FROM Automaticos"_s),
                  (QStringList{u"2006-03-15 10:00:00|2006-03-15 10:00:00"_s, u"|"_s}));
     }

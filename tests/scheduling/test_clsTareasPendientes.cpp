@@ -5,6 +5,9 @@
 #include "db/Conexion.h"
 #include "scheduling/clsTareasPendientes.h"
 
+#include <QTimer>
+#include <optional>
+
 using namespace Qt::StringLiterals;
 using prueba::en;
 using prueba::programa;
@@ -110,7 +113,7 @@ class TestTareasPendientes : public Prueba {
         int disparadasAlTic = -1;
         const auto unTic = [&] {
             clock.set(en(u"15/03/2006 "_s + tic));
-            disparadasAlTic = clsTareasPendientes().ReLoad();
+            disparadasAlTic = prueba::esperar(clsTareasPendientes::ReLoad());
         };
         QVERIFY(clsTareasPendientes().HayPendientesHoy());
         if (ticEnLaPregunta) unTic();
@@ -141,7 +144,7 @@ class TestTareasPendientes : public Prueba {
             u"BEGIN UPDATE escrituras SET n = n + 1; END;"_s);
         InterfazGuionada ui;
         RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 1);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
         const QString sufijo = u"|2|2006-03-15 10:00:20"_s;
         QCOMPARE(enCola(), QStringList({u"0034600000001|uno|1"_s + sufijo,
                                         u"0034600000002|l'hora d'anar-hi|2"_s + sufijo,
@@ -149,12 +152,74 @@ class TestTareasPendientes : public Prueba {
         QCOMPARE(prueba::cuantos(u"SELECT n FROM escrituras"_s), 4);
     }
 
+    // A run of many recipients is written over turns of the event loop in
+    // one transaction: the loop turns meanwhile, and every recipient goes
+    // in once. A lock another program holds is waited for between turns;
+    // closed before the run is stored, nothing of it went in, and the row
+    // is still due at the next tick.
+    void aLargeRunGoesOverTurns_data() { prueba::filasOtroPrograma("stored"); }
+    void aLargeRunGoesOverTurns() {
+        QFETCH(bool, ajeno);
+        QFETCH(bool, cortar);
+        constexpr int kDestinatarios = 20000;
+        programa(7, kSemanal10);
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Abonados (Codigo, Alias, Canal) "
+            u"SELECT '0034' || (610000000 + i), 'c' || i, 1 + i % 2 FROM n"_s,
+            {kDestinatarios - 1});
+        bd().exec(
+            u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) "
+            u"SELECT 7, Codigo, 'hola ' || Alias FROM Abonados"_s);
+        const QString ruta = bd().path();
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(ruta);
+        RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
+        int giros = 0;
+        QTimer reloj;
+        // Turns the loop takes while the write holds the connection.
+        connect(&reloj, &QTimer::timeout, [&] { giros += bd().retenida() ? 1 : 0; });
+        reloj.start(1);
+        std::optional<int> disparadas;
+        QCoro::connect(clsTareasPendientes::ReLoad(), this, [&](int16_t n) { disparadas = n; });
+        if (ajeno) {
+            QTest::qWait(150);
+            QVERIFY(!disparadas);
+            if (cortar) bd().close();
+            otro->soltar();
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(disparadas.has_value(), 30000);
+        QCOMPARE(*disparadas, 1);
+        // Each recipient with its own text, through its contact's account.
+        const auto encolados = [] {
+            return prueba::cuantos(
+                u"SELECT count(DISTINCT envios.Abonado) FROM envios JOIN Abonados ON "
+                u"Abonados.Codigo = envios.Abonado WHERE envios.Mensaje = 'hola ' || "
+                u"Abonados.Alias "
+                u"AND envios.Canal = Abonados.Canal"_s);
+        };
+        if (cortar) {
+            TestDb::openShared(ruta);
+            QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), 0);
+            QCOMPARE(ultimaTarea(7), QString());
+            QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
+        } else {
+            QVERIFY2(giros >= 10, qPrintable(QString::number(giros)));
+        }
+        QCOMPARE(encolados(), kDestinatarios);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), kDestinatarios);
+        QCOMPARE(ultimaTarea(7), u"2006-03-15 10:00:00"_s);
+        // The second tick of the minute finds it done.
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 0);
+        QCOMPARE(prueba::cuantos(u"SELECT count(*) FROM envios"_s), kDestinatarios);
+    }
+
     // Without recipients a due row counts, but queues nothing and stays due.
     void rowWithoutRecipientsStaysDue() {
         programa(1, kSemanal10);
         programa(2, u"TareaProgramada=0 "_s + kSemanal10);
         RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 1);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
         clock.set(en(u"15/03/2006 12:00:00"_s));
         for (int arranque = 0; arranque < 2; ++arranque) {
             QVERIFY(clsTareasPendientes().HayPendientesHoy());
@@ -173,7 +238,7 @@ class TestTareasPendientes : public Prueba {
         conDestinatario(2, u"Periodicidad=3 MensualEsDia=1 MensualDiaMes=31"_s);  // no 31 April
         conDestinatario(3, u"Periodicidad=1 Hora=10:00"_s);
         RelojFijo clock(en(u"10/04/2006 10:00:20"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 2);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 2);
         QVERIFY(ultimaTarea(2).isEmpty());
         QCOMPARE(ultimaTarea(3), u"2006-04-10 10:00:00"_s);
 

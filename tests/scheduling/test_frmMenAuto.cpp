@@ -19,7 +19,7 @@ namespace {
 // The stored next runs worked out, as the first tick after the open does.
 void alDia() {
     ProximasTareas::ponerAlDia();
-    while (ProximasTareas::repasadoHasta()) clsTareasPendientes().Repasar();
+    while (ProximasTareas::repasadoHasta()) prueba::esperar(clsTareasPendientes::Repasar());
 }
 
 void recipiente(int automatico, const QString& numero) {

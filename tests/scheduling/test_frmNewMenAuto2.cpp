@@ -279,7 +279,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         t.setCodigo(7);
         t.CalcularProximaTarea();
         QVERIFY(t.HayTarea() && t.FechaProximaTarea() > ahora);
-        QCOMPARE(clsTareasPendientes().ReLoad(), 0);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 0);
         QVERIFY(ui.boxes.isEmpty());
     }
 
@@ -535,15 +535,15 @@ class TestFrmNewMenAuto2 : public Prueba {
             QCOMPARE(e.lblProximaTarea->text(), u"Programado: 15/03/2006 10:01:00"_s);
             e.XPButton2->click();
         }
-        QCOMPARE(clsTareasPendientes().ReLoad(), 0);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 0);
         reloj.set(en(u"15/03/2006 10:01:10"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 1);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 1);
         QCOMPARE(
             columna(u"select abonado || ' ' || mensaje || ' ' || canal from envios "
                     u"order by abonado"_s),
             (QStringList{u"0034600000001 Ana, Buenos días 0"_s, u"0034600000002 Para Bea 1"_s}));
         reloj.set(en(u"15/03/2006 10:01:40"_s));
-        QCOMPARE(clsTareasPendientes().ReLoad(), 0);
+        QCOMPARE(prueba::esperar(clsTareasPendientes::ReLoad()), 0);
         QVERIFY(ui.boxes.isEmpty());
     }
 };

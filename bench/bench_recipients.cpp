@@ -1,0 +1,178 @@
+// Figures for choosing many recipients and writing to them, at 5,000,
+// 50,000 and 500,000 contacts, half of them in one list: the compose
+// screen and the picker opening, "Todos >>" and "Aceptar" in the picker,
+// "Añadir" in the compose screen with every contact and with the list, a
+// multi-send given the list's members, and the tick that fires it. Beside
+// each figure, the largest stall of the window's event loop.
+#include "SondaBucle.h"
+#include "TestSupportGui.h"
+#include "base/EstadoAplicacion.h"
+#include "base/Reloj.h"
+#include "composition/crtAutoComplete.h"
+#include "composition/frmEnvio.h"
+#include "composition/frmSeleccion.h"
+#include "db/Conexion.h"
+#include "scheduling/ProximasTareas.h"
+#include "scheduling/clsTareasPendientes.h"
+#include "scheduling/mdoProgramacion.h"
+#include "widgets/Listado.h"
+
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void llenar(BaseDatos& bd, int contactos) {
+    bd.begin();
+    bd.exec(u"DELETE FROM AboGrup"_s);
+    bd.exec(u"DELETE FROM Abonados"_s);
+    bd.exec(u"DELETE FROM envios"_s);
+    bd.exec(u"DELETE FROM AboAuto"_s);
+    bd.exec(u"DELETE FROM Automaticos"_s);
+    bd.exec(
+        u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?), "
+        u"k(k) AS (SELECT (i * 7919) % ? FROM n) "
+        u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) "
+        u"SELECT '0034' || (600000000 + k), "
+        u"CASE k % 10 WHEN 0 THEN 'Álvaro' WHEN 1 THEN 'beatriz' WHEN 2 THEN 'Carmen' "
+        u"WHEN 3 THEN 'David' WHEN 4 THEN 'Elena' WHEN 5 THEN 'Ñuño' WHEN 6 THEN 'óscar' "
+        u"WHEN 7 THEN 'Pilar' WHEN 8 THEN 'Quique' ELSE 'Rosa' END || ' ' || printf('%06d', k), "
+        u"'comentario ' || (k % 977), k % 3 FROM k"_s,
+        {contactos - 1, contactos});
+    bd.exec(
+        u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 0 FROM Abonados "
+        u"WHERE CAST(substr(Codigo, 5) AS INTEGER) % 2 = 1"_s);
+    bd.commit();
+}
+
+struct Medida {
+    QElapsedTimer reloj;
+    Sonda sonda;
+    void empezar() {
+        sonda.empezar();
+        reloj.start();
+    }
+};
+
+void cifra(const QString& que, Medida& m, int limite) {
+    const qint64 ms = m.reloj.elapsed();
+    for (QDeadlineTimer resto(50); !resto.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, resto.remainingTime());
+    const qint64 parada = m.sonda.terminar();
+    std::printf("%-58s %6lld ms %6lld ms stall  (target < %d ms)\n", qPrintable(que),
+                static_cast<long long>(ms), static_cast<long long>(parada), limite);
+    std::fflush(stdout);
+}
+
+template <class T>
+T* hijo(QObject* padre, const QString& nombre) {
+    return prueba::hijo<T>(padre, nombre);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    BancoPantallas banco(argc, argv);
+    BaseDatos& bd = Conexion();
+    for (int c = 0; c < 3; ++c)
+        bd.exec(
+            u"INSERT INTO Canales (Canal,Nombre,maxmen,Puerto,Host,usuario,clave,Saldo,"
+            u"Principal) VALUES (?,?,160,80,'h','u','c',0,?)"_s,
+            {c, u"Cuenta_%1"_s.arg(c), c == 0 ? 1 : 0});
+    bd.exec(u"INSERT INTO Grupos (Grupo,Nombre) VALUES (0,'Todos')"_s);
+    std::printf(
+        "bench_recipients: contacts at a tenth, once and ten times 50,000, half of them "
+        "in one list\n");
+    QList<int> tamanos;
+    for (const QString& a : QCoreApplication::arguments().mid(1))
+        if (a.toInt() > 0) tamanos.append(a.toInt());
+    if (tamanos.isEmpty()) tamanos = {5000, 50000, 500000};
+    for (const int contactos : tamanos) {
+        llenar(bd, contactos);
+        const QString n = QLocale(QLocale::English).toString(contactos);
+        const QString mitad = QLocale(QLocale::English).toString(contactos / 2);
+        Medida t;
+
+        t.empezar();
+        auto* envio = new frmEnvio;
+        envio->show();
+        QCoreApplication::processEvents();
+        cifra(u"compose screen open, "_s + n, t, 50);
+
+        t.empezar();
+        auto* picker = new frmSeleccion;
+        picker->show();
+        QCoreApplication::processEvents();
+        cifra(u"picker open, "_s + n, t, 50);
+        t.empezar();
+        hijo<QPushButton>(picker, u"cmdTodos"_s)->click();
+        QCoreApplication::processEvents();
+        cifra(u"picker \"Todos >>\" contacts, "_s + n, t, 50);
+        t.empezar();
+        const QString todos = picker->destinosElegidos();
+        cifra(u"picker \"Aceptar\", every contact, "_s + n, t, 50);
+        delete picker;
+
+        auto* caja = hijo<crtAutoComplete>(envio, u"crtAutoComplete1"_s);
+        auto* texto = hijo<QPlainTextEdit>(envio, u"txtMensaje"_s);
+        if (contactos <= 50000) {
+            t.empezar();
+            caja->setTexto(todos);
+            QCoreApplication::processEvents();
+            cifra(u"compose box given every contact, "_s + n, t, 50);
+            texto->setPlainText(u"Hola a todos"_s);
+            t.empezar();
+            hijo<QPushButton>(envio, u"cmdAñadir"_s)->click();
+            while (envio->ocupada()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            cifra(u"compose \"Enviar Mensaje\", every contact, "_s + n, t, 50);
+            std::printf("  outbox rows %lld\n",
+                        numeroDe(bd.query(u"SELECT count(*) FROM envios"_s).value(0, 0)));
+        }
+        delete envio;
+
+        picker = new frmSeleccion;
+        picker->show();
+        QCoreApplication::processEvents();
+        hijo<Listado>(picker, u"lstlistas"_s)->seleccionarFila(0);
+        hijo<QPushButton>(picker, u"Command2"_s)->click();
+        t.empezar();
+        const QString lista = picker->destinosElegidos();
+        cifra(u"picker \"Aceptar\", a list of "_s + mitad, t, 50);
+        delete picker;
+
+        const QStringList aliases = lista.split(u';');
+        if (contactos <= 50000) {
+            t.empezar();
+            const Resultado<int> r = anadirDestinatarios(7, u"Grande"_s, aliases, u"Hola"_s, true);
+            cifra(u"multi-send given a list of "_s + mitad, t, 50);
+            std::printf("  recipients %d\n", r ? *r : -1);
+        } else {
+            bd.exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (7, 'Grande'); "_s);
+            bd.exec(
+                u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) SELECT 7, Abonado, "
+                u"'Hola' FROM AboGrup WHERE Grupo = 0"_s);
+        }
+        // Due now, every day at this minute.
+        const QDateTime ahora = Reloj::now();
+        bd.exec(
+            u"UPDATE Automaticos SET TareaProgramada = 1, Periodicidad = 1, Cada = 1, "
+            u"Hora = ?, FechaIni = ?, FechaFin = ?, UltimaTarea = NULL WHERE Codigo = 7"_s,
+            {QDateTime(QDate(2006, 1, 2), QTime(ahora.time().hour(), ahora.time().minute())),
+             QDate(2006, 1, 1), QDate(9999, 12, 31)});
+        ProximasTareas::guardar(7);
+        bd.exec(u"DELETE FROM envios"_s);
+        int disparadas = 0;
+        t.empezar();
+        disparadas = prueba::esperar(clsTareasPendientes::ReLoad());
+        cifra(u"tick firing a multi-send of "_s + mitad, t, 50);
+        std::printf("  fired %d, outbox rows %lld\n", disparadas,
+                    numeroDe(bd.query(u"SELECT count(*) FROM envios"_s).value(0, 0)));
+    }
+    return 0;
+}
