@@ -23,8 +23,13 @@ class crtAutoComplete : public QWidget {
     void setSearchList(const QString& lista) { m_searchList = lista; }
     QString Delimeter() const { return m_delimitador; }
     void setDelimeter(const QString& d) { m_delimitador = d; }
+    // The whole list, also when the box shows only its start.
     QString Texto() const;
     void setTexto(const QString& texto);
+    // The box shows the start of a list too long to lay out, and how many
+    // names follow; it then takes no typing, and Delete, Backspace or Esc
+    // empty it.
+    bool resumido() const { return !m_completo.isEmpty(); }
 
     QLineEdit* Text1() const { return m_text1; }
     QListView* List1() const { return m_list1.data(); }
@@ -43,6 +48,7 @@ class crtAutoComplete : public QWidget {
   private:
     void teclaSoltada(int tecla);
     bool teclaPulsada(int tecla);
+    bool teclaEnResumen(int tecla);
     void mostrarLista(bool visible);
     void vaciarLista();
     void colocarLista();
@@ -51,5 +57,6 @@ class crtAutoComplete : public QWidget {
     QPointer<QListView> m_list1;
     QStringListModel* m_ofrecidos;
     QString m_searchList;
+    QString m_completo;
     QString m_delimitador = QStringLiteral(";");
 };

@@ -109,6 +109,54 @@ class TestAutoCompletar : public Prueba {
         QVERIFY(box->ofrecidos().isEmpty());
         QCOMPARE(enter.size(), 1);
     }
+
+    // A list of thousands of names, as the picker leaves it, is kept whole
+    // while the box shows its start and how many follow: a line would lay
+    // out every name at each repaint. Typing can't change it; Enter goes
+    // on, and Delete, Backspace or Esc empty the box for typing again.
+    void aLongListShowsItsStart_data() {
+        QTest::addColumn<int>("tecla");
+        QTest::addColumn<bool>("vacia");
+        QTest::newRow("typing") << int(Qt::Key_X) << false;
+        QTest::newRow("Enter") << int(Qt::Key_Return) << false;
+        QTest::newRow("Delete") << int(Qt::Key_Delete) << true;
+        QTest::newRow("Backspace") << int(Qt::Key_Backspace) << true;
+        QTest::newRow("Esc") << int(Qt::Key_Escape) << true;
+    }
+    void aLongListShowsItsStart() {
+        QFETCH(int, tecla);
+        QFETCH(bool, vacia);
+        QWidget ventana;
+        auto* box = new crtAutoComplete(&ventana);
+        box->setSearchList(u"nombre 0001"_s);
+        ventana.show();
+        ventana.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&ventana));
+        QStringList nombres;
+        for (int i = 0; i < 3000; ++i) nombres.append(u"nombre %1"_s.arg(i, 4, 10, QChar(u'0')));
+        const QString lista = nombres.join(u';');
+        box->setTexto(lista);
+        QCOMPARE(box->Texto(), lista);
+        QVERIFY(box->resumido());
+        const QString visto = box->Text1()->text();
+        QVERIFY(visto.size() < 4100);
+        QVERIFY(visto.startsWith(u"nombre 0000;nombre 0001;"_s));
+        QVERIFY2(visto.endsWith(u"nombre 0332;  … y 2667 más"_s), qPrintable(visto.right(40)));
+
+        QSignalSpy enter(box, &crtAutoComplete::enterSinSugerencias);
+        box->Text1()->setFocus();
+        QTest::keyClick(box->Text1(), Qt::Key(tecla));
+        QCOMPARE(enter.size(), tecla == Qt::Key_Return ? 1 : 0);
+        QVERIFY(!box->List1()->isVisible());
+        QCOMPARE(box->Texto(), vacia ? QString() : lista);
+        QCOMPARE(box->resumido(), !vacia);
+        if (!vacia) return;
+        QTest::keyClicks(box->Text1(), u"no"_s);
+        QCOMPARE(box->Texto(), u"no"_s);
+        QCOMPARE(box->ofrecidos(), QStringList{u"nombre 0001"_s});
+        box->setTexto(u"a;b"_s);
+        QCOMPARE(box->Text1()->text(), u"a;b"_s);
+    }
 };
 
 QUELMO_GUI_TEST_MAIN(TestAutoCompletar)

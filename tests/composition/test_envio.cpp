@@ -8,6 +8,7 @@
 #include "base/Pantallas.h"
 #include "composition/Envio.h"
 #include "composition/PantallasEnvio.h"
+#include "composition/crtAutoComplete.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
 #include "widgets/Listado.h"
@@ -399,8 +400,8 @@ class TestEnvio : public Prueba {
         frmEnvio f;
         f.show();
         hijo<QPushButton>(f, u"cmdAbonados"_s)->click();
-        auto* caja = hijo<QLineEdit>(f, u"Text1"_s);
-        QCOMPARE(caja->text().size(), elegidos.size());
+        auto* caja = hijo<crtAutoComplete>(f, u"crtAutoComplete1"_s);
+        QCOMPARE(caja->Texto(), elegidos);
         auto* texto = hijo<QPlainTextEdit>(f, u"txtMensaje"_s);
         texto->setPlainText(u"a todos"_s);
         int giros = 0;
@@ -420,7 +421,7 @@ class TestEnvio : public Prueba {
         QTRY_VERIFY_WITH_TIMEOUT(!f.ocupada(), 20000);
         QVERIFY(caja->isEnabled() && texto->isEnabled());
         if (cortar) {
-            QCOMPARE(caja->text(), elegidos);
+            QCOMPARE(caja->Texto(), elegidos);
             QCOMPARE(texto->toPlainText(), u"a todos"_s);
             QCOMPARE(lineasLog().last(),
                      u"No se pudieron añadir los mensajes: La conexión con la base de datos se "
@@ -430,7 +431,7 @@ class TestEnvio : public Prueba {
             return;
         }
         QVERIFY2(giros > 2, qPrintable(QString::number(giros)));
-        QCOMPARE(caja->text(), QString());
+        QCOMPARE(caja->Texto(), QString());
         QCOMPARE(texto->toPlainText(), QString());
         QCOMPARE(prueba::cuantos(u"SELECT count(DISTINCT Abonado) FROM envios WHERE Mensaje = "
                                  u"'a todos' AND Canal = 1"_s),
