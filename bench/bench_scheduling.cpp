@@ -25,6 +25,7 @@
 #include <QRadioButton>
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -154,9 +155,11 @@ bool editor(int codigo) {
     for (int i = 0; i < kContactos; ++i) aliases << u"Contacto %1"_s.arg(i, 5, 10, QChar(u'0'));
     QElapsedTimer t;
     t.start();
-    const Resultado<int> anadidos =
-        anadirDestinatarios(codigo, u"Grande"_s, aliases, u"Hola"_s, true);
-    std::printf("add 5,000 recipients (one transaction): %.1f ms\n",
+    std::optional<Resultado<int>> anadidos;
+    anadirDestinatarios(codigo, u"Grande"_s, aliases, u"Hola"_s, true,
+                        [&](const Resultado<int>& r) { anadidos.emplace(r); });
+    while (!anadidos) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    std::printf("add 5,000 recipients (one transaction over turns): %.1f ms\n",
                 double(t.nsecsElapsed()) / 1e6);
     frmNewMenAuto2* e = nullptr;
     const Medida abrir = medir(1, [&] {
@@ -171,7 +174,7 @@ bool editor(int codigo) {
     const Medida cerrar = medir(1, [&] { e->XPButton2->click(); });
     linea("frmNewMenAuto2 close (save), 5,000 recipients", kContactos, cerrar, "< 1000 ms");
     delete e;
-    return anadidos && *anadidos == kContactos && enLista == kContactos;
+    return *anadidos && **anadidos == kContactos && enLista == kContactos;
 }
 
 }  // namespace

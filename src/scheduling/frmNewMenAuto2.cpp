@@ -233,8 +233,16 @@ void frmNewMenAuto2::cmdAdd_Click() {
     const QString elegidos = estadoAplicacion().gsDestinos;
     estadoAplicacion().gsDestinos.clear();
     if (elegidos.isEmpty()) return;
-    mostrar(anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo));
-    cargarDestinatarios();
+    // Thousands of recipients go in over turns: meanwhile the editor takes
+    // nothing.
+    m_ocupacion.ocupar(this, {ListView1, cmdAdd, XPButton1, cmdDelete, XPButton3, XPButton2});
+    QPointer<frmNewMenAuto2> pantalla(this);
+    anadirDestinatarios(m_codigo, nombre, elegidos.split(u';'), m_mensaje, m_saludo,
+                        [pantalla](const Resultado<int>& anadidos) {
+                            if (pantalla) pantalla->m_ocupacion.soltar();
+                            mostrar(anadidos);
+                            if (pantalla) pantalla->cargarDestinatarios();
+                        });
 }
 
 void frmNewMenAuto2::XPButton1_Click() {

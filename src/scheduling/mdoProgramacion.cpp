@@ -14,6 +14,9 @@
 
 #include <QLocale>
 #include <QMap>
+#include <QSet>
+#include <map>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -352,59 +355,83 @@ int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {
     return -1;
 }
 
-Resultado<int> anadirDestinatarios(int32_t codigo, const QString& nombre,
-                                   const QStringList& aliases, const QString& mensaje,
-                                   bool saludo) {
-    BaseDatos& db = bd();
-    // Every contact that bears one of the chosen aliases, once, in the
-    // order of the contacts' table.
-    QMap<long long, std::pair<QString, QString>> contactos;
-    QStringList vistos;
-    for (const QString& a : aliases) {
-        const QString clave = ReglaNombres::clave(a);
-        if (a.isEmpty() || vistos.contains(clave)) continue;
-        vistos.append(clave);
-        QVariantList valores;
-        const QString donde = condicionNombre(u"alias"_s, a, valores);
-        const ResultadoConsulta r =
-            db.query(u"select rowid, codigo, alias from abonados where "_s + donde, valores);
-        for (int i = 0; i < r.recordCount(); ++i)
-            contactos.insert(numeroDe(r.value(i, 0)),
-                             {textoDe(r.value(i, 1)), textoDe(r.value(i, 2))});
-    }
-    if (contactos.isEmpty()) return 0;
+namespace {
+// What an add of recipients has gone through so far.
+struct Anadido {
+    enum Paso { kBuscar, kAlta, kCambio, kDestinatarios } paso = kBuscar;
+    QStringList aliases;
+    qsizetype siguiente = 0;
+    QSet<QString> vistos;
+    // The contacts found, by their place in the contacts' table.
+    std::map<long long, std::pair<QString, QString>> contactos;
+    std::map<long long, std::pair<QString, QString>>::const_iterator escrito;
+};
 
-    enum { kAlta, kCambio, kDestinatarios } paso = kAlta;
-    try {
-        db.begin();
+// Aliases looked up, or rows written, between two looks at the clock.
+constexpr int kPorPaso = 50;
+}  // namespace
+
+void anadirDestinatarios(int32_t codigo, QString nombre, QStringList aliases, QString mensaje,
+                         bool saludo, std::function<void(const Resultado<int>&)> alTerminar) {
+    BaseDatos& db = bd();
+    auto a = std::make_shared<Anadido>();
+    a->aliases = std::move(aliases);
+    // Every contact that bears one of the chosen aliases, once.
+    EscrituraPorTurnos::Paso buscar = [&db, a] {
+        for (int k = 0; k < kPorPaso && a->siguiente < a->aliases.size(); ++k) {
+            const QString& alias = a->aliases.at(a->siguiente++);
+            const QString clave = ReglaNombres::clave(alias);
+            if (alias.isEmpty() || a->vistos.contains(clave)) continue;
+            a->vistos.insert(clave);
+            QVariantList valores;
+            const QString donde = condicionNombre(u"alias"_s, alias, valores);
+            const ResultadoConsulta r =
+                db.query(u"select rowid, codigo, alias from abonados where "_s + donde, valores);
+            for (int i = 0; i < r.recordCount(); ++i)
+                a->contactos.insert_or_assign(
+                    numeroDe(r.value(i, 0)),
+                    std::pair{textoDe(r.value(i, 1)), textoDe(r.value(i, 2))});
+        }
+        return a->siguiente < a->aliases.size();
+    };
+    EscrituraPorTurnos::Paso fila = [&db, a, codigo, nombre] {
+        a->escrito = a->contactos.cbegin();
+        if (a->contactos.empty()) return false;
         const bool existe =
             numeroDe(db.query(u"Select count(*) from Automaticos where codigo = ?"_s, {codigo})
                          .value(0, 0)) > 0;
-        if (!existe) {
-            db.exec(u"Insert into Automaticos (Codigo, Nombre) Values (?, ?)"_s, {codigo, nombre});
-        } else {
-            paso = kCambio;
+        a->paso = existe ? Anadido::kCambio : Anadido::kAlta;
+        if (existe)
             db.exec(u"update Automaticos set Nombre = ? where codigo = ?"_s, {nombre, codigo});
-        }
-        paso = kDestinatarios;
-        for (const auto& [numero, alias] : contactos) {
+        else
+            db.exec(u"Insert into Automaticos (Codigo, Nombre) Values (?, ?)"_s, {codigo, nombre});
+        a->paso = Anadido::kDestinatarios;
+        return false;
+    };
+    EscrituraPorTurnos::Paso destinatarios = [&db, a, codigo, mensaje, saludo] {
+        for (int k = 0; k < kPorPaso && a->escrito != a->contactos.cend(); ++k, ++a->escrito) {
+            const auto& [numero, alias] = a->escrito->second;
             const QString texto = saludo ? alias + u", "_s + mensaje : mensaje;
             db.exec(u"Insert into AboAuto (Automatico, Abonado, Mensaje) values (?, ?, ?)"_s,
                     {codigo, numero, texto});
         }
-        db.commit();
-        return int(contactos.size());
-    } catch (const ErrorQuelmo& e) {
-        try {
-            db.rollback();
-        } catch (const ErrorQuelmo&) {
-            // The failed statement already ended the transaction.
-        }
-        return Hecho::no(paso == kAlta     ? u"Imposible dar de Alta este Mensaje"_s
-                         : paso == kCambio ? u"Imposible Modificar este Mensaje"_s
-                                           : u"Error en Mantenimiento de Mensajes Programados\n"_s +
-                                                 e.description());
-    }
+        return a->escrito != a->contactos.cend();
+    };
+    EscrituraPorTurnos::escribir(
+        db, {std::move(buscar), std::move(fila), std::move(destinatarios)},
+        [a, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            if (!fallo) {
+                alTerminar(int(a->contactos.size()));
+                return;
+            }
+            // A lookup that failed is one of the recipients' step, as when
+            // it ran before the transaction.
+            alTerminar(Hecho::no(a->paso == Anadido::kAlta ? u"Imposible dar de Alta este Mensaje"_s
+                                 : a->paso == Anadido::kCambio
+                                     ? u"Imposible Modificar este Mensaje"_s
+                                     : u"Error en Mantenimiento de Mensajes Programados\n"_s +
+                                           fallo->description()));
+        });
 }
 
 bool quitarDestinatario(long long idAboAuto) {

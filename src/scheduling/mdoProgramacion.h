@@ -111,14 +111,15 @@ QVector<QString> leerDestinatarios(int32_t codigo);
 // The code of the first other row named `nombre`, -1 if none.
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre);
 
-// Adds one recipient row per contact that bears one of `aliases` (all
-// contacts of an alias, and a contact twice if asked twice), each with
-// `mensaje`, preceded by "{alias}, " when `saludo`. The row of Automaticos
-// is created with `nombre` when it doesn't exist, and renamed otherwise.
-// All or nothing. Returns the rows added; refused, with the step that
-// failed, when nothing could be stored.
-Resultado<int> anadirDestinatarios(int32_t codigo, const QString& nombre,
-                                   const QStringList& aliases, const QString& mensaje, bool saludo);
+// Adds one recipient row per contact that bears one of `aliases` (every
+// contact of an alias, each once, in the order of the contacts' table),
+// each with `mensaje`, preceded by "{alias}, " when `saludo`. The row of
+// Automaticos is created with `nombre` when it doesn't exist, and renamed
+// otherwise; with no such contact nothing is written. All or nothing, in
+// one transaction over turns of the event loop: `alTerminar` gets the rows
+// added, or the refusal naming the step that failed.
+void anadirDestinatarios(int32_t codigo, QString nombre, QStringList aliases, QString mensaje,
+                         bool saludo, std::function<void(const Resultado<int>&)> alTerminar);
 bool quitarDestinatario(long long idAboAuto);
 // Every recipient of a multi-send, over turns, all or none.
 void quitarTodosDestinatarios(int32_t codigo, std::function<void(bool quitados)> alTerminar);

@@ -19,7 +19,9 @@
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTimeEdit>
+#include <QTimer>
 #include <QToolButton>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace programacion_prueba;
@@ -364,6 +366,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         e.txtNombre->setText(nombre);
         if (!rechazado) elegir({u"Ana"_s}, {}, u"Hola"_s);
         e.cmdAdd->click();
+        QTRY_VERIFY(!e.ocupada());
         QCOMPARE(cajas(ui),
                  rechazado ? QStringList{caja(
                                  Msg::Critical,
@@ -410,6 +413,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         for (int i = 0; i < veces; ++i) {
             elegir(contactos, listas, texto, saludo);
             e.cmdAdd->click();
+            QTRY_VERIFY(!e.ocupada());
         }
         QCOMPARE(filas(e), lineas);
         // A row not yet stored shows no count until it gets recipients.
@@ -421,6 +425,68 @@ class TestFrmNewMenAuto2 : public Prueba {
             lineas.isEmpty() ? 0 : 1);
         QVERIFY(ui.boxes.isEmpty());
         QCOMPARE(estadoAplicacion().gsDestinos, QString());
+    }
+
+    // A list of thousands goes in over turns of the event loop, in one
+    // transaction, each member once; the editor takes nothing meanwhile.
+    // Closed before it is stored, nothing of it went in and the box says so.
+    void aLargeListGoesInWhole_data() { prueba::filasOtroPrograma("stored"); }
+    void aLargeListGoesInWhole() {
+        QFETCH(bool, ajeno);
+        QFETCH(bool, cortar);
+        constexpr int kMiembros = 20000;
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Abonados (Codigo, Alias, Canal) "
+            u"SELECT '0034' || (610000000 + i), 'socio ' || i, 0 FROM n"_s,
+            {kMiembros - 1});
+        lista(1, u"Socios"_s);
+        bd().exec(
+            u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 1 FROM Abonados "
+            u"WHERE Alias LIKE 'socio %'"_s);
+        const QString ruta = bd().path();
+        std::optional<prueba::OtroPrograma> otro;
+        if (ajeno) otro.emplace(ruta);
+        InterfazGuionada ui;
+        frmNewMenAuto2 e;
+        e.setCodigo(1);
+        e.txtNombre->setText(u"Socios"_s);
+        e.show();
+        int giros = 0;
+        QTimer reloj;
+        connect(&reloj, &QTimer::timeout, [&] { giros += bd().retenida() ? 1 : 0; });
+        reloj.start(1);
+        elegir({u"Ana"_s}, {u"Socios"_s}, u"Hola"_s, true);
+        e.cmdAdd->click();
+        QVERIFY(e.ocupada());
+        QVERIFY(!e.cmdAdd->isEnabled() && !e.XPButton2->isEnabled());
+        if (ajeno) {
+            QTest::qWait(150);
+            QVERIFY(e.ocupada());
+            if (cortar) bd().close();
+            otro->soltar();
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!e.ocupada(), 30000);
+        QVERIFY(e.cmdAdd->isEnabled());
+        if (cortar) {
+            QCOMPARE(cajas(ui), QStringList{caja(Msg::Critical,
+                                                 u"Error en Mantenimiento de Mensajes "
+                                                 u"Programados\nLa conexión con la base de datos "
+                                                 u"se cerró"_s)});
+            TestDb::openShared(ruta);
+            QCOMPARE(cuantos(u"select count(*) from AboAuto"_s), 0);
+            QCOMPARE(cuantos(u"select count(*) from Automaticos"_s), 0);
+            return;
+        }
+        if (!ajeno) QVERIFY2(giros >= 10, qPrintable(QString::number(giros)));
+        QVERIFY(ui.boxes.isEmpty());
+        QCOMPARE(cuantos(u"select count(DISTINCT Abonado) from AboAuto JOIN Abonados ON "
+                         u"Abonados.Codigo = AboAuto.Abonado WHERE Automatico = 1 AND "
+                         u"Mensaje = Alias || ', Hola'"_s),
+                 kMiembros + 1);
+        QCOMPARE(cuantos(u"select count(*) from AboAuto"_s), kMiembros + 1);
+        QCOMPARE(e.ListView1->modelo()->rowCount(), kMiembros + 1);
+        QCOMPARE(columna(u"select Nombre from Automaticos"_s), QStringList{u"Socios"_s});
     }
 
     void pickersRefuseBlankTexts_data() {
@@ -445,6 +511,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         e.setCodigo(1);
         elegir({u"Ana"_s}, {}, u"Hola"_s);
         e.cmdAdd->click();
+        QTRY_VERIFY(!e.ocupada());
         if (cambio) {
             e.ListView1->seleccionarFila(0);
             alAbrirModal([texto](QDialog* d) {
@@ -459,6 +526,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         } else {
             elegir({u"Bea"_s}, {}, texto);
             e.cmdAdd->click();
+            QTRY_VERIFY(!e.ocupada());
         }
         QCOMPARE(cajas(ui),
                  mensaje.isEmpty()
@@ -488,6 +556,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         e.setCodigo(1);
         elegir({u"Ana"_s, u"Bea"_s}, {}, u"Hola"_s);
         e.cmdAdd->click();
+        QTRY_VERIFY(!e.ocupada());
         e.ListView1->seleccionarFila(0);
         e.findChild<QPushButton*>(boton)->click();
         QCOMPARE(filas(e), quedan);
@@ -521,6 +590,7 @@ class TestFrmNewMenAuto2 : public Prueba {
             e.txtNombre->setText(u"Envío Múltiple nº 1"_s);
             elegir({u"Ana"_s, u"Bea"_s}, {}, u"Buenos días"_s, true);
             e.cmdAdd->click();
+            QTRY_VERIFY(!e.ocupada());
             e.ListView1->seleccionarFila(1);
             alAbrirModal([](QDialog* d) {
                 d->findChild<QPlainTextEdit*>(u"txtMensaje"_s)->setPlainText(u"Para Bea"_s);
