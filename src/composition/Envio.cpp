@@ -13,6 +13,7 @@
 #include "db/Nombres.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QHash>
 #include <QTimer>
 
@@ -38,13 +39,38 @@ QVector<CuentaEnvio> leerCuentasEnvio() {
     return cuentas;
 }
 
-QStringList leerAliasContactos() {
-    const ResultadoConsulta r = Conexion().query(
-        u"Select Alias, Codigo from abonados order by alias COLLATE REGLA_LISTAS"_s);
-    QStringList alias;
-    alias.reserve(r.recordCount());
-    for (int i = 0; i < r.recordCount(); ++i) alias.append(textoDe(r.value(i, 0)));
-    return alias;
+void leerContactosEnOrden(LecturaContactos& lectura, QVector<QString>& celdas, qint64 ms) {
+    constexpr int kFilas = 2000;
+    QElapsedTimer reloj;
+    reloj.start();
+    BaseDatos& db = Conexion();
+    while (!lectura.terminada && reloj.elapsed() < ms) {
+        const ResultadoConsulta r =
+            lectura.sinClave
+                ? db.query(
+                      u"SELECT Alias, Codigo, rowid FROM Abonados WHERE ClaveNombre IS NULL "
+                      u"AND rowid > ? ORDER BY rowid LIMIT ?"_s,
+                      {lectura.fila, kFilas})
+                : db.query(
+                      u"SELECT Alias, Codigo, rowid, ClaveNombre FROM Abonados "
+                      u"WHERE (ClaveNombre, rowid) > (?, ?) ORDER BY ClaveNombre, rowid "
+                      u"LIMIT ?"_s,
+                      {lectura.clave, lectura.fila, kFilas});
+        const int n = r.recordCount();
+        for (int i = 0; i < n; ++i) {
+            celdas.append(textoDe(r.value(i, 0)));
+            celdas.append(textoDe(r.value(i, 1)));
+        }
+        if (n > 0) {
+            lectura.fila = numeroDe(r.value(n - 1, 2));
+            if (!lectura.sinClave) lectura.clave = textoDe(r.value(n - 1, 3));
+        }
+        if (n < kFilas) {
+            lectura.terminada = !lectura.sinClave;
+            lectura.sinClave = false;
+            lectura.fila = 0;
+        }
+    }
 }
 
 bool leerSoloContactos() {

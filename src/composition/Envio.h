@@ -28,8 +28,21 @@ struct CuentaEnvio {
 // means a database of another generation.
 QVector<CuentaEnvio> leerCuentasEnvio();
 
-// The aliases of all contacts, by alias: what the recipient box offers.
-QStringList leerAliasContactos();
+// Where a reading of the contacts in the lists' order stands.
+struct LecturaContactos {
+    // Contacts whose key for the lists' order is not worked out yet
+    // come first, by row.
+    bool sinClave = true;
+    QString clave;
+    qlonglong fila = 0;
+    bool terminada = false;
+};
+// The next contacts in the lists' order, each as two cells (alias, number)
+// added to `celdas`, for about `ms` milliseconds, on the index of that
+// order: half a million contacts are read over several turns of the event
+// loop rather than sorted in one. What the recipient box offers, and the
+// picker's list of contacts.
+void leerContactosEnOrden(LecturaContactos& lectura, QVector<QString>& celdas, qint64 ms);
 
 // The option that limits sending to contacts; false when it can't be read.
 bool leerSoloContactos();

@@ -1,31 +1,18 @@
 #include "composition/Seleccion.h"
 
+#include "composition/Envio.h"
+
 #include "base/Conversiones.h"
 #include "base/Error.h"
 #include "base/ReglaNombres.h"
 #include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "db/Nombres.h"
 
 #include <QSet>
+#include <memory>
 
 using namespace Qt::StringLiterals;
-
-bool leerContactosSeleccion(QVector<QString>* celdas) {
-    try {
-        const ResultadoConsulta r = Conexion().query(
-            u"Select Alias, Codigo from abonados order by alias COLLATE REGLA_LISTAS"_s);
-        if (r.isEmpty()) return false;
-        celdas->clear();
-        celdas->reserve(qsizetype(r.recordCount()) * 2);
-        for (int i = 0; i < r.recordCount(); ++i) {
-            celdas->append(textoDe(r.value(i, 0)));
-            celdas->append(textoDe(r.value(i, 1)));
-        }
-        return true;
-    } catch (const ErrorQuelmo&) {
-        return false;
-    }
-}
 
 bool leerListasSeleccion(QVector<QString>* celdas) {
     try {
@@ -49,61 +36,89 @@ QString detalleLista(const QString& contactos) {
     return u"Lista ("_s + contactos + u" Contactos)"_s;
 }
 
-Hecho msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, QString& aliases) {
-    aliases.clear();
-    try {
-        // The members of the chosen lists, each number once.
-        QStringList listas;
-        QVariantList nombres;
-        for (const DestinoElegido& d : destinos) {
-            if (d.texto.isEmpty() || !d.detalle.startsWith(u"Lista"_s)) continue;
-            listas.append(condicionNombre(u"Grupos.Nombre"_s, d.texto, nombres));
-        }
-        // Aliases compare as names do (base/ReglaNombres).
-        QSet<QString> excluidos;
-        if (!listas.isEmpty()) {
-            const ResultadoConsulta r = Conexion().query(
-                u"SELECT AboGrup.Abonado,(Select alias from abonados where Abonados.codigo = "
-                u"AboGrup.Abonado) as alias FROM Grupos inner JOIN AboGrup ON Grupos.Grupo = "
-                u"AboGrup.Grupo WHERE "_s +
-                    listas.join(u" Or "_s) +
-                    u" group by AboGrup.Abonado order by AboGrup.Abonado"_s,
-                nombres);
-            for (int i = 0; i < r.recordCount(); ++i) {
-                const QString alias = textoDe(r.value(i, 1));
-                aliases += u';' + alias;
-                excluidos.insert(ReglaNombres::clave(alias));
-            }
-        }
-        if (aliases.startsWith(u';')) aliases.remove(0, 1);
-        // The single contacts not already named by a list. The choice
-        // is matched here rather than in the statement, so that choosing
-        // every contact of a large book stays within the engine's limits.
-        QSet<QString> elegidos;
-        for (const DestinoElegido& d : destinos)
+namespace {
+// What working out the chosen lines has gathered so far.
+struct Eleccion {
+    QStringList listas;
+    QVariantList nombres;
+    QString desde;
+    bool miembrosLeidos = false;
+    // Aliases compare as names do (base/ReglaNombres).
+    QSet<QString> excluidos, elegidos, dados;
+    LecturaContactos lectura;
+    QString aliases;
+};
+constexpr int kMiembrosPorPaso = 2000;
+}  // namespace
+
+void msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, AlElegir alTerminar) {
+    auto e = std::make_shared<Eleccion>();
+    for (const DestinoElegido& d : destinos)
+        if (!d.texto.isEmpty() && d.detalle.startsWith(u"Lista"_s))
+            e->listas.append(condicionNombre(u"Grupos.Nombre"_s, d.texto, e->nombres));
+    // The single contacts' keys, a few thousand at a time.
+    EscrituraPorTurnos::Paso claves = [e, destinos, siguiente = qsizetype(0)]() mutable {
+        for (int k = 0; k < kMiembrosPorPaso && siguiente < destinos.size(); ++k) {
+            const DestinoElegido& d = destinos.at(siguiente++);
             if (!d.texto.isEmpty() && !d.detalle.startsWith(u"Lista"_s))
-                elegidos.insert(ReglaNombres::clave(d.texto));
-        if (!elegidos.isEmpty()) {
-            // Each name once, however many contacts bear it.
-            const ResultadoConsulta r = Conexion().query(
-                u"select alias from abonados where alias is not null order by alias COLLATE "
-                u"REGLA_LISTAS"_s);
-            QSet<QString> dados;
-            for (int i = 0; i < r.recordCount(); ++i) {
-                const QString alias = textoDe(r.value(i, 0));
-                const QString clave = ReglaNombres::clave(alias);
-                if (elegidos.contains(clave) && !excluidos.contains(clave) &&
-                    !dados.contains(clave)) {
-                    dados.insert(clave);
-                    aliases += u';' + alias;
-                }
+                e->elegidos.insert(ReglaNombres::clave(d.texto));
+        }
+        return siguiente < destinos.size();
+    };
+    BaseDatos& db = Conexion();
+    // The members of the chosen lists, each number once, a stretch of
+    // numbers at a time.
+    EscrituraPorTurnos::Paso miembros = [&db, e] {
+        if (e->listas.isEmpty()) return false;
+        const ResultadoConsulta r = db.query(
+            u"SELECT AboGrup.Abonado,(Select alias from abonados where Abonados.codigo = "
+            u"AboGrup.Abonado) as alias FROM Grupos inner JOIN AboGrup ON Grupos.Grupo = "
+            u"AboGrup.Grupo WHERE ("_s +
+                e->listas.join(u" Or "_s) +
+                u") AND AboGrup.Abonado > ? group by AboGrup.Abonado order by AboGrup.Abonado "
+                u"LIMIT ?"_s,
+            e->nombres + QVariantList{e->desde, kMiembrosPorPaso});
+        for (int i = 0; i < r.recordCount(); ++i) {
+            const QString alias = textoDe(r.value(i, 1));
+            e->aliases += u';' + alias;
+            e->excluidos.insert(ReglaNombres::clave(alias));
+        }
+        if (r.recordCount() > 0) e->desde = textoDe(r.value(r.recordCount() - 1, 0));
+        return r.recordCount() == kMiembrosPorPaso;
+    };
+    // The single contacts not already named by a list, each name once
+    // however many contacts bear it, in the lists' order. The choice is
+    // matched here rather than in a statement, so that choosing every
+    // contact of a large book stays within the engine's limits.
+    EscrituraPorTurnos::Paso contactos = [e] {
+        if (!e->miembrosLeidos) {
+            e->miembrosLeidos = true;
+            if (e->aliases.startsWith(u';')) e->aliases.remove(0, 1);
+        }
+        if (e->elegidos.isEmpty()) return false;
+        QVector<QString> celdas;
+        leerContactosEnOrden(e->lectura, celdas, 6);
+        for (qsizetype i = 0; i < celdas.size(); i += 2) {
+            const QString& alias = celdas.at(i);
+            if (alias.isNull()) continue;
+            const QString clave = ReglaNombres::clave(alias);
+            if (e->elegidos.contains(clave) && !e->excluidos.contains(clave) &&
+                !e->dados.contains(clave)) {
+                e->dados.insert(clave);
+                e->aliases += u';' + alias;
             }
         }
-        if (aliases.startsWith(u';')) aliases.remove(0, 1);
-    } catch (const ErrorQuelmo& e) {
-        return Hecho::no(u"Error en Funcion Seleccionar Destinatarios\n"_s + e.description());
-    }
-    return {};
+        return !e->lectura.terminada;
+    };
+    EscrituraPorTurnos::porTurnos(
+        db, {std::move(claves), std::move(miembros), std::move(contactos)},
+        [e, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            if (e->aliases.startsWith(u';')) e->aliases.remove(0, 1);
+            alTerminar(fallo ? Hecho::no(u"Error en Funcion Seleccionar Destinatarios\n"_s +
+                                         fallo->description())
+                             : Hecho(),
+                       e->aliases);
+        });
 }
 
 int buscarContacto(const QStringList& textos, const QString& buscado) {

@@ -5,13 +5,13 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <functional>
 
 // The recipient picker's work on the database: what it lists, how a
 // search finds a contact, and how the chosen lines become one
 // destinations text.
 
-// Contacts as lines "alias, number", by alias; false when there are none.
-bool leerContactosSeleccion(QVector<QString>* celdas);
+// The contacts it lists are read by leerContactosEnOrden (Envio.h).
 // Lists as lines "000" number, name, member count, by number; false when
 // there are none.
 bool leerListasSeleccion(QVector<QString>* celdas);
@@ -24,11 +24,12 @@ struct DestinoElegido {
 };
 QString detalleLista(const QString& contactos);
 
-// Puts in `aliases` the aliases of the chosen lines joined by ";": the
-// members of the chosen lists first, then the single contacts, each
-// contact once. A database failure is refused, with what was gathered so
-// far left in `aliases`.
-Hecho msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, QString& aliases);
+// The aliases of the chosen lines joined by ";": the members of the chosen
+// lists first, then the single contacts, each contact once; worked out
+// over turns of the event loop, half a million contacts being more than
+// one. A database failure is refused, with what was gathered until then.
+using AlElegir = std::function<void(const Hecho& hecho, const QString& aliases)>;
+void msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, AlElegir alTerminar);
 
 // The line that a search for `buscado` selects: the first that begins with
 // it, or the last when none does, provided it contains `buscado`; -1 when

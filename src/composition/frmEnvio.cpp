@@ -283,14 +283,31 @@ void frmEnvio::cmdAbonados_Click() {
 }
 
 void frmEnvio::msCargarContactos() {
+    crtAutoComplete1->setDelimeter(u";"_s);
+    auto lectura = std::make_shared<LecturaContactos>();
+    auto lista = std::make_shared<QString>();
+    // A small book is read within the open; a large one goes on over turns,
+    // the box offering what has been read.
+    seguirContactos(lectura, lista);
+}
+
+void frmEnvio::seguirContactos(std::shared_ptr<LecturaContactos> lectura,
+                               std::shared_ptr<QString> lista) {
+    QVector<QString> celdas;
     try {
-        const QStringList alias = leerAliasContactos();
-        crtAutoComplete1->setDelimeter(u";"_s);
-        crtAutoComplete1->setSearchList(alias.join(u';'));
+        leerContactosEnOrden(*lectura, celdas, 12);
     } catch (const ErrorQuelmo&) {
         // Silent: a database without contacts has had its box from the
         // accounts, and the box still takes numbers typed by hand.
+        return;
     }
+    for (qsizetype i = 0; i < celdas.size(); i += 2) {
+        if (!lista->isEmpty()) *lista += u';';
+        *lista += celdas.at(i);
+    }
+    crtAutoComplete1->setSearchList(*lista);
+    if (lectura->terminada) return;
+    QTimer::singleShot(1, this, [this, lectura, lista] { seguirContactos(lectura, lista); });
 }
 
 void frmEnvio::cmdAnadir_Click() {

@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 class ImagenInterruptor;
 class Listado;
@@ -17,6 +18,7 @@ class QPlainTextEdit;
 class QPushButton;
 class QTimer;
 class crtAutoComplete;
+struct LecturaContactos;
 
 // "Envío de Mensajes": one text, its destinations and the account that
 // pays for it become outbox rows; below, the outbox itself, which the user
@@ -62,6 +64,7 @@ class frmEnvio : public QWidget {
     void msAbrirBandeja();
     void msPintarBandeja();
     void msCargarContactos();
+    void seguirContactos(std::shared_ptr<LecturaContactos> lectura, std::shared_ptr<QString> lista);
     void contador();
     void mostrarTransmisor(bool activo);
     void colocarEnMarco(bool activacion);

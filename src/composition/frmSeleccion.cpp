@@ -1,6 +1,7 @@
 #include "composition/frmSeleccion.h"
 
 #include "base/EstadoAplicacion.h"
+#include "composition/Envio.h"
 #include "composition/Seleccion.h"
 #include "widgets/Accesible.h"
 #include "widgets/Boton.h"
@@ -12,7 +13,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -117,8 +120,36 @@ void frmSeleccion::nombrarControles() {
 
 void frmSeleccion::msCargarListados() {
     QVector<QString> celdas;
-    if (leerContactosSeleccion(&celdas)) lstcontactos->modelo()->asignar(std::move(celdas));
     if (leerListasSeleccion(&celdas)) lstlistas->modelo()->asignar(std::move(celdas));
+    // The contacts come over turns, a stretch at a time: meanwhile "Todos"
+    // and the search, which need them all, wait. A reading begun before
+    // (the list emptied again) is left.
+    if (!m_ocupacion.activa()) m_ocupacion.ocupar(this, {cmdTodos, txtBuscar, cmdBuscar});
+    seguirContactos(std::make_shared<LecturaContactos>(), ++m_lectura, true);
+}
+
+void frmSeleccion::seguirContactos(std::shared_ptr<LecturaContactos> lectura, int numero,
+                                   bool primera) {
+    if (numero != m_lectura) return;
+    QVector<QString> celdas;
+    try {
+        leerContactosEnOrden(*lectura, celdas, 12);
+    } catch (const ErrorQuelmo&) {
+        // Silent, as ever: the list shows what was read.
+        lectura->terminada = true;
+    }
+    // With no contacts at all the list is left as it stood.
+    if (primera && !celdas.isEmpty())
+        lstcontactos->modelo()->asignar(std::move(celdas));
+    else if (!celdas.isEmpty())
+        lstcontactos->modelo()->anadirCeldas(std::move(celdas));
+    if (lectura->terminada) {
+        m_ocupacion.soltar();
+        return;
+    }
+    const bool vacia = primera && lstcontactos->modelo()->rowCount() == 0;
+    QTimer::singleShot(1, this,
+                       [this, lectura, numero, vacia] { seguirContactos(lectura, numero, vacia); });
 }
 
 // Lines are visited from the last to the first, as the user's list shows
@@ -168,16 +199,34 @@ void frmSeleccion::cmdBuscar_Click() {
                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
 }
 
-QString frmSeleccion::destinosElegidos() const {
+void frmSeleccion::elegirDestinos(std::function<void(const QString&)> alTerminar) {
     const ModeloListado* m = lstdestinos->modelo();
     QVector<DestinoElegido> destinos;
     for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
-    QString aliases;
-    if (!destinos.isEmpty()) mostrar(msDestinosSeleccionados(destinos, aliases));
-    return aliases;
+    if (destinos.isEmpty()) {
+        alTerminar({});
+        return;
+    }
+    // Every contact of a large book takes some turns: the screen takes
+    // nothing meanwhile.
+    m_ocupacion.soltar();
+    m_ocupacion.ocupar(this, {lstcontactos, lstlistas, lstdestinos, txtBuscar, cmdBuscar, Command1,
+                              cmdTodos, Command2, cmdTodoslista, cmdVaciarLista, cmdAdd, cmdClose});
+    ++m_lectura;
+    QPointer<frmSeleccion> pantalla(this);
+    msDestinosSeleccionados(destinos, [pantalla, alTerminar = std::move(alTerminar)](
+                                          const Hecho& hecho, const QString& aliases) {
+        if (!pantalla) return;
+        pantalla->m_ocupacion.soltar();
+        mostrar(hecho);
+        alTerminar(aliases);
+    });
 }
 
 void frmSeleccion::cmdAdd_Click() {
-    estadoAplicacion().gsDestinos = destinosElegidos();
-    accept();
+    QPointer<frmSeleccion> pantalla(this);
+    elegirDestinos([pantalla](const QString& aliases) {
+        estadoAplicacion().gsDestinos = aliases;
+        if (pantalla) pantalla->accept();
+    });
 }

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "widgets/Ocupacion.h"
+
 #include <QDialog>
+#include <functional>
+#include <memory>
 
 class Listado;
+struct LecturaContactos;
 class QLineEdit;
 class QPushButton;
 
@@ -12,15 +17,17 @@ class frmSeleccion : public QDialog {
     Q_OBJECT
   public:
     explicit frmSeleccion(QWidget* parent = nullptr);
-    // The chosen lines as one destinations text, empty when none; a
-    // failure shows its box and gives what was gathered.
-    QString destinosElegidos() const;
+    // The chosen lines as one destinations text, empty when none, given to
+    // `alTerminar` once worked out, over turns; a failure shows its box and
+    // gives what was gathered.
+    void elegirDestinos(std::function<void(const QString&)> alTerminar);
 
   private:
     void crearControles();
     void colocar();
     void nombrarControles();
     void msCargarListados();
+    void seguirContactos(std::shared_ptr<LecturaContactos> lectura, int numero, bool primera);
     void moverContactos(QList<int> filas);
     void anadirListas(QList<int> filas);
     void devolverDestino(int fila);
@@ -40,4 +47,7 @@ class frmSeleccion : public QDialog {
     QPushButton* cmdVaciarLista;
     QPushButton* cmdAdd;
     QPushButton* cmdClose;
+    Ocupacion m_ocupacion;
+    // The reading of the contacts under way; an older one stops.
+    int m_lectura = 0;
 };

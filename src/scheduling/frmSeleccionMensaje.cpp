@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -58,6 +59,9 @@ void frmSeleccionMensaje::cmdAdd_Click() {
     // alias; this one would by number. The two differ only for contacts
     // sharing an alias, and the editor adds every contact of an alias
     // anyway, so the rows it stores are the same either way.
-    estadoAplicacion().gsDestinos = m_selector->destinosElegidos();
-    accept();
+    QPointer<frmSeleccionMensaje> pantalla(this);
+    m_selector->elegirDestinos([pantalla](const QString& aliases) {
+        estadoAplicacion().gsDestinos = aliases;
+        if (pantalla) pantalla->accept();
+    });
 }

@@ -441,6 +441,23 @@ class TestEnvio : public Prueba {
         QVERIFY(ui.boxes.isEmpty());
     }
 
+    // The box offers every contact in the lists' order; a large book is
+    // read over turns after the screen opens.
+    void theBoxOffersEveryContactInOrder() {
+        sql(u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 9999) "
+            u"INSERT INTO Abonados (Codigo,Alias,Canal) "
+            u"SELECT '0034' || (610000000 + i), CASE i % 3 WHEN 0 THEN 'Álvaro ' WHEN 1 THEN "
+            u"'beatriz ' ELSE 'Ñuño ' END || ((i * 7919) % 10000), 1 FROM n"_s);
+        const QString todos =
+            prueba::columna(u"SELECT Alias FROM Abonados ORDER BY Alias COLLATE REGLA_LISTAS"_s)
+                .join(u';');
+        InterfazGuionada ui;
+        frmEnvio f;
+        auto* caja = hijo<crtAutoComplete>(f, u"crtAutoComplete1"_s);
+        QTRY_COMPARE(caja->SearchList().size(), todos.size());
+        QCOMPARE(caja->SearchList(), todos);
+    }
+
     void opensOnceInTheFrameAt100() {
         InterfazGuionada ui;
         QMdiArea area;

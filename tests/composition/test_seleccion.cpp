@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTreeView>
+#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using prueba::textosDe;
@@ -22,6 +24,14 @@ DestinoElegido lista(const QString& nombre) {
 }
 DestinoElegido contacto(const QString& alias) {
     return {alias, u"0034600"_s};
+}
+// The chosen lines worked out, to the end.
+std::pair<Hecho, QString> elegir(const QVector<DestinoElegido>& destinos) {
+    std::optional<std::pair<Hecho, QString>> r;
+    msDestinosSeleccionados(destinos, [&](const Hecho& h, const QString& a) { r.emplace(h, a); });
+    if (!QTest::qWaitFor([&] { return r.has_value(); }))
+        return {Hecho::no(u"sin terminar"_s), QString()};
+    return *r;
 }
 }  // namespace
 
@@ -62,15 +72,14 @@ class TestSeleccion : public Prueba {
     void expansion() {
         QFETCH(QVector<DestinoElegido>, elegidos);
         QFETCH(QString, destinos);
-        QString aliases = u"de antes"_s;
-        QVERIFY(msDestinosSeleccionados(elegidos, aliases).ok());
+        const auto [hecho, aliases] = elegir(elegidos);
+        QVERIFY(hecho.ok());
         QCOMPARE(aliases, destinos);
     }
 
     void failureIsRefused() {
         bd().exec(u"DROP TABLE AboGrup"_s);
-        QString aliases;
-        const Hecho h = msDestinosSeleccionados({lista(u"amigos"_s)}, aliases);
+        const auto [h, aliases] = elegir({lista(u"amigos"_s)});
         QVERIFY(h.motivo().startsWith(u"Error en Funcion Seleccionar Destinatarios\n"_s));
         QCOMPARE(h.estilo(), Msg::Critical);
         QCOMPARE(aliases, QString());
@@ -122,12 +131,55 @@ class TestSeleccion : public Prueba {
         f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
         QCOMPARE(contactos->rowCount(), 0);
         f.findChild<QPushButton*>(u"cmdAdd"_s)->click();
-        QCOMPARE(estadoAplicacion().gsDestinos, u"bea;carla;ana;dani"_s);
+        QTRY_COMPARE(estadoAplicacion().gsDestinos, u"bea;carla;ana;dani"_s);
 
         // Emptying the choice brings every contact back.
         f.findChild<QPushButton*>(u"cmdVaciarLista"_s)->click();
         QCOMPARE(destinos->rowCount(), 0);
         QCOMPARE(contactos->rowCount(), 4);
+    }
+
+    // A large book is listed over turns of the event loop, "Todos" and
+    // the search waiting until every contact is there; accepted, every
+    // contact comes once, the list's members first, in the lists' order.
+    void aLargeBookIsListedAndChosenOverTurns() {
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < "
+            u"29999) INSERT INTO Abonados (Codigo,Alias) SELECT '0035' || (100000 + i), "
+            u"CASE i % 2 WHEN 0 THEN 'Óscar ' ELSE 'ñu ' END || ((i * 7919) % 30000) "
+            u"FROM n"_s);
+        bd().exec(
+            u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 2 FROM Abonados "
+            u"WHERE Codigo LIKE '0035%' AND Codigo % 3 = 0"_s);
+        const QStringList orden =
+            prueba::columna(u"SELECT Alias FROM Abonados ORDER BY Alias COLLATE REGLA_LISTAS"_s);
+        InterfazGuionada ui;
+        frmSeleccion f;
+        auto* todos = f.findChild<QPushButton*>(u"cmdTodos"_s);
+        QVERIFY(!todos->isEnabled());
+        QVERIFY(!f.findChild<QLineEdit*>(u"txtBuscar"_s)->isEnabled());
+        QTRY_VERIFY(todos->isEnabled());
+        ModeloListado* contactos = modelo(f, u"lstcontactos"_s);
+        QCOMPARE(textosDe(contactos, 0), orden);
+
+        auto* lstListas = f.findChild<QTreeView*>(u"lstlistas"_s);
+        lstListas->selectionModel()->select(
+            modelo(f, u"lstlistas"_s)->index(2, 0),
+            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        f.findChild<QPushButton*>(u"Command2"_s)->click();
+        todos->click();
+        auto* aceptar = f.findChild<QPushButton*>(u"cmdAdd"_s);
+        aceptar->click();
+        QVERIFY(!aceptar->isEnabled());
+        QTRY_VERIFY(!f.isVisible() && aceptar->isEnabled());
+        const QStringList miembros = prueba::columna(
+            u"SELECT Alias FROM AboGrup JOIN Abonados ON Codigo = Abonado WHERE Grupo = 2 "
+            u"ORDER BY Abonado"_s);
+        QStringList esperado = miembros;
+        for (const QString& a : orden)
+            if (!miembros.contains(a)) esperado << a;
+        QCOMPARE(estadoAplicacion().gsDestinos.split(u';'), esperado);
+        QVERIFY(ui.boxes.isEmpty());
     }
 
     // The search runs as the text changes; Enter there or in a list must

@@ -32,7 +32,12 @@ inline void elegir(const QStringList& contactos, const QStringList& listas, cons
         if (!listas.isEmpty()) d->findChild<QPushButton*>(u"Command2"_s)->click();
         d->findChild<QPlainTextEdit*>(u"txtMensaje"_s)->setPlainText(texto);
         d->findChild<QCheckBox*>(u"Check1"_s)->setChecked(saludo);
-        d->findChild<QPushButton*>(u"cmdAdd"_s)->click();
+        auto* anadir = d->findChild<QPushButton*>(u"cmdAdd"_s);
+        anadir->click();
+        // The answer is worked out over turns, the button waiting; a text
+        // refused leaves the picker open at once.
+        if (!QTest::qWaitFor([&] { return !d->isVisible() || anadir->isEnabled(); }))
+            qFatal("the picker never answered");
         if (d->isVisible()) d->reject();
     });
 }
