@@ -135,7 +135,9 @@ int main(int argc, char** argv) {
         t.empezar();
         const QString todos = elegidos(picker);
         cifra(u"picker \"Aceptar\", every contact, "_s + n, t, 50);
+        t.empezar();
         delete picker;
+        cifra(u"picker closed, every contact chosen, "_s + n, t, 50);
 
         auto* texto = hijo<QPlainTextEdit>(envio, u"txtMensaje"_s);
         {

@@ -98,7 +98,9 @@ namespace {
 
 // What an add has gone through so far.
 struct Agregado {
-    QStringList elementos;
+    // The destinations, split a step at a time: the next element starts at
+    // `siguiente`, past the end once all were taken.
+    QString destinos;
     qsizetype siguiente = 0;
     QString rechazados;
     std::optional<EntradaBandeja> entrada;
@@ -169,12 +171,17 @@ void agregarMensajes(const QString& destinos, const QString& texto, bool soloCon
         return;
     }
     auto a = std::make_shared<Agregado>();
-    a->elementos = destinos.split(u';');
+    a->destinos = destinos;
     a->entrada.emplace(db);
     EscrituraPorTurnos::Paso paso = [a, texto, soloContactos, canal] {
-        for (int k = 0; k < kElementosPorPaso && a->siguiente < a->elementos.size(); ++k)
-            agregarUno(*a, a->elementos.at(a->siguiente++), texto, soloContactos, canal);
-        return a->siguiente < a->elementos.size();
+        for (int k = 0; k < kElementosPorPaso && a->siguiente <= a->destinos.size(); ++k) {
+            qsizetype fin = a->destinos.indexOf(u';', a->siguiente);
+            if (fin < 0) fin = a->destinos.size();
+            agregarUno(*a, a->destinos.mid(a->siguiente, fin - a->siguiente), texto, soloContactos,
+                       canal);
+            a->siguiente = fin + 1;
+        }
+        return a->siguiente <= a->destinos.size();
     };
     EscrituraPorTurnos::escribir(
         db, {std::move(paso)},

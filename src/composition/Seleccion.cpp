@@ -5,12 +5,14 @@
 #include "base/Conversiones.h"
 #include "base/Error.h"
 #include "base/ReglaNombres.h"
+#include "base/Turno.h"
 #include "db/Conexion.h"
 #include "db/EscrituraPorTurnos.h"
 #include "db/Nombres.h"
 
 #include <QSet>
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -51,19 +53,22 @@ struct Eleccion {
 constexpr int kMiembrosPorPaso = 2000;
 }  // namespace
 
-void msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, AlElegir alTerminar) {
+void msDestinosSeleccionados(QVector<QString> elegidos, AlElegir alTerminar) {
     auto e = std::make_shared<Eleccion>();
-    for (const DestinoElegido& d : destinos)
-        if (!d.texto.isEmpty() && d.detalle.startsWith(u"Lista"_s))
-            e->listas.append(condicionNombre(u"Grupos.Nombre"_s, d.texto, e->nombres));
-    // The single contacts' keys, a few thousand at a time.
-    EscrituraPorTurnos::Paso claves = [e, destinos, siguiente = qsizetype(0)]() mutable {
-        for (int k = 0; k < kMiembrosPorPaso && siguiente < destinos.size(); ++k) {
-            const DestinoElegido& d = destinos.at(siguiente++);
-            if (!d.texto.isEmpty() && !d.detalle.startsWith(u"Lista"_s))
-                e->elegidos.insert(ReglaNombres::clave(d.texto));
+    // The chosen lists, and the single contacts' keys, a few thousand
+    // lines at a time.
+    EscrituraPorTurnos::Paso lineas = [e, elegidos = std::move(elegidos),
+                                       siguiente = qsizetype(0)]() mutable {
+        for (int k = 0; k < kMiembrosPorPaso && siguiente + 1 < elegidos.size(); ++k) {
+            const QString& texto = elegidos.at(siguiente++);
+            const QString& detalle = elegidos.at(siguiente++);
+            if (texto.isEmpty()) continue;
+            if (detalle.startsWith(u"Lista"_s))
+                e->listas.append(condicionNombre(u"Grupos.Nombre"_s, texto, e->nombres));
+            else
+                e->elegidos.insert(ReglaNombres::clave(texto));
         }
-        return siguiente < destinos.size();
+        return siguiente + 1 < elegidos.size();
     };
     BaseDatos& db = Conexion();
     // The members of the chosen lists, each number once, a stretch of
@@ -111,9 +116,12 @@ void msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, AlElegir a
         return !e->lectura.terminada;
     };
     EscrituraPorTurnos::porTurnos(
-        db, {std::move(claves), std::move(miembros), std::move(contactos)},
+        db, {std::move(lineas), std::move(miembros), std::move(contactos)},
         [e, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
             if (e->aliases.startsWith(u';')) e->aliases.remove(0, 1);
+            liberarPorTurnos(std::exchange(e->elegidos, {}));
+            liberarPorTurnos(std::exchange(e->excluidos, {}));
+            liberarPorTurnos(std::exchange(e->dados, {}));
             alTerminar(fallo ? Hecho::no(u"Error en Funcion Seleccionar Destinatarios\n"_s +
                                          fallo->description())
                              : Hecho(),

@@ -16,20 +16,16 @@
 // there are none.
 bool leerListasSeleccion(QVector<QString>* celdas);
 
-// A line of the chosen destinations: a contact (alias and number) or a
-// list (its name and "Lista (n Contactos)").
-struct DestinoElegido {
-    QString texto;
-    QString detalle;
-};
 QString detalleLista(const QString& contactos);
 
 // The aliases of the chosen lines joined by ";": the members of the chosen
 // lists first, then the single contacts, each contact once; worked out
 // over turns of the event loop, half a million contacts being more than
-// one. A database failure is refused, with what was gathered until then.
+// one. `elegidos` holds the lines' two cells row after row: a contact's
+// alias and number, or a list's name and "Lista (n Contactos)". A
+// database failure is refused, with what was gathered until then.
 using AlElegir = std::function<void(const Hecho& hecho, const QString& aliases)>;
-void msDestinosSeleccionados(const QVector<DestinoElegido>& destinos, AlElegir alTerminar);
+void msDestinosSeleccionados(QVector<QString> elegidos, AlElegir alTerminar);
 
 // The line that a search for `buscado` selects: the first that begins with
 // it, or the last when none does, provided it contains `buscado`; -1 when

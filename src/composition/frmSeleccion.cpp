@@ -1,6 +1,7 @@
 #include "composition/frmSeleccion.h"
 
 #include "base/EstadoAplicacion.h"
+#include "base/Turno.h"
 #include "composition/Envio.h"
 #include "composition/Seleccion.h"
 #include "widgets/Accesible.h"
@@ -31,9 +32,11 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
 
     connect(cmdBuscar, &QPushButton::clicked, this, &frmSeleccion::cmdBuscar_Click);
     connect(txtBuscar, &QLineEdit::textChanged, this, &frmSeleccion::cmdBuscar_Click);
+    // From the last, the order the moves visit them in.
     auto todas = [](const Listado* l) {
         QList<int> filas;
-        for (int f = 0; f < l->modelo()->rowCount(); ++f) filas.append(f);
+        filas.reserve(l->modelo()->rowCount());
+        for (int f = l->modelo()->rowCount() - 1; f >= 0; --f) filas.append(f);
         return filas;
     };
     connect(Command1, &QPushButton::clicked, this,
@@ -57,6 +60,11 @@ frmSeleccion::frmSeleccion(QWidget* parent) : QDialog(parent) {
 
     nombrarControles();
     msCargarListados();
+}
+
+frmSeleccion::~frmSeleccion() {
+    // Half a million lines are freed over turns, not in the closing click.
+    for (Listado* l : {lstcontactos, lstdestinos}) liberarPorTurnos(l->modelo()->tomarCeldas());
 }
 
 void frmSeleccion::crearControles() {
@@ -156,10 +164,17 @@ void frmSeleccion::seguirContactos(std::shared_ptr<LecturaContactos> lectura, in
 // them: that order reaches the chosen list, and has no bearing on the result.
 void frmSeleccion::moverContactos(QList<int> filas) {
     ModeloListado* m = lstcontactos->modelo();
-    std::sort(filas.begin(), filas.end(), std::greater<int>());
-    QList<QStringList> lineas;
-    for (int f : filas) lineas.append(m->fila(f));
-    lstdestinos->modelo()->anadirFilas(lineas);
+    if (!std::is_sorted(filas.begin(), filas.end(), std::greater<int>()))
+        std::sort(filas.begin(), filas.end(), std::greater<int>());
+    // Cells, not a list per line: "Todos" moves half a million of them.
+    const QVector<QString>& origen = m->celdas();
+    QVector<QString> celdas;
+    celdas.reserve(filas.size() * 2);
+    for (int f : std::as_const(filas)) {
+        celdas.append(origen.at(qsizetype(f) * 2));
+        celdas.append(origen.at(qsizetype(f) * 2 + 1));
+    }
+    lstdestinos->modelo()->anadirCeldas(std::move(celdas));
     m->quitarFilas(filas);
 }
 
@@ -200,9 +215,7 @@ void frmSeleccion::cmdBuscar_Click() {
 }
 
 void frmSeleccion::elegirDestinos(std::function<void(const QString&)> alTerminar) {
-    const ModeloListado* m = lstdestinos->modelo();
-    QVector<DestinoElegido> destinos;
-    for (int f = 0; f < m->rowCount(); ++f) destinos.append({m->texto(f, 0), m->texto(f, 1)});
+    const QVector<QString>& destinos = lstdestinos->modelo()->celdas();
     if (destinos.isEmpty()) {
         alTerminar({});
         return;

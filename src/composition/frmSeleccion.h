@@ -17,6 +17,7 @@ class frmSeleccion : public QDialog {
     Q_OBJECT
   public:
     explicit frmSeleccion(QWidget* parent = nullptr);
+    ~frmSeleccion() override;
     // The chosen lines as one destinations text, empty when none, given to
     // `alTerminar` once worked out, over turns; a failure shows its box and
     // gives what was gathered.

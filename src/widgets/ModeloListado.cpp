@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 ModeloListado::ModeloListado(QStringList cabeceras, QObject* parent)
     : QAbstractTableModel(parent), m_cabeceras(std::move(cabeceras)) {}
@@ -47,6 +48,13 @@ void ModeloListado::asignar(QVector<QString> celdas) {
         m_celdas.resize(m_celdas.size() - m_celdas.size() % m_cabeceras.size());
     ordenar();
     endResetModel();
+}
+
+QVector<QString> ModeloListado::tomarCeldas() {
+    beginResetModel();
+    QVector<QString> celdas = std::exchange(m_celdas, {});
+    endResetModel();
+    return celdas;
 }
 
 void ModeloListado::limpiar() {

@@ -43,6 +43,10 @@ class ModeloListado : public QAbstractTableModel {
     // sorted).
     void anadirCeldas(QVector<QString> celdas);
 
+    // Every line's cells, row after row.
+    const QVector<QString>& celdas() const { return m_celdas; }
+    // Empties the list, handing its cells over (to be freed over turns).
+    QVector<QString> tomarCeldas();
     virtual QString texto(int fila, int columna) const;
     QStringList fila(int fila) const;
     // The column of the last sort, -1 while unsorted.

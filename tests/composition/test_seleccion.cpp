@@ -15,20 +15,27 @@
 using namespace Qt::StringLiterals;
 using prueba::textosDe;
 
-Q_DECLARE_METATYPE(QVector<DestinoElegido>)
+// A chosen line, as the picker's third list holds it.
+struct Linea {
+    QString texto;
+    QString detalle;
+};
+Q_DECLARE_METATYPE(QVector<Linea>)
 
 namespace {
 using prueba::bd;
-DestinoElegido lista(const QString& nombre) {
+Linea lista(const QString& nombre) {
     return {nombre, detalleLista(u"9"_s)};
 }
-DestinoElegido contacto(const QString& alias) {
+Linea contacto(const QString& alias) {
     return {alias, u"0034600"_s};
 }
 // The chosen lines worked out, to the end.
-std::pair<Hecho, QString> elegir(const QVector<DestinoElegido>& destinos) {
+std::pair<Hecho, QString> elegir(const QVector<Linea>& lineas) {
+    QVector<QString> celdas;
+    for (const Linea& l : lineas) celdas << l.texto << l.detalle;
     std::optional<std::pair<Hecho, QString>> r;
-    msDestinosSeleccionados(destinos, [&](const Hecho& h, const QString& a) { r.emplace(h, a); });
+    msDestinosSeleccionados(celdas, [&](const Hecho& h, const QString& a) { r.emplace(h, a); });
     if (!QTest::qWaitFor([&] { return r.has_value(); }))
         return {Hecho::no(u"sin terminar"_s), QString()};
     return *r;
@@ -54,9 +61,9 @@ class TestSeleccion : public Prueba {
     }
 
     void expansion_data() {
-        QTest::addColumn<QVector<DestinoElegido>>("elegidos");
+        QTest::addColumn<QVector<Linea>>("elegidos");
         QTest::addColumn<QString>("destinos");
-        QTest::newRow("nothing") << QVector<DestinoElegido>{} << QString();
+        QTest::newRow("nothing") << QVector<Linea>{} << QString();
         QTest::newRow("empty list alone") << QVector{lista(u"vacia"_s)} << QString();
         QTest::newRow("list twice expands once")
             << QVector{lista(u"amigos"_s), lista(u"AMIGOS"_s)} << u"bea;carla"_s;
@@ -70,7 +77,7 @@ class TestSeleccion : public Prueba {
             << QVector{contacto(u"dani"_s), contacto(u"bea"_s)} << u"bea;dani"_s;
     }
     void expansion() {
-        QFETCH(QVector<DestinoElegido>, elegidos);
+        QFETCH(QVector<Linea>, elegidos);
         QFETCH(QString, destinos);
         const auto [hecho, aliases] = elegir(elegidos);
         QVERIFY(hecho.ok());
