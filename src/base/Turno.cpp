@@ -2,9 +2,7 @@
 
 #include <QCoreApplication>
 #include <QTimer>
-#include <algorithm>
 #include <coroutine>
-#include <memory>
 
 namespace {
 struct Pausa {
@@ -24,37 +22,4 @@ QCoro::Task<> turnoSiguiente(int ms) {
     // temporary twice.
     Pausa pausa{ms};
     co_await pausa;
-}
-
-namespace {
-// Strings freed in one turn.
-constexpr qsizetype kPorTurno = 50000;
-
-template <class C, class Quitar>
-void seguirLiberando(std::shared_ptr<C> resto, Quitar quitar) {
-    quitar(*resto);
-    if (resto->isEmpty()) return;
-    QTimer::singleShot(1, QCoreApplication::instance(),
-                       [resto, quitar] { seguirLiberando(resto, quitar); });
-}
-
-template <class C, class Quitar>
-void liberar(C contenedor, Quitar quitar) {
-    if (!QCoreApplication::instance() || contenedor.size() <= kPorTurno) return;
-    auto resto = std::make_shared<C>(std::move(contenedor));
-    QTimer::singleShot(1, QCoreApplication::instance(),
-                       [resto, quitar] { seguirLiberando(resto, quitar); });
-}
-}  // namespace
-
-void liberarPorTurnos(QSet<QString> conjunto) {
-    liberar(std::move(conjunto), [](QSet<QString>& c) {
-        auto it = c.begin();
-        for (qsizetype k = 0; k < kPorTurno && it != c.end(); ++k) it = c.erase(it);
-    });
-}
-
-void liberarPorTurnos(QVector<QString> celdas) {
-    liberar(std::move(celdas),
-            [](QVector<QString>& c) { c.resize(std::max<qsizetype>(0, c.size() - kPorTurno)); });
 }

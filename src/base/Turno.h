@@ -1,9 +1,15 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QCoro/QCoroTask>
+#include <QList>
 #include <QSet>
-#include <QString>
-#include <QVector>
+#include <QTimer>
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <map>
+#include <memory>
 
 // A pause of a coroutine that gives the event loop its turn: work of ours
 // too long for one turn (an import of a large file) awaits it between its
@@ -11,8 +17,48 @@
 // application (a test of the routines alone) it goes on at once.
 QCoro::Task<> turnoSiguiente(int ms = 1);
 
+namespace turno_detalle {
+// Elements freed in one turn.
+constexpr qsizetype kPorTurno = 50000;
+template <class T>
+void quitarTramo(QSet<T>& c) {
+    auto it = c.begin();
+    for (qsizetype k = 0; k < kPorTurno && it != c.end(); ++k) it = c.erase(it);
+}
+template <class T>
+void quitarTramo(QList<T>& c) {
+    c.resize(std::max<qsizetype>(0, c.size() - kPorTurno));
+}
+template <class K, class V>
+void quitarTramo(std::map<K, V>& c) {
+    auto hasta = c.begin();
+    std::advance(hasta, std::min<qsizetype>(kPorTurno, qsizetype(c.size())));
+    c.erase(c.begin(), hasta);
+}
+// The allocator keeps small freed blocks aside and merges all of them at
+// the next large request, in whatever turn that comes: a large request
+// here pays for this piece's alone.
+inline void fundirLibres() {
+    void* volatile bloque = std::malloc(64 * 1024);
+    std::free(bloque);
+}
+template <class C>
+void seguirLiberando(std::shared_ptr<C> resto) {
+    quitarTramo(*resto);
+    fundirLibres();
+    if (resto->empty()) return;
+    QTimer::singleShot(1, QCoreApplication::instance(), [resto] { seguirLiberando(resto); });
+}
+}  // namespace turno_detalle
+
 // A large container freed a piece at a time over turns of the event loop:
 // half a million strings freed in one call hold the window a fifth of a
-// second. Without an application it goes at once.
-void liberarPorTurnos(QSet<QString> conjunto);
-void liberarPorTurnos(QVector<QString> celdas);
+// second. A small one, or one without an application, goes at once.
+template <class C>
+void liberarPorTurnos(C contenedor) {
+    if (!QCoreApplication::instance() || qsizetype(contenedor.size()) <= turno_detalle::kPorTurno)
+        return;
+    auto resto = std::make_shared<C>(std::move(contenedor));
+    QTimer::singleShot(1, QCoreApplication::instance(),
+                       [resto] { turno_detalle::seguirLiberando(resto); });
+}

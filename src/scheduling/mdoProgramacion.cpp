@@ -4,6 +4,7 @@
 #include "base/RegistroActividad.h"
 #include "base/ReglaNombres.h"
 #include "base/Reloj.h"
+#include "base/Turno.h"
 #include "db/Conexion.h"
 #include "db/EscrituraPorTurnos.h"
 #include "db/Esquema.h"
@@ -17,6 +18,7 @@
 #include <QSet>
 #include <map>
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -420,8 +422,14 @@ void anadirDestinatarios(int32_t codigo, QString nombre, QStringList aliases, QS
     EscrituraPorTurnos::escribir(
         db, {std::move(buscar), std::move(fila), std::move(destinatarios)},
         [a, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            const int anadidos = int(a->contactos.size());
+            // A quarter of a million names and contacts are freed over
+            // turns, not all in this one.
+            liberarPorTurnos(std::exchange(a->aliases, {}));
+            liberarPorTurnos(std::exchange(a->vistos, {}));
+            liberarPorTurnos(std::exchange(a->contactos, {}));
             if (!fallo) {
-                alTerminar(int(a->contactos.size()));
+                alTerminar(anadidos);
                 return;
             }
             // A lookup that failed is one of the recipients' step, as when
