@@ -45,11 +45,15 @@ struct Estado {
     Final alTerminar;
 };
 
-// The log's copy into the file, which the commit of a large write would
-// run at once, in a turn of its own.
-void copiarDiario(BaseDatos& db, unsigned long long apertura) {
+// The log's copy into the file, which the commit of a write of several
+// turns would run at once, in a turn of its own. A write of one turn left
+// little in the log: the engine copies it when the log has grown, as
+// after any commit, and a slice of a re-work doesn't pay a copy (and its
+// disk sync) each.
+void copiarDiario(BaseDatos& db, unsigned long long apertura, bool grande) {
     if (!db.isOpen() || db.apertura() != apertura) return;
     sqlite3_wal_autocheckpoint(db.handle(), kCopiaDiario);
+    if (!grande) return;
     // After the window has had a turn: a zero delay would run it ahead of
     // the timers and paints the commit already kept waiting.
     QTimer::singleShot(10, QCoreApplication::instance(), [&db, apertura] {
@@ -74,7 +78,7 @@ void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
             }
         }
         db.retener(false);
-        copiarDiario(db, e->apertura);
+        copiarDiario(db, e->apertura, e->turnos > 1);
     }
     // A write that ended in the caller's click tells it at once. One that
     // took several turns tells in a turn of its own: what the caller does
