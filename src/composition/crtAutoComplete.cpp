@@ -6,7 +6,6 @@
 #include <QLocale>
 #include <QStringListModel>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -45,10 +44,13 @@ crtAutoComplete::~crtAutoComplete() {
 }
 
 namespace {
-// What the box shows of a list whole: a line lays out and paints all its
+// The longest list the box shows whole: a line lays out and paints all its
 // text at each repaint, the caret's blink included (110 ms for the 700,000
 // characters of 50,000 names).
 constexpr qsizetype kLargoMostrado = 4000;
+// A longer one shows the names that fit in about this many characters, so
+// that how many follow is in view.
+constexpr qsizetype kInicioMostrado = 60;
 }  // namespace
 
 QString crtAutoComplete::Texto() const {
@@ -56,14 +58,16 @@ QString crtAutoComplete::Texto() const {
 }
 
 void crtAutoComplete::setTexto(const QString& texto) {
-    if (texto.size() <= kLargoMostrado) {
+    // One name, however long, is no list to sum up.
+    if (texto.size() <= kLargoMostrado || !texto.contains(u';')) {
         m_completo.clear();
         m_text1->setReadOnly(false);
         m_text1->setText(texto);
         return;
     }
     m_completo = texto;
-    const qsizetype corte = std::max<qsizetype>(texto.lastIndexOf(u';', kLargoMostrado), 0);
+    qsizetype corte = texto.lastIndexOf(u';', kInicioMostrado);
+    if (corte <= 0) corte = texto.indexOf(u';');
     const qsizetype resto = QStringView(texto).mid(corte).count(u';');
     m_text1->setReadOnly(true);
     m_text1->setText(texto.left(corte) + u";  … y "_s +
