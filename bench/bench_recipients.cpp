@@ -14,6 +14,7 @@
 #include "db/Conexion.h"
 #include "scheduling/ProximasTareas.h"
 #include "scheduling/clsTareasPendientes.h"
+#include "scheduling/frmNewMenAuto2.h"
 #include "scheduling/mdoProgramacion.h"
 #include "widgets/Listado.h"
 
@@ -118,6 +119,19 @@ int main(int argc, char** argv) {
         while (caja->SearchList().count(u';') + 1 < contactos)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         cifra(u"compose box has every contact to offer, "_s + n, t, 50);
+        // A key typed in the box: the names with that start offered.
+        QLineEdit* linea = caja->Text1();
+        linea->setFocus();
+        QTest::keyClicks(linea, u"Ca"_s);
+        t.empezar();
+        QTest::keyClick(linea, Qt::Key_R);
+        QCoreApplication::processEvents();
+        cifra(u"a key in the box (\"Car\", a tenth offered), "_s + n, t, 50);
+        t.empezar();
+        QTest::keyClick(linea, Qt::Key_X);
+        QCoreApplication::processEvents();
+        cifra(u"a key in the box (\"Carx\", none offered), "_s + n, t, 50);
+        caja->setTexto({});
 
         t.empezar();
         auto* picker = new frmSeleccion;
@@ -175,6 +189,13 @@ int main(int argc, char** argv) {
             cifra(u"multi-send given a list of "_s + mitad, t, 50);
             std::printf("  recipients %d\n", *r ? **r : -1);
         }
+        t.empezar();
+        auto* editor = new frmNewMenAuto2;
+        editor->setCodigo(7);
+        editor->show();
+        QCoreApplication::processEvents();
+        cifra(u"the multi-send's editor open, "_s + mitad + u" recipients"_s, t, 50);
+        delete editor;
         // Due now, every day at this minute.
         const QDateTime ahora = Reloj::now();
         bd.exec(
