@@ -286,8 +286,7 @@ void frmEnvio::msCargarContactos() {
     crtAutoComplete1->setDelimeter(u";"_s);
     auto lectura = std::make_shared<LecturaContactos>();
     auto lista = std::make_shared<QString>();
-    // A small book is read within the open; a large one goes on over turns,
-    // the box offering what has been read.
+    // A small book is read within the open; a large one goes on over turns.
     seguirContactos(lectura, lista);
 }
 
@@ -305,8 +304,12 @@ void frmEnvio::seguirContactos(std::shared_ptr<LecturaContactos> lectura,
         if (!lista->isEmpty()) *lista += u';';
         *lista += celdas.at(i);
     }
-    crtAutoComplete1->setSearchList(*lista);
-    if (lectura->terminada) return;
+    // Given to the box once whole: a list shared with the box would be
+    // copied whole at each stretch added.
+    if (lectura->terminada) {
+        crtAutoComplete1->setSearchList(*lista);
+        return;
+    }
     QTimer::singleShot(1, this, [this, lectura, lista] { seguirContactos(lectura, lista); });
 }
 
