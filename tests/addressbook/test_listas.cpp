@@ -193,10 +193,8 @@ class TestListas : public QObject {
         if (ajeno) {
             QVERIFY(pantalla.ocupada());
             QVERIFY(!pantalla.ListView1->isEnabled() && !pantalla.cmdDelete->isEnabled());
-            QTest::qWait(150);
-            if (cortar) bd().close();
-            otro->soltar();
         }
+        prueba::dejarPasar(otro, cortar, [&] { return pantalla.ocupada(); });
         QTRY_VERIFY(!pantalla.ocupada());
         QVERIFY(pantalla.ListView1->isEnabled() && pantalla.cmdDelete->isEnabled());
         if (cortar) TestDb::openShared(ruta);

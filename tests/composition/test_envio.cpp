@@ -412,12 +412,7 @@ class TestEnvio : public Prueba {
         QVERIFY(f.ocupada());
         QVERIFY(!caja->isEnabled() && !texto->isEnabled() &&
                 !hijo<QPushButton>(f, u"cmdEliminarTodos"_s)->isEnabled());
-        if (ajeno) {
-            QTest::qWait(150);
-            QVERIFY(f.ocupada());
-            if (cortar) prueba::bd().close();
-            otro->soltar();
-        }
+        prueba::dejarPasar(otro, cortar, [&] { return f.ocupada(); });
         QTRY_VERIFY_WITH_TIMEOUT(!f.ocupada(), 20000);
         QVERIFY(caja->isEnabled() && texto->isEnabled());
         if (cortar) {
@@ -625,11 +620,8 @@ class TestEnvio : public Prueba {
         if (ajeno) {
             QVERIFY(f.ocupada());
             QVERIFY(!l->isEnabled() && !hijo<QPushButton>(f, u"cmdAñadir"_s)->isEnabled());
-            QTest::qWait(150);
-            QVERIFY(f.ocupada());
-            if (cortar) prueba::bd().close();
-            otro->soltar();
         }
+        prueba::dejarPasar(otro, cortar, [&] { return f.ocupada(); });
         QTRY_VERIFY(!f.ocupada());
         QVERIFY(l->isEnabled());
         if (cortar) {

@@ -182,12 +182,7 @@ class TestTareasPendientes : public Prueba {
         reloj.start(1);
         std::optional<int> disparadas;
         QCoro::connect(clsTareasPendientes::ReLoad(), this, [&](int16_t n) { disparadas = n; });
-        if (ajeno) {
-            QTest::qWait(150);
-            QVERIFY(!disparadas);
-            if (cortar) bd().close();
-            otro->soltar();
-        }
+        prueba::dejarPasar(otro, cortar, [&] { return !disparadas; });
         QTRY_VERIFY_WITH_TIMEOUT(disparadas.has_value(), 30000);
         QCOMPARE(*disparadas, 1);
         // Each recipient with its own text, through its contact's account.

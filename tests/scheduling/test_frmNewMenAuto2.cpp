@@ -460,12 +460,7 @@ class TestFrmNewMenAuto2 : public Prueba {
         e.cmdAdd->click();
         QVERIFY(e.ocupada());
         QVERIFY(!e.cmdAdd->isEnabled() && !e.XPButton2->isEnabled());
-        if (ajeno) {
-            QTest::qWait(150);
-            QVERIFY(e.ocupada());
-            if (cortar) bd().close();
-            otro->soltar();
-        }
+        prueba::dejarPasar(otro, cortar, [&] { return e.ocupada(); });
         QTRY_VERIFY_WITH_TIMEOUT(!e.ocupada(), 30000);
         QVERIFY(e.cmdAdd->isEnabled());
         if (cortar) {

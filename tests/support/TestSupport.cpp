@@ -365,6 +365,14 @@ void filasOtroPrograma(const char* sola) {
     QTest::newRow("another program holds the file a moment") << true << false;
     QTest::newRow("the file closed while it waits") << true << true;
 }
+void dejarPasar(std::optional<OtroPrograma>& otro, bool cortar,
+                const std::function<bool()>& esperando) {
+    if (!otro) return;
+    QTest::qWait(150);
+    QVERIFY2(esperando(), "the write went on while another program held the file");
+    if (cortar) bd().close();
+    otro->soltar();
+}
 void OtroPrograma::soltar() {
     if (!m_db) return;
     sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);

@@ -194,6 +194,11 @@ class OtroPrograma {
 // "cortar": `sola` alone; another program holding the file a moment; the
 // file closed while the write waits for it.
 void filasOtroPrograma(const char* sola);
+// With another program holding the file (`otro` set), a write of ours
+// waits for it a moment, `esperando` holding meanwhile; then the file is
+// closed when `cortar`, and the other program lets go.
+void dejarPasar(std::optional<OtroPrograma>& otro, bool cortar,
+                const std::function<bool()>& esperando);
 
 // Awaits a coroutine of the program's from a test, the event loop turning
 // meanwhile, and rethrows what it threw (QCoro's own waitFor would wait
