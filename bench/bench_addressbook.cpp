@@ -2,7 +2,7 @@
 // contacts: opening the contacts, sorting them by a header click, the
 // membership screen of a list that holds half of them, and deleting them
 // all. Beside each figure, the largest stall of the window's event loop.
-#include "SondaBucle.h"
+#include "Libreta.h"
 #include "TestSupportGui.h"
 #include "addressbook/frmAbonados.h"
 #include "addressbook/frmGrupos.h"
@@ -19,53 +19,6 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-void llenar(int contactos) {
-    BaseDatos& bd = Conexion();
-    bd.begin();
-    bd.exec(u"DELETE FROM AboGrup"_s);
-    bd.exec(u"DELETE FROM Abonados"_s);
-    // Names in a scrambled order, so the sort has real work to do, with
-    // accents, "ñ" and case that the lists' rule weighs.
-    bd.exec(
-        u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?), "
-        u"k(k) AS (SELECT (i * 7919) % ? FROM n) "
-        u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) "
-        u"SELECT '0034' || (600000000 + k), "
-        u"CASE k % 10 WHEN 0 THEN 'Álvaro' WHEN 1 THEN 'beatriz' WHEN 2 THEN 'Carmen' "
-        u"WHEN 3 THEN 'David' WHEN 4 THEN 'Elena' WHEN 5 THEN 'Ñuño' WHEN 6 THEN 'óscar' "
-        u"WHEN 7 THEN 'Pilar' WHEN 8 THEN 'Quique' ELSE 'Rosa' END || ' ' || printf('%06d', k), "
-        u"'comentario ' || (k % 977), k % 3 FROM k"_s,
-        {contactos - 1, contactos});
-    bd.exec(
-        u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 0 FROM Abonados "
-        u"WHERE CAST(substr(Codigo, 5) AS INTEGER) % 2 = 1"_s);
-    bd.commit();
-}
-
-struct Medida {
-    QElapsedTimer reloj;
-    Sonda sonda;
-    void empezar() {
-        sonda.empezar();
-        reloj.start();
-    }
-};
-
-void cifra(const QString& que, Medida& m, int limite) {
-    const qint64 ms = m.reloj.elapsed();
-    // What an action leaves for the turns after it (a write's copy of the
-    // log into the file) stalls the window too.
-    for (QDeadlineTimer resto(50); !resto.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, resto.remainingTime());
-    const qint64 parada = m.sonda.terminar();
-    std::printf("%-58s %6lld ms %6lld ms stall  (target < %d ms)\n", qPrintable(que),
-                static_cast<long long>(ms), static_cast<long long>(parada), limite);
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
     BancoPantallas banco(argc, argv);
@@ -86,7 +39,7 @@ int main(int argc, char** argv) {
         if (a.toInt() > 0) tamanos.append(a.toInt());
     if (tamanos.isEmpty()) tamanos = {5000, 50000, 500000};
     for (int contactos : tamanos) {
-        llenar(contactos);
+        llenarLibreta(bd, contactos);
         const QString n = QLocale(QLocale::English).toString(contactos);
         const QString mitad = QLocale(QLocale::English).toString(contactos / 2);
         Medida t;
@@ -176,7 +129,7 @@ int main(int argc, char** argv) {
 
         // With a contact of a missing account, which stays: what stays is
         // set aside and put back.
-        llenar(contactos);
+        llenarLibreta(bd, contactos);
         bd.exec(u"UPDATE Abonados SET Canal = 9 WHERE rowid = 1"_s);
         pantalla = new frmAbonados;
         pantalla->show();

@@ -4,7 +4,7 @@
 // "Añadir" in the compose screen with every contact and with the list, a
 // multi-send given the list's members, and the tick that fires it. Beside
 // each figure, the largest stall of the window's event loop.
-#include "SondaBucle.h"
+#include "Libreta.h"
 #include "TestSupportGui.h"
 #include "base/EstadoAplicacion.h"
 #include "base/Reloj.h"
@@ -30,46 +30,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// The book, with no outbox and no multi-send.
 void llenar(BaseDatos& bd, int contactos) {
-    bd.begin();
-    bd.exec(u"DELETE FROM AboGrup"_s);
-    bd.exec(u"DELETE FROM Abonados"_s);
     bd.exec(u"DELETE FROM envios"_s);
     bd.exec(u"DELETE FROM AboAuto"_s);
     bd.exec(u"DELETE FROM Automaticos"_s);
-    bd.exec(
-        u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?), "
-        u"k(k) AS (SELECT (i * 7919) % ? FROM n) "
-        u"INSERT INTO Abonados (Codigo,Alias,Comentario,Canal) "
-        u"SELECT '0034' || (600000000 + k), "
-        u"CASE k % 10 WHEN 0 THEN 'Álvaro' WHEN 1 THEN 'beatriz' WHEN 2 THEN 'Carmen' "
-        u"WHEN 3 THEN 'David' WHEN 4 THEN 'Elena' WHEN 5 THEN 'Ñuño' WHEN 6 THEN 'óscar' "
-        u"WHEN 7 THEN 'Pilar' WHEN 8 THEN 'Quique' ELSE 'Rosa' END || ' ' || printf('%06d', k), "
-        u"'comentario ' || (k % 977), k % 3 FROM k"_s,
-        {contactos - 1, contactos});
-    bd.exec(
-        u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 0 FROM Abonados "
-        u"WHERE CAST(substr(Codigo, 5) AS INTEGER) % 2 = 1"_s);
-    bd.commit();
-}
-
-struct Medida {
-    QElapsedTimer reloj;
-    Sonda sonda;
-    void empezar() {
-        sonda.empezar();
-        reloj.start();
-    }
-};
-
-void cifra(const QString& que, Medida& m, int limite) {
-    const qint64 ms = m.reloj.elapsed();
-    for (QDeadlineTimer resto(50); !resto.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, resto.remainingTime());
-    const qint64 parada = m.sonda.terminar();
-    std::printf("%-58s %6lld ms %6lld ms stall  (target < %d ms)\n", qPrintable(que),
-                static_cast<long long>(ms), static_cast<long long>(parada), limite);
-    std::fflush(stdout);
+    llenarLibreta(bd, contactos);
 }
 
 // The picker's answer, worked out over turns.
