@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
+#include <QElapsedTimer>
 #include <QList>
 #include <QSet>
 #include <QTimer>
@@ -18,21 +19,25 @@
 QCoro::Task<> turnoSiguiente(int ms = 1);
 
 namespace turno_detalle {
-// Elements freed in one turn.
-constexpr qsizetype kPorTurno = 50000;
+// Elements freed between two looks at the clock, and what a turn gives
+// them: a map's element is three blocks, a list's string one.
+constexpr qsizetype kPieza = 2000;
+constexpr qint64 kTurnoMs = 6;
+// Fewer than this go at once.
+constexpr qsizetype kDeUnaVez = 10000;
 template <class T>
 void quitarTramo(QSet<T>& c) {
     auto it = c.begin();
-    for (qsizetype k = 0; k < kPorTurno && it != c.end(); ++k) it = c.erase(it);
+    for (qsizetype k = 0; k < kPieza && it != c.end(); ++k) it = c.erase(it);
 }
 template <class T>
 void quitarTramo(QList<T>& c) {
-    c.resize(std::max<qsizetype>(0, c.size() - kPorTurno));
+    c.resize(std::max<qsizetype>(0, c.size() - kPieza));
 }
 template <class K, class V>
 void quitarTramo(std::map<K, V>& c) {
     auto hasta = c.begin();
-    std::advance(hasta, std::min<qsizetype>(kPorTurno, qsizetype(c.size())));
+    std::advance(hasta, std::min<qsizetype>(kPieza, qsizetype(c.size())));
     c.erase(c.begin(), hasta);
 }
 // The allocator keeps small freed blocks aside and merges all of them at
@@ -44,8 +49,12 @@ inline void fundirLibres() {
 }
 template <class C>
 void seguirLiberando(std::shared_ptr<C> resto) {
-    quitarTramo(*resto);
-    fundirLibres();
+    QElapsedTimer reloj;
+    reloj.start();
+    do {
+        quitarTramo(*resto);
+        fundirLibres();
+    } while (!resto->empty() && reloj.elapsed() < kTurnoMs);
     if (resto->empty()) return;
     QTimer::singleShot(1, QCoreApplication::instance(), [resto] { seguirLiberando(resto); });
 }
@@ -56,7 +65,7 @@ void seguirLiberando(std::shared_ptr<C> resto) {
 // second. A small one, or one without an application, goes at once.
 template <class C>
 void liberarPorTurnos(C contenedor) {
-    if (!QCoreApplication::instance() || qsizetype(contenedor.size()) <= turno_detalle::kPorTurno)
+    if (!QCoreApplication::instance() || qsizetype(contenedor.size()) < turno_detalle::kDeUnaVez)
         return;
     auto resto = std::make_shared<C>(std::move(contenedor));
     QTimer::singleShot(1, QCoreApplication::instance(),
