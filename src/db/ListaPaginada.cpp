@@ -185,8 +185,13 @@ void ListaPaginada::ordenar(int columna, bool descendente) {
     m_descendente = descendente;
 }
 
+bool ListaPaginada::indexada(int columna) const {
+    const Columna& c = m_def.columnas.at(columna);
+    return !c.orden.isEmpty() && !c.sinIndice;
+}
+
 bool ListaPaginada::porIndice() const {
-    return m_columna < 0 || !m_def.columnas.at(m_columna).orden.isEmpty();
+    return m_columna < 0 || indexada(m_columna);
 }
 
 QString ListaPaginada::valorDe(int columna) const {
@@ -318,7 +323,7 @@ QString condicionGrupo(const QString& porClave, const QVariantList& claves, bool
 }  // namespace
 
 bool ListaPaginada::restoPorIndice() const {
-    if (m_def.estable && m_anterior >= 0) return !m_def.columnas.at(m_anterior).orden.isEmpty();
+    if (m_def.estable && m_anterior >= 0) return indexada(m_anterior);
     return m_def.desempate.isEmpty();
 }
 

@@ -37,6 +37,10 @@ class ListaPaginada {
         // sorted by the lists' rule (a date shown day first sorts by the
         // stored date); empty sorts by `texto` under the rule.
         QString orden;
+        // `orden` is a stored key that no index of the rows gives (one of
+        // a joined table): sorted as a text is, over stretches, comparing
+        // the keys.
+        bool sinIndice = false;
     };
     // A column whose text depends on one key of a small table alone (an
     // account's name on its code) is sorted on that table: `valores` lists
@@ -273,6 +277,8 @@ class ListaPaginada {
     // The rows that come after the row with these values in the order `t`.
     static QString despuesDe(QVariantList& params, const QVector<Termino>& t,
                              const QVector<QString>& orden, int64_t clave);
+    // An index gives the order of column `columna`.
+    bool indexada(int columna) const;
     bool porIndice() const;
     // Whether an index gives the order within a group of keys.
     bool restoPorIndice() const;

@@ -10,6 +10,7 @@
 #include "widgets/Boton.h"
 #include "widgets/Cuadros.h"
 #include "widgets/Listado.h"
+#include "widgets/ModeloPaginado.h"
 #include "widgets/Montaje.h"
 #include "widgets/ReglasPantallas.h"
 
@@ -26,10 +27,6 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-constexpr int kColId = 2;  // the hidden column that holds id_AboAuto
-}
 
 frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     identificar(this, u"frmNewMenAuto2"_s, u"Mantenimiento de Mensajes Programados"_s,
@@ -51,7 +48,7 @@ frmNewMenAuto2::frmNewMenAuto2(QWidget* parent) : QDialog(parent) {
     resize(640, 560);
 
     // Lines show by contact name from the start, with the arrow on it.
-    ListView1->modelo()->sort(0, Qt::AscendingOrder);
+    m_destinatarios->ordenar(0, false);
     lblTarea->setText(u"No hay ninguna tarea programada"_s);
 
     connect(ctrScheduledTask1, &ctrScheduledTask::Change, this,
@@ -94,9 +91,10 @@ QWidget* frmNewMenAuto2::crearGeneral() {
 
 QWidget* frmNewMenAuto2::crearMensajes() {
     auto* mensajes = new QWidget(tabs);
-    ListView1 =
-        new Listado(u"ListView1"_s, {u"Contacto"_s, u"Mensaje a enviar"_s, QString()}, mensajes);
-    ListView1->setColumnHidden(kColId, true);
+    const QStringList cabeceras{u"Contacto"_s, u"Mensaje a enviar"_s};
+    ListView1 = new Listado(u"ListView1"_s, cabeceras, mensajes);
+    m_destinatarios = new ModeloPaginado(definicionDestinatarios(), cabeceras, this);
+    ListView1->usarModelo(m_destinatarios);
     ListView1->setColumnWidth(0, 160);
     cmdAdd = botonConNombre(mensajes, u"cmdAdd"_s, u"Ag&regar Contactos"_s);
     XPButton1 = botonConNombre(mensajes, u"XPButton1"_s, u"&Eliminar Contacto seleccionado"_s);
@@ -168,15 +166,20 @@ void frmNewMenAuto2::setCodigo(int32_t codigo) {
 }
 
 void frmNewMenAuto2::cargarDestinatarios() {
-    QVector<QString> celdas;
-    try {
-        celdas = leerDestinatarios(m_codigo);
-    } catch (const ErrorQuelmo& e) {
-        msLog(u"No se pudieron leer los destinatarios: "_s + e.description());
-    }
-    lblContactos->setText(u"Este envío tiene "_s + QString::number(celdas.size() / 3) +
-                          u" mensaje(s)"_s);
-    ListView1->modelo()->asignar(std::move(celdas));
+    // A quarter of a million lines are counted over turns: meanwhile the
+    // list and what acts on its lines take nothing.
+    const int lectura = ++m_lectura;
+    if (!m_ocupacion.activa())
+        m_ocupacion.ocupar(this, {ListView1, cmdAdd, XPButton1, cmdDelete, XPButton3});
+    QPointer<frmNewMenAuto2> pantalla(this);
+    prepararDestinatarios(m_codigo, [pantalla, lectura](std::optional<int> lineas) {
+        if (!pantalla || lectura != pantalla->m_lectura) return;
+        pantalla->m_ocupacion.soltar();
+        // Unreadable, the list shows empty, as it does with no lines.
+        pantalla->lblContactos->setText(u"Este envío tiene "_s +
+                                        QString::number(lineas.value_or(0)) + u" mensaje(s)"_s);
+        pantalla->m_destinatarios->cargar(lineas.value_or(0));
+    });
 }
 
 void frmNewMenAuto2::ctrScheduledTask1_Change() {
@@ -248,12 +251,11 @@ void frmNewMenAuto2::cmdAdd_Click() {
 void frmNewMenAuto2::XPButton1_Click() {
     const int fila = ListView1->filaActual();
     if (fila < 0) return;
-    if (quitarDestinatario(ListView1->modelo()->texto(fila, kColId).toLongLong()))
-        cargarDestinatarios();
+    if (quitarDestinatario(m_destinatarios->clave(fila))) cargarDestinatarios();
 }
 
 void frmNewMenAuto2::cmdDelete_Click() {
-    if (ListView1->modelo()->rowCount() == 0) return;
+    if (m_destinatarios->rowCount() == 0) return;
     if (ui().msgBox(
             u"Esta seguro que desea eliminar todos los Contactos para este mensaje automático ?"_s,
             Msg::YesNo | 32) != Msg::Yes)
@@ -271,8 +273,8 @@ void frmNewMenAuto2::XPButton3_Click() {
     const int fila = ListView1->filaActual();
     if (fila < 0) return;
     frmSeleccionMensaje2 editor(this);
-    editor.setId_AboAuto(ListView1->modelo()->texto(fila, kColId).toLongLong());
-    editor.setMensaje(ListView1->modelo()->texto(fila, 1));
+    editor.setId_AboAuto(m_destinatarios->clave(fila));
+    editor.setMensaje(m_destinatarios->texto(fila, 1));
     connect(&editor, &frmSeleccionMensaje2::changeMensaje, this,
             &frmNewMenAuto2::frmAux2_changeMensaje);
     editor.exec();

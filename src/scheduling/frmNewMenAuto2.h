@@ -8,6 +8,7 @@
 
 class ctrScheduledTask;
 class Listado;
+class ModeloPaginado;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -70,9 +71,13 @@ class frmNewMenAuto2 : public QDialog {
     bool m_enCarga = false;
     QString m_mensaje;
     bool m_saludo = false;
+    ModeloPaginado* m_destinatarios;
+    // The last reading of the list asked for: an earlier one that ends
+    // later shows nothing.
+    int m_lectura = 0;
     Ocupacion m_ocupacion;
 
   public:
-    // Its recipients are being deleted over turns.
+    // Its recipients are being added, deleted or counted over turns.
     bool ocupada() const { return m_ocupacion.activa(); }
 };

@@ -338,11 +338,59 @@ bool programaActivo(const ResultadoConsulta& fila) {
     }
 }
 
-QVector<QString> leerDestinatarios(int32_t codigo) {
-    return bd().queryTexts(
-        u"SELECT Abonados.Alias, AboAuto.Mensaje, AboAuto.id_AboAuto FROM AboAuto INNER JOIN "
-        u"Abonados ON AboAuto.Abonado = Abonados.Codigo WHERE automatico = ? ORDER BY Abonado"_s,
-        {codigo});
+namespace {
+// The multi-send whose recipients the editor lists: the list's statements
+// read it, as they bind nothing.
+const QString kEditado = u"temp.EnvioEditado"_s;
+const QString kDesdeDestinatarios =
+    u"FROM AboAuto INNER JOIN Abonados ON AboAuto.Abonado = Abonados.Codigo"_s;
+}  // namespace
+
+ListaPaginada::Definicion definicionDestinatarios() {
+    ListaPaginada::Definicion d;
+    d.desde = kDesdeDestinatarios;
+    d.filtro = u"AboAuto.Automatico = (SELECT Codigo FROM "_s + kEditado + u')';
+    d.clave = u"AboAuto.id_AboAuto"_s;
+    d.mayor = u"SELECT max(id_AboAuto) FROM AboAuto"_s;
+    // The names' stored keys sort faster than the rule's comparison of
+    // the names, but no index of the multi-send's rows holds them.
+    d.columnas = {{u"Abonados.Alias"_s, u"Abonados.ClaveNombre"_s, true},
+                  {u"AboAuto.Mensaje"_s, {}}};
+    // Lines alike stand in the order they were loaded in: by number.
+    d.desempate = u"AboAuto.Abonado"_s;
+    return d;
+}
+
+void prepararDestinatarios(int32_t codigo,
+                           std::function<void(std::optional<int> lineas)> alTerminar) {
+    using namespace EscrituraPorTurnos;
+    auto lineas = std::make_shared<int>(0);
+    // Counted on the multi-send's index a stretch at a time: each line
+    // looks its contact up, a quarter of a million of them more than a turn.
+    const QString cuenta =
+        u"SELECT count(*) "_s + kDesdeDestinatarios +
+        u" WHERE AboAuto.Automatico = ? AND AboAuto.id_AboAuto BETWEEN ? AND ?"_s;
+    std::vector<Paso> pasos{
+        [codigo] {
+            bd().exec(u"CREATE TABLE IF NOT EXISTS "_s + kEditado + u" (Codigo INTEGER)"_s);
+            bd().exec(u"DELETE FROM "_s + kEditado);
+            bd().exec(u"INSERT INTO "_s + kEditado + u" (Codigo) VALUES (?)"_s, {codigo});
+            return false;
+        },
+        porTramos(
+            bd(), {u"AboAuto"_s, u"id_AboAuto"_s, u"Automatico = ?"_s, {codigo}},
+            [codigo, cuenta, lineas](const QVariant& desde, const QVariant& hasta) {
+                *lineas += int(numeroDe(bd().query(cuenta, {codigo, desde, hasta}).value(0, 0)));
+            })};
+    porTurnos(bd(), std::move(pasos),
+              [lineas, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+                  if (fallo) {
+                      msLog(u"No se pudieron leer los destinatarios: "_s + fallo->description());
+                      alTerminar(std::nullopt);
+                      return;
+                  }
+                  alTerminar(*lineas);
+              });
 }
 
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre) {

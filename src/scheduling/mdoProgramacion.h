@@ -105,9 +105,16 @@ void borrarMensajeProgramado(int32_t codigo, std::function<void(bool borrado)> a
 // The row, or an empty result when it does not exist (yet).
 ResultadoConsulta leerAutomatico(int32_t codigo);
 bool programaActivo(const ResultadoConsulta& fila);
-// The recipients as lines of three cells: alias, message, id_AboAuto;
-// ordered by the contact's number.
-QVector<QString> leerDestinatarios(int32_t codigo);
+// The editor's list of the recipients that are contacts: alias and
+// message, each line numbered by its id_AboAuto; read a page at a time,
+// those of the multi-send `prepararDestinatarios` named last (the editor
+// is modal: one at a time).
+ListaPaginada::Definicion definicionDestinatarios();
+// Points that list at multi-send `codigo` and counts its lines, over
+// turns of the event loop once they are many; nullopt when they can't be
+// read.
+void prepararDestinatarios(int32_t codigo,
+                           std::function<void(std::optional<int> lineas)> alTerminar);
 // The code of the first other row named `nombre`, -1 if none.
 int32_t otroCodigoConNombre(int32_t codigo, const QString& nombre);
 

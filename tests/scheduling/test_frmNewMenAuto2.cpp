@@ -12,6 +12,7 @@
 
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -562,6 +563,54 @@ class TestFrmNewMenAuto2 : public Prueba {
                      : QStringList{caja(Msg::YesNo | 32,
                                         u"Esta seguro que desea eliminar todos los Contactos "
                                         u"para este mensaje automático ?"_s)});
+    }
+
+    // The lines are the recipients that are contacts, by name from the
+    // start (names alike by number), and a header click sorts them; the
+    // line chosen is the row removed, whatever the order.
+    void theLinesSortAsTheHeadersSay_data() {
+        QTest::addColumn<QList<int>>("clics");
+        QTest::addColumn<QStringList>("lineas");
+        QTest::newRow("opened: by name, names alike by number")
+            << QList<int>{}
+            << QStringList{u"ana: ñu"_s, u"Ana: Ábaco"_s, u"Bea: mesa"_s, u"Carla: zorro"_s};
+        QTest::newRow("name again: descending, names alike as they stood")
+            << QList<int>{0}
+            << QStringList{u"Carla: zorro"_s, u"Bea: mesa"_s, u"ana: ñu"_s, u"Ana: Ábaco"_s};
+        // A click turns the direction round, whichever column it is on.
+        QTest::newRow("message: descending")
+            << QList<int>{1}
+            << QStringList{u"Carla: zorro"_s, u"ana: ñu"_s, u"Bea: mesa"_s, u"Ana: Ábaco"_s};
+        QTest::newRow("message twice: accents and case don't count")
+            << QList<int>{1, 1}
+            << QStringList{u"Ana: Ábaco"_s, u"Bea: mesa"_s, u"ana: ñu"_s, u"Carla: zorro"_s};
+    }
+    void theLinesSortAsTheHeadersSay() {
+        QFETCH(QList<int>, clics);
+        QFETCH(QStringList, lineas);
+        contacto(u"0034600000000"_s, u"ana"_s, 0);
+        bd().exec(u"INSERT INTO Automaticos (Codigo, Nombre) VALUES (1, 'Uno'), (2, 'Dos')"_s);
+        // A number that is no contact any more shows nowhere.
+        bd().exec(
+            u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) VALUES "
+            u"(1, '0034600000003', 'zorro'), (1, '0034600000001', 'Ábaco'), "
+            u"(2, '0034600000002', 'otro envío'), (1, '0034600000000', 'ñu'), "
+            u"(1, '0034699999999', 'sin contacto'), (1, '0034600000002', 'mesa')"_s);
+        frmNewMenAuto2 e;
+        e.setCodigo(1);
+        QTRY_VERIFY(!e.ocupada());
+        QCOMPARE(e.lblContactos->text(), u"Este envío tiene 4 mensaje(s)"_s);
+        for (int c : clics) Q_EMIT e.ListView1->header()->sectionClicked(c);
+        QCOMPARE(filas(e), lineas);
+        e.ListView1->seleccionarFila(int(lineas.indexOf(u"Bea: mesa"_s)));
+        e.XPButton1->click();
+        QTRY_VERIFY(!e.ocupada());
+        lineas.removeOne(u"Bea: mesa"_s);
+        QCOMPARE(filas(e), lineas);
+        QCOMPARE(e.lblContactos->text(), u"Este envío tiene 3 mensaje(s)"_s);
+        QCOMPARE(
+            columna(u"select Mensaje from AboAuto order by id_AboAuto"_s),
+            (QStringList{u"zorro"_s, u"Ábaco"_s, u"otro envío"_s, u"ñu"_s, u"sin contacto"_s}));
     }
 
     void aRowThatDoesNotExistShowsNoSchedule() {
