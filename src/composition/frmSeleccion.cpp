@@ -164,6 +164,18 @@ void frmSeleccion::seguirContactos(std::shared_ptr<LecturaContactos> lectura, in
 // them: that order reaches the chosen list, and has no bearing on the result.
 void frmSeleccion::moverContactos(QList<int> filas) {
     ModeloListado* m = lstcontactos->modelo();
+    // Every line ("Todos"): the cells change hands. A copy of each of a
+    // million cells reads every one of them, 47 ms.
+    if (filas.size() == m->rowCount() && !filas.isEmpty()) {
+        QVector<QString> celdas = m->tomarCeldas();
+        // From the last, as the lines of a choice go.
+        for (qsizetype a = 0, b = celdas.size() - 2; a < b; a += 2, b -= 2) {
+            celdas[a].swap(celdas[b]);
+            celdas[a + 1].swap(celdas[b + 1]);
+        }
+        lstdestinos->modelo()->anadirCeldas(std::move(celdas));
+        return;
+    }
     if (!std::is_sorted(filas.begin(), filas.end(), std::greater<int>()))
         std::sort(filas.begin(), filas.end(), std::greater<int>());
     // Cells, not a list per line: "Todos" moves half a million of them.

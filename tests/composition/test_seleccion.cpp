@@ -137,6 +137,10 @@ class TestSeleccion : public Prueba {
         QCOMPARE(textosDe(contactos, 0).last(), u"dani"_s);
         f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
         QCOMPARE(contactos->rowCount(), 0);
+        // From the last, as a choice of several lines goes.
+        QCOMPARE(textosDe(destinos, 0), (QStringList{u"amigos"_s, u"amigos"_s, u"dani"_s,
+                                                     u"carla"_s, u"bea"_s, u"ana"_s}));
+        QCOMPARE(destinos->fila(2), (QStringList{u"dani"_s, u"003404"_s}));
         f.findChild<QPushButton*>(u"cmdAdd"_s)->click();
         QTRY_COMPARE(estadoAplicacion().gsDestinos, u"bea;carla;ana;dani"_s);
 
