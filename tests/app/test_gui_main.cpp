@@ -491,9 +491,15 @@ class TestGuiMain : public Prueba {
         {
             Conexion().exec(
                 u"INSERT INTO Automaticos (Codigo,Nombre) VALUES (1,'Recordatorio semanal')"_s);
+            Conexion().exec(
+                u"INSERT INTO AboAuto (Automatico,Abonado,Mensaje) SELECT 1, Codigo, "
+                u"Alias || ', mañana a las 9:00 en la oficina.' FROM Abonados"_s);
             frmNewMenAuto2 editor(w.get());
             editor.setCodigo(1);
+            QTRY_VERIFY(!editor.ocupada());
             prueba::captura(&editor, u"programado"_s);
+            editor.tabs->setCurrentIndex(1);
+            prueba::captura(&editor, u"programado-mensajes"_s);
         }
         PantallasHijas::show(PantallasHijas::instance<frmAbonados>());
         prueba::captura(w.get(), u"contactos"_s);
