@@ -59,6 +59,9 @@ void msDestinosSeleccionados(QVector<QString> elegidos, AlElegir alTerminar) {
     // lines at a time.
     EscrituraPorTurnos::Paso lineas = [e, elegidos = std::move(elegidos),
                                        siguiente = qsizetype(0)]() mutable {
+        // Grown an insert at a time, a set of half a million rehashes
+        // all of it in one insert: 20-40 ms.
+        if (siguiente == 0) e->elegidos.reserve(elegidos.size() / 2);
         for (int k = 0; k < kMiembrosPorPaso && siguiente + 1 < elegidos.size(); ++k) {
             const QString& texto = elegidos.at(siguiente++);
             const QString& detalle = elegidos.at(siguiente++);
@@ -98,6 +101,7 @@ void msDestinosSeleccionados(QVector<QString> elegidos, AlElegir alTerminar) {
     EscrituraPorTurnos::Paso contactos = [e] {
         if (!e->miembrosLeidos) {
             e->miembrosLeidos = true;
+            e->dados.reserve(e->elegidos.size());
             if (e->aliases.startsWith(u';')) e->aliases.remove(0, 1);
         }
         if (e->elegidos.isEmpty()) return false;

@@ -428,6 +428,9 @@ void anadirDestinatarios(int32_t codigo, QString nombre, QStringList aliases, QS
     a->aliases = std::move(aliases);
     // Every contact that bears one of the chosen aliases, once.
     EscrituraPorTurnos::Paso buscar = [&db, a] {
+        // Grown an insert at a time, the set would rehash a quarter of a
+        // million keys in one insert.
+        if (a->siguiente == 0) a->vistos.reserve(a->aliases.size());
         for (int k = 0; k < kPorPaso && a->siguiente < a->aliases.size(); ++k) {
             const QString& alias = a->aliases.at(a->siguiente++);
             const QString clave = ReglaNombres::clave(alias);
