@@ -128,7 +128,12 @@ int main(int argc, char** argv) {
     Reloj r;
     auto* pantalla = new frmHEnvios;
     pantalla->show();
-    QCoreApplication::processEvents();
+    // Until the rows are counted (over turns) and the first page shown.
+    const auto mostrada = [&] {
+        while (pantalla->ocupada()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::processEvents();
+    };
+    mostrada();
     const Medida abrir = medir(r);
     const long long despues = memoriaKb("VmRSS:");
     cifra("frmHEnvios open (count, first page)", abrir, sqlAbrir, "(count + newest 1,000)");
@@ -240,7 +245,7 @@ int main(int argc, char** argv) {
     // The list part alone, again on the rows that are left.
     r.reiniciar();
     pantalla->msCargarHistorico();
-    QCoreApplication::processEvents();
+    mostrada();
     const Medida recargar = medir(r);
     std::printf("delete older than %s: %d rows removed, %d left\n",
                 qPrintable(dia.toString(u"dd/MM/yyyy"_s)), borrables,
@@ -252,7 +257,7 @@ int main(int argc, char** argv) {
     llenarHistorico();
     const int todas = int(bd.query(u"SELECT count(*) FROM HEnvios"_s).value(0, 0).toInt());
     pantalla->msCargarHistorico();
-    QCoreApplication::processEvents();
+    mostrada();
     pantalla->Option1_0->setChecked(true);
     banco.ui.answers = {Msg::Yes};
     const Medida vaciar = borrarEnPantalla();

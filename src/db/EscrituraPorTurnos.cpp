@@ -290,6 +290,16 @@ Paso porTramos(BaseDatos& db, QString sql, QVariantList params, const Recorrido&
                      });
 }
 
+Paso contar(BaseDatos& db, QString sql, QVariantList params, const Recorrido& recorrido,
+            int* filas) {
+    return porTramos(
+        db, recorrido,
+        [&db, sql = std::move(sql), params = std::move(params), filas](const QVariant& desde,
+                                                                       const QVariant& hasta) {
+            *filas += int(primero(db.query(sql, params + QVariantList{desde, hasta})).toLongLong());
+        });
+}
+
 Paso vaciar(BaseDatos& db, QString tabla, int* filas) {
     struct Indices {
         bool leidos = false;

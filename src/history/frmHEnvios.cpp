@@ -104,11 +104,21 @@ void frmHEnvios::crearEliminacion() {
 
 void frmHEnvios::msCargarHistorico() {
     m_modelo->ordenar(Historico::Id, true);
-    m_modelo->cargar();
     // The table comes newest first: that is the date's order, descending.
     m_columna = Historico::Id;
     m_descendente = true;
     pintarCabecera();
+    // A million rows are counted over turns; meanwhile the screen takes
+    // nothing but "Cerrar", as while it deletes.
+    const int lectura = ++m_lectura;
+    if (!ocupada()) ocupar(true);
+    QPointer<frmHEnvios> pantalla(this);
+    Historico::contar([pantalla, lectura](std::optional<int> filas) {
+        if (!pantalla || lectura != pantalla->m_lectura) return;
+        pantalla->ocupar(false);
+        // Unreadable, the list shows empty.
+        pantalla->m_modelo->cargar(filas.value_or(0));
+    });
 }
 
 void frmHEnvios::ordenarPorColumna(int columna) {

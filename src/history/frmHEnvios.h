@@ -30,7 +30,8 @@ class frmHEnvios : public QWidget {
 
     void XPButton1_Click();
     void XPButton2_Click();
-    // A deletion is under way: the screen takes no input but "Cerrar".
+    // A deletion or a count is under way: the screen takes no input but
+    // "Cerrar".
     bool ocupada() const { return m_ocupacion.activa(); }
 
     QTreeView* ListView1;
@@ -53,5 +54,8 @@ class frmHEnvios : public QWidget {
     ModeloPaginado* m_modelo;
     int m_columna = Historico::Id;
     bool m_descendente = true;
+    // The last reading of the list asked for: an earlier one that ends
+    // later shows nothing.
+    int m_lectura = 0;
     Ocupacion m_ocupacion;
 };

@@ -85,6 +85,26 @@ ListaPaginada::Definicion Historico::definicion() {
     return d;
 }
 
+void Historico::contar(std::function<void(std::optional<int> filas)> alTerminar) {
+    auto filas = std::make_shared<int>(0);
+    BaseDatos& db = Conexion();
+    EscrituraPorTurnos::porTurnos(
+        db,
+        {EscrituraPorTurnos::contar(
+             db, u"SELECT count(*) FROM HEnvios WHERE Registro BETWEEN ? AND ?"_s, {},
+             {u"HEnvios"_s, u"Registro"_s}, filas.get()),
+         // A row another program wrote without a date is in no stretch.
+         [&db, filas] {
+             *filas += int(db.query(u"SELECT count(*) FROM HEnvios WHERE Registro IS NULL"_s)
+                               .value(0, 0)
+                               .toLongLong());
+             return false;
+         }},
+        [filas, alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            alTerminar(fallo ? std::nullopt : std::optional<int>(*filas));
+        });
+}
+
 // ---- Resend and deletion -----------------------------------------------------
 
 Hecho msReenviarMensaje(const QString& numero, const QString& mensaje) {

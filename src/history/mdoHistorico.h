@@ -8,6 +8,7 @@
 #include <QVariant>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 // The sent history (HEnvios) as the history screen lists it, and what the
 // user can do from there: queue a past message again, delete history. The
@@ -22,6 +23,9 @@
 namespace Historico {
 enum Columna { Enviado = 0, Numero, Cuenta, Mensaje, Resultado, Id, kColumnas };
 ListaPaginada::Definicion definicion();
+// The rows there are now, counted over turns of the event loop a stretch
+// of the date's index at a time; nullopt when they can't be read.
+void contar(std::function<void(std::optional<int> filas)> alTerminar);
 }  // namespace Historico
 
 // The sort key of the date column: "yyyymmddhhnnss".

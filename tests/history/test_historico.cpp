@@ -96,6 +96,12 @@ class TestHistorico : public Prueba {
         QVERIFY(!pantalla->txtfecha->isEnabled());
         pantalla->Option1_1->setChecked(true);
         QVERIFY(pantalla->txtfecha->isEnabled());
+        // A row another program wrote without a date is counted and shown.
+        bd().exec(
+            u"INSERT INTO HEnvios (Abonado, Mensaje) VALUES ('0034600000004', 'sin fecha')"_s);
+        pantalla->msCargarHistorico();
+        QTRY_VERIFY(!pantalla->ocupada());
+        QCOMPARE(columna(m, 3), (QStringList{u"ñu"_s, u"Ábaco"_s, u"zorro"_s, u"sin fecha"_s}));
         delete pantalla;
     }
 
@@ -361,6 +367,9 @@ class TestHistorico : public Prueba {
         frmHEnvios pantalla;
         pantalla.show();
         QVERIFY(QTest::qWaitForWindowActive(&pantalla));
+        // A history this long may be counted over turns first.
+        QTRY_VERIFY(!pantalla.ocupada());
+        QCOMPARE(pantalla.ListView1->model()->rowCount(), 160000);
         if (todos)
             pantalla.Option1_0->setChecked(true);
         else
