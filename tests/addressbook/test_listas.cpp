@@ -183,8 +183,7 @@ class TestListas : public QObject {
             u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 2 FROM Abonados WHERE "
             u"rowid % 3 = 0"_s);
         const QString ruta = bd().path();
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(ruta);
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, ruta);
         InterfazGuionada ui;
         ui.answers = {Msg::Yes};
         frmGrupos pantalla;

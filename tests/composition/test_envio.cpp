@@ -394,8 +394,7 @@ class TestEnvio : public Prueba {
             nombres.append(u"contacto %1"_s.arg(i, 4, 10, QChar(u'0')));
         const QString elegidos = nombres.join(u';');
         Pantallas::registrar(u"frmSeleccion"_s, [&] { estadoAplicacion().gsDestinos = elegidos; });
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(prueba::bd().path());
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, prueba::bd().path());
         InterfazGuionada ui;
         frmEnvio f;
         f.show();
@@ -609,8 +608,7 @@ class TestEnvio : public Prueba {
         };
         const QStringList antes = cuentas();
         const QString ruta = prueba::bd().path();
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(ruta);
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, ruta);
         InterfazGuionada ui;
         frmEnvio f;
         f.show();

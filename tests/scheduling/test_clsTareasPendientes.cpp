@@ -172,8 +172,7 @@ class TestTareasPendientes : public Prueba {
             u"INSERT INTO AboAuto (Automatico, Abonado, Mensaje) "
             u"SELECT 7, Codigo, 'hola ' || Alias FROM Abonados"_s);
         const QString ruta = bd().path();
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(ruta);
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, ruta);
         RelojFijo clock(en(u"15/03/2006 10:00:20"_s));
         int giros = 0;
         QTimer reloj;

@@ -150,8 +150,7 @@ class TestFrmMenAuto : public Prueba {
         // open, when the other program takes the file: that work must not
         // wait for it on the window's thread either.
         const QString ruta = bd().path();
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(ruta);
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, ruta);
         p.cmdDelete->click();
         QCOMPARE(cajas(ui), QStringList{caja(Msg::YesNo | 32,
                                              u"Esta seguro que desea eliminar este Envío "

@@ -446,8 +446,7 @@ class TestFrmNewMenAuto2 : public Prueba {
             u"INSERT INTO AboGrup (Abonado, Grupo) SELECT Codigo, 1 FROM Abonados "
             u"WHERE Alias LIKE 'socio %'"_s);
         const QString ruta = bd().path();
-        std::optional<prueba::OtroPrograma> otro;
-        if (ajeno) otro.emplace(ruta);
+        std::optional<prueba::OtroPrograma> otro = prueba::otroPrograma(ajeno, ruta);
         InterfazGuionada ui;
         frmNewMenAuto2 e;
         e.setCodigo(1);

@@ -190,6 +190,10 @@ class OtroPrograma {
     sqlite3* m_db = nullptr;
 };
 
+// Another program holding the shared connection's file when `ajeno`.
+inline std::optional<OtroPrograma> otroPrograma(bool ajeno, const QString& ruta) {
+    return ajeno ? std::optional<OtroPrograma>(std::in_place, ruta) : std::nullopt;
+}
 // The rows of a test of a write over turns, in columns "ajeno" and
 // "cortar": `sola` alone; another program holding the file a moment; the
 // file closed while the write waits for it.
