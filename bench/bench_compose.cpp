@@ -9,6 +9,7 @@
 #include "composition/crtAutoComplete.h"
 #include "composition/frmEnvio.h"
 #include "db/Conexion.h"
+#include "widgets/Listado.h"
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -16,7 +17,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
-#include <QTreeView>
 #include <cstdio>
 #include <ctime>
 #include <utility>
@@ -83,7 +83,7 @@ void medirBandeja(BaseDatos& db, InterfazGuionada& ui, int filas) {
     f->show();
     QCoreApplication::processEvents();
     cifra(u"open the screen, "_s + n + u" outbox rows"_s, t, 50);
-    QTreeView* lista = f->findChild<QTreeView*>(u"ListView1"_s);
+    VistaLineas* lista = f->findChild<VistaLineas*>(u"ListView1"_s);
     const int mostradas = lista->model()->rowCount();
     // A line chosen in the middle of the view, as a user would have it.
     lista->setCurrentIndex(lista->model()->index(5, 0));

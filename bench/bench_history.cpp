@@ -18,7 +18,6 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTreeView>
 #include <cstdio>
 #include <ctime>
 
@@ -178,7 +177,7 @@ int main(int argc, char** argv) {
 
     // Scrolling: the next page of a text order goes on from where the
     // last one ended; a jump far into it reads the whole order once.
-    QTreeView* lista = pantalla->ListView1;
+    VistaLineas* lista = pantalla->ListView1;
     auto desplazar = [&](int fila) {
         r.reiniciar();
         lista->scrollTo(lista->model()->index(fila, 0), QAbstractItemView::PositionAtTop);

@@ -18,7 +18,6 @@
 #include <QHeaderView>
 #include <QPointer>
 #include <QRadioButton>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -49,7 +48,6 @@ frmHEnvios::frmHEnvios(QWidget* parent)
     Option1_1->setChecked(true);
     connect(ListView1->header(), &QHeaderView::sectionClicked, this,
             &frmHEnvios::ordenarPorColumna);
-    ordenarConTeclado(ListView1);
     connect(ListView1, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
         if (i.isValid()) XPButton2_Click();
     });
@@ -63,20 +61,8 @@ frmHEnvios::frmHEnvios(QWidget* parent)
 }
 
 void frmHEnvios::crearLista() {
-    ListView1 = control<QTreeView>(this, u"ListView1"_s);
+    ListView1 = control<VistaLineas>(this, u"ListView1"_s);
     ListView1->setModel(m_modelo);
-    ListView1->setRootIsDecorated(false);
-    ListView1->setItemsExpandable(false);
-    ListView1->setUniformRowHeights(true);
-    ListView1->setAllColumnsShowFocus(true);
-    ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
-    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
-    ListView1->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    QHeaderView* h = ListView1->header();
-    h->setSectionsClickable(true);
-    h->setSectionsMovable(false);
-    h->setStretchLastSection(false);
-    h->setSortIndicatorShown(true);
     ListView1->setColumnWidth(Historico::Enviado, 140);
     ListView1->setColumnWidth(Historico::Numero, 120);
     ListView1->setColumnWidth(Historico::Cuenta, 130);

@@ -10,7 +10,7 @@ class QDateEdit;
 class QGroupBox;
 class QPushButton;
 class QRadioButton;
-class QTreeView;
+class VistaLineas;
 
 // "Mensajes Enviados": what the batch sender delivered, newest first; a
 // past message can be queued again and old history deleted.
@@ -34,7 +34,7 @@ class frmHEnvios : public QWidget {
     // "Cerrar".
     bool ocupada() const { return m_ocupacion.activa(); }
 
-    QTreeView* ListView1;
+    VistaLineas* ListView1;
     QGroupBox* Frame1;
     QRadioButton* Option1_0;
     QRadioButton* Option1_1;

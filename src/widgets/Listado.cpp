@@ -2,57 +2,134 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-// Ctrl and a column's number do what a click on that header does.
-class OrdenTeclado : public QObject {
+// The focus frame goes round the whole line (VistaLineas::paintEvent), so
+// no cell draws one of its own.
+class SinMarcoDeCelda : public QStyledItemDelegate {
   public:
-    using QObject::QObject;
-
-  protected:
-    bool eventFilter(QObject* objeto, QEvent* e) override {
-        if (e->type() != QEvent::KeyPress) return false;
-        auto* vista = static_cast<QTreeView*>(objeto);
-        const auto* tecla = static_cast<QKeyEvent*>(e);
-        const int columna = tecla->key() - Qt::Key_1;
-        if (tecla->modifiers() != Qt::ControlModifier || columna < 0 || columna > 8 ||
-            !vista->model() || columna >= vista->model()->columnCount())
-            return false;
-        Q_EMIT vista->header()->sectionClicked(columna);
-        return true;
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* p, const QStyleOptionViewItem& opcion,
+               const QModelIndex& i) const override {
+        QStyleOptionViewItem celda(opcion);
+        celda.state &= ~QStyle::State_HasFocus;
+        QStyledItemDelegate::paint(p, celda, i);
     }
 };
 
 }  // namespace
 
-void ordenarConTeclado(QTreeView* vista) {
-    vista->installEventFilter(new OrdenTeclado(vista));
-}
-
-Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent)
-    : QTreeView(parent), m_modelo(new ModeloListado(cabeceras, this)) {
-    setObjectName(nombre);
-    setModel(m_modelo);
-    setRootIsDecorated(false);
-    setItemsExpandable(false);
-    setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
+VistaLineas::VistaLineas(QWidget* parent) : QTableView(parent) {
+    setItemDelegate(new SinMarcoDeCelda(this));
+    setShowGrid(false);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setTabKeyNavigation(false);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setSortingEnabled(false);
-    QHeaderView* h = header();
+    QHeaderView* filas = verticalHeader();
+    filas->hide();
+    filas->setSectionResizeMode(QHeaderView::Fixed);
+    filas->setMinimumSectionSize(1);
+    QHeaderView* h = horizontalHeader();
+    h->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    h->setHighlightSections(false);
     h->setSectionsClickable(true);
     h->setSectionsMovable(false);
+    h->setSortIndicatorShown(true);
+    ajustarAlto();
+}
+
+void VistaLineas::ajustarAlto() {
+    // A line as tall as the style makes one line of text in this font.
+    QStyleOptionViewItem opcion;
+    initViewItemOption(&opcion);
+    opcion.features |= QStyleOptionViewItem::HasDisplay;
+    opcion.text = u"Ág"_s;
+    const QSize alto = style()->sizeFromContents(QStyle::CT_ItemViewItem, &opcion, QSize(), this);
+    verticalHeader()->setDefaultSectionSize(std::max(alto.height(), fontMetrics().height()));
+}
+
+void VistaLineas::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) ajustarAlto();
+}
+
+void VistaLineas::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    const QModelIndex actual = currentIndex();
+    if (!hasFocus() || !actual.isValid()) return;
+    QStyleOptionFocusRect marco;
+    marco.initFrom(this);
+    marco.state |= QStyle::State_KeyboardFocusChange;
+    marco.rect = QRect(-horizontalOffset(), rowViewportPosition(actual.row()),
+                       horizontalHeader()->length(), rowHeight(actual.row()));
+    const bool elegida = selectionModel()->isRowSelected(actual.row(), rootIndex());
+    marco.backgroundColor = palette().color(elegida ? QPalette::Highlight : QPalette::Base);
+    QPainter pintor(viewport());
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &marco, &pintor, this);
+}
+
+void VistaLineas::repintarLinea(int fila) {
+    viewport()->update(QRect(0, rowViewportPosition(fila), viewport()->width(), rowHeight(fila)));
+}
+
+void VistaLineas::currentChanged(const QModelIndex& actual, const QModelIndex& anterior) {
+    QTableView::currentChanged(actual, anterior);
+    if (anterior.isValid()) repintarLinea(anterior.row());
+    if (actual.isValid()) repintarLinea(actual.row());
+}
+
+void VistaLineas::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    if (currentIndex().isValid()) repintarLinea(currentIndex().row());
+}
+
+void VistaLineas::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    if (currentIndex().isValid()) repintarLinea(currentIndex().row());
+}
+
+QModelIndex VistaLineas::moveCursor(CursorAction accion, Qt::KeyboardModifiers teclas) {
+    // Home and End go along the lines, as in any list, not along the columns.
+    const QModelIndex actual = currentIndex();
+    const int filas = model() ? model()->rowCount(rootIndex()) : 0;
+    if ((accion == MoveHome || accion == MoveEnd) && actual.isValid() && filas > 0)
+        return model()->index(accion == MoveHome ? 0 : filas - 1, actual.column(), rootIndex());
+    return QTableView::moveCursor(accion, teclas);
+}
+
+void VistaLineas::keyPressEvent(QKeyEvent* event) {
+    const int columna = event->key() - Qt::Key_1;
+    if (event->modifiers() == Qt::ControlModifier && columna >= 0 && columna <= 8 && model() &&
+        columna < model()->columnCount()) {
+        Q_EMIT horizontalHeader()->sectionClicked(columna);
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+Listado::Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent)
+    : VistaLineas(parent), m_modelo(new ModeloListado(cabeceras, this)) {
+    setObjectName(nombre);
+    setModel(m_modelo);
+    QHeaderView* h = header();
     h->setSectionResizeMode(QHeaderView::Interactive);
     h->setStretchLastSection(true);
-    h->setSortIndicatorShown(true);
     h->setSortIndicator(0, Qt::AscendingOrder);
     connect(h, &QHeaderView::sectionClicked, this, &Listado::ordenarPorColumna);
-    ordenarConTeclado(this);
     connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
         if (i.isValid()) Q_EMIT dobleClicFila(i.row());
     });
@@ -66,11 +143,11 @@ void Listado::keyPressEvent(QKeyEvent* event) {
         Q_EMIT dobleClicFila(currentIndex().row());
         return;
     }
-    QTreeView::keyPressEvent(event);
+    VistaLineas::keyPressEvent(event);
 }
 
 void Listado::showEvent(QShowEvent* event) {
-    QTreeView::showEvent(event);
+    VistaLineas::showEvent(event);
     if (m_anchosMirados) return;
     m_anchosMirados = true;
     // A column starts at least as wide as its caption and the sort arrow,

@@ -2,7 +2,33 @@
 
 #include "widgets/ModeloListado.h"
 
-#include <QTreeView>
+#include <QTableView>
+
+// The look and keys every list of lines shares: whole lines, no grid, no row
+// numbers, no editing, one fixed row height (so a million lines lay out in
+// no time). Home and End go to the first and last line, Tab leaves the list,
+// and Ctrl with a column's number (1 to 9) does what a click on that
+// column's header does: sorting needs no mouse.
+class VistaLineas : public QTableView {
+    Q_OBJECT
+  public:
+    explicit VistaLineas(QWidget* parent = nullptr);
+
+    QHeaderView* header() const { return horizontalHeader(); }
+
+  protected:
+    QModelIndex moveCursor(CursorAction accion, Qt::KeyboardModifiers teclas) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void currentChanged(const QModelIndex& actual, const QModelIndex& anterior) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  private:
+    void ajustarAlto();
+    void repintarLinea(int fila);
+};
 
 // A report list: a ModeloListado shown with fixed row heights and whole
 // lines selected, no editing. A click on a header sorts by that column on
@@ -13,11 +39,7 @@
 //
 // Screens read the selection with `filasSeleccionadas` / `filaActual` and
 // react to `dobleClicFila`.
-// Ctrl and a column's number (1 to 9) do what a click on that column's
-// header does: sorting needs no mouse. Every Listado has it.
-void ordenarConTeclado(QTreeView* vista);
-
-class Listado : public QTreeView {
+class Listado : public VistaLineas {
     Q_OBJECT
   public:
     Listado(const QString& nombre, const QStringList& cabeceras, QWidget* parent = nullptr);

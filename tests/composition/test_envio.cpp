@@ -25,7 +25,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
-#include <QTreeView>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -67,7 +66,7 @@ class TestEnvio : public Prueba {
         QVERIFY(QMetaObject::invokeMethod(f.findChild<QTimer*>(u"Timer1"_s), "timeout"));
     }
     static QString lista(frmEnvio& f, int fila, int col) {
-        auto* m = static_cast<ModeloListado*>(hijo<QTreeView>(f, u"ListView1"_s)->model());
+        auto* m = static_cast<ModeloListado*>(hijo<VistaLineas>(f, u"ListView1"_s)->model());
         return m->texto(fila, col);
     }
 
@@ -154,7 +153,7 @@ class TestEnvio : public Prueba {
             u"select count(*) from envios where mensaje=? and intento=2 and canal=1"_s,
             {u"Hola\nqué tal"_s});
         QCOMPARE(enviadas.value(0, 0).toInt(), filas.size());
-        QCOMPARE(hijo<QTreeView>(f, u"ListView1"_s)->model()->rowCount(), filas.size());
+        QCOMPARE(hijo<VistaLineas>(f, u"ListView1"_s)->model()->rowCount(), filas.size());
     }
 
     void emptyTextOrNoDestinations() {
@@ -244,7 +243,7 @@ class TestEnvio : public Prueba {
             u"('2026-03-04 05:06:09',2,'0044','dos',2),"
             u"('2026-03-04 05:06:10',1,'0045','tres',2)"_s);
         refrescar(f);
-        auto* m = static_cast<ModeloListado*>(hijo<QTreeView>(f, u"ListView1"_s)->model());
+        auto* m = static_cast<ModeloListado*>(hijo<VistaLineas>(f, u"ListView1"_s)->model());
         QCOMPARE(prueba::textosDe(m, 4), (QStringList{u"cambiado"_s, u"dos"_s, u"tres"_s}));
         QCOMPARE(lista(f, 1, 3), u"Otra"_s);
         QCOMPARE(hijo<QLabel>(f, u"lblcont"_s)->text(), u"3 mensajes listos para enviar"_s);
@@ -263,7 +262,7 @@ class TestEnvio : public Prueba {
             u"('2026-03-04 05:06:08',1,'0034600000008','dos',2),"
             u"('2026-03-04 05:06:09',1,'0034600000007','tres',2)"_s);
         frmEnvio f;
-        auto* lv = hijo<QTreeView>(f, u"ListView1"_s);
+        auto* lv = hijo<VistaLineas>(f, u"ListView1"_s);
         // The Id stays out of sight, still there for the lines' order and
         // for what modify and delete act on.
         QVERIFY(lv->isColumnHidden(0));
@@ -466,7 +465,7 @@ class TestEnvio : public Prueba {
         QCOMPARE(sub->widget()->windowTitle(), u"Envío de Mensajes"_s);
         QCOMPARE(sub->pos(), QPoint(100, 100));
         // The outbox gets the height the text box doesn't need.
-        QVERIFY(hijo<QTreeView>(*sub->widget(), u"ListView1"_s)->height() >
+        QVERIFY(hijo<VistaLineas>(*sub->widget(), u"ListView1"_s)->height() >
                 2 * hijo<QPlainTextEdit>(*sub->widget(), u"txtMensaje"_s)->height());
         // A resize centres it across and puts it a quarter down.
         sub->resize(600, 500);
@@ -500,7 +499,7 @@ class TestEnvio : public Prueba {
         QTEST(sub->x(), "izquierda");
         // Down as far as 100 while it still shows whole.
         QCOMPARE(sub->y(), qMin(100, area.viewport()->height() - sub->height()));
-        auto* lista = hijo<QTreeView>(*sub->widget(), u"ListView1"_s);
+        auto* lista = hijo<VistaLineas>(*sub->widget(), u"ListView1"_s);
         QVERIFY(lista->height() >= 4 * lista->fontMetrics().lineSpacing());
         // Nothing lies over the text box.
         QVERIFY(hijo<QPlainTextEdit>(*sub->widget(), u"txtMensaje"_s)->geometry().bottom() <

@@ -4,11 +4,11 @@
 #include "base/EstadoAplicacion.h"
 #include "composition/Seleccion.h"
 #include "composition/frmSeleccion.h"
+#include "widgets/Listado.h"
 #include "widgets/ModeloListado.h"
 
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTreeView>
 #include <optional>
 #include <utility>
 
@@ -47,7 +47,7 @@ class TestSeleccion : public Prueba {
     using Prueba::Prueba;
 
     static ModeloListado* modelo(QWidget& f, const QString& nombre) {
-        return static_cast<ModeloListado*>(f.findChild<QTreeView*>(nombre)->model());
+        return static_cast<ModeloListado*>(f.findChild<VistaLineas*>(nombre)->model());
     }
 
   private Q_SLOTS:
@@ -125,7 +125,7 @@ class TestSeleccion : public Prueba {
         QCOMPARE(destinos->fila(0), (QStringList{u"dani"_s, u"003404"_s}));
         QCOMPARE(contactos->rowCount(), 3);
 
-        auto* lstListas = f.findChild<QTreeView*>(u"lstlistas"_s);
+        auto* lstListas = f.findChild<VistaLineas*>(u"lstlistas"_s);
         lstListas->selectionModel()->select(
             listas->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
         f.findChild<QPushButton*>(u"Command2"_s)->click();
@@ -133,7 +133,7 @@ class TestSeleccion : public Prueba {
         QCOMPARE(destinos->fila(2), (QStringList{u"amigos"_s, u"Lista (2 Contactos)"_s}));
         QCOMPARE(listas->rowCount(), 3);
         // A contact taken back goes to the end of the contacts.
-        Q_EMIT f.findChild<QTreeView*>(u"lstdestinos"_s)->doubleClicked(destinos->index(0, 0));
+        Q_EMIT f.findChild<VistaLineas*>(u"lstdestinos"_s)->doubleClicked(destinos->index(0, 0));
         QCOMPARE(textosDe(contactos, 0).last(), u"dani"_s);
         f.findChild<QPushButton*>(u"cmdTodos"_s)->click();
         QCOMPARE(contactos->rowCount(), 0);
@@ -173,7 +173,7 @@ class TestSeleccion : public Prueba {
         ModeloListado* contactos = modelo(f, u"lstcontactos"_s);
         QCOMPARE(textosDe(contactos, 0), orden);
 
-        auto* lstListas = f.findChild<QTreeView*>(u"lstlistas"_s);
+        auto* lstListas = f.findChild<VistaLineas*>(u"lstlistas"_s);
         lstListas->selectionModel()->select(
             modelo(f, u"lstlistas"_s)->index(2, 0),
             QItemSelectionModel::Select | QItemSelectionModel::Rows);

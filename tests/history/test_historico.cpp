@@ -10,6 +10,7 @@
 #include "db/Conexion.h"
 #include "history/PantallasHistorico.h"
 #include "history/frmHEnvios.h"
+#include "widgets/Listado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QApplication>
@@ -19,7 +20,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
-#include <QTreeView>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -149,6 +149,46 @@ class TestHistorico : public Prueba {
         QCOMPARE(columna(otra.ListView1->model(), columnaMirada), orden);
         QCOMPARE(otra.ListView1->header()->sortIndicatorSection(), flecha);
         QCOMPARE(otra.ListView1->header()->sortIndicatorOrder(), sentido);
+    }
+
+    // The keys go along the lines as in any list: Home and End to the
+    // first and last, the arrows a line, Tab out of the list; the line the
+    // keys reach is the one shown chosen, what "Reenviar" takes.
+    void keysGoAlongTheLines_data() {
+        QTest::addColumn<int>("tecla");
+        QTest::addColumn<int>("modificador");
+        QTest::addColumn<int>("fila");  // -1: the focus left the list
+        QTest::newRow("End") << int(Qt::Key_End) << int(Qt::NoModifier) << 29;
+        QTest::newRow("Home") << int(Qt::Key_Home) << int(Qt::NoModifier) << 0;
+        QTest::newRow("Ctrl+End") << int(Qt::Key_End) << int(Qt::ControlModifier) << 29;
+        QTest::newRow("Down") << int(Qt::Key_Down) << int(Qt::NoModifier) << 6;
+        QTest::newRow("Right stays on the line") << int(Qt::Key_Right) << int(Qt::NoModifier) << 5;
+        QTest::newRow("Tab leaves") << int(Qt::Key_Tab) << int(Qt::NoModifier) << -1;
+    }
+    void keysGoAlongTheLines() {
+        QFETCH(int, tecla);
+        QFETCH(int, modificador);
+        QFETCH(int, fila);
+        for (int i = 0; i < 30; ++i)
+            enviado(u"2006-03-10 10:%1:00"_s.arg(i, 2, 10, QChar(u'0')),
+                    u"00346000000%1"_s.arg(i, 2, 10, QChar(u'0')), u"m"_s);
+        frmHEnvios pantalla;
+        pantalla.show();
+        QVERIFY(QTest::qWaitForWindowActive(&pantalla));
+        QTRY_VERIFY(!pantalla.ocupada());
+        auto* lista = pantalla.ListView1;
+        lista->setFocus(Qt::TabFocusReason);
+        lista->setCurrentIndex(lista->model()->index(5, 1));
+        QTest::keyClick(lista, Qt::Key(tecla), Qt::KeyboardModifiers(modificador));
+        if (fila < 0) {
+            QVERIFY(QApplication::focusWidget() != lista);
+            return;
+        }
+        QCOMPARE(QApplication::focusWidget(), lista);
+        QCOMPARE(lista->currentIndex().row(), fila);
+        const QModelIndexList elegidas = lista->selectionModel()->selectedRows();
+        QCOMPARE(elegidas.size(), 1);
+        QCOMPARE(elegidas.first().row(), fila);
     }
 
     // The list reads a page of 1,000 rows at a time: the order must hold

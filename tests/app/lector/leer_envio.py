@@ -14,7 +14,7 @@ ESPERADOS = [
     ("push button", "Elegir destinatarios"),
     ("text", "Texto del Mensaje"),
     ("push button", "Enviar Mensaje"),
-    ("tree", "Bandeja de Salida"),
+    ("table", "Bandeja de Salida"),
     ("check box", "Envío de SMS"),
     ("label", "0 caracteres"),
     ("push button", "Cerrar"),
