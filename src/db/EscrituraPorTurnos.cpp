@@ -267,10 +267,11 @@ Paso porTramos(BaseDatos& db, const Recorrido& recorrido, Tramo tramo) {
             t->desde = primero(db.query(primeroSql, donde));
         }
         if (t->desde.isNull()) return false;
-        QVariant hasta = primero(db.query(hastaSql, donde + QVariantList{t->desde, t->largo - 1}));
-        if (hasta.isNull()) hasta = primero(db.query(ultimoSql, donde));
+        // Finding the stretch's end walks its rows too: part of its cost.
         QElapsedTimer reloj;
         reloj.start();
+        QVariant hasta = primero(db.query(hastaSql, donde + QVariantList{t->desde, t->largo - 1}));
+        if (hasta.isNull()) hasta = primero(db.query(ultimoSql, donde));
         tramo(t->desde, hasta);
         // The next stretch as long as fits the aim, growing by four at most.
         const qint64 ms = std::max<qint64>(1, reloj.elapsed());
