@@ -7,6 +7,7 @@
 #include "db/Esquema.h"
 #include "db/mdoDB.h"
 
+#include <malloc.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <QDateTime>
@@ -27,6 +28,8 @@ constexpr int kMemoriaLectura = -65536;
 // While a write over several turns holds the connection: pages past this
 // go to the log as it runs.
 constexpr int kMemoriaEscritura = -16384;
+// A table of a million rows, read before it is emptied.
+constexpr int kMemoriaVaciado = -262144;
 
 // Names and aliases compare without regard to case, accented letters too
 // ("Á" equals "á"), as users expect of an address book. Only the program's
@@ -314,6 +317,15 @@ void BaseDatos::retener(bool retenida) {
                          .toUtf8()
                          .constData(),
                      nullptr, nullptr, nullptr);
+}
+
+void BaseDatos::memoriaParaVaciar(bool amplia) {
+    if (!m_db) return;
+    const int kib = amplia ? kMemoriaVaciado : m_retenida ? kMemoriaEscritura : kMemoriaLectura;
+    sqlite3_exec(m_db, (u"PRAGMA main.cache_size="_s + QString::number(kib)).toUtf8().constData(),
+                 nullptr, nullptr, nullptr);
+    // The pages let go go back to the system, not only to the heap.
+    if (!amplia) malloc_trim(0);
 }
 
 namespace {

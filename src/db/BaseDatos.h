@@ -125,6 +125,10 @@ class BaseDatos {
     bool retenida() const { return m_retenida; }
     void retener(bool retenida);
     void pasoPropio(bool propio) { m_pasoPropio = propio; }
+    // Room in memory for a whole table, up to a bound, while a held write
+    // reads it over turns before emptying it: the engine then frees pages
+    // it holds, where it would read each from the file in that one call.
+    void memoriaParaVaciar(bool amplia);
 
     // The files this connection writes to are still the ones at its path:
     // the database not unlinked or replaced, its write-ahead log not taken

@@ -39,6 +39,12 @@ QCoro::Task<std::optional<ErrorBD>> escrito(BaseDatos& db, std::vector<Paso> pas
 // `escribir` holds the connection.
 void porTurnos(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 
+// For a step that is one call of tens of milliseconds: true when it is
+// the first thing of its turn; otherwise the turn ends here, and the step,
+// returning true, is run again first thing in the next. Two such calls in
+// one turn would hold the window for both.
+bool alEmpezarTurno();
+
 // One statement.
 Paso sentencia(BaseDatos& db, QString sql, QVariantList params = {});
 // What a stretch walks: the values of `columna` in `tabla`, in their

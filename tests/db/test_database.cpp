@@ -12,6 +12,7 @@
 #include "db/Transaccion.h"
 
 #include <sqlite3.h>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTimer>
 #include <stdexcept>
@@ -425,6 +426,63 @@ PRAGMA integrity_check;
         QTRY_VERIFY(despues);
         Transaccion siguiente(db);
         siguiente.commit();
+    }
+
+    // Emptying a table drops its indexes and empties it, each one call
+    // into the engine of tens of milliseconds at a million rows: a large
+    // table gives each call a turn of its own, while a small one is gone
+    // within the click, and both leave the table empty with its indexes
+    // made again.
+    void emptyingGivesEachLongCallATurn_data() {
+        QTest::addColumn<int>("ultima");  // the last row's number
+        QTest::addColumn<bool>("enLaLlamada");
+        QTest::newRow("small: within the click") << 3 << true;
+        QTest::newRow("rows by the hundred thousand: a turn each") << 300000 << false;
+    }
+    void emptyingGivesEachLongCallATurn() {
+        QFETCH(int, ultima);
+        QFETCH(bool, enLaLlamada);
+        for (int fila : {1, 2, ultima})
+            db.exec(u"INSERT INTO AboGrup (rowid, Abonado, Grupo) VALUES (?, '600', 1)"_s, {fila});
+        // The long calls, each with the pass of the event loop it ran in.
+        struct Traza {
+            int vuelta = 0;
+            QList<QPair<int, QString>> largas;
+        } traza;
+        QTimer contador;
+        contador.setInterval(0);
+        connect(&contador, &QTimer::timeout, this, [&traza] { ++traza.vuelta; });
+        contador.start();
+        sqlite3_trace_v2(
+            db.handle(), SQLITE_TRACE_STMT,
+            [](unsigned, void* t, void*, void* x) {
+                auto* traza = static_cast<Traza*>(t);
+                const QString sql = QString::fromUtf8(static_cast<const char*>(x));
+                if (sql.startsWith(u"DROP INDEX"_s) || sql == u"DELETE FROM AboGrup"_s)
+                    traza->largas.append({traza->vuelta, sql});
+                return 0;
+            },
+            &traza);
+        bool terminado = false;
+        EscrituraPorTurnos::escribir(db, {EscrituraPorTurnos::vaciar(db, u"AboGrup"_s)},
+                                     [&](const ErrorBD* e) {
+                                         QVERIFY(!e);
+                                         terminado = true;
+                                     });
+        QCOMPARE(terminado, enLaLlamada);
+        QTRY_VERIFY(terminado);
+        sqlite3_trace_v2(db.handle(), 0, nullptr, nullptr);
+        QSet<int> vueltas;
+        for (const auto& [vuelta, sql] : traza.largas) vueltas.insert(vuelta);
+        // Three indexes and the rows: a turn each, or all at once.
+        QCOMPARE(traza.largas.size(), 4);
+        QCOMPARE(vueltas.size(), enLaLlamada ? 1 : 4);
+        QCOMPARE(db.query(u"SELECT count(*) FROM AboGrup"_s).value(0, 0).toInt(), 0);
+        QCOMPARE(db.query(u"SELECT count(*) FROM sqlite_master WHERE type = 'index' AND "
+                          u"tbl_name = 'AboGrup' AND sql IS NOT NULL"_s)
+                     .value(0, 0)
+                     .toInt(),
+                 3);
     }
 
     // A lock another program holds is waited for between turns, never on
