@@ -13,6 +13,7 @@
 #include "composition/frmEnvio.h"
 #include "db/BaseDatos.h"
 #include "db/Conexion.h"
+#include "history/frmHEnvios.h"
 #include "scheduling/frmNewMenAuto2.h"
 #include "widgets/Ayuda.h"
 #include "widgets/EstadoTransmisor.h"
@@ -503,6 +504,13 @@ class TestGuiMain : public Prueba {
         }
         PantallasHijas::show(PantallasHijas::instance<frmAbonados>());
         prueba::captura(w.get(), u"contactos"_s);
+        Conexion().exec(
+            u"INSERT INTO HEnvios (Abonado,Registro,Mensaje,Resultado,Canal,crem) SELECT Abonado, "
+            u"Registro, Mensaje, 'Mensaje aceptado', 1, 'Quelmo' FROM envios"_s);
+        frmHEnvios* enviados = PantallasHijas::instance<frmHEnvios>();
+        PantallasHijas::show(enviados);
+        QTRY_VERIFY(!enviados->ocupada());
+        prueba::captura(w.get(), u"enviados"_s);
         frmOpciones opciones(w.get());
         prueba::captura(&opciones, u"opciones"_s);
         // The picture dialog, as the desktop's dialog with Qt's own texts.
