@@ -307,25 +307,30 @@ bool BaseDatos::enTransaccion() const {
 void BaseDatos::retener(bool retenida) {
     m_retenida = retenida;
     m_pasoPropio = false;
-    // A long write's pages go to the log as it runs, turn by turn, so that
-    // its commit has little left to write in one call; a hint, which can't
-    // fail in a way that matters.
-    if (m_db)
-        sqlite3_exec(m_db,
-                     (u"PRAGMA main.cache_size="_s +
-                      QString::number(retenida ? kMemoriaEscritura : kMemoriaLectura))
-                         .toUtf8()
-                         .constData(),
-                     nullptr, nullptr, nullptr);
+    // An emptying undone halfway lets go of its memory as well.
+    const bool soltar = m_memoriaAmplia && !retenida;
+    if (!retenida) m_memoriaAmplia = false;
+    ajustarMemoria(soltar);
 }
 
 void BaseDatos::memoriaParaVaciar(bool amplia) {
+    const bool soltar = m_memoriaAmplia && !amplia;
+    m_memoriaAmplia = amplia;
+    ajustarMemoria(soltar);
+}
+
+void BaseDatos::ajustarMemoria(bool soltar) {
+    // A long write's pages go to the log as it runs, turn by turn, so that
+    // its commit has little left to write in one call; a hint, which can't
+    // fail in a way that matters.
     if (!m_db) return;
-    const int kib = amplia ? kMemoriaVaciado : m_retenida ? kMemoriaEscritura : kMemoriaLectura;
+    const int kib = m_memoriaAmplia ? kMemoriaVaciado
+                    : m_retenida    ? kMemoriaEscritura
+                                    : kMemoriaLectura;
     sqlite3_exec(m_db, (u"PRAGMA main.cache_size="_s + QString::number(kib)).toUtf8().constData(),
                  nullptr, nullptr, nullptr);
     // The pages let go go back to the system, not only to the heap.
-    if (!amplia) malloc_trim(0);
+    if (soltar) malloc_trim(0);
 }
 
 namespace {

@@ -154,6 +154,9 @@ class BaseDatos {
     sqlite3_stmt* prepare(const QString& sql);
     void bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
     [[noreturn]] void fail(const QString& sql);
+    // The page memory the state asks for; `soltar` gives what it frees back
+    // to the system.
+    void ajustarMemoria(bool soltar);
 
     struct Identidad {
         unsigned long long dispositivo = 0, nodo = 0;
@@ -176,6 +179,7 @@ class BaseDatos {
     QString m_exterior;  // the savepoint whose release commits
     bool m_busy = false;
     bool m_retenida = false;
+    bool m_memoriaAmplia = false;
     bool m_pasoPropio = false;
     // The last statement was refused because the connection was held.
     bool m_rehusada = false;

@@ -431,19 +431,30 @@ PRAGMA integrity_check;
     // Emptying a table drops its indexes and empties it, each one call
     // into the engine of tens of milliseconds at a million rows: a large
     // table gives each call a turn of its own, while a small one is gone
-    // within the click, and both leave the table empty with its indexes
-    // made again.
+    // within the click. Done or undone, the table keeps its indexes and the
+    // connection its usual page memory.
     void emptyingGivesEachLongCallATurn_data() {
         QTest::addColumn<int>("ultima");  // the last row's number
         QTest::addColumn<bool>("enLaLlamada");
-        QTest::newRow("small: within the click") << 3 << true;
-        QTest::newRow("rows by the hundred thousand: a turn each") << 300000 << false;
+        QTest::addColumn<bool>("falla");
+        QTest::newRow("small: within the click") << 3 << true << false;
+        QTest::newRow("rows by the hundred thousand: a turn each") << 300000 << false << false;
+        QTest::newRow("refused at the emptying, undone") << 300000 << false << true;
     }
     void emptyingGivesEachLongCallATurn() {
         QFETCH(int, ultima);
         QFETCH(bool, enLaLlamada);
+        QFETCH(bool, falla);
         for (int fila : {1, 2, ultima})
             db.exec(u"INSERT INTO AboGrup (rowid, Abonado, Grupo) VALUES (?, '600', 1)"_s, {fila});
+        if (falla)
+            db.exec(
+                u"CREATE TRIGGER noBorrar BEFORE DELETE ON AboGrup BEGIN SELECT RAISE(ABORT, "
+                u"'no'); END"_s);
+        const auto memoria = [&] {
+            return db.query(u"PRAGMA main.cache_size"_s).value(0, 0).toInt();
+        };
+        const int lectura = memoria();
         // The long calls, each with the pass of the event loop it ran in.
         struct Traza {
             int vuelta = 0;
@@ -463,26 +474,28 @@ PRAGMA integrity_check;
                 return 0;
             },
             &traza);
-        bool terminado = false;
+        bool terminado = false, fallida = false;
         EscrituraPorTurnos::escribir(db, {EscrituraPorTurnos::vaciar(db, u"AboGrup"_s)},
                                      [&](const ErrorBD* e) {
-                                         QVERIFY(!e);
+                                         fallida = e;
                                          terminado = true;
                                      });
         QCOMPARE(terminado, enLaLlamada);
         QTRY_VERIFY(terminado);
         sqlite3_trace_v2(db.handle(), 0, nullptr, nullptr);
+        QCOMPARE(fallida, falla);
         QSet<int> vueltas;
         for (const auto& [vuelta, sql] : traza.largas) vueltas.insert(vuelta);
         // Three indexes and the rows: a turn each, or all at once.
         QCOMPARE(traza.largas.size(), 4);
         QCOMPARE(vueltas.size(), enLaLlamada ? 1 : 4);
-        QCOMPARE(db.query(u"SELECT count(*) FROM AboGrup"_s).value(0, 0).toInt(), 0);
+        QCOMPARE(db.query(u"SELECT count(*) FROM AboGrup"_s).value(0, 0).toInt(), falla ? 3 : 0);
         QCOMPARE(db.query(u"SELECT count(*) FROM sqlite_master WHERE type = 'index' AND "
                           u"tbl_name = 'AboGrup' AND sql IS NOT NULL"_s)
                      .value(0, 0)
                      .toInt(),
                  3);
+        QCOMPARE(memoria(), lectura);
     }
 
     // A lock another program holds is waited for between turns, never on
