@@ -119,9 +119,13 @@ void turno(const std::shared_ptr<Estado>& e) {
         // Steps that commit each on their own gain nothing by ending in the
         // click.
         const qint64 turno = ++e->turnos == 1 && e->transaccion ? kPrimerTurnoMs : kTurnoMs;
+        // Kept for a turn run from within a step, which has its own.
+        const auto fin = qScopeGuard([llamadas = t_llamadas, ceder = t_ceder] {
+            t_llamadas = llamadas;
+            t_ceder = ceder;
+        });
         t_llamadas = 0;
         t_ceder = false;
-        const auto fin = qScopeGuard([] { t_llamadas = 0; });
         while (e->siguiente < e->pasos.size() && reloj.elapsed() < turno && !t_ceder) {
             ++t_llamadas;
             if (!e->pasos[e->siguiente]()) ++e->siguiente;
@@ -346,8 +350,9 @@ Paso vaciar(BaseDatos& db, QString tabla, int* filas) {
             }
             // Rows by the hundred thousand: each index dropped, the rows
             // and their pages let go take tens of milliseconds, a turn each.
-            // Apart, each is one look down the table's tree; together, a walk
-            // over every row.
+            // The first and last row numbers tell: asked apart, each is one
+            // look down the table's tree; max - min in one select walks
+            // every row.
             x->grande =
                 numeroDe(primero(db.query(u"SELECT (SELECT max(rowid) FROM "_s + tabla +
                                           u") - (SELECT min(rowid) FROM "_s + tabla + u")"_s))) >
