@@ -201,6 +201,13 @@ int main(int argc, char** argv) {
         sqlDesnudo("SELECT * FROM HEnvios ORDER BY Registro, rowid LIMIT 1000 OFFSET 500000");
     cifra("jump to row 500,000 (date order)", desplazar(kFilas / 2), sqlMedio,
           "(1,000 rows from the middle)");
+    // Pages no header click has read: the rows far down an index's order.
+    const Medida sqlLejos =
+        sqlDesnudo("SELECT * FROM HEnvios ORDER BY Registro, rowid LIMIT 1000 OFFSET 900000");
+    cifra("jump to row 900,000 (date order)", desplazar(kFilas * 9 / 10), sqlLejos,
+          "(1,000 rows near the end)");
+    cifra("jump back to row 700,000", desplazar(kFilas * 7 / 10), {}, "");
+    cifra("scroll on to row 701,000", desplazar(kFilas * 7 / 10 + 1000), {}, "");
     std::printf("  memory: %lld MB resident after the jumps (peak %lld MB)\n",
                 memoriaKb("VmRSS:") / 1024, memoriaKb("VmHWM:") / 1024);
 
