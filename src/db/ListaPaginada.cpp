@@ -103,6 +103,7 @@ ListaPaginada::ListaPaginada(Definicion definicion) : m_def(std::move(definicion
 void ListaPaginada::vaciarPaginas() {
     m_paginas.clear();
     m_anclas.clear();
+    m_marcas.clear();
     m_orden.clear();
     m_orden.shrink_to_fit();
     m_grupos.clear();
@@ -218,26 +219,42 @@ QString ListaPaginada::ordenSql(const QVector<Termino>& t) {
 }
 
 QString ListaPaginada::despuesDe(QVariantList& params, const QVector<Termino>& t,
-                                 const QVector<QString>& orden, int64_t clave) {
-    // (a after x) OR (a = x AND (b after y OR (b = y AND ...))), down to
-    // the row's number, which no two rows share.
+                                 const QVariantList& orden, int64_t clave) {
+    // (a after x) OR (a IS x AND (b after y OR (b IS y AND ...))), down to
+    // the row's number, which no two rows share. Nulls come first going
+    // up and last going down, as the engine sorts them.
     QString sql;
     QVariantList valores;
     for (qsizetype i = t.size() - 1; i >= 0; --i) {
-        const QString mayor = t.at(i).descendente ? u" < ?"_s : u" > ?"_s;
-        const QVariant v =
-            i == t.size() - 1 ? QVariant(qlonglong(clave)) : QVariant(orden.value(i));
-        if (sql.isEmpty()) {
-            sql = t.at(i).sql + mayor;
-            valores = {v};
+        const QString& a = t.at(i).sql;
+        const bool baja = t.at(i).descendente;
+        const QVariant v = i == t.size() - 1 ? QVariant(qlonglong(clave)) : orden.value(i);
+        QString mayor;
+        QVariantList conV;
+        if (v.isNull()) {
+            mayor = baja ? u"0"_s : QString(a + u" IS NOT NULL"_s);
         } else {
-            sql = u"("_s + t.at(i).sql + mayor + u" OR ("_s + t.at(i).sql + u" = ? AND "_s + sql +
-                  u"))"_s;
-            valores = QVariantList{v, v} + valores;
+            mayor = baja ? QString(u"("_s + a + u" < ? OR "_s + a + u" IS NULL)"_s)
+                         : QString(a + u" > ?"_s);
+            conV = {v};
+        }
+        if (sql.isEmpty()) {
+            sql = mayor;
+            valores = conV;
+        } else {
+            sql = u"("_s + mayor + u" OR ("_s + a + u" IS ? AND "_s + sql + u"))"_s;
+            valores = conV + QVariantList{v} + valores;
         }
     }
     params += valores;
     return sql;
+}
+
+QVariantList ListaPaginada::comoValores(const QVector<QString>& textos) {
+    QVariantList v;
+    v.reserve(textos.size());
+    for (const QString& t : textos) v.append(t);
+    return v;
 }
 
 QString ListaPaginada::seleccion() const {
@@ -355,7 +372,9 @@ std::vector<int64_t> ListaPaginada::leerClavesGrupo(size_t g, const Ancla* ancla
                                    !(recorrerOrden && grupo.filas > umbral) && !ordena, params) +
                     u" AND +"_s + m_def.clave + u" <= ?"_s;
     params << qlonglong(m_tope);
-    if (ancla) donde += u" AND "_s + despuesDe(params, resto, ancla->orden.mid(1), ancla->clave);
+    if (ancla)
+        donde +=
+            u" AND "_s + despuesDe(params, resto, comoValores(ancla->orden.mid(1)), ancla->clave);
     return leerClavesOrdenadas(donde, resto, params, limite, 0, ordena);
 }
 
@@ -456,7 +475,7 @@ QString ListaPaginada::despuesDeFila(QVariantList& params, const QVector<Termino
     for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
     const QVector<QString> v = Conexion().queryTexts(
         valores + u' ' + desdeDonde(m_def.clave + u" = ?"_s), {qlonglong(clave)});
-    return v.isEmpty() ? QString() : despuesDe(params, t, v.mid(1), clave);
+    return v.isEmpty() ? QString() : despuesDe(params, t, comoValores(v.mid(1)), clave);
 }
 
 int64_t ListaPaginada::menorClave() const {
@@ -529,16 +548,18 @@ std::vector<int64_t> ListaPaginada::leerClavesOrdenadas(const QString& donde,
 std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& grupo) const {
     const QString hastaTope = m_def.clave + u" <= ?"_s;
     if (porIndice()) {
-        // The index gives the order; skipping rows on it is cheap. The
-        // unary plus keeps the engine from walking the table by its key
-        // instead.
+        // Skipping rows on the index walks each of them: a few pages in
+        // one statement, farther in a long list over stretches.
+        if (numero > kSaltoCorto && m_filas > kFilasDirectas) return leerPaginaLejos(numero);
+        // The unary plus keeps the engine from walking the table by its
+        // key instead of the index.
         const QVariantList params{qlonglong(m_tope), kFilasPagina,
                                   qlonglong(numero) * kFilasPagina};
         const QString resto = ordenSql() + u" LIMIT ? OFFSET ?"_s;
         if (terminos().size() <= 2) return leerFilas(u"+"_s + hastaTope, resto, params);
         // Rows equal on the index are sorted by the other terms, a block
         // of them at a time: that sort carries their numbers alone.
-        const std::vector<int64_t> claves = numero <= kSaltoCorto && m_filas > kFilasDirectas
+        const std::vector<int64_t> claves = m_filas > kFilasDirectas
                                                 ? leerHastaBloque(numero)
                                                 : leerClaves(u"+"_s + hastaTope, resto, params);
         return leerPorClave(claves.data(), claves.size());
@@ -564,7 +585,8 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
             QVariantList params{qlonglong(m_tope)};
             QString donde = hastaTope;
             if (ancla)
-                donde += u" AND "_s + despuesDe(params, terminos(), ancla->orden, ancla->clave);
+                donde += u" AND "_s +
+                         despuesDe(params, terminos(), comoValores(ancla->orden), ancla->clave);
             claves = leerClavesOrdenadas(donde, terminos(), params, kFilasPagina, saltar, true);
         }
         return leerPorClave(claves.data(), claves.size());
@@ -588,6 +610,144 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
     const size_t desde = std::min(m_orden.size(), size_t(numero) * kFilasPagina);
     const size_t hasta = std::min(m_orden.size(), desde + kFilasPagina);
     return leerPorClave(m_orden.data() + desde, hasta - desde);
+}
+
+QVector<ListaPaginada::Parte> ListaPaginada::partesDespues(const Marca* desde) const {
+    const QVector<Termino> t = terminos();
+    const Termino& a = t.first();
+    // The row's number alone: never null.
+    if (t.size() == 1)
+        return {{desde ? a.sql + (a.descendente ? u" < ?"_s : u" > ?"_s) : QString(),
+                 desde ? QVariantList{qlonglong(desde->clave)} : QVariantList()}};
+    // Nulls stand first going up, last going down.
+    const Parte nulos{a.sql + u" IS NULL"_s, {}};
+    const Parte valores{a.sql + u" IS NOT NULL"_s, {}};
+    if (!desde)
+        return a.descendente ? QVector<Parte>{valores, nulos} : QVector<Parte>{nulos, valores};
+    // What is left of its block of equal values, found on the index by
+    // that value; then the blocks after it. One condition with an OR in
+    // it would have the engine walk the index from its start.
+    const QVariant& v = desde->valores.value(0);
+    QVector<Parte> partes(1);
+    partes[0].params = {v};
+    partes[0].donde = a.sql + u" IS ? AND "_s +
+                      despuesDe(partes[0].params, t.mid(1), desde->valores.mid(1), desde->clave);
+    if (v.isNull()) {
+        if (!a.descendente) partes.append(valores);
+    } else {
+        partes.append({a.sql + (a.descendente ? u" < ?"_s : u" > ?"_s), {v}});
+        if (a.descendente) partes.append(nulos);
+    }
+    return partes;
+}
+
+std::optional<ListaPaginada::Marca> ListaPaginada::saltarFilas(const Marca* desde,
+                                                               int64_t filas) const {
+    const QVector<Termino> t = terminos();
+    const auto donde = [&](const Parte& parte) -> QString {
+        return u"+"_s + m_def.clave + u" <= ?"_s +
+               (parte.donde.isEmpty() ? QString() : u" AND "_s + parte.donde);
+    };
+    const auto conTope = [&](const Parte& parte, const QVariant& ultimo) {
+        return QVariantList{qlonglong(m_tope)} + parte.params + QVariantList{ultimo};
+    };
+    // The row `n` rows into a part, in the whole order.
+    const auto filaEn = [&](const Parte& parte, int64_t n) -> std::optional<Marca> {
+        QString valores = u"SELECT "_s + m_def.clave;
+        for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+        const ResultadoConsulta r = Conexion().query(
+            valores + u' ' + desdeDonde(donde(parte)) + ordenSql(t) + u" LIMIT 1 OFFSET ?"_s,
+            conTope(parte, qlonglong(n - 1)));
+        if (r.isEmpty()) return std::nullopt;
+        Marca m;
+        m.clave = r.value(0, 0).toLongLong();
+        for (qsizetype i = 0; i + 1 < t.size(); ++i) m.valores.append(r.value(0, int(i) + 1));
+        return m;
+    };
+    // Its rows, up to `n`.
+    const auto contarEn = [&](const Parte& parte, int64_t n) {
+        return Conexion()
+            .query(u"SELECT count(*) FROM (SELECT 1 "_s + desdeDonde(donde(parte)) + u" LIMIT ?)"_s,
+                   conTope(parte, qlonglong(n)))
+            .value(0, 0)
+            .toLongLong();
+    };
+    // Where the index doesn't give the whole order, each of its blocks of
+    // equal values is sorted: the rows are skipped on the index alone, and
+    // only the block the stretch ends in is sorted, to find the row.
+    const bool porBloques = t.size() > 2;
+    const Termino& a = t.first();
+    const QVector<Parte> partes = partesDespues(desde);
+    for (qsizetype i = 0; i < partes.size(); ++i) {
+        const Parte& parte = partes.at(i);
+        // What is left of a marked row's block is sorted whole.
+        if (!porBloques || (desde && i == 0)) {
+            if (std::optional<Marca> m = filaEn(parte, filas)) return m;
+        } else {
+            const ResultadoConsulta r =
+                Conexion().query(u"SELECT "_s + a.sql + u' ' + desdeDonde(donde(parte)) +
+                                     ordenSql({a}) + u" LIMIT 1 OFFSET ?"_s,
+                                 conTope(parte, qlonglong(filas - 1)));
+            if (!r.isEmpty()) {
+                // Its blocks before that value are counted (none before
+                // the nulls), then that block is sorted.
+                const QVariant w = r.value(0, 0);
+                const Parte antes{
+                    parte.donde + u" AND "_s + a.sql + (a.descendente ? u" > ?"_s : u" < ?"_s),
+                    parte.params + QVariantList{w}};
+                return filaEn({a.sql + u" IS ?"_s, {w}}, filas - contarEn(antes, filas));
+            }
+        }
+        // The part ends before that row: the rest is skipped in the next.
+        filas -= contarEn(parte, filas);
+    }
+    return std::nullopt;
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) const {
+    // From the nearest marked page before it, or from the start.
+    const Marca* marca = nullptr;
+    int siguiente = 0;
+    if (auto m = m_marcas.lower_bound(numero); m != m_marcas.begin()) {
+        --m;
+        marca = &m->second;
+        siguiente = m->first + 1;
+    }
+    while (siguiente < numero) {
+        const int paginas =
+            int(std::clamp<int64_t>(m_pasoMarcas / kFilasPagina, 1, numero - siguiente));
+        QElapsedTimer reloj;
+        reloj.start();
+        const std::optional<Marca> fin = saltarFilas(marca, int64_t(paginas) * kFilasPagina);
+        // Rows deleted since the count: the page is past the end now.
+        if (!fin) return {};
+        siguiente += paginas;
+        marca = &(m_marcas[siguiente - 1] = *fin);
+        m_pasoMarcas = siguienteLargo(m_pasoMarcas, reloj.elapsed());
+        if (siguiente < numero && m_plazo.hasExpired()) throw Pendiente{};
+    }
+    // The page itself: its rows whole in an index's order of two terms;
+    // more are sorted by their numbers alone, as a page near the start.
+    const bool directas = terminos().size() <= 2;
+    std::vector<Fila> filas;
+    std::vector<int64_t> claves;
+    for (const Parte& parte : partesDespues(marca)) {
+        const int faltan = kFilasPagina - int(directas ? filas.size() : claves.size());
+        if (faltan <= 0) break;
+        const QString donde = u"+"_s + m_def.clave + u" <= ?"_s +
+                              (parte.donde.isEmpty() ? QString() : u" AND "_s + parte.donde);
+        const QVariantList params =
+            QVariantList{qlonglong(m_tope)} + parte.params + QVariantList{faltan};
+        const QString resto = ordenSql() + u" LIMIT ?"_s;
+        if (directas) {
+            std::vector<Fila> f = leerFilas(donde, resto, params);
+            std::move(f.begin(), f.end(), std::back_inserter(filas));
+        } else {
+            const std::vector<int64_t> k = leerClaves(donde, resto, params);
+            claves.insert(claves.end(), k.begin(), k.end());
+        }
+    }
+    return directas ? filas : leerPorClave(claves.data(), claves.size());
 }
 
 bool ListaPaginada::enVentana(int numero) const {

@@ -198,6 +198,18 @@ class ListaPaginada {
         int64_t antesRonda = 0;
         std::vector<int64_t> fuente, ventana;
     };
+    // Where a page of an index's order ends: its row's values of the
+    // order's terms but the last, as stored (a null among them), and its
+    // number.
+    struct Marca {
+        QVariantList valores;
+        int64_t clave = 0;
+    };
+    // A condition on the rows and what it binds.
+    struct Parte {
+        QString donde;
+        QVariantList params;
+    };
     // A run of the order read for a jump, from line `inicio`.
     struct Ventana {
         int64_t inicio = -1;
@@ -274,9 +286,21 @@ class ListaPaginada {
     QString despuesDeFila(QVariantList& params, const QVector<Termino>& t, int64_t clave) const;
     // The lowest row number of `desde`: where stretches start.
     int64_t menorClave() const;
-    // The rows that come after the row with these values in the order `t`.
+    // The rows that come after the row with these values in the order `t`
+    // (its terms but the last, which is the number).
     static QString despuesDe(QVariantList& params, const QVector<Termino>& t,
-                             const QVector<QString>& orden, int64_t clave);
+                             const QVariantList& orden, int64_t clave);
+    static QVariantList comoValores(const QVector<QString>& textos);
+    // Page `numero` of an index's order far from the start: the rows
+    // before it are skipped a stretch at a time, from the nearest page
+    // whose end is marked, each stretch marking where it ended.
+    std::vector<Fila> leerPaginaLejos(int numero) const;
+    // The row `filas` rows after `desde` (after none: from the start);
+    // nullopt when the list ends before it.
+    std::optional<Marca> saltarFilas(const Marca* desde, int64_t filas) const;
+    // The rows after `desde` in parts, in the order's order, each of which
+    // the index finds by a seek rather than by walking from the start.
+    QVector<Parte> partesDespues(const Marca* desde) const;
     // An index gives the order of column `columna`.
     bool indexada(int columna) const;
     bool porIndice() const;
@@ -294,6 +318,10 @@ class ListaPaginada {
     bool m_anteriorDescendente = false;
     mutable std::vector<Pagina> m_paginas;
     mutable std::map<int, Ancla> m_anclas;
+    // Pages of an index's order whose end is known, and the rows a
+    // stretch skips to reach the next one in about `kTramoMs`.
+    mutable std::map<int, Marca> m_marcas;
+    mutable int64_t m_pasoMarcas = 2048;
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;

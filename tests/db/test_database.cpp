@@ -8,6 +8,7 @@
 #include "db/Conexion.h"
 #include "db/EscrituraPorTurnos.h"
 #include "db/Identidad.h"
+#include "db/ListaPaginada.h"
 #include "db/Nombres.h"
 #include "db/Transaccion.h"
 
@@ -500,6 +501,92 @@ PRAGMA integrity_check;
 
     // A lock another program holds is waited for between turns, never on
     // the caller's stack, and only as long as the connection waits.
+    // Far down a list longer than one statement reads, in an index's
+    // order, the rows are those of the whole order, nulls among them and
+    // runs of equal values across pages: shown after a jump, over turns,
+    // and read in turn from the top.
+    void farPagesOfAnIndexOrder_data() {
+        QTest::addColumn<int>("columna");  // -1: the rows' own order
+        QTest::addColumn<bool>("descendente");
+        QTest::addColumn<bool>("estable");    // equal rows go up whichever the direction
+        QTest::addColumn<bool>("desempate");  // equal rows by name first
+        QTest::newRow("the rows' order") << -1 << false << true << false;
+        QTest::newRow("the rows' order, last first") << -1 << true << true << false;
+        QTest::newRow("a date, oldest first") << 0 << false << false << false;
+        QTest::newRow("a date, newest first") << 0 << true << false << false;
+        QTest::newRow("a date, newest first, equal ones up") << 0 << true << true << false;
+        QTest::newRow("a date, equal ones by name") << 0 << false << true << true;
+        QTest::newRow("a date, newest first, equal ones by name") << 0 << true << true << true;
+    }
+    void farPagesOfAnIndexOrder() {
+        QFETCH(int, columna);
+        QFETCH(bool, descendente);
+        QFETCH(bool, estable);
+        QFETCH(bool, desempate);
+        constexpr int kFilas = 24000;
+        const QString ruta = world.root() + u"/lejos.db"_s;
+        TestDb::openShared(TestDb::createCurrent(ruta));
+        BaseDatos& c = Conexion();
+        c.exec(u"CREATE TABLE Filas (Fecha TEXT, Nombre TEXT)"_s);
+        c.exec(u"CREATE INDEX Filas_Fecha ON Filas (Fecha)"_s);
+        // Five dates and no date, every seventh row; names that repeat.
+        c.exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+            u"INSERT INTO Filas (Fecha, Nombre) SELECT CASE WHEN i % 7 = 3 THEN NULL ELSE "
+            u"'2006-03-1' || (i % 5) END, 'n' || (i * 7919 % 97) FROM n"_s,
+            {kFilas - 1});
+        struct Fila {
+            QVariant fecha;
+            QString nombre;
+            int64_t rowid;
+        };
+        std::vector<Fila> esperadas;
+        const ResultadoConsulta r = c.query(u"SELECT Fecha, Nombre, rowid FROM Filas"_s);
+        for (int i = 0; i < r.recordCount(); ++i)
+            esperadas.push_back(
+                {r.value(i, 0), r.value(i, 1).toString(), r.value(i, 2).toLongLong()});
+        // Nulls first going up, as the engine sorts them.
+        const auto comparar = [](const QVariant& a, const QVariant& b) {
+            if (a.isNull() || b.isNull()) return int(b.isNull()) - int(a.isNull());
+            return a.toString().compare(b.toString());
+        };
+        std::sort(esperadas.begin(), esperadas.end(), [&](const Fila& a, const Fila& b) {
+            const int signo = descendente ? -1 : 1;
+            const int empates = descendente && !estable ? -1 : 1;
+            if (columna >= 0) {
+                if (const int k = comparar(a.fecha, b.fecha)) return k * signo < 0;
+                if (desempate && a.nombre != b.nombre)
+                    return a.nombre.compare(b.nombre) * empates < 0;
+                return (a.rowid < b.rowid) == (empates > 0);
+            }
+            return (a.rowid < b.rowid) == !descendente;
+        });
+
+        ListaPaginada::Definicion d;
+        d.desde = u"FROM Filas"_s;
+        d.clave = u"Filas.rowid"_s;
+        d.columnas = {{u"Fecha"_s, u"Fecha"_s}, {u"CAST(Filas.rowid AS TEXT)"_s, {}}};
+        d.estable = estable;
+        if (desempate) d.desempate = u"Filas.Nombre"_s;
+        ListaPaginada lista(d);
+        lista.cargar();
+        lista.ordenar(columna, descendente);
+        QCOMPARE(lista.filas(), kFilas);
+        const auto numero = [&](int f) { return QString::number(esperadas[size_t(f)].rowid); };
+        for (const int salto : {kFilas - 10, kFilas / 2, kFilas / 2 - 260}) {
+            QTRY_VERIFY_WITH_TIMEOUT(lista.textoMostrado(salto, 1).has_value(), 20000);
+            for (int f = salto; f < std::min(kFilas, salto + 300); ++f)
+                QCOMPARE(lista.texto(f, 1), numero(f));
+        }
+        QStringList todas, quiero;
+        for (int f = 0; f < kFilas; ++f) {
+            todas << lista.texto(f, 1);
+            quiero << numero(f);
+        }
+        QCOMPARE(todas, quiero);
+        Conexion().close();
+    }
+
     void aLockHeldElsewhereIsWaitedForBetweenTurns_data() {
         QTest::addColumn<int>("suelta");  // ms until the other program commits; -1 never
         QTest::addColumn<bool>("guardada");
