@@ -104,6 +104,8 @@ void ListaPaginada::vaciarPaginas() {
     m_paginas.clear();
     m_anclas.clear();
     m_marcas.clear();
+    // Its pages may have left the memory since: the stretches start short.
+    m_pasoMarcas = kPrimerPaso;
     m_orden.clear();
     m_orden.shrink_to_fit();
     m_grupos.clear();

@@ -319,9 +319,11 @@ class ListaPaginada {
     mutable std::vector<Pagina> m_paginas;
     mutable std::map<int, Ancla> m_anclas;
     // Pages of an index's order whose end is known, and the rows a
-    // stretch skips to reach the next one in about `kTramoMs`.
+    // stretch skips to reach the next one in a few milliseconds: short at
+    // first, as the pages may have to come from the file.
+    static constexpr int64_t kPrimerPaso = 2048;
     mutable std::map<int, Marca> m_marcas;
-    mutable int64_t m_pasoMarcas = 2048;
+    mutable int64_t m_pasoMarcas = kPrimerPaso;
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;
