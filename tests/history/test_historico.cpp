@@ -11,7 +11,6 @@
 #include "history/PantallasHistorico.h"
 #include "history/frmHEnvios.h"
 #include "widgets/Listado.h"
-#include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
 
 #include <QApplication>
@@ -43,9 +42,6 @@ QStringList columna(const QAbstractItemModel* m, int c) {
     for (int f = 0; f < m->rowCount(); ++f) t << m->index(f, c).data().toString();
     return t;
 }
-
-// More rows than a list reads in one statement.
-constexpr int kLejos = 24000;
 
 constexpr int kPregunta = Msg::YesNo | Msg::Exclamation | Msg::DefaultButton2;
 
@@ -257,72 +253,6 @@ class TestHistorico : public Prueba {
         const QAbstractItemModel* m = pantalla.ListView1->model();
         for (int f : primero) QCOMPARE(m->index(f, 1).data().toString(), orden.at(f));
         QCOMPARE(columna(m, 1), orden);
-    }
-
-    // Far down a list too long to read at once, the lines are those of the
-    // whole date order, rows without a date (another program's) among
-    // them: shown after a jump from wherever the reading was, and read in
-    // turn from the top.
-    void farLinesOfTheDateOrder_data() {
-        QTest::addColumn<int>("clics");
-        QTest::addColumn<QList<int>>("saltos");
-        QTest::newRow("newest first, from the end")
-            << 0 << QList<int>{kLejos - 10, kLejos / 2, kLejos / 2 - 260};
-        QTest::newRow("oldest first, from the end") << 1 << QList<int>{kLejos - 10, 1300};
-        QTest::newRow("oldest first, down a page at a time")
-            << 1 << QList<int>{12000, 12250, 12500, 12750};
-    }
-    void farLinesOfTheDateOrder() {
-        QFETCH(int, clics);
-        QFETCH(QList<int>, saltos);
-        // Few dates, so that equal ones run across many pages; every
-        // seventh row has none, and they run across pages too.
-        struct Esperada {
-            QString fecha;
-            int64_t rowid;
-            QString numero;
-        };
-        std::vector<Esperada> esperadas;
-        bd().begin();
-        for (int i = 0; i < kLejos; ++i) {
-            const QString fecha = i % 7 == 3 ? QString() : u"2006-03-1%1 10:00:00"_s.arg(i % 5);
-            const QString numero = u"00346%1"_s.arg(i, 8, 10, QChar(u'0'));
-            enviado(fecha, numero, u"m"_s);
-            esperadas.push_back({fecha, i + 1, numero});
-        }
-        bd().exec(u"UPDATE HEnvios SET Registro = NULL WHERE Registro = ''"_s);
-        bd().commit();
-        const bool descendente = clics % 2 == 0;
-        std::sort(esperadas.begin(), esperadas.end(), [&](const Esperada& a, const Esperada& b) {
-            const bool antes = a.fecha != b.fecha ? a.fecha < b.fecha : a.rowid < b.rowid;
-            const bool despues = a.fecha != b.fecha ? a.fecha > b.fecha : a.rowid > b.rowid;
-            return descendente ? despues : antes;
-        });
-        frmHEnvios pantalla;
-        pantalla.show();
-        for (int c = 0; c < clics; ++c) Q_EMIT pantalla.ListView1->header()->sectionClicked(0);
-        auto* m = qobject_cast<ModeloPaginado*>(pantalla.ListView1->model());
-        QVERIFY(m);
-        QCOMPARE(m->rowCount(), kLejos);
-        const auto lineas = [](const QAbstractItemModel* x, int desde) {
-            QStringList t;
-            for (int f = desde; f < std::min(desde + 30, x->rowCount()); ++f)
-                t << x->index(f, 1).data().toString();
-            return t;
-        };
-        for (int salto : saltos) {
-            QStringList quiero;
-            for (int f = salto; f < std::min(salto + 30, kLejos); ++f)
-                quiero << esperadas[size_t(f)].numero;
-            pantalla.ListView1->scrollTo(m->index(salto, 0), QAbstractItemView::PositionAtTop);
-            QTRY_COMPARE_WITH_TIMEOUT(lineas(m, salto), quiero, 20000);
-        }
-        QStringList todas, quiero;
-        for (int f = 0; f < kLejos; ++f) {
-            todas << m->texto(f, 1);
-            quiero << esperadas[size_t(f)].numero;
-        }
-        QCOMPARE(todas, quiero);
     }
 
     void resend_data() {
