@@ -115,6 +115,13 @@ int main(int argc, char** argv) {
         miembros->cmdTodos->click();
         QCoreApplication::processEvents();
         cifra(u"frmUserGroup move all in, "_s + n, t, 50);
+        // The lines moved in stand after the others until a sort.
+        t.empezar();
+        miembros->lstLista->scrollToBottom();
+        esperarLineas(miembros->lstLista->model());
+        cifra(u"frmUserGroup list, to its last line, "_s + n, t, 50);
+        miembros->lstLista->scrollToTop();
+        esperarLineas(miembros->lstLista->model());
         t.empezar();
         miembros->cmdAdd->click();
         // Stored over several turns: the loop turns until it is.
