@@ -643,22 +643,28 @@ QVector<ListaPaginada::Parte> ListaPaginada::partesDespues(const Marca* desde) c
     return partes;
 }
 
+QString ListaPaginada::hastaTope(const Parte& parte) const {
+    // The unary plus keeps the engine on the order's index.
+    return u"+"_s + m_def.clave + u" <= ?"_s +
+           (parte.donde.isEmpty() ? QString() : u" AND "_s + parte.donde);
+}
+
+QVariantList ListaPaginada::parametrosHastaTope(const Parte& parte) const {
+    return QVariantList{qlonglong(m_tope)} + parte.params;
+}
+
 std::optional<ListaPaginada::Marca> ListaPaginada::saltarFilas(const Marca* desde,
                                                                int64_t filas) const {
     const QVector<Termino> t = terminos();
-    const auto donde = [&](const Parte& parte) -> QString {
-        return u"+"_s + m_def.clave + u" <= ?"_s +
-               (parte.donde.isEmpty() ? QString() : u" AND "_s + parte.donde);
-    };
     const auto conTope = [&](const Parte& parte, const QVariant& ultimo) {
-        return QVariantList{qlonglong(m_tope)} + parte.params + QVariantList{ultimo};
+        return parametrosHastaTope(parte) + QVariantList{ultimo};
     };
     // The row `n` rows into a part, in the whole order.
     const auto filaEn = [&](const Parte& parte, int64_t n) -> std::optional<Marca> {
         QString valores = u"SELECT "_s + m_def.clave;
         for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
         const ResultadoConsulta r = Conexion().query(
-            valores + u' ' + desdeDonde(donde(parte)) + ordenSql(t) + u" LIMIT 1 OFFSET ?"_s,
+            valores + u' ' + desdeDonde(hastaTope(parte)) + ordenSql(t) + u" LIMIT 1 OFFSET ?"_s,
             conTope(parte, qlonglong(n - 1)));
         if (r.isEmpty()) return std::nullopt;
         Marca m;
@@ -669,7 +675,8 @@ std::optional<ListaPaginada::Marca> ListaPaginada::saltarFilas(const Marca* desd
     // Its rows, up to `n`.
     const auto contarEn = [&](const Parte& parte, int64_t n) {
         return Conexion()
-            .query(u"SELECT count(*) FROM (SELECT 1 "_s + desdeDonde(donde(parte)) + u" LIMIT ?)"_s,
+            .query(u"SELECT count(*) FROM (SELECT 1 "_s + desdeDonde(hastaTope(parte)) +
+                       u" LIMIT ?)"_s,
                    conTope(parte, qlonglong(n)))
             .value(0, 0)
             .toLongLong();
@@ -687,7 +694,7 @@ std::optional<ListaPaginada::Marca> ListaPaginada::saltarFilas(const Marca* desd
             if (std::optional<Marca> m = filaEn(parte, filas)) return m;
         } else {
             const ResultadoConsulta r =
-                Conexion().query(u"SELECT "_s + a.sql + u' ' + desdeDonde(donde(parte)) +
+                Conexion().query(u"SELECT "_s + a.sql + u' ' + desdeDonde(hastaTope(parte)) +
                                      ordenSql({a}) + u" LIMIT 1 OFFSET ?"_s,
                                  conTope(parte, qlonglong(filas - 1)));
             if (!r.isEmpty()) {
@@ -736,16 +743,13 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) cons
     for (const Parte& parte : partesDespues(marca)) {
         const int faltan = kFilasPagina - int(directas ? filas.size() : claves.size());
         if (faltan <= 0) break;
-        const QString donde = u"+"_s + m_def.clave + u" <= ?"_s +
-                              (parte.donde.isEmpty() ? QString() : u" AND "_s + parte.donde);
-        const QVariantList params =
-            QVariantList{qlonglong(m_tope)} + parte.params + QVariantList{faltan};
+        const QVariantList params = parametrosHastaTope(parte) + QVariantList{faltan};
         const QString resto = ordenSql() + u" LIMIT ?"_s;
         if (directas) {
-            std::vector<Fila> f = leerFilas(donde, resto, params);
+            std::vector<Fila> f = leerFilas(hastaTope(parte), resto, params);
             std::move(f.begin(), f.end(), std::back_inserter(filas));
         } else {
-            const std::vector<int64_t> k = leerClaves(donde, resto, params);
+            const std::vector<int64_t> k = leerClaves(hastaTope(parte), resto, params);
             claves.insert(claves.end(), k.begin(), k.end());
         }
     }

@@ -301,6 +301,9 @@ class ListaPaginada {
     // The rows after `desde` in parts, in the order's order, each of which
     // the index finds by a seek rather than by walking from the start.
     QVector<Parte> partesDespues(const Marca* desde) const;
+    // The rows of a part loaded before the list was (`m_tope`).
+    QString hastaTope(const Parte& parte) const;
+    QVariantList parametrosHastaTope(const Parte& parte) const;
     // An index gives the order of column `columna`.
     bool indexada(int columna) const;
     bool porIndice() const;
