@@ -732,7 +732,11 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) cons
         if (!fin) return {};
         siguiente += paginas;
         marca = &(m_marcas[siguiente - 1] = *fin);
-        m_pasoMarcas = siguienteLargo(m_pasoMarcas, reloj.elapsed());
+        // From what this stretch walked: one cut short by the page wanted
+        // says little of a longer one.
+        m_pasoMarcas =
+            std::min<int64_t>(siguienteLargo(int64_t(paginas) * kFilasPagina, reloj.elapsed()),
+                              std::max<int64_t>(m_filas, kPrimerPaso));
         if (siguiente < numero && m_plazo.hasExpired()) throw Pendiente{};
     }
     // The page itself: its rows whole in an index's order of two terms;
