@@ -723,8 +723,8 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) cons
         siguiente = m->first + 1;
     }
     while (siguiente < numero) {
-        const int paginas =
-            int(std::clamp<int64_t>(m_pasoMarcas / kFilasPagina, 1, numero - siguiente));
+        const int64_t porPaso = std::max<int64_t>(1, m_pasoMarcas / kFilasPagina);
+        const int paginas = int(std::min<int64_t>(porPaso, numero - siguiente));
         QElapsedTimer reloj;
         reloj.start();
         const std::optional<Marca> fin = saltarFilas(marca, int64_t(paginas) * kFilasPagina);
@@ -732,11 +732,11 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) cons
         if (!fin) return {};
         siguiente += paginas;
         marca = &(m_marcas[siguiente - 1] = *fin);
-        // From what this stretch walked: one cut short by the page wanted
-        // says little of a longer one.
-        m_pasoMarcas =
-            std::min<int64_t>(siguienteLargo(int64_t(paginas) * kFilasPagina, reloj.elapsed()),
-                              std::max<int64_t>(m_filas, kPrimerPaso));
+        // A stretch cut short by the page wanted tells only of its own
+        // length; no stretch need be longer than the list.
+        const int64_t largo = paginas < porPaso ? int64_t(paginas) * kFilasPagina : m_pasoMarcas;
+        m_pasoMarcas = std::min<int64_t>(siguienteLargo(largo, reloj.elapsed()),
+                                         std::max<int64_t>(m_filas, kPrimerPaso));
         if (siguiente < numero && m_plazo.hasExpired()) throw Pendiente{};
     }
     // The page itself: its rows whole in an index's order of two terms;
