@@ -129,6 +129,33 @@ int main(int argc, char** argv) {
         cifra(u"frmUserGroup store "_s + n + u" memberships"_s, t, 300);
         delete miembros;
 
+        // All of them out and back in: the lines of the first "all moved"
+        // go back one by one, in their order.
+        miembros = new frmUserGroup;
+        miembros->nCodGrupo = 0;
+        miembros->msCargarUsuariosParaGrupo();
+        miembros->show();
+        while (miembros->ocupada()) QCoreApplication::processEvents();
+        const struct {
+            QPushButton* boton;
+            Listado* lista;
+            const char* que;
+        } idas[] = {{miembros->cmdquitarTodos, miembros->lstcontactos, "all out"},
+                    {miembros->cmdTodos, miembros->lstLista, "all in again"}};
+        for (const auto& ida : idas) {
+            t.empezar();
+            ida.boton->click();
+            QCoreApplication::processEvents();
+            cifra(u"frmUserGroup move "_s + QString::fromUtf8(ida.que) + u", "_s + n, t, 50);
+            t.empezar();
+            ida.lista->scrollToBottom();
+            esperarLineas(ida.lista->model());
+            cifra(u"frmUserGroup, "_s + QString::fromUtf8(ida.que) + u", to the last line, "_s + n,
+                  t, 50);
+        }
+        miembros->cmdClose->click();
+        delete miembros;
+
         // That list deleted, its memberships with it.
         auto* listas = new frmGrupos;
         listas->show();

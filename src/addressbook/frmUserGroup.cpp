@@ -132,10 +132,14 @@ void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
 }
 
 void frmUserGroup::moverTodos(bool haciaDentro) {
-    const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
+    ModeloPaginado* destino = haciaDentro ? m_dentro : m_fuera;
     bool movidas = true;
     try {
         msMoverTodosLosMiembros(haciaDentro, origen->ordenInverso());
+        destino->recibirTanda(origen);
+        // An earlier "all moved" here went back one by one.
+        origen->recibirTanda(nullptr);
     } catch (const ErrorBD&) {
         movidas = false;
     }

@@ -514,6 +514,9 @@ void msPrepararMiembrosLista(int16_t grupo,
                       u"INTEGER)"_s);
             bd().exec(u"CREATE TABLE "_s + kMovidos +
                       u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
+            // The lines moved one by one are read, and stored, in the order
+            // they were moved.
+            bd().exec(u"CREATE INDEX temp.MiembrosMovidosPaso ON MiembrosMovidos (Paso, Dentro)"_s);
             bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
             bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
             definirMasa({});
@@ -563,13 +566,16 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
     d.estable = false;
     // Lines moved one by one before the last "all moved", its lines, then
     // those moved after it.
-    const QString uno = u"SELECT * FROM ("_s + kCeldas + u"FROM "_s + kMovidos +
-                        u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila WHERE m.Dentro = "_s +
-                        lado(dentro) + u" AND m.Paso > 0 AND m.Paso "_s;
+    const QString celdas =
+        kCeldas + u"FROM "_s + kMovidos + u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila"_s;
+    const QString uno = u"m.Dentro = "_s + lado(dentro) + u" AND m.Paso "_s;
     const QString hasta = u"(SELECT Hasta FROM temp.MiembrosLista)"_s;
-    d.cola = uno + u"<= "_s + hasta + u" ORDER BY m.Paso) UNION ALL SELECT * FROM "_s + kMasa +
-             u" WHERE "_s + kTodos + u" = "_s + lado(dentro) + u" UNION ALL "_s + uno + u"> "_s +
-             hasta + u" ORDER BY m.Paso)"_s;
+    d.colaAntes = {celdas, kMovidos + u" m"_s, uno + u"> 0 AND m.Paso <= "_s + hasta, u"m.Paso"_s};
+    d.colaDespues = {celdas, kMovidos + u" m"_s, uno + u"> "_s + hasta, u"m.Paso"_s};
+    auto tanda = std::make_shared<ListaPaginada::Definicion>(d);
+    tanda->filtro = kTodos + u" = "_s + lado(dentro) + u" AND ("_s + enMasa() + u")"_s;
+    tanda->colaAntes = tanda->colaDespues = {};
+    d.tanda = tanda;
     d.asentarCola = [dentro] {
         try {
             bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = NULL WHERE Dentro = "_s +

@@ -119,8 +119,9 @@ void ListaPaginada::vaciarPaginas() {
 
 void ListaPaginada::limpiar() {
     vaciarPaginas();
-    m_cola = {};
-    m_filasCola = 0;
+    m_cola.clear();
+    m_filasCola = m_filasAntes = m_filasTanda = 0;
+    if (m_tanda) m_tanda->limpiar();
     m_filas = 0;
     m_tope = 0;
 }
@@ -140,35 +141,101 @@ void ListaPaginada::cargar(int filas, int filasCola) {
                               ? u"SELECT max("_s + m_def.clave + u") "_s + desdeDonde()
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
-    if (!m_def.cola.isEmpty())
-        m_filasCola = filasCola >= 0
-                          ? filasCola
-                          : int(Conexion()
-                                    .query(u"SELECT count(*) FROM ("_s + m_def.cola + u')')
-                                    .value(0, 0)
-                                    .toLongLong());
+    // Each run is counted on its index; the rows moved all at once are
+    // those of the count given that the runs don't hold.
+    m_filasAntes = contarSerie(m_def.colaAntes);
+    const int despues = contarSerie(m_def.colaDespues);
+    if (m_tanda) {
+        m_filasTanda =
+            filasCola >= 0 ? std::max(0, filasCola - m_filasAntes - despues) : m_tanda->contar();
+        m_tanda->cargar(m_filasTanda);
+    }
+    m_filasCola = m_filasAntes + m_filasTanda + despues;
 }
 
+int ListaPaginada::contarSerie(const Serie& serie) const {
+    if (serie.tabla.isEmpty()) return 0;
+    return int(Conexion()
+                   .query(u"SELECT count(*) FROM "_s + serie.tabla + u" WHERE "_s + serie.condicion)
+                   .value(0, 0)
+                   .toLongLong());
+}
+
+void ListaPaginada::ordenarTanda(bool hay, int columna, bool descendente) {
+    m_tanda.reset();
+    if (!hay || !m_def.tanda) return;
+    m_tanda = std::make_unique<ListaPaginada>(*m_def.tanda);
+    m_tanda->ordenar(columna, descendente);
+    m_tanda->alLlegar([this](int primera, int ultima) {
+        const int base = m_filas + m_filasAntes;
+        if (m_alLlegar) m_alLlegar(base + primera, base + ultima);
+    });
+}
+
+namespace {
+// Reads through a list without waiting (or waiting) while it lives.
+class SinEsperar {
+  public:
+    explicit SinEsperar(bool& bandera, bool valor = true) : m_bandera(bandera), m_antes(bandera) {
+        bandera = valor;
+    }
+    ~SinEsperar() { m_bandera = m_antes; }
+    SinEsperar(const SinEsperar&) = delete;
+    SinEsperar& operator=(const SinEsperar&) = delete;
+
+  private:
+    bool& m_bandera;
+    bool m_antes;
+};
+}  // namespace
+
 const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
+    if (k < m_filasAntes) return filaSerie(m_def.colaAntes, k);
+    k -= m_filasAntes;
+    if (k < m_filasTanda) {
+        if (!m_tanda) return nullptr;
+        // A paint's read of them doesn't wait either.
+        SinEsperar comoEsta(m_tanda->m_sinEsperar, m_sinEsperar);
+        return m_tanda->fila(k);
+    }
+    return filaSerie(m_def.colaDespues, k - m_filasTanda);
+}
+
+const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k) const {
     const int numero = k / kFilasPagina;
-    if (m_cola.numero != numero) {
-        m_cola = {numero, {}};
+    auto it = std::find_if(m_cola.begin(), m_cola.end(), [&](const PaginaCola& p) {
+        return p.serie == &serie && p.numero == numero;
+    });
+    if (it == m_cola.end()) {
+        PaginaCola p{&serie, numero, {}};
         try {
-            const QVector<QString> celdas =
-                Conexion().queryTexts(m_def.cola + u" LIMIT ? OFFSET ?"_s,
-                                      {kFilasPagina, qlonglong(numero) * kFilasPagina});
+            // The rows before the page are skipped on the run's index
+            // alone, without looking up their cells.
+            const QString paso = serie.paso;
+            const QVector<QString> celdas = Conexion().queryTexts(
+                serie.celdas + u" WHERE "_s + serie.condicion + u" AND "_s + paso +
+                    u" >= (SELECT "_s + paso + u" FROM "_s + serie.tabla + u" WHERE "_s +
+                    serie.condicion + u" ORDER BY "_s + paso + u" LIMIT 1 OFFSET ?) ORDER BY "_s +
+                    paso + u" LIMIT ?"_s,
+                {qlonglong(numero) * kFilasPagina, kFilasPagina});
             const qsizetype porFila = columnas() + 1;
-            m_cola.filas.resize(size_t(celdas.size() / porFila));
-            for (size_t i = 0; i < m_cola.filas.size(); ++i) {
-                m_cola.filas[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
-                m_cola.filas[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
+            p.filas.resize(size_t(celdas.size() / porFila));
+            for (size_t i = 0; i < p.filas.size(); ++i) {
+                p.filas[i].clave = celdas.at(qsizetype(i) * porFila).toLongLong();
+                p.filas[i].celdas = celdas.mid(qsizetype(i) * porFila + 1, columnas());
             }
         } catch (const ErrorBD&) {
             // Shown empty, like a page of the order that can't be read.
         }
+        if (m_cola.size() >= 2) m_cola.pop_back();
+        it = m_cola.insert(m_cola.begin(), std::move(p));
     }
     const size_t i = size_t(k - numero * kFilasPagina);
-    return i < m_cola.filas.size() ? &m_cola.filas[i] : nullptr;
+    return i < it->filas.size() ? &it->filas[i] : nullptr;
+}
+
+int ListaPaginada::lineaDe(const Serie& serie, int k) const {
+    return m_filas + k + (&serie == &m_def.colaAntes ? 0 : m_filasAntes + m_filasTanda);
 }
 
 void ListaPaginada::ordenar(int columna, bool descendente) {
@@ -176,9 +243,10 @@ void ListaPaginada::ordenar(int columna, bool descendente) {
     if (m_filasCola > 0) {
         if (m_def.asentarCola) m_def.asentarCola();
         m_filas += m_filasCola;
-        m_filasCola = 0;
-        m_cola = {};
+        m_filasCola = m_filasAntes = m_filasTanda = 0;
+        m_cola.clear();
     }
+    m_tanda.reset();
     columna = columna >= 0 && columna < columnas() ? columna : -1;
     if (columna != m_columna) {
         m_anterior = m_columna;
@@ -1074,25 +1142,15 @@ const ListaPaginada::Fila* ListaPaginada::fila(int n) const {
     return p && k < p->filas.size() ? &p->filas[k] : nullptr;
 }
 
-namespace {
-// Reads through `lista` without waiting while it lives.
-class SinEsperar {
-  public:
-    explicit SinEsperar(bool& bandera) : m_bandera(bandera), m_antes(bandera) { bandera = true; }
-    ~SinEsperar() { m_bandera = m_antes; }
-    SinEsperar(const SinEsperar&) = delete;
-    SinEsperar& operator=(const SinEsperar&) = delete;
-
-  private:
-    bool& m_bandera;
-    bool m_antes;
-};
-}  // namespace
-
 std::optional<QString> ListaPaginada::textoMostrado(int n, int columna) const {
     SinEsperar sinEsperar(m_sinEsperar);
     const Fila* f = fila(n);
-    if (!f && n >= 0 && n < m_filas && leyendo() && !pagina(n / kFilasPagina)) return std::nullopt;
+    if (!f && n >= 0 && n < m_filas && m_leyendo >= 0 && !pagina(n / kFilasPagina))
+        return std::nullopt;
+    if (const int k = n - m_filas - m_filasAntes; !f && k >= 0 && k < m_filasTanda && m_tanda &&
+                                                  m_tanda->leyendo() &&
+                                                  !m_tanda->pagina(k / kFilasPagina))
+        return std::nullopt;
     if (!f || columna < 0 || columna >= f->celdas.size()) return QString();
     const QString& celda = f->celdas.at(columna);
     return m_def.mostrar ? m_def.mostrar(columna, celda) : celda;
@@ -1117,8 +1175,16 @@ QString ListaPaginada::ordenInverso() const {
 }
 
 int ListaPaginada::filaDe(int64_t clave, int cerca) const {
-    for (size_t k = 0; k < m_cola.filas.size(); ++k)
-        if (m_cola.filas[k].clave == clave) return m_filas + m_cola.numero * kFilasPagina + int(k);
+    // The rows after the ordered ones are looked for where they were read.
+    for (const PaginaCola& p : m_cola)
+        for (size_t k = 0; k < p.filas.size(); ++k)
+            if (p.filas[k].clave == clave)
+                return lineaDe(*p.serie, p.numero * kFilasPagina + int(k));
+    if (m_tanda)
+        for (const Pagina& p : m_tanda->m_paginas)
+            for (size_t k = 0; k < p.filas.size(); ++k)
+                if (p.filas[k].clave == clave)
+                    return m_filas + m_filasAntes + p.numero * kFilasPagina + int(k);
     if (clave <= 0 || clave > m_tope) return -1;
     // The page where it stood, and the one before (rows that went before
     // it move it up), are read anyway to paint it.

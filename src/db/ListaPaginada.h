@@ -52,6 +52,19 @@ class ListaPaginada {
         QString clave;
         QString valores;
     };
+    // A run of rows in the order of a step number of their own.
+    struct Serie {
+        // "SELECT number, cells FROM `tabla` ..." with the joins that give
+        // the cells, no WHERE.
+        QString celdas;
+        // The run's own table (its alias after it), which of its rows are
+        // the run's, and the column that orders them: unique among them,
+        // and first in an index that also holds what `condicion` tests, so
+        // that a far page is reached on that index alone.
+        QString tabla;
+        QString condicion;
+        QString paso;
+    };
     struct Definicion {
         // "FROM ..." with its joins, no WHERE and no ORDER BY.
         QString desde;
@@ -78,10 +91,13 @@ class ListaPaginada {
         // go by `desempate` and their number in the same direction.
         bool estable = true;
         // Rows shown after the ordered ones until the next sort takes them
-        // in (lines just moved here from another list): a statement that
-        // gives each row's number and its cells, read a page at a time,
-        // and what the sort runs first so that the filter then holds them.
-        QString cola;
+        // in (lines just moved here from another list): those of
+        // `colaAntes`, then the rows of `tanda` (lines moved all at once)
+        // in the order `ordenarTanda` gave them, then those of
+        // `colaDespues`; and what the sort runs first so that the filter
+        // then holds them.
+        Serie colaAntes, colaDespues;
+        std::shared_ptr<const Definicion> tanda;
         std::function<void()> asentarCola;
         // Turns a cell read into what the list shows (a date into the
         // list's form), when SQL can't.
@@ -109,7 +125,7 @@ class ListaPaginada {
     // The cell without waiting: nullopt while its page is read over turns.
     std::optional<QString> textoMostrado(int fila, int columna) const;
     // A page is being read over turns.
-    bool leyendo() const { return m_leyendo >= 0; }
+    bool leyendo() const { return m_leyendo >= 0 || (m_tanda && m_tanda->leyendo()); }
     // Told the lines of each page read over turns, once it has come.
     void alLlegar(std::function<void(int primera, int ultima)> aviso) {
         m_alLlegar = std::move(aviso);
@@ -132,6 +148,10 @@ class ListaPaginada {
     // Orders by a column (-1: by the rows' numbers, the order they were
     // written in).
     void ordenar(int columna, bool descendente);
+    // The rows of `tanda` stand after the others in this order until a
+    // sort (as `ordenar` takes it), or (`hay` false) there are none; read
+    // at the next `cargar`.
+    void ordenarTanda(bool hay, int columna = -1, bool descendente = false);
     int columnaOrden() const { return m_columna; }
     bool descendente() const { return m_descendente; }
 
@@ -332,9 +352,25 @@ class ListaPaginada {
     mutable std::vector<int64_t> m_orden;
     // Read at the first page of a sort by a column of `porClave`.
     mutable std::vector<Grupo> m_grupos;
-    // The page of `cola` read last, and how many rows it has.
-    mutable Pagina m_cola;
+    // A page of one of the runs of the rows after the ordered ones.
+    struct PaginaCola {
+        const Serie* serie = nullptr;
+        int numero = -1;
+        std::vector<Fila> filas;
+    };
+    // Line `k` of those after the ordered ones.
+    const Fila* filaSerie(const Serie& serie, int k) const;
+    int contarSerie(const Serie& serie) const;
+    // The line where row `k` of a run stands.
+    int lineaDe(const Serie& serie, int k) const;
+    // The pages of the runs read last (a view between two reads both),
+    // how many rows there are after the ordered ones, and in each run.
+    mutable std::vector<PaginaCola> m_cola;
     int m_filasCola = 0;
+    int m_filasAntes = 0;
+    int m_filasTanda = 0;
+    // The rows of `tanda`, a list of their own, while they are shown.
+    std::unique_ptr<ListaPaginada> m_tanda;
     // The page read over turns (-1: none), those asked for meanwhile, the
     // stretches sorted so far, and by when this turn's share ends.
     mutable int m_leyendo = -1;

@@ -42,6 +42,13 @@ class ModeloPaginado : public ModeloListado {
     int filasCola() const { return rowCount() - filasOrdenadas(); }
     // The order of the lines before those just moved here, turned round.
     QString ordenInverso() const { return m_lista.ordenInverso(); }
+    // The lines `origen` moved here all at once follow the others in its
+    // order turned round, until a sort (null: no such lines); read at the
+    // next `cargar`.
+    void recibirTanda(const ModeloPaginado* origen) {
+        m_lista.ordenarTanda(origen != nullptr, origen ? origen->m_lista.columnaOrden() : -1,
+                             origen && !origen->m_lista.descendente());
+    }
     // Lines shown are still being read.
     bool leyendo() const { return m_lista.leyendo(); }
 

@@ -409,6 +409,54 @@ class TestListas : public QObject {
                  QStringList{u"0034600000003"_s});
     }
 
+    // Lines moved all at once follow the others in the order of the side
+    // they left turned round, down to the last of tens of thousands: as a
+    // paint shows them after a jump to the end, and as a click reads them.
+    // The second move sends the first one's lines back one by one.
+    void manyLinesMovedKeepTheirOrder_data() {
+        QTest::addColumn<int>("columna");  // the outer side's order, going down
+        QTest::newRow("by name") << 0;
+        QTest::newRow("by number") << 1;
+    }
+    void manyLinesMovedKeepTheirOrder() {
+        QFETCH(int, columna);
+        bd().exec(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 45000) "
+            u"INSERT INTO Abonados (Codigo,Alias,Canal) SELECT '0034' || (600000000 + (i * "
+            u"7919) % 45000), 'C' || (i % 5000), 0 FROM n"_s);
+        bd().exec(
+            u"INSERT INTO AboGrup (Abonado,Grupo) SELECT Codigo, 3 FROM Abonados WHERE "
+            u"rowid % 3 = 0"_s);
+        frmUserGroup m;
+        m.nCodGrupo = 3;
+        m.msCargarUsuariosParaGrupo();
+        QTRY_VERIFY(!m.ocupada());
+        m.show();
+        qobject_cast<ModeloPaginado*>(m.lstcontactos->modelo())->ordenar(columna, true);
+        QStringList fuera = textosDe(m.lstcontactos, 1);
+        QStringList dentro = textosDe(m.lstLista, 1);
+        for (const bool haciaDentro : {true, false}) {
+            Listado* destino = haciaDentro ? m.lstLista : m.lstcontactos;
+            QStringList& esperadas = haciaDentro ? dentro : fuera;
+            QStringList& idas = haciaDentro ? fuera : dentro;
+            for (auto it = idas.crbegin(); it != idas.crend(); ++it) esperadas.append(*it);
+            const int movidas = int(idas.size());
+            idas.clear();
+            (haciaDentro ? m.cmdTodos : m.cmdquitarTodos)->click();
+            QCOMPARE(textosDe(haciaDentro ? m.lstcontactos : m.lstLista, 1), idas);
+            // The last line as the paint reads it, then one halfway down
+            // as a click does, then every one.
+            const QAbstractItemModel* modelo = destino->model();
+            QCOMPARE(modelo->rowCount(), esperadas.size());
+            destino->scrollToBottom();
+            QTRY_COMPARE(modelo->data(modelo->index(int(esperadas.size()) - 1, 1)).toString(),
+                         esperadas.last());
+            const int mitad = int(esperadas.size()) - movidas / 2;
+            QCOMPARE(destino->modelo()->texto(mitad, 1), esperadas.at(mitad));
+            QCOMPARE(textosDe(destino, 1), esperadas);
+        }
+    }
+
     // Another program, which can't work out the names' order, writes and
     // renames contacts; the screen still shows them in the lists' order
     // (accents and case don't count, "ñ" after "n").
