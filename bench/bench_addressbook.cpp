@@ -153,6 +153,11 @@ int main(int argc, char** argv) {
             cifra(u"frmUserGroup, "_s + QString::fromUtf8(ida.que) + u", to the last line, "_s + n,
                   t, 50);
         }
+        // A sort takes the lines moved in among the others.
+        t.empezar();
+        Q_EMIT miembros->lstLista->header()->sectionClicked(0);
+        QCoreApplication::processEvents();
+        cifra(u"frmUserGroup header click after all in again, "_s + n, t, 50);
         miembros->cmdClose->click();
         delete miembros;
 

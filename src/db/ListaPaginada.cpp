@@ -190,7 +190,7 @@ class SinEsperar {
 }  // namespace
 
 const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
-    if (k < m_filasAntes) return filaSerie(m_def.colaAntes, k);
+    if (k < m_filasAntes) return filaSerie(m_def.colaAntes, k, m_filasAntes);
     k -= m_filasAntes;
     if (k < m_filasTanda) {
         if (!m_tanda) return nullptr;
@@ -198,10 +198,11 @@ const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
         SinEsperar comoEsta(m_tanda->m_sinEsperar, m_sinEsperar);
         return m_tanda->fila(k);
     }
-    return filaSerie(m_def.colaDespues, k - m_filasTanda);
+    return filaSerie(m_def.colaDespues, k - m_filasTanda,
+                     m_filasCola - m_filasAntes - m_filasTanda);
 }
 
-const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k) const {
+const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k, int filas) const {
     const int numero = k / kFilasPagina;
     auto it = std::find_if(m_cola.begin(), m_cola.end(), [&](const PaginaCola& p) {
         return p.serie == &serie && p.numero == numero;
@@ -210,14 +211,18 @@ const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k) c
         PaginaCola p{&serie, numero, {}};
         try {
             // The rows before the page are skipped on the run's index
-            // alone, without looking up their cells.
+            // alone, without looking up their cells, from whichever end
+            // of the run is nearer.
             const QString paso = serie.paso;
+            const int primera = numero * kFilasPagina;
+            const bool desdeElFinal = primera > filas / 2;
             const QVector<QString> celdas = Conexion().queryTexts(
                 serie.celdas + u" WHERE "_s + serie.condicion + u" AND "_s + paso +
                     u" >= (SELECT "_s + paso + u" FROM "_s + serie.tabla + u" WHERE "_s +
-                    serie.condicion + u" ORDER BY "_s + paso + u" LIMIT 1 OFFSET ?) ORDER BY "_s +
+                    serie.condicion + u" ORDER BY "_s + paso +
+                    (desdeElFinal ? u" DESC"_s : QString()) + u" LIMIT 1 OFFSET ?) ORDER BY "_s +
                     paso + u" LIMIT ?"_s,
-                {qlonglong(numero) * kFilasPagina, kFilasPagina});
+                {desdeElFinal ? filas - 1 - primera : primera, kFilasPagina});
             const qsizetype porFila = columnas() + 1;
             p.filas.resize(size_t(celdas.size() / porFila));
             for (size_t i = 0; i < p.filas.size(); ++i) {

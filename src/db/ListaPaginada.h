@@ -358,8 +358,8 @@ class ListaPaginada {
         int numero = -1;
         std::vector<Fila> filas;
     };
-    // Line `k` of those after the ordered ones.
-    const Fila* filaSerie(const Serie& serie, int k) const;
+    // Row `k` of a run of `filas` rows.
+    const Fila* filaSerie(const Serie& serie, int k, int filas) const;
     int contarSerie(const Serie& serie) const;
     // The line where row `k` of a run stands.
     int lineaDe(const Serie& serie, int k) const;
