@@ -112,55 +112,32 @@ void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
     const ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
     std::vector<int64_t> claves;
     claves.reserve(size_t(filas.size()));
-    int ordenadas = 0;
     // From the last line up, as they go to the end of the other side.
-    for (auto it = filas.crbegin(); it != filas.crend(); ++it) {
-        if (const int64_t c = origen->clave(*it); c > 0) {
-            claves.push_back(c);
-            ordenadas += *it < origen->filasOrdenadas() ? 1 : 0;
-        }
-    }
+    for (auto it = filas.crbegin(); it != filas.crend(); ++it)
+        if (const int64_t c = origen->clave(*it); c > 0) claves.push_back(c);
     if (claves.empty()) return;
-    bool movidas = true;
     try {
         msMoverMiembros(haciaDentro, claves);
     } catch (const ErrorBD&) {
         // The moves are as they were: the lists show them.
-        movidas = false;
     }
-    recargar(haciaDentro, movidas, ordenadas, int(claves.size()) - ordenadas);
+    recargar();
 }
 
 void frmUserGroup::moverTodos(bool haciaDentro) {
-    ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
-    ModeloPaginado* destino = haciaDentro ? m_dentro : m_fuera;
-    bool movidas = true;
+    const auto [columna, descendente] = (haciaDentro ? m_fuera : m_dentro)->ordenLista();
     try {
-        msMoverTodosLosMiembros(haciaDentro, origen->ordenInverso());
-        destino->recibirTanda(origen);
-        // An earlier "all moved" here went back one by one.
-        origen->recibirTanda(nullptr);
+        msMoverTodosLosMiembros(haciaDentro, columna, descendente);
     } catch (const ErrorBD&) {
-        movidas = false;
+        // The lists show the moves as they stand.
     }
-    recargar(haciaDentro, movidas, origen->filasOrdenadas(), origen->filasCola());
+    recargar();
 }
 
-void frmUserGroup::recargar(bool haciaDentro, bool movidas, int ordenadas, int deCola) {
-    ModeloPaginado* origen = haciaDentro ? m_fuera : m_dentro;
-    ModeloPaginado* destino = haciaDentro ? m_dentro : m_fuera;
-    if (!movidas) {
-        // The lines just moved are counted again, as the table holds them.
-        origen->cargar(origen->filasOrdenadas());
-        destino->cargar(destino->filasOrdenadas());
-        return;
-    }
-    // The lines moved left the origin's order or its tail and joined the
-    // end of the destination: neither side is counted again.
-    const int origenCola = origen->filasCola() - deCola;
-    const int destinoCola = destino->filasCola() + ordenadas + deCola;
-    origen->cargar(origen->filasOrdenadas() - ordenadas, origenCola);
-    destino->cargar(destino->filasOrdenadas(), destinoCola);
+void frmUserGroup::recargar() {
+    // Each side's count is its runs': nothing is counted row by row.
+    m_dentro->cargar();
+    m_fuera->cargar();
 }
 
 void frmUserGroup::Command1_Click() {

@@ -50,9 +50,8 @@ class frmUserGroup : public QDialog {
     // Moves lines of one side to the end of the other, from the last up.
     void mover(bool haciaDentro, const QList<int>& filas);
     void moverTodos(bool haciaDentro);
-    // Reads both sides after a move of `ordenadas` lines of the origin's
-    // order and `deCola` of the lines just moved there.
-    void recargar(bool haciaDentro, bool movidas, int ordenadas, int deCola);
+    // Reads both sides after a move.
+    void recargar();
 
     ModeloPaginado* m_dentro;
     ModeloPaginado* m_fuera;

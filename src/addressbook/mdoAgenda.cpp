@@ -12,6 +12,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -452,50 +453,66 @@ void msBorrarLista(int16_t grupo, std::function<void(bool borrada)> alTerminar) 
 }
 
 namespace {
-// The list edited, and each contact moved: on which side it is now and,
-// until a sort of that side takes it in, its place among the lines moved
-// (0: among the lines of the last "all moved", in their own order).
-// "All moved" writes no line: the list records the side every contact
-// not moved since is on (Todos), which of them came with it and still
-// follow the others (Masa: 2 all of them, 0 or 1 those that were out of
-// or in the list), and the last place of the lines moved before it
-// (Hasta), which show ahead of them.
+// The moves of the list edited. Every contact stands in one "leaf": the
+// members not moved one by one (1), the other contacts not moved one by
+// one (2), or the lines of one move of chosen lines (the leaf's own
+// number), in the order they were moved (Paso). Leaves hang from a
+// "root", a run of lines on one side: among the side's ordered lines, or
+// after them at a place until a sort of that side (Posicion). A run of a
+// move by choice shows by its steps, either way (Descendente); a run of an
+// "all moved" shows in the order of a column (Columna, Descendente), as
+// the side it left was sorted turned round. Moving a side whole, or a
+// sort, changes roots alone, never a line: the work is the same for ten
+// lines as for a million.
 const QString kLista = u"temp.MiembrosLista"_s;
 const QString kMovidos = u"temp.MiembrosMovidos"_s;
+const QString kHojas = u"temp.MiembrosHojas"_s;
+const QString kRaices = u"temp.MiembrosRaices"_s;
 // The contacts (their rows) in the list when the screen opened: looked up
 // by row number for every line a side walks past, where the list's own
 // table is looked up by the number's text through the contact's row.
 const QString kDentro = u"temp.MiembrosDentro"_s;
-const QString kMasa = u"temp.MiembrosMasa"_s;
-const QString kTodos = u"(SELECT Todos FROM temp.MiembrosLista)"_s;
 const QString kDesde =
     u"FROM Abonados LEFT JOIN temp.MiembrosMovidos m ON m.Fila = Abonados.rowid"_s;
 const QString kCeldas =
     u"SELECT Abonados.rowid AS Fila, coalesce(upper(Abonados.Alias), '') AS Nombre, "
     u"Abonados.Codigo AS Codigo "_s;
-
-// The contact of the row was in the list before any move.
-QString esMiembro() {
-    return u"EXISTS (SELECT 1 FROM "_s + kDentro + u" d WHERE d.Fila = Abonados.rowid)"_s;
-}
+constexpr int kHojaMiembros = 1;
+constexpr int kHojaResto = 2;
 
 QString lado(bool dentro) {
     return dentro ? u"1"_s : u"0"_s;
 }
 
-// The row is among the lines of the last "all moved" not yet sorted in.
-QString enMasa() {
-    // The list is looked up only when the mark depends on it.
-    return u"CASE WHEN m.Fila IS NOT NULL THEN m.Paso IS 0 ELSE CASE (SELECT Masa FROM "
-           u"temp.MiembrosLista) WHEN 2 THEN 1 WHEN 1 THEN "_s +
-           esMiembro() + u" WHEN 0 THEN NOT "_s + esMiembro() + u" ELSE 0 END END"_s;
+// What the leaf of the row of `fila` (with its move, `m`) tells: a column
+// of the leaves' table.
+QString deSuHoja(const QString& columna, const QString& fila = u"Abonados.rowid"_s) {
+    return u"(SELECT h."_s + columna + u" FROM "_s + kHojas +
+           u" h WHERE h.Hoja = coalesce(m.Hoja, CASE WHEN EXISTS (SELECT 1 FROM "_s + kDentro +
+           u" d WHERE d.Fila = "_s + fila + u") THEN 1 ELSE 2 END))"_s;
 }
 
-// The lines of the last "all moved", in the order they came.
-void definirMasa(const QString& orden) {
-    bd().exec(u"DROP VIEW IF EXISTS "_s + kMasa);
-    bd().exec(u"CREATE VIEW "_s + kMasa + u" AS "_s + kCeldas + kDesde + u" WHERE "_s +
-              (orden.isEmpty() ? u"0"_s : enMasa() + u" ORDER BY "_s + orden));
+// Each leaf takes the side and the place of its root.
+void seguirRaices() {
+    bd().exec(u"UPDATE "_s + kHojas +
+              u" SET Lado = r.Lado, Ordenada = CASE WHEN r.Posicion IS NULL THEN r.Lado ELSE -1 "
+              u"END FROM "_s +
+              kRaices + u" r WHERE r.Raiz = MiembrosHojas.Raiz"_s);
+}
+
+// The next place after the lines of `dentro`'s side.
+QString siguientePosicion(bool dentro) {
+    return u"(SELECT coalesce(max(Posicion), 0) + 1 FROM "_s + kRaices + u" WHERE Lado = "_s +
+           lado(dentro) + u')';
+}
+
+// A root new on `dentro`'s side after its lines; its number.
+qlonglong nuevaRaiz(bool dentro, const QVariant& hoja, int columna, bool descendente) {
+    bd().exec(u"INSERT INTO "_s + kRaices +
+                  u" (Lado, Posicion, Columna, Descendente, Hoja) VALUES (?, "_s +
+                  siguientePosicion(dentro) + u", ?, ?, ?)"_s,
+              {dentro ? 1 : 0, columna, descendente ? 1 : 0, hoja});
+    return numeroDe(bd().query(u"SELECT max(Raiz) FROM "_s + kRaices).value(0, 0));
 }
 }  // namespace
 
@@ -510,16 +527,27 @@ void msPrepararMiembrosLista(int16_t grupo,
             // Names written by another program since are put in order first.
             Esquema::completarClavesNombre(bd());
             bd().exec(u"CREATE TABLE "_s + kLista +
-                      u" (Grupo INTEGER, Todos INTEGER, Masa INTEGER, Hasta INTEGER, Ajenos "
-                      u"INTEGER)"_s);
+                      u" (Grupo INTEGER, Ajenos INTEGER, Pasos INTEGER)"_s);
             bd().exec(u"CREATE TABLE "_s + kMovidos +
-                      u" (Fila INTEGER PRIMARY KEY, Dentro INTEGER, Paso INTEGER)"_s);
-            // The lines moved one by one are read, and stored, in the order
-            // they were moved.
-            bd().exec(u"CREATE INDEX temp.MiembrosMovidosPaso ON MiembrosMovidos (Paso, Dentro)"_s);
+                      u" (Fila INTEGER PRIMARY KEY, Hoja INTEGER, Paso INTEGER)"_s);
+            // A leaf's lines are read in the order they were moved, and
+            // stored so.
+            bd().exec(u"CREATE INDEX temp.MiembrosMovidosHoja ON MiembrosMovidos (Hoja, Paso)"_s);
+            bd().exec(u"CREATE INDEX temp.MiembrosMovidosPaso ON MiembrosMovidos (Paso)"_s);
+            bd().exec(u"CREATE TABLE "_s + kHojas +
+                      u" (Hoja INTEGER PRIMARY KEY, Raiz INTEGER, Filas INTEGER, Lado INTEGER, "
+                      u"Ordenada INTEGER)"_s);
+            bd().exec(u"CREATE TABLE "_s + kRaices +
+                      u" (Raiz INTEGER PRIMARY KEY, Lado INTEGER, Posicion INTEGER, Columna "
+                      u"INTEGER, Descendente INTEGER, Hoja INTEGER)"_s);
             bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
-            bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Hasta) VALUES (?, 0)"_s, {grupo});
-            definirMasa({});
+            bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Pasos) VALUES (?, 0)"_s, {grupo});
+            bd().exec(u"INSERT INTO "_s + kRaices +
+                      u" (Raiz, Lado, Posicion, Columna, Descendente) VALUES (1, 1, NULL, -1, 0), "
+                      u"(2, 0, NULL, -1, 0)"_s);
+            bd().exec(u"INSERT INTO "_s + kHojas +
+                      u" (Hoja, Raiz, Filas, Lado, Ordenada) VALUES (1, 1, 0, 1, 1), (2, 2, 0, 0, "
+                      u"0)"_s);
             return false;
         },
         // The members that are contacts, each once, a stretch of numbers
@@ -539,6 +567,10 @@ void msPrepararMiembrosLista(int16_t grupo,
             const long long todos =
                 numeroDe(bd().query(u"SELECT count(*) FROM Abonados"_s).value(0, 0));
             *filas = {*dentro, int(todos - *dentro)};
+            bd().exec(u"UPDATE "_s + kHojas + u" SET Filas = ? WHERE Hoja = ?"_s,
+                      {filas->first, kHojaMiembros});
+            bd().exec(u"UPDATE "_s + kHojas + u" SET Filas = ? WHERE Hoja = ?"_s,
+                      {filas->second, kHojaResto});
             return false;
         }};
     porTurnos(bd(), std::move(pasos),
@@ -554,55 +586,61 @@ void msPrepararMiembrosLista(int16_t grupo,
 ListaPaginada::Definicion definicionMiembros(bool dentro) {
     ListaPaginada::Definicion d;
     d.desde = kDesde;
-    // On this side now, and not among the lines just moved here, which
-    // come after the others until a sort.
-    d.filtro = u"coalesce(m.Dentro, "_s + kTodos + u", "_s + esMiembro() + u") = "_s +
-               lado(dentro) + u" AND m.Paso IS NULL AND NOT ("_s + enMasa() + u")"_s;
     d.clave = u"Abonados.rowid"_s;
     d.mayor = u"SELECT max(rowid) FROM Abonados"_s;
     d.columnas = {{u"upper(Abonados.Alias)"_s, u"Abonados.ClaveNombre"_s},
                   {u"Abonados.Codigo"_s, {}}};
-    // Names alike go by their rows both ways, so the index serves both.
+    // Names alike go by their rows both ways, so the index serves both,
+    // and a side's order turned round is its lines from the last up.
     d.estable = false;
-    // Lines moved one by one before the last "all moved", its lines, then
-    // those moved after it.
+    // The lines of a run of "all moved": a list of their own.
+    auto deRaiz = [d](qlonglong raiz) {
+        auto lista = std::make_shared<ListaPaginada::Definicion>(d);
+        lista->filtro = deSuHoja(u"Raiz"_s) + u" = "_s + QString::number(raiz);
+        return lista;
+    };
+    // On this side now, among its ordered lines; their count is the
+    // leaves'.
+    d.filtro = deSuHoja(u"Ordenada"_s) + u" = "_s + lado(dentro);
+    d.cuenta =
+        u"SELECT coalesce(sum(Filas), 0) FROM "_s + kHojas + u" WHERE Ordenada = "_s + lado(dentro);
     const QString celdas =
         kCeldas + u"FROM "_s + kMovidos + u" m INNER JOIN Abonados ON Abonados.rowid = m.Fila"_s;
-    const QString uno = u"m.Dentro = "_s + lado(dentro) + u" AND m.Paso "_s;
-    const QString hasta = u"(SELECT Hasta FROM temp.MiembrosLista)"_s;
-    d.colaAntes = {celdas, kMovidos + u" m"_s, uno + u"> 0 AND m.Paso <= "_s + hasta, u"m.Paso"_s};
-    d.colaDespues = {celdas, kMovidos + u" m"_s, uno + u"> "_s + hasta, u"m.Paso"_s};
-    auto tanda = std::make_shared<ListaPaginada::Definicion>(d);
-    tanda->filtro = kTodos + u" = "_s + lado(dentro) + u" AND ("_s + enMasa() + u")"_s;
-    tanda->colaAntes = tanda->colaDespues = {};
-    d.tanda = tanda;
+    d.cola = [dentro, celdas, deRaiz] {
+        QVector<ListaPaginada::TramoCola> tramos;
+        const ResultadoConsulta r = bd().query(
+            u"SELECT r.Raiz, r.Hoja, r.Columna, r.Descendente, (SELECT coalesce(sum(h.Filas), "
+            u"0) FROM "_s +
+                kHojas + u" h WHERE h.Raiz = r.Raiz) FROM "_s + kRaices +
+                u" r WHERE r.Lado = ? AND r.Posicion IS NOT NULL ORDER BY r.Posicion"_s,
+            {dentro ? 1 : 0});
+        for (int f = 0; f < r.recordCount(); ++f) {
+            ListaPaginada::TramoCola t;
+            t.filas = int(numeroDe(r.value(f, 4)));
+            t.descendente = numeroDe(r.value(f, 3)) != 0;
+            if (r.value(f, 1).isNull()) {
+                t.lista = deRaiz(numeroDe(r.value(f, 0)));
+                t.columna = int(numeroDe(r.value(f, 2)));
+            } else {
+                t.serie = {celdas, kMovidos + u" m"_s,
+                           u"m.Hoja = "_s + QString::number(numeroDe(r.value(f, 1))), u"m.Paso"_s,
+                           t.descendente};
+            }
+            tramos.append(std::move(t));
+        }
+        return tramos;
+    };
     d.asentarCola = [dentro] {
         try {
-            bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = NULL WHERE Dentro = "_s +
-                      lado(dentro));
-            bd().exec(u"UPDATE "_s + kLista + u" SET Masa = NULL WHERE Todos = "_s + lado(dentro));
+            bd().exec(u"UPDATE "_s + kRaices + u" SET Posicion = NULL WHERE Lado = ?"_s,
+                      {dentro ? 1 : 0});
+            seguirRaices();
         } catch (const ErrorBD& e) {
             msLog(u"No se pudo ordenar la Lista: "_s + e.description());
         }
     };
     return d;
 }
-
-namespace {
-// Records the contacts of `codigos` (a statement giving each one's number
-// and its place among them) as moved to one side, after every earlier move
-// and after the lines of the last "all moved", even once a sort took the
-// earlier ones in.
-void registrarMovidos(bool haciaDentro, const QString& codigos, const QVariantList& params) {
-    bd().exec(u"INSERT INTO "_s + kMovidos +
-                  u" (Fila, Dentro, Paso) SELECT c.Fila, ?, c.n + (SELECT max(coalesce(max(Paso), "
-                  u"0), (SELECT Hasta FROM temp.MiembrosLista)) FROM "_s +
-                  kMovidos + u") FROM ("_s + codigos +
-                  u") c WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
-                  u"Paso = excluded.Paso"_s,
-              QVariantList{haciaDentro ? 1 : 0} + params);
-}
-}  // namespace
 
 void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
     if (claves.empty()) return;
@@ -612,51 +650,66 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
         lista += QString::number(claves[k]);
     }
     lista += u']';
-    registrarMovidos(
-        haciaDentro,
-        u"SELECT a.rowid AS Fila, j.key + 1 AS n FROM json_each(?) j INNER JOIN Abonados a "
-        u"ON a.rowid = j.value"_s,
-        {lista});
-}
-
-void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
-    const QString sp = u"todos"_s;
-    const QString hacia = lado(haciaDentro);
-    const QString desde = lado(!haciaDentro);
+    const QString sp = u"mover"_s;
     bd().savepoint(sp);
     try {
-        const ResultadoConsulta estado = bd().query(u"SELECT Todos, Masa FROM "_s + kLista);
-        const QVariant todos = estado.value(0, 0);
-        if (!estado.value(0, 1).isNull()) {
-            // The lines of an earlier "all moved" still follow the others:
-            // they are written one by one, in their place, first.
-            bd().exec(u"UPDATE "_s + kMovidos + u" SET Paso = Paso + (SELECT count(*) FROM "_s +
-                      kMasa + u") WHERE Paso > (SELECT Hasta FROM "_s + kLista + u")"_s);
-            bd().exec(
-                u"INSERT INTO "_s + kMovidos +
-                    u" (Fila, Dentro, Paso) SELECT v.Fila, ?, (SELECT Hasta FROM "_s + kLista +
-                    u") + row_number() OVER () FROM (SELECT * FROM "_s + kMasa +
-                    u") v WHERE true ON CONFLICT (Fila) DO UPDATE SET Dentro = excluded.Dentro, "
-                    u"Paso = excluded.Paso"_s,
-                {todos});
-            bd().exec(u"UPDATE "_s + kLista + u" SET Masa = NULL"_s);
-        }
-        // The lines just moved to the side that goes, from the last up,
-        // show ahead of the rest of it.
-        registrarMovidos(haciaDentro,
-                         u"SELECT Fila, row_number() OVER (ORDER BY Paso DESC) AS n FROM "_s +
-                             kMovidos + u" WHERE Dentro = "_s + desde + u" AND Paso > 0"_s,
-                         {});
-        // The side's other lines moved once come with those never moved.
-        bd().exec(u"UPDATE "_s + kMovidos + u" SET Dentro = "_s + hacia +
-                  u", Paso = 0 WHERE Dentro = "_s + desde);
-        const QString masa = todos.isNull()                           ? desde
-                             : todos.toInt() == (haciaDentro ? 1 : 0) ? QString()
-                                                                      : u"2"_s;
-        bd().exec(u"UPDATE "_s + kLista + u" SET Todos = "_s + hacia + u", Masa = "_s +
-                  (masa.isEmpty() ? u"NULL"_s : masa) +
-                  u", Hasta = (SELECT coalesce(max(Paso), 0) FROM "_s + kMovidos + u")"_s);
-        definirMasa(ordenInverso);
+        // The leaves they leave are that much smaller.
+        bd().exec(
+            u"UPDATE "_s + kHojas + u" SET Filas = Filas - x.n FROM (SELECT "_s +
+                deSuHoja(u"Hoja"_s) +
+                u" AS h, count(*) AS n FROM json_each(?) j INNER JOIN Abonados ON "
+                u"Abonados.rowid = j.value LEFT JOIN "_s +
+                kMovidos +
+                u" m ON m.Fila = Abonados.rowid GROUP BY 1) x WHERE MiembrosHojas.Hoja = x.h"_s,
+            {lista});
+        // A leaf of their own at the end of the other side, in the order
+        // given, after every step before.
+        const qlonglong hoja = nuevaRaiz(haciaDentro, {}, -1, false);
+        bd().exec(u"UPDATE "_s + kRaices + u" SET Hoja = Raiz WHERE Raiz = ?"_s, {hoja});
+        const int movidas = bd().exec(
+            u"INSERT INTO "_s + kMovidos +
+                u" (Fila, Hoja, Paso) SELECT a.rowid, ?, j.key + 1 + (SELECT Pasos FROM "_s +
+                kLista +
+                u") FROM json_each(?) j INNER JOIN Abonados a ON a.rowid = j.value WHERE "
+                u"true ON CONFLICT (Fila) DO UPDATE SET Hoja = excluded.Hoja, Paso = "
+                u"excluded.Paso"_s,
+            {hoja, lista});
+        bd().exec(u"UPDATE "_s + kLista + u" SET Pasos = Pasos + ?"_s, {qlonglong(claves.size())});
+        bd().exec(u"INSERT INTO "_s + kHojas +
+                      u" (Hoja, Raiz, Filas, Lado, Ordenada) VALUES (?, ?, ?, ?, -1)"_s,
+                  {hoja, hoja, movidas, haciaDentro ? 1 : 0});
+        bd().release(sp);
+    } catch (const ErrorBD&) {
+        deshacer(sp);
+        throw;
+    }
+}
+
+void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente) {
+    const QString sp = u"todos"_s;
+    const QVariant hacia = haciaDentro ? 1 : 0;
+    const QVariant desde = haciaDentro ? 0 : 1;
+    bd().savepoint(sp);
+    try {
+        // The side's lines after its ordered ones follow the other side's,
+        // from the last run up, each turned round.
+        const ResultadoConsulta posiciones =
+            bd().query(u"SELECT (SELECT coalesce(max(Posicion), 0) FROM "_s + kRaices +
+                           u" WHERE Lado = ?), (SELECT coalesce(max(Posicion), 0) FROM "_s +
+                           kRaices + u" WHERE Lado = ?)"_s,
+                       {hacia, desde});
+        const qlonglong base = numeroDe(posiciones.value(0, 0));
+        const qlonglong ultima = numeroDe(posiciones.value(0, 1));
+        bd().exec(u"UPDATE "_s + kRaices +
+                      u" SET Lado = ?, Posicion = ? + ? + 1 - Posicion, Descendente = NOT "
+                      u"Descendente WHERE Lado = ? AND Posicion IS NOT NULL"_s,
+                  {hacia, base, ultima, desde});
+        // Then its ordered lines, from the last up: one run whatever their
+        // leaves.
+        const qlonglong raiz = nuevaRaiz(haciaDentro, {}, columna, !descendente);
+        bd().exec(u"UPDATE "_s + kHojas + u" SET Raiz = ? WHERE Ordenada = ?"_s, {raiz, desde});
+        bd().exec(u"DELETE FROM "_s + kRaices + u" WHERE Lado = ? AND Posicion IS NULL"_s, {desde});
+        seguirRaices();
         bd().release(sp);
     } catch (const ErrorBD&) {
         deshacer(sp);
@@ -666,12 +719,14 @@ void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso) {
 
 void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> alTerminar) {
     using namespace EscrituraPorTurnos;
-    QVariant todos;
     long long ajenos = 0;
+    std::array<QVariant, 2> quietos;  // where the members, and the others, not moved one by one are
     try {
-        const ResultadoConsulta lista = bd().query(u"SELECT Todos, Ajenos FROM "_s + kLista);
-        todos = lista.value(0, 0);
-        ajenos = numeroDe(lista.value(0, 1));
+        ajenos = numeroDe(bd().query(u"SELECT Ajenos FROM "_s + kLista).value(0, 0));
+        const ResultadoConsulta hojas =
+            bd().query(u"SELECT Hoja, Lado FROM "_s + kHojas + u" WHERE Hoja IN (1, 2)"_s);
+        for (int f = 0; f < hojas.recordCount(); ++f)
+            quietos.at(size_t(numeroDe(hojas.value(f, 0)) - 1)) = hojas.value(f, 1);
     } catch (const ErrorBD&) {
         alTerminar(false);
         return;
@@ -679,8 +734,9 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
     // Only what moved is written, a range of rows at a time, each row
     // looked up in an index: a list of half a million members is stored
     // over several turns in one transaction.
-    const QString movidos =
-        u"FROM "_s + kMovidos + u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE m.Dentro = "_s;
+    const QString movidos = u"FROM "_s + kMovidos +
+                            u" m INNER JOIN Abonados a ON a.rowid = m.Fila WHERE "_s +
+                            deSuHoja(u"Lado"_s, u"a.rowid"_s) + u" = "_s;
     const QString noEsMiembro =
         u" AND NOT EXISTS (SELECT 1 FROM AboGrup g WHERE g.Grupo = ? AND g.Abonado = a.Codigo)"_s;
     std::vector<Paso> pasos{
@@ -699,33 +755,27 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
     // A row refused undoes the whole write, as the failure would anyway
     // (OR ROLLBACK): the engine then keeps no copy of each page a stretch
     // touches to undo that stretch alone.
-    // Those moved in join in the order they were moved: first the lines a
-    // sort took in, then those of the last "all moved", then one by one.
-    const QString entran =
+    // Those moved in one by one join in the order they were moved, then
+    // the others by number.
+    pasos.push_back(porTramos(
+        bd(),
         u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT a.Codigo, ? "_s + movidos +
-        u"1"_s + noEsMiembro;
-    pasos.push_back(porTramos(bd(), entran + u" AND m.Paso IS NULL AND m.Fila BETWEEN ? AND ?"_s,
-                              {grupo, grupo}, {kMovidos, u"Fila"_s}));
-    pasos.push_back(porTramos(bd(), entran + u" AND m.Paso = 0 AND m.Fila BETWEEN ? AND ?"_s,
-                              {grupo, grupo}, {kMovidos, u"Fila"_s}));
-    pasos.push_back(
-        porTramos(bd(), entran + u" AND m.Paso > 0 AND m.Paso BETWEEN ? AND ? ORDER BY m.Paso"_s,
-                  {grupo, grupo}, {kMovidos, u"Paso"_s, u"Paso > 0"_s}));
-    // The contacts not moved since the last "all moved" are on its side.
-    const QString quietos =
+            u"1"_s + noEsMiembro + u" AND m.Paso BETWEEN ? AND ? ORDER BY m.Paso"_s,
+        {grupo, grupo}, {kMovidos, u"Paso"_s}));
+    const QString sinMover =
         u" NOT EXISTS (SELECT 1 FROM "_s + kMovidos + u" m WHERE m.Fila = a.rowid)"_s;
-    if (!todos.isNull() && numeroDe(todos) == 0)
+    if (!quietos[0].isNull() && numeroDe(quietos[0]) == 0)
         pasos.push_back(porTramos(
             bd(),
             u"DELETE FROM AboGrup WHERE rowid IN (SELECT g.rowid FROM Abonados a INNER JOIN "
             u"AboGrup g ON g.Grupo = ? AND g.Abonado = a.Codigo WHERE"_s +
-                quietos + u" AND a.Codigo BETWEEN ? AND ?)"_s,
+                sinMover + u" AND a.Codigo BETWEEN ? AND ?)"_s,
             {grupo}, {u"Abonados"_s, u"Codigo"_s}));
-    if (!todos.isNull() && numeroDe(todos) == 1)
+    if (!quietos[1].isNull() && numeroDe(quietos[1]) == 1)
         pasos.push_back(porTramos(bd(),
                                   u"INSERT OR ROLLBACK INTO AboGrup (Abonado, Grupo) SELECT "
                                   u"a.Codigo, ? FROM Abonados a WHERE"_s +
-                                      quietos + noEsMiembro + u" AND a.Codigo BETWEEN ? AND ?"_s,
+                                      sinMover + noEsMiembro + u" AND a.Codigo BETWEEN ? AND ?"_s,
                                   {grupo, grupo}, {u"Abonados"_s, u"Codigo"_s}));
     escribir(bd(), std::move(pasos), [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
         if (!fallo) msSoltarMiembrosLista();
@@ -735,8 +785,7 @@ void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> al
 
 void msSoltarMiembrosLista() {
     try {
-        bd().exec(u"DROP VIEW IF EXISTS "_s + kMasa);
-        for (const QString& t : {kLista, kMovidos, kDentro})
+        for (const QString& t : {kLista, kMovidos, kHojas, kRaices, kDentro})
             bd().exec(u"DROP TABLE IF EXISTS "_s + t);
     } catch (const ErrorBD& e) {
         msLog(u"No se pudieron soltar los cambios de la Lista: "_s + e.description());

@@ -122,7 +122,7 @@ void msBorrarLista(int16_t grupo, std::function<void(bool borrada)> alTerminar);
 // tables of the one connection, not in the list: each side reads the
 // contacts with the moves applied, a page at a time in the order of the
 // names' index, so opening costs the lines in view, a move the lines
-// moved, and moving a whole side writes no line. Lines moved show after
+// moved, and moving a whole side, or sorting it, writes no line. Lines moved show after
 // the others, in the order they came, until a sort of their side.
 //
 // Starts the moves of `grupo` afresh and counts its sides (inside,
@@ -137,9 +137,9 @@ ListaPaginada::Definicion definicionMiembros(bool dentro);
 // in the order given. Throws ErrorBD.
 void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);
 // Moves a whole side to the end of the other, from its last line up: its
-// lines just moved there, then the others in `ordenInverso` (the side's
-// order turned round, ListaPaginada::ordenInverso). Throws ErrorBD.
-void msMoverTodosLosMiembros(bool haciaDentro, const QString& ordenInverso);
+// lines just moved there, then the others in its order (`columna`, -1 the
+// rows' numbers, and `descendente`) turned round. Throws ErrorBD.
+void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente);
 // Writes the moves into the list's memberships in one transaction over as
 // many turns of the event loop as it takes (the memberships of numbers
 // that are no contact go too), then drops them. `alTerminar` is told

@@ -120,8 +120,8 @@ void ListaPaginada::vaciarPaginas() {
 void ListaPaginada::limpiar() {
     vaciarPaginas();
     m_cola.clear();
-    m_filasCola = m_filasAntes = m_filasTanda = 0;
-    if (m_tanda) m_tanda->limpiar();
+    m_corridas.clear();
+    m_filasCola = 0;
     m_filas = 0;
     m_tope = 0;
 }
@@ -132,7 +132,7 @@ int ListaPaginada::contar() const {
     return int(Conexion().query(sql).value(0, 0).toLongLong());
 }
 
-void ListaPaginada::cargar(int filas, int filasCola) {
+void ListaPaginada::cargar(int filas) {
     limpiar();
     // The count from the smallest index, the highest number from the
     // table's own key: neither walks the rows.
@@ -141,35 +141,29 @@ void ListaPaginada::cargar(int filas, int filasCola) {
                               ? u"SELECT max("_s + m_def.clave + u") "_s + desdeDonde()
                               : m_def.mayor;
     m_tope = Conexion().query(mayor).value(0, 0).toLongLong();
-    // Each run is counted on its index; the rows moved all at once are
-    // those of the count given that the runs don't hold.
-    m_filasAntes = contarSerie(m_def.colaAntes);
-    const int despues = contarSerie(m_def.colaDespues);
-    if (m_tanda) {
-        m_filasTanda =
-            filasCola >= 0 ? std::max(0, filasCola - m_filasAntes - despues) : m_tanda->contar();
-        m_tanda->cargar(m_filasTanda);
+    if (!m_def.cola) return;
+    for (TramoCola& t : m_def.cola()) {
+        if (t.filas <= 0) continue;
+        Corrida c{std::move(t), m_filasCola, nullptr};
+        m_filasCola += c.def.filas;
+        if (c.def.lista) {
+            // A list of its own, told where its lines stand among these.
+            c.lista = std::make_unique<ListaPaginada>(*c.def.lista);
+            c.lista->ordenar(c.def.columna, c.def.descendente);
+            c.lista->cargar(c.def.filas);
+            c.lista->alLlegar([this, inicio = c.inicio](int primera, int ultima) {
+                if (m_alLlegar) m_alLlegar(m_filas + inicio + primera, m_filas + inicio + ultima);
+            });
+        }
+        m_corridas.push_back(std::move(c));
     }
-    m_filasCola = m_filasAntes + m_filasTanda + despues;
 }
 
-int ListaPaginada::contarSerie(const Serie& serie) const {
-    if (serie.tabla.isEmpty()) return 0;
-    return int(Conexion()
-                   .query(u"SELECT count(*) FROM "_s + serie.tabla + u" WHERE "_s + serie.condicion)
-                   .value(0, 0)
-                   .toLongLong());
-}
-
-void ListaPaginada::ordenarTanda(bool hay, int columna, bool descendente) {
-    m_tanda.reset();
-    if (!hay || !m_def.tanda) return;
-    m_tanda = std::make_unique<ListaPaginada>(*m_def.tanda);
-    m_tanda->ordenar(columna, descendente);
-    m_tanda->alLlegar([this](int primera, int ultima) {
-        const int base = m_filas + m_filasAntes;
-        if (m_alLlegar) m_alLlegar(base + primera, base + ultima);
-    });
+bool ListaPaginada::leyendo() const {
+    if (m_leyendo >= 0) return true;
+    for (const Corrida& c : m_corridas)
+        if (c.lista && c.lista->leyendo()) return true;
+    return false;
 }
 
 namespace {
@@ -189,39 +183,47 @@ class SinEsperar {
 };
 }  // namespace
 
-const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
-    if (k < m_filasAntes) return filaSerie(m_def.colaAntes, k, m_filasAntes);
-    k -= m_filasAntes;
-    if (k < m_filasTanda) {
-        if (!m_tanda) return nullptr;
-        // A paint's read of them doesn't wait either.
-        SinEsperar comoEsta(m_tanda->m_sinEsperar, m_sinEsperar);
-        return m_tanda->fila(k);
-    }
-    return filaSerie(m_def.colaDespues, k - m_filasTanda,
-                     m_filasCola - m_filasAntes - m_filasTanda);
+size_t ListaPaginada::corridaDe(int k) const {
+    // A handful of runs: the first that ends after the row.
+    size_t c = 0;
+    while (c + 1 < m_corridas.size() && m_corridas[c + 1].inicio <= k) ++c;
+    return c;
 }
 
-const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k, int filas) const {
+const ListaPaginada::Fila* ListaPaginada::filaCola(int k) const {
+    if (k < 0 || k >= m_filasCola || m_corridas.empty()) return nullptr;
+    const size_t c = corridaDe(k);
+    const Corrida& corrida = m_corridas[c];
+    if (!corrida.lista) return filaSerie(c, k - corrida.inicio);
+    // A paint's read of them doesn't wait either.
+    SinEsperar comoEsta(corrida.lista->m_sinEsperar, m_sinEsperar);
+    return corrida.lista->fila(k - corrida.inicio);
+}
+
+const ListaPaginada::Fila* ListaPaginada::filaSerie(size_t c, int k) const {
     const int numero = k / kFilasPagina;
     auto it = std::find_if(m_cola.begin(), m_cola.end(), [&](const PaginaCola& p) {
-        return p.serie == &serie && p.numero == numero;
+        return p.corrida == c && p.numero == numero;
     });
     if (it == m_cola.end()) {
-        PaginaCola p{&serie, numero, {}};
+        PaginaCola p{c, numero, {}};
         try {
             // The rows before the page are skipped on the run's index
             // alone, without looking up their cells, from whichever end
             // of the run is nearer.
+            const Serie& serie = m_corridas[c].def.serie;
+            const int filas = m_corridas[c].def.filas;
             const QString paso = serie.paso;
             const int primera = numero * kFilasPagina;
             const bool desdeElFinal = primera > filas / 2;
+            const bool bajando = serie.descendente != desdeElFinal;
+            const QString sentido = serie.descendente ? u" DESC"_s : QString();
             const QVector<QString> celdas = Conexion().queryTexts(
                 serie.celdas + u" WHERE "_s + serie.condicion + u" AND "_s + paso +
-                    u" >= (SELECT "_s + paso + u" FROM "_s + serie.tabla + u" WHERE "_s +
-                    serie.condicion + u" ORDER BY "_s + paso +
-                    (desdeElFinal ? u" DESC"_s : QString()) + u" LIMIT 1 OFFSET ?) ORDER BY "_s +
-                    paso + u" LIMIT ?"_s,
+                    (serie.descendente ? u" <= "_s : u" >= "_s) + u"(SELECT "_s + paso +
+                    u" FROM "_s + serie.tabla + u" WHERE "_s + serie.condicion + u" ORDER BY "_s +
+                    paso + (bajando ? u" DESC"_s : QString()) + u" LIMIT 1 OFFSET ?) ORDER BY "_s +
+                    paso + sentido + u" LIMIT ?"_s,
                 {desdeElFinal ? filas - 1 - primera : primera, kFilasPagina});
             const qsizetype porFila = columnas() + 1;
             p.filas.resize(size_t(celdas.size() / porFila));
@@ -239,19 +241,15 @@ const ListaPaginada::Fila* ListaPaginada::filaSerie(const Serie& serie, int k, i
     return i < it->filas.size() ? &it->filas[i] : nullptr;
 }
 
-int ListaPaginada::lineaDe(const Serie& serie, int k) const {
-    return m_filas + k + (&serie == &m_def.colaAntes ? 0 : m_filasAntes + m_filasTanda);
-}
-
 void ListaPaginada::ordenar(int columna, bool descendente) {
     vaciarPaginas();
     if (m_filasCola > 0) {
         if (m_def.asentarCola) m_def.asentarCola();
         m_filas += m_filasCola;
-        m_filasCola = m_filasAntes = m_filasTanda = 0;
+        m_filasCola = 0;
         m_cola.clear();
+        m_corridas.clear();
     }
-    m_tanda.reset();
     columna = columna >= 0 && columna < columnas() ? columna : -1;
     if (columna != m_columna) {
         m_anterior = m_columna;
@@ -1152,10 +1150,11 @@ std::optional<QString> ListaPaginada::textoMostrado(int n, int columna) const {
     const Fila* f = fila(n);
     if (!f && n >= 0 && n < m_filas && m_leyendo >= 0 && !pagina(n / kFilasPagina))
         return std::nullopt;
-    if (const int k = n - m_filas - m_filasAntes; !f && k >= 0 && k < m_filasTanda && m_tanda &&
-                                                  m_tanda->leyendo() &&
-                                                  !m_tanda->pagina(k / kFilasPagina))
-        return std::nullopt;
+    if (const int k = n - m_filas; !f && k >= 0 && k < m_filasCola) {
+        const Corrida& c = m_corridas[corridaDe(k)];
+        if (c.lista && c.lista->leyendo() && !c.lista->pagina((k - c.inicio) / kFilasPagina))
+            return std::nullopt;
+    }
     if (!f || columna < 0 || columna >= f->celdas.size()) return QString();
     const QString& celda = f->celdas.at(columna);
     return m_def.mostrar ? m_def.mostrar(columna, celda) : celda;
@@ -1173,23 +1172,18 @@ int64_t ListaPaginada::clave(int n) const {
     return f ? f->clave : 0;
 }
 
-QString ListaPaginada::ordenInverso() const {
-    QStringList orden;
-    for (const Termino& t : terminos()) orden.append(t.sql + (t.descendente ? u""_s : u" DESC"_s));
-    return orden.join(u", "_s);
-}
-
 int ListaPaginada::filaDe(int64_t clave, int cerca) const {
     // The rows after the ordered ones are looked for where they were read.
     for (const PaginaCola& p : m_cola)
         for (size_t k = 0; k < p.filas.size(); ++k)
             if (p.filas[k].clave == clave)
-                return lineaDe(*p.serie, p.numero * kFilasPagina + int(k));
-    if (m_tanda)
-        for (const Pagina& p : m_tanda->m_paginas)
-            for (size_t k = 0; k < p.filas.size(); ++k)
-                if (p.filas[k].clave == clave)
-                    return m_filas + m_filasAntes + p.numero * kFilasPagina + int(k);
+                return m_filas + m_corridas[p.corrida].inicio + p.numero * kFilasPagina + int(k);
+    for (const Corrida& c : m_corridas)
+        if (c.lista)
+            for (const Pagina& p : c.lista->m_paginas)
+                for (size_t k = 0; k < p.filas.size(); ++k)
+                    if (p.filas[k].clave == clave)
+                        return m_filas + c.inicio + p.numero * kFilasPagina + int(k);
     if (clave <= 0 || clave > m_tope) return -1;
     // The page where it stood, and the one before (rows that went before
     // it move it up), are read anyway to paint it.

@@ -58,12 +58,24 @@ class ListaPaginada {
         // the cells, no WHERE.
         QString celdas;
         // The run's own table (its alias after it), which of its rows are
-        // the run's, and the column that orders them: unique among them,
-        // and first in an index that also holds what `condicion` tests, so
-        // that a far page is reached on that index alone.
+        // the run's, and the column that orders them (`descendente`: turned
+        // round): unique among them, and after what `condicion` fixes in
+        // an index, so that a far page is reached on that index alone.
         QString tabla;
         QString condicion;
         QString paso;
+        bool descendente = false;
+    };
+    struct Definicion;
+    // One run of the rows shown after the ordered ones: `filas` rows of
+    // `serie`, or of a list of their own (`lista`) in the order of
+    // `columna` (as `ordenar` takes it).
+    struct TramoCola {
+        int filas = 0;
+        Serie serie;
+        std::shared_ptr<const Definicion> lista;
+        int columna = -1;
+        bool descendente = false;
     };
     struct Definicion {
         // "FROM ..." with its joins, no WHERE and no ORDER BY.
@@ -91,13 +103,10 @@ class ListaPaginada {
         // go by `desempate` and their number in the same direction.
         bool estable = true;
         // Rows shown after the ordered ones until the next sort takes them
-        // in (lines just moved here from another list): those of
-        // `colaAntes`, then the rows of `tanda` (lines moved all at once)
-        // in the order `ordenarTanda` gave them, then those of
-        // `colaDespues`; and what the sort runs first so that the filter
-        // then holds them.
-        Serie colaAntes, colaDespues;
-        std::shared_ptr<const Definicion> tanda;
+        // in (lines just moved here from another list), run after run, as
+        // they stand at each `cargar` (throws ErrorBD); and what the sort
+        // runs first so that the filter then holds them.
+        std::function<QVector<TramoCola>()> cola;
         std::function<void()> asentarCola;
         // Turns a cell read into what the list shows (a date into the
         // list's form), when SQL can't.
@@ -108,9 +117,9 @@ class ListaPaginada {
     ListaPaginada(const ListaPaginada&) = delete;
     ListaPaginada& operator=(const ListaPaginada&) = delete;
 
-    // Counts the rows (unless `filas`, and `filasCola` of `cola`, are
-    // known) and starts over in the order chosen; throws ErrorBD.
-    void cargar(int filas = -1, int filasCola = -1);
+    // Counts the rows (unless `filas` is known) and starts over in the
+    // order chosen; throws ErrorBD.
+    void cargar(int filas = -1);
     // The rows there are now, without reading them; throws ErrorBD.
     int contar() const;
     void limpiar();
@@ -125,7 +134,7 @@ class ListaPaginada {
     // The cell without waiting: nullopt while its page is read over turns.
     std::optional<QString> textoMostrado(int fila, int columna) const;
     // A page is being read over turns.
-    bool leyendo() const { return m_leyendo >= 0 || (m_tanda && m_tanda->leyendo()); }
+    bool leyendo() const;
     // Told the lines of each page read over turns, once it has come.
     void alLlegar(std::function<void(int primera, int ultima)> aviso) {
         m_alLlegar = std::move(aviso);
@@ -141,17 +150,9 @@ class ListaPaginada {
     // read over turns.
     std::optional<int> filaDeSinEsperar(int64_t clave, int cerca) const;
 
-    // The order of the rows (before `cola`) turned round, as the terms of
-    // an ORDER BY over `desde`.
-    QString ordenInverso() const;
-
     // Orders by a column (-1: by the rows' numbers, the order they were
     // written in).
     void ordenar(int columna, bool descendente);
-    // The rows of `tanda` stand after the others in this order until a
-    // sort (as `ordenar` takes it), or (`hay` false) there are none; read
-    // at the next `cargar`.
-    void ordenarTanda(bool hay, int columna = -1, bool descendente = false);
     int columnaOrden() const { return m_columna; }
     bool descendente() const { return m_descendente; }
 
@@ -352,25 +353,28 @@ class ListaPaginada {
     mutable std::vector<int64_t> m_orden;
     // Read at the first page of a sort by a column of `porClave`.
     mutable std::vector<Grupo> m_grupos;
-    // A page of one of the runs of the rows after the ordered ones.
+    // A run of the rows after the ordered ones as read, from line
+    // `inicio` of them.
+    struct Corrida {
+        TramoCola def;
+        int inicio = 0;
+        std::unique_ptr<ListaPaginada> lista;
+    };
+    // A page of a run by step.
     struct PaginaCola {
-        const Serie* serie = nullptr;
+        size_t corrida = 0;
         int numero = -1;
         std::vector<Fila> filas;
     };
-    // Row `k` of a run of `filas` rows.
-    const Fila* filaSerie(const Serie& serie, int k, int filas) const;
-    int contarSerie(const Serie& serie) const;
-    // The line where row `k` of a run stands.
-    int lineaDe(const Serie& serie, int k) const;
-    // The pages of the runs read last (a view between two reads both),
-    // how many rows there are after the ordered ones, and in each run.
+    // Row `k` of run `c`, read by its step.
+    const Fila* filaSerie(size_t c, int k) const;
+    // The run row `k` of those after the ordered ones falls in.
+    size_t corridaDe(int k) const;
+    // The pages of the runs by step read last (a view between two reads
+    // both), the runs, and how many rows they hold.
     mutable std::vector<PaginaCola> m_cola;
+    std::vector<Corrida> m_corridas;
     int m_filasCola = 0;
-    int m_filasAntes = 0;
-    int m_filasTanda = 0;
-    // The rows of `tanda`, a list of their own, while they are shown.
-    std::unique_ptr<ListaPaginada> m_tanda;
     // The page read over turns (-1: none), those asked for meanwhile, the
     // stretches sorted so far, and by when this turn's share ends.
     mutable int m_leyendo = -1;

@@ -86,10 +86,10 @@ void ModeloPaginado::llegaron(int primera, int ultima) {
         Q_EMIT dataChanged(index(primera, 0), index(ultima, columnCount() - 1), {Qt::DisplayRole});
 }
 
-void ModeloPaginado::cargar(int filas, int filasCola) {
-    recolocar([this, filas, filasCola] {
+void ModeloPaginado::cargar(int filas) {
+    recolocar([this, filas] {
         try {
-            m_lista.cargar(filas, filasCola);
+            m_lista.cargar(filas);
         } catch (const ErrorBD&) {
             m_lista.limpiar();
         }

@@ -27,10 +27,10 @@ class ModeloPaginado : public ModeloListado {
     QString texto(int fila, int columna) const override;
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
-    // Reads the rows anew in the order chosen (`filas` and `filasCola`:
-    // the counts of the ordered lines and of those just moved here, when
-    // known); an unreadable table shows empty. Throws nothing.
-    void cargar(int filas = -1, int filasCola = -1);
+    // Reads the rows anew in the order chosen (`filas`: the count of the
+    // ordered lines, when known); an unreadable table shows empty. Throws
+    // nothing.
+    void cargar(int filas = -1);
     // How many rows there are now, without reading them; throws ErrorBD.
     int contar() const { return m_lista.contar(); }
     // Orders by a column without a header click (-1: by the rows' numbers).
@@ -39,15 +39,9 @@ class ModeloPaginado : public ModeloListado {
     int64_t clave(int fila) const { return m_lista.clave(fila); }
     // The lines in the order chosen, before those just moved here.
     int filasOrdenadas() const { return m_lista.filasOrdenadas(); }
-    int filasCola() const { return rowCount() - filasOrdenadas(); }
-    // The order of the lines before those just moved here, turned round.
-    QString ordenInverso() const { return m_lista.ordenInverso(); }
-    // The lines `origen` moved here all at once follow the others in its
-    // order turned round, until a sort (null: no such lines); read at the
-    // next `cargar`.
-    void recibirTanda(const ModeloPaginado* origen) {
-        m_lista.ordenarTanda(origen != nullptr, origen ? origen->m_lista.columnaOrden() : -1,
-                             origen && !origen->m_lista.descendente());
+    // Their order: the column (-1: the rows' numbers) and its direction.
+    std::pair<int, bool> ordenLista() const {
+        return {m_lista.columnaOrden(), m_lista.descendente()};
     }
     // Lines shown are still being read.
     bool leyendo() const { return m_lista.leyendo(); }

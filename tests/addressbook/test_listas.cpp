@@ -301,6 +301,10 @@ class TestListas : public QObject {
         QTest::newRow("all in, all out again")
             << QStringList{u"++"_s, u"--"_s} << true << QStringList{}
             << QStringList{u"CARLOS"_s, u"DORA"_s, u"BERTA"_s, u"ANA"_s} << QStringList{};
+        QTest::newRow("all in, one out, all out, all in")
+            << QStringList{u"++"_s, u"-ANA"_s, u"--"_s, u"++"_s} << true
+            << QStringList{u"BERTA"_s, u"DORA"_s, u"CARLOS"_s, u"ANA"_s} << QStringList{}
+            << QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s};
         QTest::newRow("all out, one back, all in")
             << QStringList{u"--"_s, u"+BERTA"_s, u"++"_s} << true
             << QStringList{u"BERTA"_s, u"ANA"_s, u"DORA"_s, u"CARLOS"_s} << QStringList{}
@@ -412,7 +416,8 @@ class TestListas : public QObject {
     // Lines moved all at once follow the others in the order of the side
     // they left turned round, down to the last of tens of thousands: as a
     // paint shows them after a jump to the end, and as a click reads them.
-    // The second move sends the first one's lines back one by one.
+    // The second move sends them back, turned round again, after the
+    // other side's own.
     void manyLinesMovedKeepTheirOrder_data() {
         QTest::addColumn<int>("columna");  // the outer side's order, going down
         QTest::newRow("by name") << 0;
