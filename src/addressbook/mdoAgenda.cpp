@@ -477,8 +477,6 @@ const QString kDesde =
 const QString kCeldas =
     u"SELECT Abonados.rowid AS Fila, coalesce(upper(Abonados.Alias), '') AS Nombre, "
     u"Abonados.Codigo AS Codigo "_s;
-constexpr int kHojaMiembros = 1;
-constexpr int kHojaResto = 2;
 
 QString lado(bool dentro) {
     return dentro ? u"1"_s : u"0"_s;
@@ -526,28 +524,34 @@ void msPrepararMiembrosLista(int16_t grupo,
             msSoltarMiembrosLista();
             // Names written by another program since are put in order first.
             Esquema::completarClavesNombre(bd());
-            bd().exec(u"CREATE TABLE "_s + kLista +
-                      u" (Grupo INTEGER, Ajenos INTEGER, Pasos INTEGER)"_s);
-            bd().exec(u"CREATE TABLE "_s + kMovidos +
-                      u" (Fila INTEGER PRIMARY KEY, Hoja INTEGER, Paso INTEGER)"_s);
-            // A leaf's lines are read in the order they were moved, and
-            // stored so.
-            bd().exec(u"CREATE INDEX temp.MiembrosMovidosHoja ON MiembrosMovidos (Hoja, Paso)"_s);
-            bd().exec(u"CREATE INDEX temp.MiembrosMovidosPaso ON MiembrosMovidos (Paso)"_s);
-            bd().exec(u"CREATE TABLE "_s + kHojas +
-                      u" (Hoja INTEGER PRIMARY KEY, Raiz INTEGER, Filas INTEGER, Lado INTEGER, "
-                      u"Ordenada INTEGER)"_s);
-            bd().exec(u"CREATE TABLE "_s + kRaices +
-                      u" (Raiz INTEGER PRIMARY KEY, Lado INTEGER, Posicion INTEGER, Columna "
-                      u"INTEGER, Descendente INTEGER, Hoja INTEGER)"_s);
-            bd().exec(u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s);
+            // A leaf's lines are read in the order they were moved (the
+            // index of leaf and step), and stored so (of the step).
+            for (const QString& sql : QStringList{
+                     u"CREATE TABLE "_s + kLista +
+                         u" (Grupo INTEGER, Ajenos INTEGER, Pasos INTEGER)"_s,
+                     u"CREATE TABLE "_s + kMovidos +
+                         u" (Fila INTEGER PRIMARY KEY, Hoja INTEGER, Paso INTEGER)"_s,
+                     u"CREATE INDEX temp.MiembrosMovidosHoja ON MiembrosMovidos (Hoja, Paso)"_s,
+                     u"CREATE INDEX temp.MiembrosMovidosPaso ON MiembrosMovidos (Paso)"_s,
+                     u"CREATE TABLE "_s + kHojas +
+                         u" (Hoja INTEGER PRIMARY KEY, Raiz INTEGER, Filas INTEGER, Lado INTEGER, "
+                         u"Ordenada INTEGER)"_s,
+                     u"CREATE TABLE "_s + kRaices +
+                         u" (Raiz INTEGER PRIMARY KEY, Lado INTEGER, Posicion INTEGER, Columna "
+                         u"INTEGER, Descendente INTEGER, Hoja INTEGER)"_s,
+                     u"CREATE TABLE "_s + kDentro + u" (Fila INTEGER PRIMARY KEY)"_s,
+                     // The members inside, the others outside, both among the
+                     // ordered lines.
+                     u"INSERT INTO "_s + kRaices +
+                         u" (Raiz, Lado, Posicion, Columna, Descendente) VALUES (1, 1, NULL, -1, "
+                         u"0), "
+                         u"(2, 0, NULL, -1, 0)"_s,
+                     u"INSERT INTO "_s + kHojas +
+                         u" (Hoja, Raiz, Filas, Lado, Ordenada) VALUES (1, 1, 0, 1, 1), (2, 2, 0, "
+                         u"0, "
+                         u"0)"_s})
+                bd().exec(sql);
             bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Pasos) VALUES (?, 0)"_s, {grupo});
-            bd().exec(u"INSERT INTO "_s + kRaices +
-                      u" (Raiz, Lado, Posicion, Columna, Descendente) VALUES (1, 1, NULL, -1, 0), "
-                      u"(2, 0, NULL, -1, 0)"_s);
-            bd().exec(u"INSERT INTO "_s + kHojas +
-                      u" (Hoja, Raiz, Filas, Lado, Ordenada) VALUES (1, 1, 0, 1, 1), (2, 2, 0, 0, "
-                      u"0)"_s);
             return false;
         },
         // The members that are contacts, each once, a stretch of numbers
@@ -567,10 +571,8 @@ void msPrepararMiembrosLista(int16_t grupo,
             const long long todos =
                 numeroDe(bd().query(u"SELECT count(*) FROM Abonados"_s).value(0, 0));
             *filas = {*dentro, int(todos - *dentro)};
-            bd().exec(u"UPDATE "_s + kHojas + u" SET Filas = ? WHERE Hoja = ?"_s,
-                      {filas->first, kHojaMiembros});
-            bd().exec(u"UPDATE "_s + kHojas + u" SET Filas = ? WHERE Hoja = ?"_s,
-                      {filas->second, kHojaResto});
+            bd().exec(u"UPDATE "_s + kHojas + u" SET Filas = CASE Hoja WHEN 1 THEN ? ELSE ? END"_s,
+                      {filas->first, filas->second});
             return false;
         }};
     porTurnos(bd(), std::move(pasos),
