@@ -543,13 +543,11 @@ void msPrepararMiembrosLista(int16_t grupo,
                      // The members inside, the others outside, both among the
                      // ordered lines.
                      u"INSERT INTO "_s + kRaices +
-                         u" (Raiz, Lado, Posicion, Columna, Descendente) VALUES (1, 1, NULL, -1, "
-                         u"0), "
-                         u"(2, 0, NULL, -1, 0)"_s,
+                         u" (Raiz, Lado, Posicion, Columna, Descendente) "
+                         u"VALUES (1, 1, NULL, -1, 0), (2, 0, NULL, -1, 0)"_s,
                      u"INSERT INTO "_s + kHojas +
-                         u" (Hoja, Raiz, Filas, Lado, Ordenada) VALUES (1, 1, 0, 1, 1), (2, 2, 0, "
-                         u"0, "
-                         u"0)"_s})
+                         u" (Hoja, Raiz, Filas, Lado, Ordenada) "
+                         u"VALUES (1, 1, 0, 1, 1), (2, 2, 0, 0, 0)"_s})
                 bd().exec(sql);
             bd().exec(u"INSERT INTO "_s + kLista + u" (Grupo, Pasos) VALUES (?, 0)"_s, {grupo});
             return false;
