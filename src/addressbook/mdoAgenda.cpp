@@ -504,12 +504,13 @@ QString siguientePosicion(bool dentro) {
            lado(dentro) + u')';
 }
 
-// A root new on `dentro`'s side after its lines; its number.
-qlonglong nuevaRaiz(bool dentro, const QVariant& hoja, int columna, bool descendente) {
+// A root new on `dentro`'s side after its lines, of no leaf yet; its
+// number.
+qlonglong nuevaRaiz(bool dentro, int columna, bool descendente) {
     bd().exec(u"INSERT INTO "_s + kRaices +
-                  u" (Lado, Posicion, Columna, Descendente, Hoja) VALUES (?, "_s +
-                  siguientePosicion(dentro) + u", ?, ?, ?)"_s,
-              {dentro ? 1 : 0, columna, descendente ? 1 : 0, hoja});
+                  u" (Lado, Posicion, Columna, Descendente) VALUES (?, "_s +
+                  siguientePosicion(dentro) + u", ?, ?)"_s,
+              {dentro ? 1 : 0, columna, descendente ? 1 : 0});
     return numeroDe(bd().query(u"SELECT max(Raiz) FROM "_s + kRaices).value(0, 0));
 }
 }  // namespace
@@ -664,7 +665,7 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
             {lista});
         // A leaf of their own at the end of the other side, in the order
         // given, after every step before.
-        const qlonglong hoja = nuevaRaiz(haciaDentro, {}, -1, false);
+        const qlonglong hoja = nuevaRaiz(haciaDentro, -1, false);
         bd().exec(u"UPDATE "_s + kRaices + u" SET Hoja = Raiz WHERE Raiz = ?"_s, {hoja});
         const int movidas = bd().exec(
             u"INSERT INTO "_s + kMovidos +
@@ -706,7 +707,7 @@ void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente) {
                   {hacia, base, ultima, desde});
         // Then its ordered lines, from the last up: one run whatever their
         // leaves.
-        const qlonglong raiz = nuevaRaiz(haciaDentro, {}, columna, !descendente);
+        const qlonglong raiz = nuevaRaiz(haciaDentro, columna, !descendente);
         bd().exec(u"UPDATE "_s + kHojas + u" SET Raiz = ? WHERE Ordenada = ?"_s, {raiz, desde});
         bd().exec(u"DELETE FROM "_s + kRaices + u" WHERE Lado = ? AND Posicion IS NULL"_s, {desde});
         seguirRaices();
