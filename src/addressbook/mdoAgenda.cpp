@@ -490,7 +490,8 @@ QString deSuHoja(const QString& columna, const QString& fila = u"Abonados.rowid"
            u" d WHERE d.Fila = "_s + fila + u") THEN 1 ELSE 2 END))"_s;
 }
 
-// Each leaf takes the side and the place of its root.
+// Each leaf takes the side and the place of its root: a row's filter then
+// looks up its leaf alone.
 void seguirRaices() {
     bd().exec(u"UPDATE "_s + kHojas +
               u" SET Lado = r.Lado, Ordenada = CASE WHEN r.Posicion IS NULL THEN r.Lado ELSE -1 "
