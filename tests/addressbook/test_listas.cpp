@@ -420,11 +420,21 @@ class TestListas : public QObject {
             QCOMPARE(textosDe(destino, 1), esperadas);
         }
         const bool todosDentro = idas.last();
+        // Some hundreds go back by choice: they follow the other side's
+        // lines from the last up, a far page of them read from the end.
         Listado* l = todosDentro ? m.lstLista : m.lstcontactos;
-        l->seleccionarFila(0);
-        l->seleccionarFila(1, true);
-        const QStringList vueltas{l->modelo()->texto(0, 1), l->modelo()->texto(1, 1)};
+        Listado* otra = todosDentro ? m.lstcontactos : m.lstLista;
+        QStringList vueltas;
+        for (int f = 0; f < 600; ++f) {
+            l->seleccionarFila(f, f > 0);
+            vueltas.append(l->modelo()->texto(f, 1));
+        }
+        QStringList esperadas = textosDe(otra, 1);
+        for (auto it = vueltas.crbegin(); it != vueltas.crend(); ++it) esperadas.append(*it);
         (todosDentro ? m.cmdQuitar : m.Command1)->click();
+        const int lejos = int(esperadas.size()) - 50;
+        QCOMPARE(otra->modelo()->texto(lejos, 1), esperadas.at(lejos));
+        QCOMPARE(textosDe(otra, 1), esperadas);
         m.cmdAdd->click();
         // Thirty thousand new members take more than the click's turn.
         QVERIFY((m.ocupada() && !m.cmdTodos->isEnabled() && !m.lstLista->isEnabled()) ||
