@@ -213,7 +213,7 @@ const ListaPaginada::Fila* ListaPaginada::filaSerie(size_t c, int k) const {
             // of the run is nearer.
             const Serie& serie = m_corridas[c].def.serie;
             const int filas = m_corridas[c].def.filas;
-            const QString paso = serie.paso;
+            const QString& paso = serie.paso;
             const int primera = numero * kFilasPagina;
             const bool desdeElFinal = primera > filas / 2;
             const bool bajando = serie.descendente != desdeElFinal;

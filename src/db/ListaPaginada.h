@@ -125,8 +125,6 @@ class ListaPaginada {
     void limpiar();
 
     int filas() const { return m_filas + m_filasCola; }
-    // Those of them in the order chosen, before the rows of `cola`.
-    int filasOrdenadas() const { return m_filas; }
     int columnas() const { return int(m_def.columnas.size()); }
     // The text of a cell as the list shows it; empty when the row can't be
     // read.

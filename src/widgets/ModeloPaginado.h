@@ -37,9 +37,8 @@ class ModeloPaginado : public ModeloListado {
     void ordenar(int columna, bool descendente);
     // The number of the row on line `fila`.
     int64_t clave(int fila) const { return m_lista.clave(fila); }
-    // The lines in the order chosen, before those just moved here.
-    int filasOrdenadas() const { return m_lista.filasOrdenadas(); }
-    // Their order: the column (-1: the rows' numbers) and its direction.
+    // The order of the lines before those just moved here: the column
+    // (-1: the rows' numbers) and its direction.
     std::pair<int, bool> ordenLista() const {
         return {m_lista.columnaOrden(), m_lista.descendente()};
     }
