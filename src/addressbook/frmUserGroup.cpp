@@ -116,22 +116,31 @@ void frmUserGroup::mover(bool haciaDentro, const QList<int>& filas) {
     for (auto it = filas.crbegin(); it != filas.crend(); ++it)
         if (const int64_t c = origen->clave(*it); c > 0) claves.push_back(c);
     if (claves.empty()) return;
-    try {
-        msMoverMiembros(haciaDentro, claves);
-    } catch (const ErrorBD&) {
-        // The moves are as they were: the lists show them.
-    }
-    recargar();
+    trasMover([&](std::function<void()> hecho) {
+        msMoverMiembros(haciaDentro, claves, std::move(hecho));
+    });
 }
 
 void frmUserGroup::moverTodos(bool haciaDentro) {
     const auto [columna, descendente] = (haciaDentro ? m_fuera : m_dentro)->ordenLista();
-    try {
-        msMoverTodosLosMiembros(haciaDentro, columna, descendente);
-    } catch (const ErrorBD&) {
-        // The lists show the moves as they stand.
-    }
-    recargar();
+    trasMover([&](std::function<void()> hecho) {
+        msMoverTodosLosMiembros(haciaDentro, columna, descendente, std::move(hecho));
+    });
+}
+
+void frmUserGroup::trasMover(const std::function<void(std::function<void()>)>& mover) {
+    // Most moves end within the click. One that waits for another write of
+    // ours keeps the screen closed to clicks until it is done, so that the
+    // lines clicked next are the ones shown.
+    auto hecho = std::make_shared<bool>(false);
+    QPointer<frmUserGroup> pantalla(this);
+    mover([pantalla, hecho] {
+        *hecho = true;
+        if (!pantalla) return;
+        if (pantalla->ocupada()) pantalla->ocupar(false);
+        pantalla->recargar();
+    });
+    if (!*hecho) ocupar(true);
 }
 
 void frmUserGroup::recargar() {

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 class Listado;
@@ -50,6 +51,8 @@ class frmUserGroup : public QDialog {
     // Moves lines of one side to the end of the other, from the last up.
     void mover(bool haciaDentro, const QList<int>& filas);
     void moverTodos(bool haciaDentro);
+    // Runs a move, given what to call once it is done.
+    void trasMover(const std::function<void(std::function<void()>)>& mover);
     // Reads both sides after a move.
     void recargar();
 

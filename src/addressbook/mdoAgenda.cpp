@@ -637,15 +637,34 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
             bd().exec(u"UPDATE "_s + kRaices + u" SET Posicion = NULL WHERE Lado = ?"_s,
                       {dentro ? 1 : 0});
             seguirRaices();
+            return true;
         } catch (const ErrorBD& e) {
-            msLog(u"No se pudo ordenar la Lista: "_s + e.description());
+            // Refused while another write of ours holds the connection, the
+            // lines moved stay after the others until the next sort.
+            if (!bd().retenida()) msLog(u"No se pudo ordenar la Lista: "_s + e.description());
+            return false;
         }
     };
     return d;
 }
 
-void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
-    if (claves.empty()) return;
+namespace {
+// The moves write the screen's temporary tables, which a write of ours
+// holding the connection would take into its transaction and undo with it.
+void cuandoLibre(std::function<void()> mover, std::function<void()> alTerminar) {
+    EscrituraPorTurnos::porTurnos(
+        bd(), {[mover = std::move(mover)] {
+            mover();
+            return false;
+        }},
+        [alTerminar = std::move(alTerminar)](const ErrorBD* fallo) {
+            if (fallo)
+                msLog(u"No se pudieron mover los contactos de la Lista: "_s + fallo->description());
+            alTerminar();
+        });
+}
+
+void moverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
     QString lista = u"["_s;
     for (size_t k = 0; k < claves.size(); ++k) {
         if (k) lista += u',';
@@ -687,7 +706,7 @@ void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves) {
     }
 }
 
-void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente) {
+void moverTodos(bool haciaDentro, int columna, bool descendente) {
     const QString sp = u"todos"_s;
     const QVariant hacia = haciaDentro ? 1 : 0;
     const QVariant desde = haciaDentro ? 0 : 1;
@@ -717,6 +736,23 @@ void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente) {
         deshacer(sp);
         throw;
     }
+}
+
+}  // namespace
+
+void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves,
+                     std::function<void()> alTerminar) {
+    if (claves.empty()) {
+        alTerminar();
+        return;
+    }
+    cuandoLibre([haciaDentro, claves] { moverMiembros(haciaDentro, claves); },
+                std::move(alTerminar));
+}
+
+void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente,
+                             std::function<void()> alTerminar) {
+    cuandoLibre([=] { moverTodos(haciaDentro, columna, descendente); }, std::move(alTerminar));
 }
 
 void msGuardarMiembrosLista(int16_t grupo, std::function<void(bool guardada)> alTerminar) {

@@ -133,13 +133,18 @@ void msPrepararMiembrosLista(int16_t grupo,
                              std::function<void(std::optional<std::pair<int, int>>)> alTerminar);
 // One side as its list shows it: upper-case name and number.
 ListaPaginada::Definicion definicionMiembros(bool dentro);
+// A move waits, the window turning, while another write of ours holds the
+// connection; `alTerminar` is called once it is done, or failed and
+// logged, within the call when nothing held it.
 // Moves the contacts whose rows are `claves` to the end of the other side,
-// in the order given. Throws ErrorBD.
-void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves);
+// in the order given.
+void msMoverMiembros(bool haciaDentro, const std::vector<int64_t>& claves,
+                     std::function<void()> alTerminar);
 // Moves a whole side to the end of the other, from its last line up: its
 // lines just moved there, then the others in its order (`columna`, -1 the
-// rows' numbers, and `descendente`) turned round. Throws ErrorBD.
-void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente);
+// rows' numbers, and `descendente`) turned round.
+void msMoverTodosLosMiembros(bool haciaDentro, int columna, bool descendente,
+                             std::function<void()> alTerminar);
 // Writes the moves into the list's memberships in one transaction over as
 // many turns of the event loop as it takes (the memberships of numbers
 // that are no contact go too), then drops them. `alTerminar` is told

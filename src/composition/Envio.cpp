@@ -12,10 +12,8 @@
 #include "db/Esquema.h"
 #include "db/Nombres.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QHash>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -160,16 +158,6 @@ constexpr int kElementosPorPaso = 50;
 void agregarMensajes(const QString& destinos, const QString& texto, bool soloContactos,
                      int64_t canal, AlAgregar alTerminar) {
     BaseDatos& db = Conexion();
-    // Another write of ours that holds the connection is waited for: it
-    // would refuse every row of this one.
-    if (db.retenida()) {
-        QTimer::singleShot(
-            20, QCoreApplication::instance(),
-            [destinos, texto, soloContactos, canal, alTerminar = std::move(alTerminar)]() mutable {
-                agregarMensajes(destinos, texto, soloContactos, canal, std::move(alTerminar));
-            });
-        return;
-    }
     auto a = std::make_shared<Agregado>();
     a->destinos = destinos;
     a->entrada.emplace(db);

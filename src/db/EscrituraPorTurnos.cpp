@@ -179,12 +179,17 @@ void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,
         db.establecerEspera(espera);
     } catch (const ErrorBD& fallo) {
         db.establecerEspera(espera);
-        // Ours held by another write of ours is no wait: that one is long.
-        if (!db.lastWasBusy() || db.retenida() || limite.hasExpired()) {
+        // Held by another write of ours, it is waited for however long it
+        // takes: it ends in turns of its own, and failing now would lose
+        // what the user asked for. The wait for another program starts
+        // after it.
+        const bool nuestra = db.retenida();
+        if (!db.lastWasBusy() || (!nuestra && limite.hasExpired())) {
             alTerminar(&fallo);
             return;
         }
-        QTimer::singleShot(50, QCoreApplication::instance(),
+        if (nuestra) limite = QDeadlineTimer(espera);
+        QTimer::singleShot(nuestra ? 20 : 50, QCoreApplication::instance(),
                            [&db, apertura, limite, pasos = std::move(pasos),
                             alTerminar = std::move(alTerminar)]() mutable {
                                if (!db.isOpen() || db.apertura() != apertura) {

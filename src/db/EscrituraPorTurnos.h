@@ -27,7 +27,8 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 // and `alTerminar` called. A write that takes several turns calls it in a
 // turn of its own after the last.
 // A lock another program holds is waited for between turns, as long as the
-// connection's wait, not on the caller's stack.
+// connection's wait, not on the caller's stack; another write of this
+// kind, until it ends.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
 // The same for a coroutine: empty once committed, else why it failed.
 QCoro::Task<std::optional<ErrorBD>> escrito(BaseDatos& db, std::vector<Paso> pasos);

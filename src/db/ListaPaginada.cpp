@@ -243,8 +243,7 @@ const ListaPaginada::Fila* ListaPaginada::filaSerie(size_t c, int k) const {
 
 void ListaPaginada::ordenar(int columna, bool descendente) {
     vaciarPaginas();
-    if (m_filasCola > 0) {
-        if (m_def.asentarCola) m_def.asentarCola();
+    if (m_filasCola > 0 && (!m_def.asentarCola || m_def.asentarCola())) {
         m_filas += m_filasCola;
         m_filasCola = 0;
         m_cola.clear();

@@ -105,9 +105,10 @@ class ListaPaginada {
         // Rows shown after the ordered ones until the next sort takes them
         // in (lines just moved here from another list), run after run, as
         // they stand at each `cargar` (throws ErrorBD); and what the sort
-        // runs first so that the filter then holds them.
+        // runs first so that the filter then holds them (false when it
+        // could not: they stay after the others).
         std::function<QVector<TramoCola>()> cola;
-        std::function<void()> asentarCola;
+        std::function<bool()> asentarCola;
         // Turns a cell read into what the list shows (a date into the
         // list's form), when SQL can't.
         std::function<QString(int columna, const QString& celda)> mostrar;

@@ -5,6 +5,8 @@
 #include "addressbook/frmGrupos.h"
 #include "addressbook/frmUserGroup.h"
 #include "base/Pantallas.h"
+#include "db/Conexion.h"
+#include "db/EscrituraPorTurnos.h"
 #include "widgets/Listado.h"
 #include "widgets/ModeloPaginado.h"
 #include "widgets/PantallasHijas.h"
@@ -266,9 +268,12 @@ class TestListas : public QObject {
     }
 
     // Moves stay on screen: a sort keeps them, Cancelar drops them, Guardar
-    // writes them and touches no other list.
+    // writes them and touches no other list. While another write of ours
+    // holds the connection, a move and the store wait for it, the screen
+    // closed to clicks, and a sort leaves the lines moved after the others.
     // Steps: "+A,B" selects lines outside and adds them, "-A" removes,
-    // "++" / "--" move a whole side, "^" clicks the first header of both.
+    // "++" / "--" move a whole side, "^" clicks the first header of both,
+    // "*" starts a write that holds the connection, or ends it.
     void movesReachTheListOnlyWhenStored_data() {
         QTest::addColumn<QStringList>("pasos");
         QTest::addColumn<bool>("guardar");
@@ -309,6 +314,13 @@ class TestListas : public QObject {
             << QStringList{u"--"_s, u"+BERTA"_s, u"++"_s} << true
             << QStringList{u"BERTA"_s, u"ANA"_s, u"DORA"_s, u"CARLOS"_s} << QStringList{}
             << QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s};
+        QTest::newRow("held: a move waits, so does the store")
+            << QStringList{u"*"_s, u"-ANA"_s, u"*"_s, u"*"_s} << true << QStringList{u"BERTA"_s}
+            << QStringList{u"CARLOS"_s, u"DORA"_s, u"ANA"_s} << QStringList{u"2"_s};
+        QTest::newRow("held: a sort leaves the lines moved after")
+            << QStringList{u"-ANA"_s, u"+DORA"_s, u"*"_s, u"^"_s, u"*"_s} << true
+            << QStringList{u"BERTA"_s, u"DORA"_s} << QStringList{u"CARLOS"_s, u"ANA"_s}
+            << QStringList{u"2"_s, u"4"_s};
     }
 
     void movesReachTheListOnlyWhenStored() {
@@ -327,7 +339,27 @@ class TestListas : public QObject {
         m.msCargarUsuariosParaGrupo();
         QTRY_VERIFY(!m.ocupada());
         QCOMPARE(m.lblcont->text(), u"2 Contactos en la lista"_s);
+        bool retenida = false, soltar = false;
+        const auto retener = [&] {
+            retenida = !retenida;
+            if (!retenida) {
+                soltar = true;
+                QTRY_VERIFY(!Conexion().retenida());
+                return;
+            }
+            soltar = false;
+            EscrituraPorTurnos::escribir(Conexion(), {[&] { return !soltar; }},
+                                         [](const ErrorBD*) {});
+            QVERIFY(Conexion().retenida());
+        };
         for (const QString& p : pasos) {
+            const QStringList antes = textosDe(m.lstLista, 0);
+            if (p == u"*"_s) {
+                retener();
+                // What waited is done.
+                QTRY_VERIFY(!m.ocupada() || retenida);
+                continue;
+            }
             if (p == u"++"_s) {
                 m.cmdTodos->click();
             } else if (p == u"--"_s) {
@@ -342,6 +374,11 @@ class TestListas : public QObject {
                     l->seleccionarFila(int(textosDe(l, 0).indexOf(n)), true);
                 (p.startsWith(u'+') ? m.Command1 : m.cmdQuitar)->click();
             }
+            // A move waits; a sort doesn't.
+            if (retenida && p != u"^"_s) {
+                QVERIFY(m.ocupada());
+                QCOMPARE(textosDe(m.lstLista, 0), antes);
+            }
         }
         QTEST(textosDe(m.lstLista, 0), "dentro");
         QTEST(textosDe(m.lstcontactos, 0), "fuera");
@@ -353,6 +390,12 @@ class TestListas : public QObject {
         }
         QCOMPARE(m.lblcont->text(), u"2 Contactos en la lista"_s);
         (guardar ? m.cmdAdd : m.cmdClose)->click();
+        if (retenida) {
+            QVERIFY(m.ocupada());
+            QCOMPARE(m.nCodGrupo, int16_t(3));
+            QCOMPARE(cuantos(u"select count(*) from AboGrup where Grupo = 3"_s), 3);
+            retener();
+        }
         QTRY_VERIFY(!m.ocupada());
         QStringList guardados;
         for (const QString& c :

@@ -16,6 +16,7 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTimer>
+#include <optional>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -403,6 +404,12 @@ PRAGMA integrity_check;
                                           return false;
                                       }},
                                       [](const ErrorBD*) {});
+        // So does another write in a transaction of its own: refused, what
+        // the user asked for would be lost.
+        std::optional<bool> otra;
+        escribir(db, {sentencia(db, u"INSERT INTO padre VALUES (2)"_s)},
+                 [&](const ErrorBD* e) { otra = !e; });
+        QVERIFY(!otra);
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
         QVERIFY(!db.lastWasBusy());
         sqlite3* otro = nullptr;
@@ -425,6 +432,8 @@ PRAGMA integrity_check;
         QCOMPARE(memoria(), lectura);
         QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), filas);
         QTRY_VERIFY(despues);
+        QTRY_COMPARE(otra, std::optional<bool>(true));
+        QCOMPARE(db.query(u"SELECT count(*) FROM padre WHERE rowid = 2"_s).value(0, 0).toInt(), 1);
         Transaccion siguiente(db);
         siguiente.commit();
     }
