@@ -413,9 +413,10 @@ class TestListas : public QObject {
     // they left turned round, down to the last of tens of thousands: as a
     // paint shows them after a jump to the end, and as a click reads them.
     // A second move sends them back, turned round again, after the other
-    // side's own. Two lines then go back, and the list is stored over
-    // several turns: the screen stays open until it is, and every move
-    // lands, each member once.
+    // side's own. Hundreds of lines then go back by choice (and, with all
+    // out, out again with the rest), and the list is stored over several
+    // turns: the screen stays open until it is, and every move lands, each
+    // member once.
     void manyLinesMovedKeepTheirOrder_data() {
         QTest::addColumn<int>("orden");         // the outer side's column, going down
         QTest::addColumn<QList<bool>>("idas");  // each "all moved": inwards?
@@ -478,6 +479,18 @@ class TestListas : public QObject {
         const int lejos = int(esperadas.size()) - 50;
         QCOMPARE(otra->modelo()->texto(lejos, 1), esperadas.at(lejos));
         QCOMPARE(textosDe(otra, 1), esperadas);
+        QStringList guardados = vueltas;
+        if (!todosDentro) {
+            // They go out again with the rest: their run comes first, turned
+            // round, a far page of it read first.
+            QStringList todas = textosDe(l, 1);
+            const int lejana = int(todas.size()) + 550;
+            for (auto it = esperadas.crbegin(); it != esperadas.crend(); ++it) todas.append(*it);
+            m.cmdquitarTodos->click();
+            QCOMPARE(l->modelo()->texto(lejana, 1), todas.at(lejana));
+            QCOMPARE(textosDe(l, 1), todas);
+            guardados.clear();
+        }
         m.cmdAdd->click();
         // Thirty thousand new members take more than the click's turn.
         QVERIFY((m.ocupada() && !m.cmdTodos->isEnabled() && !m.lstLista->isEnabled()) ||
@@ -485,7 +498,6 @@ class TestListas : public QObject {
         m.reject();  // closing waits for the store
         QVERIFY(m.isVisible() || !todosDentro);
         QTRY_VERIFY(!m.isVisible());
-        QStringList guardados = vueltas;
         if (todosDentro) {
             guardados = columna(u"select Codigo from Abonados"_s);
             for (const QString& c : vueltas) guardados.removeOne(c);
