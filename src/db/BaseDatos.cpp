@@ -10,6 +10,7 @@
 #include <malloc.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -272,7 +273,8 @@ Hecho BaseDatos::openWith(const QString& path, int flags) {
 
 void BaseDatos::establecerEspera(int ms) {
     m_espera = ms;
-    if (m_db) sqlite3_busy_timeout(m_db, ms);
+    // Set when the connection comes back.
+    if (m_db && !m_enOtroHilo) sqlite3_busy_timeout(m_db, ms);
 }
 
 bool BaseDatos::lastWasBusy() const {
@@ -282,7 +284,52 @@ bool BaseDatos::lastWasBusy() const {
     return codigo == SQLITE_BUSY || codigo == SQLITE_LOCKED;
 }
 
+void BaseDatos::confirmarEnOtroHilo(bool copiar,
+                                    std::function<void(const ErrorBD* fallo)> alTerminar) {
+    exigirArchivos();
+    m_enOtroHilo = true;
+    sqlite3* db = m_db;
+    QObject* app = QCoreApplication::instance();
+    m_hilo = std::thread([this, db, copiar, app, vida = std::weak_ptr<char>(m_vida),
+                          apertura = m_apertura, alTerminar = std::move(alTerminar)]() mutable {
+        const int rc = sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
+        // Another program reading may keep part of it for later, as ever.
+        if (rc == SQLITE_OK && copiar)
+            sqlite3_wal_checkpoint_v2(db, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+        QMetaObject::invokeMethod(
+            app,
+            [this, vida = std::move(vida), apertura, rc, alTerminar = std::move(alTerminar)] {
+                if (vida.expired()) return;
+                // Closed meanwhile, closing waited for this thread; the
+                // connection may be in another's hands again since.
+                if (!m_enOtroHilo || m_apertura != apertura) {
+                    const ErrorBD cerrada(u"La conexión con la base de datos se cerró"_s,
+                                          ErrNum::BaseDatos);
+                    alTerminar(&cerrada);
+                    return;
+                }
+                m_hilo.join();
+                m_enOtroHilo = false;
+                sqlite3_busy_timeout(m_db, m_espera);
+                if (rc == SQLITE_OK) {
+                    alTerminar(nullptr);
+                    return;
+                }
+                try {
+                    fail(u"COMMIT"_s);
+                } catch (const ErrorBD& fallo) {
+                    alTerminar(&fallo);
+                }
+            },
+            Qt::QueuedConnection);
+    });
+}
+
 void BaseDatos::close() {
+    // The other thread's calls end first; what it hands back finds the
+    // connection closed.
+    if (m_hilo.joinable()) m_hilo.join();
+    m_enOtroHilo = false;
     for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
     m_cache.clear();
     if (m_db) sqlite3_close_v2(m_db);
@@ -347,6 +394,13 @@ bool escribe(sqlite3_stmt* s) {
 }
 }  // namespace
 
+void BaseDatos::rehusarEnOtroHilo(const QString& sql) {
+    if (!m_enOtroHilo) return;
+    m_rehusada = true;
+    throw ErrorBD(u"La base de datos está ocupada guardando otro cambio ["_s + sql.left(200) + u']',
+                  ErrNum::BaseDatos, kTextoRetenida);
+}
+
 void BaseDatos::rehusarSiRetenida(sqlite3_stmt* s, const QString& sql) {
     if (!m_retenida || m_pasoPropio || (s && !escribe(s))) return;
     m_rehusada = true;
@@ -360,6 +414,7 @@ sqlite3_stmt* BaseDatos::prepare(const QString& sql) {
             m_perdida ? kTextoPerdida : u"La conexión con la base de datos no está abierta"_s,
             ErrNum::BaseDatos);
     m_rehusada = false;
+    rehusarEnOtroHilo(sql);
     if (sqlite3_stmt* s = m_cache.value(sql)) {
         sqlite3_reset(s);
         sqlite3_clear_bindings(s);
@@ -494,6 +549,7 @@ void BaseDatos::execScript(const QString& sql) {
         throw ErrorBD(u"La conexión con la base de datos no está abierta"_s, ErrNum::BaseDatos);
     // A script isn't looked into: held, it is refused whole.
     m_rehusada = false;
+    rehusarEnOtroHilo(sql);
     rehusarSiRetenida(nullptr, sql);
     char* err = nullptr;
     if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {

@@ -8,6 +8,9 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
+#include <functional>
+#include <memory>
+#include <thread>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -114,7 +117,19 @@ class BaseDatos {
     // it (a full disk), which a routine passing over failures must not miss.
     bool enTransaccion() const;
 
-    sqlite3* handle() const { return m_db; }
+    // Null while the connection is in the hands of another thread.
+    sqlite3* handle() const { return m_enOtroHilo ? nullptr : m_db; }
+
+    // Commits the transaction on a thread of its own, and then copies the
+    // log into the file when `copiar`: calls of tens of milliseconds for a
+    // write of half a million rows. Meanwhile every statement of this
+    // thread fails at once as busy, as while another program holds the
+    // file (none waits for the other thread), and `enOtroHilo` tells
+    // readers that can come back later. `alTerminar` is called on this
+    // thread once the connection is back: null when committed, else why
+    // it failed (the transaction still open, as after a failed COMMIT).
+    void confirmarEnOtroHilo(bool copiar, std::function<void(const ErrorBD* fallo)> alTerminar);
+    bool enOtroHilo() const { return m_enOtroHilo; }
 
     // A write done over several turns of the event loop holds the
     // connection's transaction (EscrituraPorTurnos). Meanwhile every other
@@ -169,6 +184,8 @@ class BaseDatos {
     // Throws, as busy, when the connection is held and `s` (null: a script)
     // is another's write.
     void rehusarSiRetenida(sqlite3_stmt* s, const QString& sql);
+    // Throws, as busy, while the connection is in another thread's hands.
+    void rehusarEnOtroHilo(const QString& sql);
     void perder();
 
     sqlite3* m_db = nullptr;
@@ -187,4 +204,8 @@ class BaseDatos {
     int m_espera = 5000;
     unsigned long long m_apertura = 0;
     QHash<QString, sqlite3_stmt*> m_cache;
+    bool m_enOtroHilo = false;
+    std::thread m_hilo;
+    // Gone with the object: what the other thread hands back finds it so.
+    std::shared_ptr<char> m_vida = std::make_shared<char>();
 };

@@ -42,28 +42,16 @@ struct Estado {
     bool transaccion = true;
     // Turns begun: the first runs in the caller's click.
     int turnos = 0;
-    // Every step done: the commit comes in the next turn.
-    bool aplazado = false;
     Final alTerminar;
 };
 
-// The log's copy into the file, which the commit of a write of several
-// turns would run at once, in a turn of its own. A write of one turn left
-// little in the log: the engine copies it when the log has grown, as
-// after any commit, and a slice of a re-work doesn't pay a copy (and its
-// disk sync) each.
-void copiarDiario(BaseDatos& db, unsigned long long apertura, bool grande) {
-    if (!db.isOpen() || db.apertura() != apertura) return;
-    sqlite3_wal_autocheckpoint(db.handle(), kCopiaDiario);
-    if (!grande) return;
-    // After the window has had a turn: a zero delay would run it ahead of
-    // the timers and paints the commit already kept waiting.
-    QTimer::singleShot(10, QCoreApplication::instance(), [&db, apertura] {
-        // Another program reading may keep part of it for later, as ever.
-        if (db.isOpen() && db.apertura() == apertura)
-            sqlite3_wal_checkpoint_v2(db.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
-                                      nullptr);
-    });
+// The engine's copy of the log after a commit, which a write held off:
+// a write of several turns had its own on the commit's thread. A write of
+// one turn left little in the log, which the engine copies when it has
+// grown, as after any commit.
+void copiarDiario(BaseDatos& db, unsigned long long apertura) {
+    if (db.isOpen() && db.apertura() == apertura)
+        sqlite3_wal_autocheckpoint(db.handle(), kCopiaDiario);
 }
 
 void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
@@ -80,7 +68,7 @@ void terminar(const std::shared_ptr<Estado>& e, const ErrorBD* fallo) {
             }
         }
         db.retener(false);
-        copiarDiario(db, e->apertura, e->turnos > 1);
+        copiarDiario(db, e->apertura);
     }
     // A write that ended in the caller's click tells it at once. One that
     // took several turns tells in a turn of its own: what the caller does
@@ -133,11 +121,17 @@ void turno(const std::shared_ptr<Estado>& e) {
         // The commit writes what the steps left in memory: a turn of its
         // own unless the write was small.
         if (e->siguiente == e->pasos.size()) {
-            if (!e->transaccion || e->aplazado || reloj.elapsed() < turno / 2) {
-                if (e->transaccion) db.commit();
-                hecho = true;
+            // A write larger than a small one leaves much in memory: its
+            // commit, and the log's copy after it, are calls of tens of
+            // milliseconds, run on a thread of their own while the
+            // connection stays held.
+            if (e->transaccion && (e->turnos > 1 || reloj.elapsed() >= turno / 2)) {
+                db.pasoPropio(false);
+                db.confirmarEnOtroHilo(true, [e](const ErrorBD* fallo) { terminar(e, fallo); });
+                return;
             }
-            e->aplazado = true;
+            if (e->transaccion) db.commit();
+            hecho = true;
         }
         db.pasoPropio(false);
     } catch (const ErrorBD& fallo) {

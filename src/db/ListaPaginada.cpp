@@ -206,6 +206,8 @@ const ListaPaginada::Fila* ListaPaginada::filaSerie(size_t c, int k) const {
         return p.corrida == c && p.numero == numero;
     });
     if (it == m_cola.end()) {
+        // Not kept empty while the connection is away: asked again later.
+        if (Conexion().enOtroHilo()) return nullptr;
         PaginaCola p{c, numero, {}};
         try {
             // The rows before the page are skipped on the run's index
@@ -1054,6 +1056,8 @@ const ListaPaginada::Pagina* ListaPaginada::pagina(int numero) const {
 }
 
 bool ListaPaginada::leerPaginaAntesDe(int numero, QDeadlineTimer plazo) const {
+    // The connection comes back within a few turns: read then.
+    if (Conexion().enOtroHilo()) return false;
     m_plazo = plazo;
     Pagina p{numero, {}};
     size_t grupo = 0;

@@ -13,11 +13,16 @@
 #include "db/Transaccion.h"
 
 #include <sqlite3.h>
+#include <QElapsedTimer>
 #include <QSet>
 #include <QStandardPaths>
+#include <QThread>
 #include <QTimer>
+#include <atomic>
+#include <chrono>
 #include <optional>
 #include <stdexcept>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -436,6 +441,54 @@ PRAGMA integrity_check;
         QCOMPARE(db.query(u"SELECT count(*) FROM padre WHERE rowid = 2"_s).value(0, 0).toInt(), 1);
         Transaccion siguiente(db);
         siguiente.commit();
+    }
+
+    // The commit of a write of several turns, and the log's copy, run on a
+    // thread of their own: meanwhile a statement of the window's thread
+    // fails at once as busy rather than wait for the engine, and the write
+    // ends when the commit does.
+    void aLongWritesCommitLeavesTheThread() {
+        struct Compromiso {
+            std::atomic<Qt::HANDLE> hilo{nullptr};
+            std::atomic<bool> soltar{false};
+        } c;
+        // The engine's commit waits to be let go, for two seconds at most.
+        sqlite3_commit_hook(
+            db.handle(),
+            [](void* p) {
+                auto* c = static_cast<Compromiso*>(p);
+                c->hilo = QThread::currentThreadId();
+                for (int i = 0; i < 2000 && !c->soltar; ++i)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                return 0;
+            },
+            &c);
+        bool pasos = true;
+        std::optional<bool> hecha;
+        using namespace EscrituraPorTurnos;
+        escribir(db,
+                 {sentencia(db, u"INSERT INTO MenPro VALUES (1,'uno')"_s), [&] { return pasos; }},
+                 [&](const ErrorBD* e) { hecha = !e; });
+        pasos = false;
+        QTRY_VERIFY(db.enOtroHilo());
+        QElapsedTimer reloj;
+        reloj.start();
+        bool rehusada = false;
+        try {
+            db.query(u"SELECT count(*) FROM MenPro"_s);
+        } catch (const ErrorBD&) {
+            rehusada = db.lastWasBusy();
+        }
+        QVERIFY(rehusada);
+        QVERIFY(reloj.elapsed() < 500);
+        QVERIFY(!hecha && db.retenida());
+        c.soltar = true;
+        QTRY_VERIFY(hecha);
+        QVERIFY(*hecha);
+        QVERIFY(c.hilo != QThread::currentThreadId());
+        QVERIFY(!db.enOtroHilo() && !db.retenida());
+        sqlite3_commit_hook(db.handle(), nullptr, nullptr);
+        QCOMPARE(db.query(u"SELECT count(*) FROM MenPro"_s).value(0, 0).toInt(), 1);
     }
 
     // Emptying a table drops its indexes and empties it, each one call
