@@ -300,12 +300,13 @@ void BaseDatos::confirmarEnOtroHilo(bool copiar,
             app,
             [this, vida = std::move(vida), apertura, rc, alTerminar = std::move(alTerminar)] {
                 if (vida.expired()) return;
-                // Closed meanwhile, closing waited for this thread; the
-                // connection may be in another's hands again since.
+                // Closed meanwhile, closing waited for this thread (the
+                // connection may be in another's hands again since): what
+                // it committed stands, and the rest went with the close.
                 if (!m_enOtroHilo || m_apertura != apertura) {
                     const ErrorBD cerrada(u"La conexión con la base de datos se cerró"_s,
                                           ErrNum::BaseDatos);
-                    alTerminar(&cerrada);
+                    alTerminar(rc == SQLITE_OK ? nullptr : &cerrada);
                     return;
                 }
                 m_hilo.join();

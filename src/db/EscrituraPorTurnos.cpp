@@ -176,8 +176,9 @@ void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,
         // Held by another write of ours, it is waited for however long it
         // takes: it ends in turns of its own, and failing now would lose
         // what the user asked for. The wait for another program starts
-        // after it.
-        const bool nuestra = db.retenida();
+        // after it. A caller that waits for nothing (a slice of a re-work,
+        // which comes again) fails at once, as before another program.
+        const bool nuestra = db.retenida() && espera > 0;
         if (!db.lastWasBusy() || (!nuestra && limite.hasExpired())) {
             alTerminar(&fallo);
             return;

@@ -519,6 +519,8 @@ namespace {
 template <class F>
 auto antesDe(QDeadlineTimer plazo, F leer) -> std::optional<decltype(leer())> {
     sqlite3* h = Conexion().handle();
+    // Closed, or in another thread's hands: `leer` fails as such.
+    if (!h) return leer();
     struct Estado {
         QDeadlineTimer plazo;
         bool parada = false;
