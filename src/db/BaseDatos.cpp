@@ -16,6 +16,8 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTimer>
+#include <atomic>
 #include <cerrno>
 
 using namespace Qt::StringLiterals;
@@ -288,42 +290,55 @@ void BaseDatos::confirmarEnOtroHilo(bool copiar,
                                     std::function<void(const ErrorBD* fallo)> alTerminar) {
     exigirArchivos();
     m_enOtroHilo = true;
-    sqlite3* db = m_db;
-    QObject* app = QCoreApplication::instance();
-    m_hilo = std::thread([this, db, copiar, app, vida = std::weak_ptr<char>(m_vida),
-                          apertura = m_apertura, alTerminar = std::move(alTerminar)]() mutable {
-        const int rc = sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
+    // The other thread reaches nothing of this one but this: its end is
+    // looked for here every few milliseconds, so that nothing it does can
+    // outlive the objects of the event loop (at the program's end).
+    struct Entrega {
+        std::atomic<bool> hecha{false};
+        int rc = SQLITE_OK;
+    };
+    auto entrega = std::make_shared<Entrega>();
+    m_hilo = std::thread([db = m_db, copiar, entrega] {
+        entrega->rc = sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
         // Another program reading may keep part of it for later, as ever.
-        if (rc == SQLITE_OK && copiar)
+        if (entrega->rc == SQLITE_OK && copiar)
             sqlite3_wal_checkpoint_v2(db, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
-        QMetaObject::invokeMethod(
-            app,
-            [this, vida = std::move(vida), apertura, rc, alTerminar = std::move(alTerminar)] {
-                if (vida.expired()) return;
-                // Closed meanwhile, closing waited for this thread (the
-                // connection may be in another's hands again since): what
-                // it committed stands, and the rest went with the close.
-                if (!m_enOtroHilo || m_apertura != apertura) {
-                    const ErrorBD cerrada(u"La conexión con la base de datos se cerró"_s,
-                                          ErrNum::BaseDatos);
-                    alTerminar(rc == SQLITE_OK ? nullptr : &cerrada);
-                    return;
-                }
-                m_hilo.join();
-                m_enOtroHilo = false;
-                sqlite3_busy_timeout(m_db, m_espera);
-                if (rc == SQLITE_OK) {
-                    alTerminar(nullptr);
-                    return;
-                }
-                try {
-                    fail(u"COMMIT"_s);
-                } catch (const ErrorBD& fallo) {
-                    alTerminar(&fallo);
-                }
-            },
-            Qt::QueuedConnection);
+        entrega->hecha.store(true, std::memory_order_release);
     });
+    auto* reloj = new QTimer(QCoreApplication::instance());
+    reloj->setInterval(2);
+    QObject::connect(reloj, &QTimer::timeout, reloj,
+                     [this, reloj, entrega, vida = std::weak_ptr<char>(m_vida),
+                      apertura = m_apertura, alTerminar = std::move(alTerminar)] {
+                         if (!vida.expired() && !entrega->hecha.load(std::memory_order_acquire))
+                             return;
+                         reloj->stop();
+                         reloj->deleteLater();
+                         if (vida.expired()) return;
+                         const int rc = entrega->rc;
+                         // Closed meanwhile, closing waited for the other thread (the
+                         // connection may be in another's hands again since): what it
+                         // committed stands, and the rest went with the close.
+                         if (!m_enOtroHilo || m_apertura != apertura) {
+                             const ErrorBD cerrada(u"La conexión con la base de datos se cerró"_s,
+                                                   ErrNum::BaseDatos);
+                             alTerminar(rc == SQLITE_OK ? nullptr : &cerrada);
+                             return;
+                         }
+                         m_hilo.join();
+                         m_enOtroHilo = false;
+                         sqlite3_busy_timeout(m_db, m_espera);
+                         if (rc == SQLITE_OK) {
+                             alTerminar(nullptr);
+                             return;
+                         }
+                         try {
+                             fail(u"COMMIT"_s);
+                         } catch (const ErrorBD& fallo) {
+                             alTerminar(&fallo);
+                         }
+                     });
+    reloj->start();
 }
 
 void BaseDatos::close() {
