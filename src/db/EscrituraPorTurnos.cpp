@@ -45,9 +45,9 @@ struct Estado {
     Final alTerminar;
 };
 
-// The engine's copy of the log after a commit, which a write held off:
-// a write of several turns had its own on the commit's thread. A write of
-// one turn left little in the log, which the engine copies when it has
+// The engine's own copy of the log after a commit, off while a write is
+// held, is back once it ends: a large write had its copy on the commit's
+// thread, and a small one left little in the log, copied when it has
 // grown, as after any commit.
 void copiarDiario(BaseDatos& db, unsigned long long apertura) {
     if (db.isOpen() && db.apertura() == apertura)
@@ -118,13 +118,11 @@ void turno(const std::shared_ptr<Estado>& e) {
             ++t_llamadas;
             if (!e->pasos[e->siguiente]()) ++e->siguiente;
         }
-        // The commit writes what the steps left in memory: a turn of its
-        // own unless the write was small.
+        // The commit writes what the steps left in memory. Unless the
+        // write was small, it and the log's copy after it are calls of
+        // tens of milliseconds: they run on a thread of their own while
+        // the connection stays held.
         if (e->siguiente == e->pasos.size()) {
-            // A write larger than a small one leaves much in memory: its
-            // commit, and the log's copy after it, are calls of tens of
-            // milliseconds, run on a thread of their own while the
-            // connection stays held.
             if (e->transaccion && (e->turnos > 1 || reloj.elapsed() >= turno / 2)) {
                 db.pasoPropio(false);
                 db.confirmarEnOtroHilo(true, [e](const ErrorBD* fallo) { terminar(e, fallo); });
