@@ -276,7 +276,7 @@ Hecho BaseDatos::openWith(const QString& path, int flags) {
 void BaseDatos::establecerEspera(int ms) {
     m_espera = ms;
     // Set when the connection comes back.
-    if (m_db && !m_enOtroHilo) sqlite3_busy_timeout(m_db, ms);
+    if (m_db && !enOtroHilo()) sqlite3_busy_timeout(m_db, ms);
 }
 
 bool BaseDatos::lastWasBusy() const {
@@ -289,7 +289,6 @@ bool BaseDatos::lastWasBusy() const {
 void BaseDatos::confirmarEnOtroHilo(bool copiar,
                                     std::function<void(const ErrorBD* fallo)> alTerminar) {
     exigirArchivos();
-    m_enOtroHilo = true;
     // The other thread reaches nothing of this one but this: its end is
     // looked for here every few milliseconds, so that nothing it does can
     // outlive the objects of the event loop (at the program's end).
@@ -319,14 +318,13 @@ void BaseDatos::confirmarEnOtroHilo(bool copiar,
                          // Closed meanwhile, closing waited for the other thread (the
                          // connection may be in another's hands again since): what it
                          // committed stands, and the rest went with the close.
-                         if (!m_enOtroHilo || m_apertura != apertura) {
+                         if (!enOtroHilo() || m_apertura != apertura) {
                              const ErrorBD cerrada(u"La conexión con la base de datos se cerró"_s,
                                                    ErrNum::BaseDatos);
                              alTerminar(rc == SQLITE_OK ? nullptr : &cerrada);
                              return;
                          }
                          m_hilo.join();
-                         m_enOtroHilo = false;
                          sqlite3_busy_timeout(m_db, m_espera);
                          if (rc == SQLITE_OK) {
                              alTerminar(nullptr);
@@ -345,7 +343,6 @@ void BaseDatos::close() {
     // The other thread's calls end first; what it hands back finds the
     // connection closed.
     if (m_hilo.joinable()) m_hilo.join();
-    m_enOtroHilo = false;
     for (sqlite3_stmt* s : std::as_const(m_cache)) sqlite3_finalize(s);
     m_cache.clear();
     if (m_db) sqlite3_close_v2(m_db);
@@ -410,18 +407,19 @@ bool escribe(sqlite3_stmt* s) {
 }
 }  // namespace
 
-void BaseDatos::rehusarEnOtroHilo(const QString& sql) {
-    if (!m_enOtroHilo) return;
+void BaseDatos::rehusar(const QString& sql) {
     m_rehusada = true;
     throw ErrorBD(u"La base de datos está ocupada guardando otro cambio ["_s + sql.left(200) + u']',
                   ErrNum::BaseDatos, kTextoRetenida);
 }
 
+void BaseDatos::rehusarEnOtroHilo(const QString& sql) {
+    if (enOtroHilo()) rehusar(sql);
+}
+
 void BaseDatos::rehusarSiRetenida(sqlite3_stmt* s, const QString& sql) {
     if (!m_retenida || m_pasoPropio || (s && !escribe(s))) return;
-    m_rehusada = true;
-    throw ErrorBD(u"La base de datos está ocupada guardando otro cambio ["_s + sql.left(200) + u']',
-                  ErrNum::BaseDatos, kTextoRetenida);
+    rehusar(sql);
 }
 
 sqlite3_stmt* BaseDatos::prepare(const QString& sql) {

@@ -118,7 +118,7 @@ class BaseDatos {
     bool enTransaccion() const;
 
     // Null while the connection is in the hands of another thread.
-    sqlite3* handle() const { return m_enOtroHilo ? nullptr : m_db; }
+    sqlite3* handle() const { return enOtroHilo() ? nullptr : m_db; }
 
     // Commits the transaction on a thread of its own, and then copies the
     // log into the file when `copiar`: calls of tens of milliseconds for a
@@ -129,7 +129,7 @@ class BaseDatos {
     // thread once the connection is back: null when committed, else why
     // it failed (the transaction still open, as after a failed COMMIT).
     void confirmarEnOtroHilo(bool copiar, std::function<void(const ErrorBD* fallo)> alTerminar);
-    bool enOtroHilo() const { return m_enOtroHilo; }
+    bool enOtroHilo() const { return m_hilo.joinable(); }
 
     // A write done over several turns of the event loop holds the
     // connection's transaction (EscrituraPorTurnos). Meanwhile every other
@@ -186,6 +186,7 @@ class BaseDatos {
     void rehusarSiRetenida(sqlite3_stmt* s, const QString& sql);
     // Throws, as busy, while the connection is in another thread's hands.
     void rehusarEnOtroHilo(const QString& sql);
+    [[noreturn]] void rehusar(const QString& sql);
     void perder();
 
     sqlite3* m_db = nullptr;
@@ -204,7 +205,7 @@ class BaseDatos {
     int m_espera = 5000;
     unsigned long long m_apertura = 0;
     QHash<QString, sqlite3_stmt*> m_cache;
-    bool m_enOtroHilo = false;
+    // The commit's thread, until the connection is taken back.
     std::thread m_hilo;
     // Gone with the object: what the other thread hands back finds it so.
     std::shared_ptr<char> m_vida = std::make_shared<char>();
