@@ -28,9 +28,6 @@ namespace {
 // tables over and over: kept here, they are not read from the file again
 // while nobody else writes.
 constexpr int kMemoriaLectura = -65536;
-// While a write over several turns holds the connection: pages past this
-// go to the log as it runs.
-constexpr int kMemoriaEscritura = -16384;
 // A table of a million rows, read before it is emptied.
 constexpr int kMemoriaVaciado = -262144;
 
@@ -367,26 +364,18 @@ bool BaseDatos::enTransaccion() const {
 void BaseDatos::retener(bool retenida) {
     m_retenida = retenida;
     m_pasoPropio = false;
-    // An emptying undone halfway lets go of its memory as well.
-    const bool soltar = m_memoriaAmplia && !retenida;
-    if (!retenida) m_memoriaAmplia = false;
-    ajustarMemoria(soltar);
+    // A write keeps the readers' page memory: shrinking it would free
+    // thousands of blocks in the click that begins the write. An emptying
+    // undone halfway lets go of its wider memory.
+    if (!retenida && m_memoriaAmplia) memoriaParaVaciar(false);
 }
 
 void BaseDatos::memoriaParaVaciar(bool amplia) {
     const bool soltar = m_memoriaAmplia && !amplia;
     m_memoriaAmplia = amplia;
-    ajustarMemoria(soltar);
-}
-
-void BaseDatos::ajustarMemoria(bool soltar) {
-    // A long write's pages go to the log as it runs, turn by turn, so that
-    // its commit has little left to write in one call; a hint, which can't
-    // fail in a way that matters.
     if (!m_db) return;
-    const int kib = m_memoriaAmplia ? kMemoriaVaciado
-                    : m_retenida    ? kMemoriaEscritura
-                                    : kMemoriaLectura;
+    // A hint, which can't fail in a way that matters.
+    const int kib = amplia ? kMemoriaVaciado : kMemoriaLectura;
     sqlite3_exec(m_db, (u"PRAGMA main.cache_size="_s + QString::number(kib)).toUtf8().constData(),
                  nullptr, nullptr, nullptr);
     // The pages let go go back to the system, not only to the heap.

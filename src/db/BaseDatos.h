@@ -169,9 +169,6 @@ class BaseDatos {
     sqlite3_stmt* prepare(const QString& sql);
     void bind(sqlite3_stmt* stmt, const QVariantList& params, const QString& sql);
     [[noreturn]] void fail(const QString& sql);
-    // The page memory the state asks for; `soltar` gives what it frees back
-    // to the system.
-    void ajustarMemoria(bool soltar);
 
     struct Identidad {
         unsigned long long dispositivo = 0, nodo = 0;
