@@ -1,8 +1,10 @@
 #include "base/Turno.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <coroutine>
+#include <deque>
 
 namespace {
 struct Pausa {
@@ -23,3 +25,27 @@ QCoro::Task<> turnoSiguiente(int ms) {
     Pausa pausa{ms};
     co_await pausa;
 }
+
+namespace turno_detalle {
+namespace {
+std::deque<Pieza>& cola() {
+    static std::deque<Pieza> c;
+    return c;
+}
+
+void liberarTurno() {
+    auto& c = cola();
+    QElapsedTimer reloj;
+    reloj.start();
+    while (!c.empty() && reloj.elapsed() < kTurnoMs)
+        if (c.front()()) c.pop_front();
+    if (!c.empty()) QTimer::singleShot(1, QCoreApplication::instance(), liberarTurno);
+}
+}  // namespace
+
+void encolar(Pieza pieza) {
+    auto& c = cola();
+    c.push_back(std::move(pieza));
+    if (c.size() == 1) QTimer::singleShot(1, QCoreApplication::instance(), liberarTurno);
+}
+}  // namespace turno_detalle

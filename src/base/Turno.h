@@ -2,12 +2,11 @@
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
-#include <QElapsedTimer>
 #include <QList>
 #include <QSet>
-#include <QTimer>
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -47,17 +46,12 @@ inline void fundirLibres() {
     void* volatile bloque = std::malloc(64 * 1024);
     std::free(bloque);
 }
-template <class C>
-void seguirLiberando(std::shared_ptr<C> resto) {
-    QElapsedTimer reloj;
-    reloj.start();
-    do {
-        quitarTramo(*resto);
-        fundirLibres();
-    } while (!resto->empty() && reloj.elapsed() < kTurnoMs);
-    if (resto->empty()) return;
-    QTimer::singleShot(1, QCoreApplication::instance(), [resto] { seguirLiberando(resto); });
-}
+// A piece of a container's freeing; true once it is all freed.
+using Pieza = std::function<bool()>;
+// The one queue of what is being freed: one timer takes the pieces of all
+// the containers in order, a turn at a time. A timer for each would fire
+// together in one pass of the loop, their turns end to end.
+void encolar(Pieza pieza);
 }  // namespace turno_detalle
 
 // A large container freed a piece at a time over turns of the event loop:
@@ -68,6 +62,9 @@ void liberarPorTurnos(C contenedor) {
     if (!QCoreApplication::instance() || qsizetype(contenedor.size()) < turno_detalle::kDeUnaVez)
         return;
     auto resto = std::make_shared<C>(std::move(contenedor));
-    QTimer::singleShot(1, QCoreApplication::instance(),
-                       [resto] { turno_detalle::seguirLiberando(resto); });
+    turno_detalle::encolar([resto] {
+        turno_detalle::quitarTramo(*resto);
+        turno_detalle::fundirLibres();
+        return resto->empty();
+    });
 }
