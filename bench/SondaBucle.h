@@ -10,6 +10,8 @@
 #include <QEventLoop>
 #include <QTimer>
 #include <algorithm>
+#include <cstdio>
+#include <ctime>
 #include <functional>
 
 // Records the largest lateness of a 10 ms timer while it runs.
@@ -20,6 +22,7 @@ class Sonda {
         m_timer.setInterval(10);
         QObject::connect(&m_timer, &QTimer::timeout, [this] {
             const qint64 ahora = m_reloj.elapsed();
+            anotar(ahora);
             m_peor = std::max(m_peor, ahora - m_ultimo - 10);
             m_ultimo = ahora;
         });
@@ -38,6 +41,18 @@ class Sonda {
     }
 
   private:
+    // With SONDA_MS set, each stall over it is printed with the monotonic
+    // clock's times, to be matched with a profiler's samples.
+    void anotar(qint64 ahora) const {
+        static const int umbral = qEnvironmentVariableIntValue("SONDA_MS");
+        if (umbral <= 0 || ahora - m_ultimo - 10 < umbral) return;
+        timespec ts;
+        clock_gettime(CLOCK_MONOTONIC, &ts);
+        const double fin = ts.tv_sec + ts.tv_nsec / 1e9;
+        std::fprintf(stderr, "stall %lld ms %.6f-%.6f\n",
+                     static_cast<long long>(ahora - m_ultimo - 10),
+                     fin - (ahora - m_ultimo) / 1000.0, fin);
+    }
     QTimer m_timer;
     QElapsedTimer m_reloj;
     qint64 m_ultimo = 0;

@@ -115,20 +115,19 @@ void frmGrupos::cmdDelete_Click() {
     if (f < 0) return;
     const auto grupo = int16_t(numeroDe(adoPrimaryRS.value(f, u"Grupo"_s)));
     const QString nombre = textoDe(adoPrimaryRS.value(f, u"Nombre"_s));
-    long long miembros = 0;
+    bool miembros = false;
     try {
-        miembros = miembrosDeLista(grupo);
+        miembros = listaConMiembros(grupo);
     } catch (const ErrorBD&) {
         // Errors are ignored here, as in the lists' other routines.
         msAbrirListas();
         return;
     }
     // The question names the members when there are any.
-    if (!confirmar(miembros > 0
-                       ? u"La Lista   '"_s + nombre +
-                             u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s
-                       : u"Esta a punto de eliminar la Lista   '"_s + nombre +
-                             u"'   , ¿esta seguro ?"_s)) {
+    if (!confirmar(miembros ? u"La Lista   '"_s + nombre +
+                                  u"'   tiene Contactos asignados. ¿Quiere eliminar la Lista ?"_s
+                            : u"Esta a punto de eliminar la Lista   '"_s + nombre +
+                                  u"'   , ¿esta seguro ?"_s)) {
         msAbrirListas();
         return;
     }

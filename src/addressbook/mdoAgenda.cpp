@@ -435,9 +435,11 @@ Resultado<bool> msRenombrarLista(int16_t grupo, const QString& actual, const QSt
     return true;
 }
 
-long long miembrosDeLista(int16_t grupo) {
-    return numeroDe(
-        bd().query(u"select count(*) from AboGrup where Grupo = ?"_s, {grupo}).value(0, 0));
+bool listaConMiembros(int16_t grupo) {
+    // The first membership found is enough: counting half a million held
+    // the click.
+    return numeroDe(bd().query(u"select exists (select 1 from AboGrup where Grupo = ?)"_s, {grupo})
+                        .value(0, 0)) != 0;
 }
 
 void msBorrarLista(int16_t grupo, std::function<void(bool borrada)> alTerminar) {

@@ -111,9 +111,9 @@ Resultado<int> msAltaLista(const QString& nombre);
 // Renames list `grupo` from `actual` to `nombre`; refuses a name too long.
 // True when stored; a failure of the engine goes to the log only.
 Resultado<bool> msRenombrarLista(int16_t grupo, const QString& actual, const QString& nombre);
-// How many memberships list `grupo` has: the delete's question tells
-// when there are any. Throws ErrorBD.
-long long miembrosDeLista(int16_t grupo);
+// Whether list `grupo` has any membership: the delete's question tells
+// when it has. Throws ErrorBD.
+bool listaConMiembros(int16_t grupo);
 // Deletes the list with its memberships (the contacts stay), over turns
 // of the event loop and whole or not at all; `alTerminar` is told whether
 // it went (a failure the user isn't told).
