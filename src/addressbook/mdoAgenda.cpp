@@ -597,6 +597,9 @@ ListaPaginada::Definicion definicionMiembros(bool dentro) {
     // Names alike go by their rows both ways, so the index serves both,
     // and a side's order turned round is its lines from the last up.
     d.estable = false;
+    // Which side a line is on is a look into the temporary tables: no
+    // index on the contacts has it.
+    d.filtroPorFila = true;
     // The lines of a run of "all moved": a list of their own.
     auto deRaiz = [d](qlonglong raiz) {
         auto lista = std::make_shared<ListaPaginada::Definicion>(d);

@@ -512,6 +512,22 @@ ResultadoConsulta BaseDatos::query(const QString& sql, const QVariantList& param
     return r;
 }
 
+void BaseDatos::recorrer(const QString& sql, const QVariantList& params,
+                         const std::function<bool(sqlite3_stmt*)>& porFila) {
+    sqlite3_stmt* s = prepare(sql);
+    bind(s, params, sql);
+    // Stopped early or by a throw, the statement lets go of its read.
+    const auto fin = qScopeGuard([s] { sqlite3_reset(s); });
+    int rc;
+    while ((rc = sqlite3_step(s)) == SQLITE_ROW)
+        if (!porFila(s)) return;
+    if (rc != SQLITE_DONE) fail(sql);
+}
+
+QVariant BaseDatos::valorDe(sqlite3_stmt* s, int columna) {
+    return leerColumna(s, columna);
+}
+
 QVector<QString> BaseDatos::queryTexts(const QString& sql, const QVariantList& params) {
     sqlite3_stmt* s = prepare(sql);
     bind(s, params, sql);

@@ -98,6 +98,13 @@ class BaseDatos {
     // row in one vector: a list of a hundred thousand rows is read without
     // a value object per cell.
     QVector<QString> queryTexts(const QString& sql, const QVariantList& params = {});
+    // Runs a read row by row on the engine's own statement: `porFila`
+    // returns false to stop there, and the rest is not walked. A list of a
+    // million rows is read without a value per cell. Throws ErrorBD.
+    void recorrer(const QString& sql, const QVariantList& params,
+                  const std::function<bool(sqlite3_stmt*)>& porFila);
+    // A column of the row a statement stands on, as `query` gives it.
+    static QVariant valorDe(sqlite3_stmt* s, int columna);
     // Runs one statement; returns the number of rows it changed.
     int exec(const QString& sql, const QVariantList& params = {});
     // Runs several statements without parameters (schema scripts).

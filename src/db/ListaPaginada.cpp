@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QHash>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <algorithm>
@@ -59,20 +60,10 @@ QString sinNulo(const QString& sql) {
 // a whole order of a million rows is read without a value per cell.
 template <typename PorFila>
 void recorrer(const QString& sql, int64_t numero, PorFila porFila) {
-    sqlite3* h = Conexion().handle();
-    const QByteArray texto = sql.toUtf8();
-    sqlite3_stmt* s = nullptr;
-    if (!h || sqlite3_prepare_v2(h, texto.constData(), -1, &s, nullptr) != SQLITE_OK) {
-        sqlite3_finalize(s);
-        throw ErrorBD(QString::fromUtf8(h ? sqlite3_errmsg(h) : "Base de datos cerrada"),
-                      ErrNum::BaseDatos);
-    }
-    sqlite3_bind_int64(s, 1, numero);
-    int rc;
-    while ((rc = sqlite3_step(s)) == SQLITE_ROW) porFila(s);
-    const QString error = QString::fromUtf8(sqlite3_errmsg(h));
-    sqlite3_finalize(s);
-    if (rc != SQLITE_DONE) throw ErrorBD(error, ErrNum::BaseDatos);
+    Conexion().recorrer(sql, {qlonglong(numero)}, [&](sqlite3_stmt* s) {
+        porFila(s);
+        return true;
+    });
 }
 
 // Row numbers as one JSON array, a single parameter however many.
@@ -106,6 +97,7 @@ void ListaPaginada::vaciarPaginas() {
     m_marcas.clear();
     // Its pages may have left the memory since: the stretches start short.
     m_pasoMarcas = kPrimerPaso;
+    m_recorrido = {};
     m_orden.clear();
     m_orden.shrink_to_fit();
     m_grupos.clear();
@@ -626,6 +618,7 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPagina(int numero, size_t& g
     if (porIndice()) {
         // Skipping rows on the index walks each of them: a few pages in
         // one statement, farther in a long list over stretches.
+        if (m_def.filtroPorFila && terminos().size() <= 2) return leerPaginaFiltrada(numero);
         if (numero > kSaltoCorto && m_filas > kFilasDirectas) return leerPaginaLejos(numero);
         // The unary plus keeps the engine from walking the table by its
         // key instead of the index.
@@ -832,6 +825,72 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaLejos(int numero) cons
         }
     }
     return directas ? filas : leerPorClave(claves.data(), claves.size());
+}
+
+std::vector<ListaPaginada::Fila> ListaPaginada::leerPaginaFiltrada(int numero) const {
+    Recorrido& r = m_recorrido;
+    // From where the last turn stopped, or the nearest marked page.
+    const Marca* desde = &r.pos;
+    if (r.numero != numero) {
+        r = {};
+        r.numero = numero;
+        desde = nullptr;
+        if (auto m = m_marcas.lower_bound(numero); m != m_marcas.begin()) {
+            --m;
+            desde = &m->second;
+            r.pagina = m->first + 1;
+        }
+    }
+    const QVector<Termino> t = terminos();
+    QString valores = u"SELECT "_s + m_def.clave;
+    for (qsizetype i = 0; i + 1 < t.size(); ++i) valores += u", "_s + t.at(i).sql;
+    const int columnaFiltro = int(t.size());
+    valores +=
+        u", CASE WHEN ("_s + m_def.filtro + u") THEN 1 ELSE 0 END "_s + m_def.desde + u" WHERE "_s;
+    const auto marcaDe = [&](sqlite3_stmt* s) {
+        Marca m;
+        m.clave = sqlite3_column_int64(s, 0);
+        for (int i = 1; i < columnaFiltro; ++i) m.valores.append(BaseDatos::valorDe(s, i));
+        return m;
+    };
+    bool llena = false, cortada = false;
+    int64_t andadas = 0;
+    // A walk that failed starts again from a mark.
+    auto olvidar = qScopeGuard([&r] { r = {}; });
+    // Each part's rows in order, the list's and the others alike.
+    for (const Parte& parte : partesDespues(desde)) {
+        Conexion().recorrer(valores + hastaTope(parte) + ordenSql(t), parametrosHastaTope(parte),
+                            [&](sqlite3_stmt* s) {
+                                if (sqlite3_column_int(s, columnaFiltro)) {
+                                    if (r.pagina == numero)
+                                        r.claves.push_back(sqlite3_column_int64(s, 0));
+                                    if (++r.enPagina == kFilasPagina) {
+                                        m_marcas[r.pagina] = marcaDe(s);
+                                        if (r.pagina == numero) {
+                                            llena = true;
+                                            return false;
+                                        }
+                                        ++r.pagina;
+                                        r.enPagina = 0;
+                                    }
+                                }
+                                // The clock is read now and then: it costs more than a row.
+                                if (++andadas % 256 == 0 && m_plazo.hasExpired()) {
+                                    r.pos = marcaDe(s);
+                                    cortada = true;
+                                    return false;
+                                }
+                                return true;
+                            });
+        if (llena || cortada) break;
+    }
+    if (cortada) {
+        olvidar.dismiss();
+        throw Pendiente{};
+    }
+    // Full, or the list ended in it (or before it: rows deleted since).
+    const std::vector<int64_t> claves = std::move(r.claves);
+    return leerPorClave(claves.data(), claves.size());
 }
 
 bool ListaPaginada::enVentana(int numero) const {

@@ -84,6 +84,13 @@ class ListaPaginada {
         // all rows of `desde`. It binds nothing: what it depends on it
         // reads from the database (a temporary table of the connection).
         QString filtro;
+        // The filter is a test of each row that no index serves (a side of
+        // a split kept in temporary tables): pages of an index's order walk
+        // the other rows with the list's, the filter read as a value, and a
+        // turn ends between any two rows however few are the list's.
+        // Otherwise the engine looks for the filter's rows, as an index on
+        // it can.
+        bool filtroPorFila = false;
         // The row's number (a rowid), unique and growing with each insert.
         QString clave;
         // Statements that count the rows and give the highest number more
@@ -315,6 +322,10 @@ class ListaPaginada {
     // before it are skipped a stretch at a time, from the nearest page
     // whose end is marked, each stretch marking where it ended.
     std::vector<Fila> leerPaginaLejos(int numero) const;
+    // Page `numero` of an index's order whose filter is tested row by row
+    // (`filtroPorFila`): from the nearest page whose end is marked, every
+    // row walked, each page passed marked.
+    std::vector<Fila> leerPaginaFiltrada(int numero) const;
     // The row `filas` rows after `desde` (after none: from the start);
     // nullopt when the list ends before it.
     std::optional<Marca> saltarFilas(const Marca* desde, int64_t filas) const;
@@ -347,6 +358,17 @@ class ListaPaginada {
     static constexpr int64_t kPrimerPaso = 2048;
     mutable std::map<int, Marca> m_marcas;
     mutable int64_t m_pasoMarcas = kPrimerPaso;
+    // Where the walk toward page `numero` of a filter tested row by row
+    // stood when its turn ended: after row `pos`, in page `pagina`, of
+    // which it had passed `enPagina` rows (the keys of page `numero`).
+    struct Recorrido {
+        int numero = -1;
+        int pagina = 0;
+        int enPagina = 0;
+        Marca pos;
+        std::vector<int64_t> claves;
+    };
+    mutable Recorrido m_recorrido;
     // Every number in a text order, read only when the user jumps far
     // into it; an index's order never needs it.
     mutable std::vector<int64_t> m_orden;
