@@ -42,6 +42,8 @@ struct Estado {
     bool transaccion = true;
     // Turns begun: the first runs in the caller's click.
     int turnos = 0;
+    // What the first turn gives the steps.
+    qint64 primerTurno = kTurnoMs;
     Final alTerminar;
 };
 
@@ -106,7 +108,7 @@ void turno(const std::shared_ptr<Estado>& e) {
         db.pasoPropio(e->transaccion);
         // Steps that commit each on their own gain nothing by ending in the
         // click.
-        const qint64 turno = ++e->turnos == 1 && e->transaccion ? kPrimerTurnoMs : kTurnoMs;
+        const qint64 turno = ++e->turnos == 1 ? e->primerTurno : kTurnoMs;
         // Kept for a turn run from within a step, which has its own.
         const auto fin = qScopeGuard([llamadas = t_llamadas, ceder = t_ceder] {
             t_llamadas = llamadas;
@@ -150,8 +152,10 @@ void turno(const std::shared_ptr<Estado>& e) {
     terminar(e, nullptr);
 }
 
-void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool transaccion) {
+void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool transaccion,
+             qint64 primerTurno = kTurnoMs) {
     auto e = std::make_shared<Estado>();
+    e->primerTurno = primerTurno;
     e->db = &db;
     e->apertura = db.apertura();
     e->pasos = std::move(pasos);
@@ -162,7 +166,7 @@ void empezar(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar, bool tran
 
 // The write lock, taken without the window waiting for another program
 // that holds it: a try every 50 ms for as long as a statement would wait.
-void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,
+void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite, qint64 primerTurno,
            std::vector<Paso> pasos, Final alTerminar) {
     const int espera = db.espera();
     db.establecerEspera(0);
@@ -183,25 +187,27 @@ void tomar(BaseDatos& db, unsigned long long apertura, QDeadlineTimer limite,
         }
         if (nuestra) limite = QDeadlineTimer(espera);
         QTimer::singleShot(nuestra ? 20 : 50, QCoreApplication::instance(),
-                           [&db, apertura, limite, pasos = std::move(pasos),
+                           [&db, apertura, limite, primerTurno, pasos = std::move(pasos),
                             alTerminar = std::move(alTerminar)]() mutable {
                                if (!db.isOpen() || db.apertura() != apertura) {
                                    const ErrorBD cerrada(kTextoCerrada, ErrNum::BaseDatos);
                                    alTerminar(&cerrada);
                                    return;
                                }
-                               tomar(db, apertura, limite, std::move(pasos), std::move(alTerminar));
+                               tomar(db, apertura, limite, primerTurno, std::move(pasos),
+                                     std::move(alTerminar));
                            });
         return;
     }
     db.retener(true);
     sqlite3_wal_autocheckpoint(db.handle(), 0);
-    empezar(db, std::move(pasos), std::move(alTerminar), true);
+    empezar(db, std::move(pasos), std::move(alTerminar), true, primerTurno);
 }
 }  // namespace
 
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar) {
-    tomar(db, db.apertura(), QDeadlineTimer(db.espera()), std::move(pasos), std::move(alTerminar));
+    tomar(db, db.apertura(), QDeadlineTimer(db.espera()), kPrimerTurnoMs, std::move(pasos),
+          std::move(alTerminar));
 }
 
 namespace {
@@ -219,11 +225,14 @@ struct EsperaEscritura {
     bool await_ready() const noexcept { return false; }
     bool await_suspend(std::coroutine_handle<> continuar) {
         auto estado = e;
-        escribir(db, std::move(pasos), [estado](const ErrorBD* fallo) {
-            if (fallo) estado->fallo = *fallo;
-            estado->terminada = true;
-            if (estado->continuar) estado->continuar.resume();
-        });
+        // Awaited, it has no click to end in: its first turn is as short
+        // as the others (the transmitter's tick, the re-work of next runs).
+        tomar(db, db.apertura(), QDeadlineTimer(db.espera()), kTurnoMs, std::move(pasos),
+              [estado](const ErrorBD* fallo) {
+                  if (fallo) estado->fallo = *fallo;
+                  estado->terminada = true;
+                  if (estado->continuar) estado->continuar.resume();
+              });
         if (e->terminada) return false;
         e->continuar = continuar;
         return true;

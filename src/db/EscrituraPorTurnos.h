@@ -30,7 +30,8 @@ using Final = std::function<void(const ErrorBD* fallo)>;
 // connection's wait, not on the caller's stack; another write of this
 // kind, until it ends.
 void escribir(BaseDatos& db, std::vector<Paso> pasos, Final alTerminar);
-// The same for a coroutine: empty once committed, else why it failed.
+// The same for a coroutine: empty once committed, else why it failed. Its
+// first turn is as short as the others: no click waits for it to end.
 QCoro::Task<std::optional<ErrorBD>> escrito(BaseDatos& db, std::vector<Paso> pasos);
 
 // The same steps without a transaction of its own: each statement, or a
