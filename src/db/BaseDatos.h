@@ -100,7 +100,9 @@ class BaseDatos {
     QVector<QString> queryTexts(const QString& sql, const QVariantList& params = {});
     // Runs a read row by row on the engine's own statement: `porFila`
     // returns false to stop there, and the rest is not walked. A list of a
-    // million rows is read without a value per cell. Throws ErrorBD.
+    // million rows is read without a value per cell. `porFila` runs no
+    // statement of its own: the one it reads from could be let go. Throws
+    // ErrorBD.
     void recorrer(const QString& sql, const QVariantList& params,
                   const std::function<bool(sqlite3_stmt*)>& porFila);
     // A column of the row a statement stands on, as `query` gives it.

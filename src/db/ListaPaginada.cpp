@@ -56,16 +56,6 @@ QString sinNulo(const QString& sql) {
     return u"coalesce("_s + sql + u", '')"_s;
 }
 
-// Runs a statement of one bound number row by row on the engine itself:
-// a whole order of a million rows is read without a value per cell.
-template <typename PorFila>
-void recorrer(const QString& sql, int64_t numero, PorFila porFila) {
-    Conexion().recorrer(sql, {qlonglong(numero)}, [&](sqlite3_stmt* s) {
-        porFila(s);
-        return true;
-    });
-}
-
 // Row numbers as one JSON array, a single parameter however many.
 QString listaJson(const int64_t* claves, size_t n) {
     QString lista = u"["_s;
@@ -360,8 +350,12 @@ std::vector<ListaPaginada::Fila> ListaPaginada::leerFilas(const QString& donde,
 void ListaPaginada::leerOrdenCompleto() const {
     std::vector<int64_t> orden;
     orden.reserve(size_t(m_filas));
-    recorrer(u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql(),
-             m_tope, [&](sqlite3_stmt* s) { orden.push_back(sqlite3_column_int64(s, 0)); });
+    Conexion().recorrer(
+        u"SELECT "_s + m_def.clave + u' ' + desdeDonde(m_def.clave + u" <= ?"_s) + ordenSql(),
+        {qlonglong(m_tope)}, [&](sqlite3_stmt* s) {
+            orden.push_back(sqlite3_column_int64(s, 0));
+            return true;
+        });
     m_orden = std::move(orden);
 }
 
@@ -465,13 +459,15 @@ void ListaPaginada::leerOrdenPorGrupos() const {
     for (size_t g = 0; g < grupos().size(); ++g)
         for (const QVariant& k : m_grupos[g].claves) grupoDe.insert(k.toString(), g);
     std::vector<std::vector<int64_t>> porGrupo(m_grupos.size());
-    recorrer(u"SELECT "_s + m_def.porClave.clave + u", "_s + m_def.clave + u' ' +
-                 desdeDonde(u"+"_s + m_def.clave + u" <= ?"_s) + ordenSql(terminos().mid(1)),
-             m_tope, [&](sqlite3_stmt* s) {
-                 const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, 0));
-                 const auto g = grupoDe.constFind(QString::fromUtf8(t, sqlite3_column_bytes(s, 0)));
-                 if (g != grupoDe.cend()) porGrupo[*g].push_back(sqlite3_column_int64(s, 1));
-             });
+    Conexion().recorrer(
+        u"SELECT "_s + m_def.porClave.clave + u", "_s + m_def.clave + u' ' +
+            desdeDonde(u"+"_s + m_def.clave + u" <= ?"_s) + ordenSql(terminos().mid(1)),
+        {qlonglong(m_tope)}, [&](sqlite3_stmt* s) {
+            const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, 0));
+            const auto g = grupoDe.constFind(QString::fromUtf8(t, sqlite3_column_bytes(s, 0)));
+            if (g != grupoDe.cend()) porGrupo[*g].push_back(sqlite3_column_int64(s, 1));
+            return true;
+        });
     std::vector<int64_t> orden;
     orden.reserve(size_t(m_filas));
     for (const std::vector<int64_t>& g : porGrupo) orden.insert(orden.end(), g.begin(), g.end());
