@@ -106,8 +106,9 @@ void turno(const std::shared_ptr<Estado>& e) {
         if (!db.isOpen() || db.apertura() != e->apertura)
             throw ErrorBD(kTextoCerrada, ErrNum::BaseDatos);
         db.pasoPropio(e->transaccion);
-        // Steps that commit each on their own gain nothing by ending in the
-        // click.
+        // Only a write a click waits for (escribir) has a longer first
+        // turn: steps that commit each on their own, and writes that are
+        // awaited, gain nothing by ending in the call.
         const qint64 turno = ++e->turnos == 1 ? e->primerTurno : kTurnoMs;
         // Kept for a turn run from within a step, which has its own.
         const auto fin = qScopeGuard([llamadas = t_llamadas, ceder = t_ceder] {
